@@ -1,0 +1,12 @@
+# One interface target with the warnings and sanitizers that all of this project's own code is
+# built with. Third-party sources (GoogleTest) do not link it.
+add_library(pgkit_compile_options INTERFACE)
+
+target_compile_options(pgkit_compile_options INTERFACE
+  -Wall -Wextra -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+
+if(PGKIT_SANITIZE)
+  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(pgkit_compile_options INTERFACE ${sanitizers})
+  target_link_options(pgkit_compile_options INTERFACE ${sanitizers})
+endif()

@@ -1,0 +1,38 @@
+// pgkit: read, edit, write and browse DICOM data sets and media.
+//
+// This header includes the whole public interface. C callers get the flat functions, with handles
+// as opaque pointers; C++ callers get the classes too.
+//
+// Conventions, valid for every operation unless its own documentation says otherwise:
+//
+//  1. Results. An operation that can fail and has nothing else to return gives a signed 32-bit 1
+//     for success and 0 for failure. An operation that yields an object gives a pointer, null on
+//     failure. Writing operations give 0 for success and a positive code for each kind of failure.
+//  2. Ownership. Objects handed out (trees, lists, directory objects) are the caller's to release,
+//     only through the library: pgFreeNode, pgFreeNodeHierarchy, pgCloseDataSet and the like.
+//     Values and texts passed in are copied; buffers passed in stay the caller's.
+//  3. Tags are a 16-bit group and a 16-bit element number, or an element identifier: the index of
+//     a row of the built-in dictionary (0 to 3781).
+//  4. Texts are narrow and zero-terminated. Paths are those of the C runtime; a backslash separates
+//     components on every platform. On POSIX systems a slash does too, and a path that does not
+//     exist as written is looked up again without regard to case.
+//  5. Diagnostics are single lines. Misuse is reported on the standard output, bad argument values
+//     and files that cannot be opened on the standard error stream. There is no log file.
+//  6. Threads. The library starts none and takes no locks. A tree, and the file under it, belongs
+//     to one thread at a time. Library-wide settings (the private dictionary, the UN-sequence
+//     switch) must not change while another thread uses the library.
+//  7. Errors never cross the boundary as exceptions, with one exception: where no result is
+//     documented for an exhausted allocator, std::bad_alloc may reach the caller.
+//  8. Streams are the C runtime's FILE*. Host and module must share one C runtime (on Windows,
+//     msvcrt.dll).
+#ifndef PGKIT_PGKIT_H
+#define PGKIT_PGKIT_H
+
+#include "pgkit/dataset.h"
+#include "pgkit/dictionary.h"
+#include "pgkit/export.h"
+#include "pgkit/node.h"
+#include "pgkit/value_representation.h"
+#include "pgkit/version.h"
+
+#endif

@@ -1,0 +1,45 @@
+// Who allocates what a node owns: values and fragments come from here, texts from NewText.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "pgkit/node.h"
+
+namespace pgkit {
+
+constexpr uint32_t kUndefinedLength = 0xFFFFFFFF;
+
+// Stands in fileOffset for a position that does not fit 32 bits; nothing is ever read from there.
+constexpr uint32_t kUnreadablePosition = 0xFFFFFFFF;
+
+constexpr uint32_t ToFileOffset(uint64_t position) {
+    return position < kUnreadablePosition ? static_cast<uint32_t>(position) : kUnreadablePosition;
+}
+
+// Value and fragment buffers come from calloc: a large zeroed buffer costs only the pages that are
+// written, so a length that a damaged file merely claims costs nothing. Null when memory runs out.
+inline uint8_t* NewValueBuffer(size_t size) {
+    return static_cast<uint8_t*>(std::calloc(size == 0 ? 1 : size, 1));
+}
+
+inline void FreeValueBuffer(uint8_t* buffer) { std::free(buffer); }
+
+// The address that stands in PGX_Node::fragments for a table that was deliberately not built.
+inline FragmentEntry* NotIndexedMarker() { return reinterpret_cast<FragmentEntry*>(uintptr_t{1}); }
+
+// Whether the node has a fragment table of its own: neither none nor the marker.
+inline bool HasFragmentTable(const PGX_Node& node) {
+    return node.encapsulated != 0 && node.fragments != nullptr &&
+           node.fragments != NotIndexedMarker();
+}
+
+// A table of zeroed entries; null when memory runs out.
+FragmentEntry* NewFragmentTable(size_t capacity);
+
+// Frees the table with its loaded fragments, if the node has one, and leaves it without: null, count
+// and capacity 0.
+void FreeFragmentTable(PGX_Node& node);
+
+}  // namespace pgkit

@@ -1,0 +1,183 @@
+#include "dictionary/private_dictionary.h"
+
+#include <cctype>
+#include <cstdlib>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "dictionary/dictionary.h"
+#include "frame/text.h"
+#include "platform/platform.h"
+#include "pgkit/dictionary.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr size_t kMaxShortField = 15;  // group, element, VR, multiplicity
+constexpr size_t kMaxLongField = 127;  // creator, name
+
+struct FileCloser {
+    void operator()(FILE* stream) const { std::fclose(stream); }
+};
+
+uint32_t TagKey(uint16_t group, uint16_t element) { return (uint32_t{group} << 16) | element; }
+
+bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+
+// Takes the fields of one line from left to right. Every operation fails, and leaves the scanner of
+// no further use, when the text is not there or longer than the limit.
+class LineScanner {
+  public:
+    explicit LineScanner(std::string_view line) : rest_(line) {}
+
+    bool Literal(std::string_view text) {
+        if (rest_.substr(0, text.size()) != text) return false;
+        rest_.remove_prefix(text.size());
+        return true;
+    }
+
+    // At least one character, up to the first stop character.
+    std::optional<std::string> Until(char stop, size_t limit) {
+        return Take(rest_.find(stop), limit);
+    }
+
+    // The next word, behind any white space.
+    std::optional<std::string> Word(size_t limit) {
+        while (!rest_.empty() && IsSpace(rest_.front())) rest_.remove_prefix(1);
+        size_t end = 0;
+        while (end < rest_.size() && !IsSpace(rest_[end])) ++end;
+        return Take(end, limit);
+    }
+
+  private:
+    std::optional<std::string> Take(size_t end, size_t limit) {
+        end = end == std::string_view::npos ? rest_.size() : end;
+        if (end == 0 || end > limit) return std::nullopt;
+        std::string field(rest_.substr(0, end));
+        rest_.remove_prefix(end);
+        return field;
+    }
+
+    std::string_view rest_;
+};
+
+struct LineFields {
+    std::string group;
+    std::string creator;
+    std::string element;
+    std::string valueRep;
+    std::string name;
+};
+
+// The six fields of (group,"creator",element) VR name multiplicity; the last is only required.
+std::optional<LineFields> SplitLine(std::string_view line) {
+    LineScanner scanner(line);
+    if (!scanner.Literal("(")) return std::nullopt;
+    const auto group = scanner.Until(',', kMaxShortField);
+    if (!group || !scanner.Literal(",\"")) return std::nullopt;
+    const auto creator = scanner.Until('"', kMaxLongField);
+    if (!creator || !scanner.Literal("\",")) return std::nullopt;
+    const auto element = scanner.Until(')', kMaxShortField);
+    if (!element || !scanner.Literal(")")) return std::nullopt;
+    const auto valueRep = scanner.Word(kMaxShortField);
+    if (!valueRep) return std::nullopt;
+    const auto name = scanner.Word(kMaxLongField);
+    if (!name || !scanner.Word(kMaxShortField)) return std::nullopt;
+    return LineFields{*group, *creator, *element, *valueRep, *name};
+}
+
+// A hexadecimal number, of which a tag keeps the low 16 bits.
+std::optional<uint16_t> ParseHex(const std::string& text) {
+    char* end = nullptr;
+    const unsigned long long number = std::strtoull(text.c_str(), &end, 16);
+    if (end == text.c_str() || *end != '\0') return std::nullopt;
+    return static_cast<uint16_t>(number);
+}
+
+}  // namespace
+
+PrivateDictionary& PrivateDictionary::Instance() {
+    static PrivateDictionary instance;
+    return instance;
+}
+
+size_t PrivateDictionary::CreatorKeyHash::operator()(const CreatorKey& key) const {
+    return std::hash<std::string_view>()(key.creator) ^ (size_t{key.tag} * 0x9E3779B97F4A7C15u);
+}
+
+bool PrivateDictionary::LoadFile(const char* path) {
+    Clear();
+    if (!platform::PathExists(path) || platform::IsDirectory(path)) return false;
+    const std::unique_ptr<FILE, FileCloser> file(platform::OpenForReading(path));
+    if (!file) return true;
+    // A longer line is read in pieces, each of which counts as a line.
+    char line[1024];
+    std::setvbuf(file.get(), nullptr, _IOFBF, 1 << 16);
+    while (std::fgets(line, sizeof line, file.get()) != nullptr) AddLine(line);
+    return true;
+}
+
+void PrivateDictionary::Clear() {
+    firstByCreator_.clear();
+    firstByTag_.clear();
+    entries_.clear();
+}
+
+void PrivateDictionary::AddLine(const char* line) {
+    std::optional<LineFields> fields = SplitLine(line);
+    if (!fields) return;
+    // A range such as 6000-60FF stands for its first group.
+    if (fields->group.size() > 4 && fields->group[4] == '-') fields->group.resize(4);
+    if (fields->group.starts_with("7F")) return;
+    const std::optional<uint16_t> group = ParseHex(fields->group);
+    const std::optional<uint16_t> element = ParseHex(fields->element);
+    if (!group || !element) return;
+    if (fields->valueRep == "ox") fields->valueRep = "OWOB";
+    if (fields->valueRep == "up" || fields->valueRep == "xs" || fields->valueRep == "na") return;
+
+    entries_.push_back({*group, *element, pgFindValueRepresentationVR(fields->valueRep.c_str()),
+                        std::move(fields->name), ToUpper(TrimBlanks(fields->creator))});
+    const PrivateEntry& entry = entries_.back();
+    const uint32_t tag = TagKey(entry.group, entry.element);
+    firstByTag_.try_emplace(tag, &entry);
+    firstByCreator_.try_emplace(CreatorKey{tag, entry.creator}, &entry);
+}
+
+const PrivateEntry* PrivateDictionary::FindExact(uint16_t group, uint16_t element) const {
+    const auto found = firstByTag_.find(TagKey(group, element));
+    return found == firstByTag_.end() ? nullptr : found->second;
+}
+
+const PrivateEntry* PrivateDictionary::FindByCreator(uint16_t group, uint16_t element,
+                                                     std::string_view creator) const {
+    const auto found = firstByCreator_.find({TagKey(group, element), creator});
+    return found == firstByCreator_.end() ? nullptr : found->second;
+}
+
+const PrivateEntry* FindPrivateElement(uint16_t group, uint16_t element,
+                                       const std::vector<PrivateCreator>& creators) {
+    if (element < 0x1000) return nullptr;
+    const uint16_t block = element >> 8;
+    const uint16_t offset = element & 0xFF;
+    for (const PrivateCreator& creator : creators) {
+        if (creator.block != block) continue;
+        const PrivateEntry* entry =
+            PrivateDictionary::Instance().FindByCreator(group, offset, creator.text);
+        if (entry != nullptr) return entry;
+    }
+    return nullptr;
+}
+
+}  // namespace pgkit
+
+uint32_t pgSetPrivateDictionaryFile(const char* path) {
+    if (path == nullptr || path[0] == '\0') {
+        pgkit::PrivateDictionary::Instance().Clear();
+        return 0;
+    }
+    return pgkit::PrivateDictionary::Instance().LoadFile(path) ? 1 : 0;
+}

@@ -1,0 +1,66 @@
+// The private dictionary: elements of manufacturers' private groups, read from a text file.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace pgkit {
+
+struct PrivateEntry {
+    uint16_t group;
+    uint16_t element;   // as the file has it: usually the low byte, the block is the creator's
+    uint32_t valueRep;  // VR_Unknown when the file's text names none
+    std::string name;
+    std::string creator;  // trimmed, upper case
+};
+
+// A private creator element seen in a data set: it reserves the elements block00 to blockFF.
+struct PrivateCreator {
+    std::string text;  // trimmed, upper case
+    uint16_t block;
+};
+
+class PrivateDictionary {
+  public:
+    // The one dictionary of the library.
+    static PrivateDictionary& Instance();
+
+    // Replaces all entries by those of a file. False when path names no existing file.
+    bool LoadFile(const char* path);
+    void Clear();
+
+    // The first entry with exactly these numbers, whoever its creator; null when there is none.
+    const PrivateEntry* FindExact(uint16_t group, uint16_t element) const;
+
+    // The first entry of a creator's element; creator is trimmed and in upper case.
+    const PrivateEntry* FindByCreator(uint16_t group, uint16_t element,
+                                      std::string_view creator) const;
+
+  private:
+    struct CreatorKey {
+        uint32_t tag;
+        std::string_view creator;
+        bool operator==(const CreatorKey&) const = default;
+    };
+    struct CreatorKeyHash {
+        size_t operator()(const CreatorKey& key) const;
+    };
+
+    void AddLine(const char* line);
+
+    // In file order. A deque never moves its entries: the indexes refer to them.
+    std::deque<PrivateEntry> entries_;
+    std::unordered_map<uint32_t, const PrivateEntry*> firstByTag_;
+    std::unordered_map<CreatorKey, const PrivateEntry*, CreatorKeyHash> firstByCreator_;
+};
+
+// The entry for an element of a private block: the first of the creators that reserved its block
+// and has such an entry wins. Null when there is none, or the element is in no block.
+const PrivateEntry* FindPrivateElement(uint16_t group, uint16_t element,
+                                       const std::vector<PrivateCreator>& creators);
+
+}  // namespace pgkit

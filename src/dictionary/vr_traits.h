@@ -1,0 +1,60 @@
+// What the encoding rules make of a value representation. All constant time, all by code.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "pgkit/value_representation.h"
+
+namespace pgkit {
+
+constexpr uint32_t kVrCount = 29;
+
+// Whether the explicit header has two reserved bytes and a 32-bit length. A VR field that names no
+// VR is taken for a long one.
+constexpr bool HasLongHeader(uint32_t vr) {
+    switch (vr) {
+        case VR_OB:
+        case VR_OW:
+        case VR_OWOB:
+        case VR_OF:
+        case VR_SQ:
+        case VR_UN:
+        case VR_UT:
+        case VR_Unknown:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Bytes of the unit in which values are swapped when they are read, copied or written between byte
+// orders; 1 for values that are bytes or text.
+constexpr size_t SwapUnit(uint32_t vr) {
+    switch (vr) {
+        case VR_UL:
+        case VR_FL:
+        case VR_SL:
+        case VR_OF:
+            return 4;
+        case VR_US:
+        case VR_AT:
+        case VR_SS:
+        case VR_USSS:
+        case VR_OWOB:
+        case VR_OW:
+            return 2;
+        case VR_FD:
+            return 8;
+        default:
+            return 1;
+    }
+}
+
+// The code that the two characters of an explicit header name, or VR_Unknown.
+uint32_t VrFromCharacters(char first, char second);
+
+// The printable name of a code, or null when there is none.
+const char* VrName(uint32_t vr);
+
+}  // namespace pgkit

@@ -1,0 +1,31 @@
+// Text helpers: blanks, case and bounded copies. All of them know ASCII only, whatever the locale.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace pgkit {
+
+// The text without its leading and trailing blanks (0x20 only).
+std::string_view TrimBlanks(std::string_view text);
+
+char ToUpper(char c);
+std::string ToUpper(std::string_view text);
+
+// A zero-terminated copy on the heap, for the owned strings of nodes; free with delete[].
+char* NewText(std::string_view text);
+
+// Copies a text into a field of fixed size, cut to fit and always zero-terminated.
+template <size_t Size>
+void CopyToField(char (&field)[Size], std::string_view text) {
+    const size_t length = text.copy(field, Size - 1);
+    field[length] = '\0';
+}
+
+// A null text counts as empty.
+inline std::string_view OrEmpty(const char* text) {
+    return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+}  // namespace pgkit

@@ -1,0 +1,45 @@
+// Every call to the operating system, behind one face for Windows and POSIX.
+//
+// Paths keep their backslashes up to here. The POSIX side turns them into slashes and, when the
+// path does not exist as written, looks it up again without regard to case, component by component.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+#include <string>
+
+namespace pgkit::platform {
+
+// Opens a file; null on failure, also for a null path or a directory. Files opened for reading or
+// update are unbuffered: the module reads and writes them in large pieces of its own.
+FILE* OpenForReading(const char* path);
+FILE* OpenForUpdate(const char* path);
+// Creates or truncates a file; null on failure.
+FILE* CreateBinary(const char* path);
+FILE* CreateText(const char* path);
+
+// True for anything that the path names, directories included.
+bool PathExists(const char* path);
+bool IsDirectory(const char* path);
+// The size of a regular file, nothing for any other path.
+std::optional<uint64_t> FileSize(const char* path);
+
+// Positions are 64-bit on both platforms.
+bool Seek(FILE* stream, uint64_t position);
+bool SeekToEnd(FILE* stream);
+// Nothing when the stream has no position (a pipe).
+std::optional<uint64_t> Tell(FILE* stream);
+// The length of what the stream reads; 0 when it cannot be told. May move the stream.
+uint64_t StreamSize(FILE* stream);
+
+// Full path of the host process's executable, with backslashes. Empty when it is not known or as
+// long as the buffer of 1024 bytes that the lookup of files beside it allows.
+std::string HostProgramPath();
+
+// Compares two texts by the system's default locale, ignoring case, diacritics, symbols and
+// character width. Returns -1, 0 or 1; -2 on failure.
+int32_t CompareNames(const std::string& a, const std::string& b);
+
+}  // namespace pgkit::platform

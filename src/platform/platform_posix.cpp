@@ -1,0 +1,154 @@
+#include <dirent.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string_view>
+
+#include "platform/name_collation.h"
+#include "platform/platform.h"
+
+namespace pgkit::platform {
+
+namespace {
+
+bool Exists(const std::string& path) {
+    struct stat status;
+    return ::stat(path.c_str(), &status) == 0;
+}
+
+// The entry of a directory whose name equals name when case is ignored; of several the first in
+// byte order, so that the answer does not depend on the order in which the system lists them.
+std::optional<std::string> FindIgnoringCase(const std::string& directory, const std::string& name) {
+    DIR* listing = ::opendir(directory.empty() ? "." : directory.c_str());
+    if (listing == nullptr) return std::nullopt;
+    std::optional<std::string> found;
+    while (const dirent* entry = ::readdir(listing)) {
+        if (::strcasecmp(entry->d_name, name.c_str()) != 0) continue;
+        if (!found || *found > entry->d_name) found = entry->d_name;
+    }
+    ::closedir(listing);
+    return found;
+}
+
+// Follows the path as far as it exists, each component as written or else without regard to case;
+// from the first component that does not exist on it is kept as written.
+std::string ResolveIgnoringCase(const std::string& path) {
+    std::string resolved;
+    size_t start = 0;
+    while (start < path.size()) {
+        const size_t slash = std::min(path.find('/', start), path.size());
+        std::string component = path.substr(start, slash - start);
+        if (!component.empty() && !Exists(resolved + component)) {
+            std::optional<std::string> found = FindIgnoringCase(resolved, component);
+            if (!found) return resolved + path.substr(start);
+            component = *found;
+        }
+        resolved += component;
+        if (slash < path.size()) resolved += '/';
+        start = slash + 1;
+    }
+    return resolved;
+}
+
+std::string WithSlashes(const char* path) {
+    std::string result = path;
+    std::replace(result.begin(), result.end(), '\\', '/');
+    return result;
+}
+
+std::string NativePath(const char* path) {
+    std::string result = WithSlashes(path);
+    return Exists(result) ? result : ResolveIgnoringCase(result);
+}
+
+bool StatPath(const char* path, struct stat* status) {
+    return path != nullptr && ::stat(NativePath(path).c_str(), status) == 0;
+}
+
+FILE* OpenExisting(const char* path, const char* mode) {
+    if (path == nullptr) return nullptr;
+    const std::string asWritten = WithSlashes(path);
+    FILE* stream = std::fopen(asWritten.c_str(), mode);
+    if (stream == nullptr && errno == ENOENT) {
+        stream = std::fopen(ResolveIgnoringCase(asWritten).c_str(), mode);
+    }
+    if (stream == nullptr) return nullptr;
+    struct stat status;
+    // A directory opens for reading on POSIX, and fails only at the first read.
+    if (::fstat(::fileno(stream), &status) == 0 && S_ISDIR(status.st_mode)) {
+        std::fclose(stream);
+        return nullptr;
+    }
+    std::setvbuf(stream, nullptr, _IONBF, 0);
+    return stream;
+}
+
+FILE* Create(const char* path, const char* mode) {
+    return path == nullptr ? nullptr : std::fopen(NativePath(path).c_str(), mode);
+}
+
+}  // namespace
+
+FILE* OpenForReading(const char* path) { return OpenExisting(path, "rb"); }
+
+FILE* OpenForUpdate(const char* path) { return OpenExisting(path, "r+b"); }
+
+FILE* CreateBinary(const char* path) { return Create(path, "wb"); }
+
+FILE* CreateText(const char* path) { return Create(path, "w"); }
+
+bool PathExists(const char* path) {
+    struct stat status;
+    return StatPath(path, &status);
+}
+
+bool IsDirectory(const char* path) {
+    struct stat status;
+    return StatPath(path, &status) && S_ISDIR(status.st_mode);
+}
+
+std::optional<uint64_t> FileSize(const char* path) {
+    struct stat status;
+    if (!StatPath(path, &status) || !S_ISREG(status.st_mode)) return std::nullopt;
+    return static_cast<uint64_t>(status.st_size);
+}
+
+bool Seek(FILE* stream, uint64_t position) {
+    return position <= INT64_MAX && ::fseeko(stream, static_cast<off_t>(position), SEEK_SET) == 0;
+}
+
+bool SeekToEnd(FILE* stream) { return ::fseeko(stream, 0, SEEK_END) == 0; }
+
+std::optional<uint64_t> Tell(FILE* stream) {
+    const off_t position = ::ftello(stream);
+    if (position < 0) return std::nullopt;
+    return static_cast<uint64_t>(position);
+}
+
+uint64_t StreamSize(FILE* stream) {
+    struct stat status;
+    const int descriptor = ::fileno(stream);
+    if (descriptor >= 0) {
+        return ::fstat(descriptor, &status) == 0 && status.st_size > 0
+                   ? static_cast<uint64_t>(status.st_size)
+                   : 0;
+    }
+    // A stream in memory or of the host's own making has no descriptor to ask.
+    return SeekToEnd(stream) ? Tell(stream).value_or(0) : 0;
+}
+
+std::string HostProgramPath() {
+    char path[1024];
+    const ssize_t length = ::readlink("/proc/self/exe", path, sizeof path);
+    if (length <= 0 || static_cast<size_t>(length) >= sizeof path) return std::string();
+    std::string result(path, static_cast<size_t>(length));
+    std::replace(result.begin(), result.end(), '/', '\\');
+    return result;
+}
+
+int32_t CompareNames(const std::string& a, const std::string& b) { return CollateNames(a, b); }
+
+}  // namespace pgkit::platform
