@@ -38,7 +38,8 @@ constexpr char UpperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<c
 
 constexpr size_t NameBucket(std::string_view name) {
     uint32_t hash = 2166136261u;
-    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(UpperLetter(c))) * 16777619u;
+    for (const char c : name)
+        hash = (hash ^ static_cast<unsigned char>(UpperLetter(c))) * 16777619u;
     return (hash ^ (hash >> 15)) % kBuckets;
 }
 
@@ -47,10 +48,12 @@ constexpr size_t NextBucket(size_t bucket) { return (bucket + 1) % kBuckets; }
 template <typename Bucket>
 constexpr Index BuildIndex(Bucket bucketOf) {
     Index index{};
-    for (uint16_t& slot : index) slot = kEmpty;
+    for (uint16_t& slot : index)
+        slot = kEmpty;
     for (uint16_t id = 0; id < kElementCount; ++id) {
         size_t bucket = bucketOf(kElements[id]);
-        while (index[bucket] != kEmpty) bucket = NextBucket(bucket);
+        while (index[bucket] != kEmpty)
+            bucket = NextBucket(bucket);
         index[bucket] = id;
     }
     return index;

@@ -1,8 +1,8 @@
 #include "dictionary/private_dictionary.h"
 
 #include <cctype>
-#include <cstdlib>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -10,8 +10,8 @@
 
 #include "dictionary/dictionary.h"
 #include "frame/text.h"
-#include "platform/platform.h"
 #include "pgkit/dictionary.h"
+#include "platform/platform.h"
 
 namespace pgkit {
 
@@ -47,9 +47,11 @@ class LineScanner {
 
     // The next word, behind any white space.
     std::optional<std::string> Word(size_t limit) {
-        while (!rest_.empty() && IsSpace(rest_.front())) rest_.remove_prefix(1);
+        while (!rest_.empty() && IsSpace(rest_.front()))
+            rest_.remove_prefix(1);
         size_t end = 0;
-        while (end < rest_.size() && !IsSpace(rest_[end])) ++end;
+        while (end < rest_.size() && !IsSpace(rest_[end]))
+            ++end;
         return Take(end, limit);
     }
 
@@ -117,7 +119,8 @@ bool PrivateDictionary::LoadFile(const char* path) {
     // A longer line is read in pieces, each of which counts as a line.
     char line[1024];
     std::setvbuf(file.get(), nullptr, _IOFBF, 1 << 16);
-    while (std::fgets(line, sizeof line, file.get()) != nullptr) AddLine(line);
+    while (std::fgets(line, sizeof line, file.get()) != nullptr)
+        AddLine(line);
     return true;
 }
 

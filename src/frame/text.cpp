@@ -14,8 +14,7 @@ char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' +
 
 std::string ToUpper(std::string_view text) {
     std::string upper(text);
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](char c) { return ToUpper(c); });
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](char c) { return ToUpper(c); });
     return upper;
 }
 

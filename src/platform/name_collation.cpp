@@ -20,19 +20,20 @@ constexpr uint16_t Weight(char letter) {
 // What the upper half of the code page counts as, by rows of sixteen: base letters, both letters of
 // a ligature, or '-' for a symbol.
 constexpr const char* kUpperHalf[128] = {
-    "-",  "-", "-", "f", "-", "-", "-",  "-", "-", "-", "s", "-", "oe", "-", "z",  "-",   // 80
-    "-",  "-", "-", "-", "-", "-", "-",  "-", "-", "-", "s", "-", "oe", "-", "z",  "y",   // 90
-    "-",  "-", "-", "-", "-", "-", "-",  "-", "-", "-", "a", "-", "-",  "-", "-",  "-",   // A0
-    "-",  "-", "2", "3", "-", "-", "-",  "-", "-", "1", "o", "-", "-",  "-", "-",  "-",   // B0
-    "a",  "a", "a", "a", "a", "a", "ae", "c", "e", "e", "e", "e", "i",  "i", "i",  "i",   // C0
-    "d",  "n", "o", "o", "o", "o", "o",  "-", "o", "u", "u", "u", "u",  "y", "th", "ss",  // D0
-    "a",  "a", "a", "a", "a", "a", "ae", "c", "e", "e", "e", "e", "i",  "i", "i",  "i",   // E0
-    "d",  "n", "o", "o", "o", "o", "o",  "-", "o", "u", "u", "u", "u",  "y", "th", "y",   // F0
+    "-", "-", "-", "f", "-", "-", "-",  "-", "-", "-", "s", "-", "oe", "-", "z",  "-",   // 80
+    "-", "-", "-", "-", "-", "-", "-",  "-", "-", "-", "s", "-", "oe", "-", "z",  "y",   // 90
+    "-", "-", "-", "-", "-", "-", "-",  "-", "-", "-", "a", "-", "-",  "-", "-",  "-",   // A0
+    "-", "-", "2", "3", "-", "-", "-",  "-", "-", "1", "o", "-", "-",  "-", "-",  "-",   // B0
+    "a", "a", "a", "a", "a", "a", "ae", "c", "e", "e", "e", "e", "i",  "i", "i",  "i",   // C0
+    "d", "n", "o", "o", "o", "o", "o",  "-", "o", "u", "u", "u", "u",  "y", "th", "ss",  // D0
+    "a", "a", "a", "a", "a", "a", "ae", "c", "e", "e", "e", "e", "i",  "i", "i",  "i",   // E0
+    "d", "n", "o", "o", "o", "o", "o",  "-", "o", "u", "u", "u", "u",  "y", "th", "y",   // F0
 };
 
 constexpr std::array<Weights, 256> MakeWeights() {
     std::array<Weights, 256> table{};
-    for (char c = '0'; c <= '9'; ++c) table[static_cast<size_t>(c)] = {Weight(c), 0};
+    for (char c = '0'; c <= '9'; ++c)
+        table[static_cast<size_t>(c)] = {Weight(c), 0};
     for (char c = 'a'; c <= 'z'; ++c) {
         table[static_cast<size_t>(c)] = {Weight(c), 0};
         table[static_cast<size_t>(c - 'a' + 'A')] = {Weight(c), 0};
