@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "dictionary/private_dictionary.h"
 #include "frame/text.h"
@@ -34,12 +33,10 @@ constexpr size_t TagBucket(uint16_t group, uint16_t element) {
     return (tag * 0x9E3779B1u) >> 19;
 }
 
-constexpr char UpperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-
 constexpr size_t NameBucket(std::string_view name) {
     uint32_t hash = 2166136261u;
     for (const char c : name)
-        hash = (hash ^ static_cast<unsigned char>(UpperLetter(c))) * 16777619u;
+        hash = (hash ^ static_cast<unsigned char>(ToUpper(c))) * 16777619u;
     return (hash ^ (hash >> 15)) % kBuckets;
 }
 
@@ -67,7 +64,7 @@ constexpr Index kNameIndex =
 
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return UpperLetter(x) == UpperLetter(y); });
+                      [](char x, char y) { return ToUpper(x) == ToUpper(y); });
 }
 
 uint32_t unSequenceSwitch = 1;
@@ -81,6 +78,16 @@ uint32_t FindElementId(uint16_t group, uint16_t element) {
          bucket = NextBucket(bucket)) {
         const uint16_t id = kTagIndex[bucket];
         if (kElements[id].group == group && kElements[id].element == element) return id;
+    }
+    return kNoElementId;
+}
+
+uint32_t FindElementIdByName(std::string_view name) {
+    if (name.size() > kMaxNameLength) return kNoElementId;
+    for (size_t bucket = NameBucket(name); kNameIndex[bucket] != kEmpty;
+         bucket = NextBucket(bucket)) {
+        const uint16_t id = kNameIndex[bucket];
+        if (EqualIgnoringCase(kElements[id].name, name)) return id;
     }
     return kNoElementId;
 }
@@ -126,16 +133,7 @@ uint32_t pgFindElementIdType(uint16_t group, uint16_t element) {
 }
 
 uint32_t pgGetTagElementId(const char* name) {
-    const std::string_view wanted = pgkit::OrEmpty(name);
-    if (wanted.size() > pgkit::kMaxNameLength) return pgkit::kNoElementId;
-    for (size_t bucket = pgkit::NameBucket(wanted); pgkit::kNameIndex[bucket] != pgkit::kEmpty;
-         bucket = pgkit::NextBucket(bucket)) {
-        const DictionaryEntry& entry = ElementEntry(pgkit::kNameIndex[bucket]);
-        if (pgkit::EqualIgnoringCase(entry.name, wanted)) {
-            return pgFindElementIdType(entry.group, entry.element);
-        }
-    }
-    return pgkit::kNoElementId;
+    return pgkit::FindElementIdByName(pgkit::OrEmpty(name));
 }
 
 uint32_t pgFindValueRepresentation(uint16_t group, uint16_t element) {
@@ -158,7 +156,7 @@ uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char* buffer) {
     } else if (element == 0x0010) {
         name = "FileCreator";
     }
-    std::strcpy(buffer, name != nullptr ? name : "<Unknown Tag>");
+    pgkit::CopyUnbounded(buffer, name != nullptr ? name : "<Unknown Tag>");
     return name != nullptr ? 1 : 0;
 }
 
