@@ -1,10 +1,11 @@
 #include "dictionary/dictionary.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
+#include <iterator>
 
 #include "dictionary/private_dictionary.h"
+#include "frame/row_index.h"
 #include "frame/text.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/value_representation.h"
@@ -23,44 +24,23 @@ static_assert(std::size(kElements) == kElementCount);
 
 constexpr size_t kMaxNameLength = 127;
 
-// Open-addressing hash tables of row numbers, at most half full, made at compile time. A row that
-// comes later than an equal one is found later, so the first row wins every lookup.
-constexpr size_t kBuckets = 8192;
-constexpr uint16_t kEmpty = 0xFFFF;
-using Index = std::array<uint16_t, kBuckets>;
-
-constexpr size_t TagBucket(uint16_t group, uint16_t element) {
-    const uint32_t tag = (uint32_t{group} << 16) | element;
-    return (tag * 0x9E3779B1u) >> 19;
+constexpr uint32_t TagKey(uint16_t group, uint16_t element) {
+    return (uint32_t{group} << 16) | element;
 }
 
-constexpr char UpperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-
-constexpr size_t NameBucket(std::string_view name) {
-    uint32_t hash = 2166136261u;
-    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(UpperLetter(c))) * 16777619u;
-    return (hash ^ (hash >> 15)) % kBuckets;
+constexpr char UpperLetter(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
 }
 
-constexpr size_t NextBucket(size_t bucket) { return (bucket + 1) % kBuckets; }
+using ElementIndex = RowIndex<8192>;
 
-template <typename Bucket>
-constexpr Index BuildIndex(Bucket bucketOf) {
-    Index index{};
-    for (uint16_t& slot : index) slot = kEmpty;
-    for (uint16_t id = 0; id < kElementCount; ++id) {
-        size_t bucket = bucketOf(kElements[id]);
-        while (index[bucket] != kEmpty) bucket = NextBucket(bucket);
-        index[bucket] = id;
-    }
-    return index;
-}
+constexpr ElementIndex kTagIndex(kElementCount, [](size_t row) {
+    return TagKey(kElements[row].group, kElements[row].element);
+});
 
-constexpr Index kTagIndex =
-    BuildIndex([](const DictionaryEntry& entry) { return TagBucket(entry.group, entry.element); });
-
-constexpr Index kNameIndex =
-    BuildIndex([](const DictionaryEntry& entry) { return NameBucket(entry.name); });
+constexpr ElementIndex kNameIndex(kElementCount, [](size_t row) {
+    return HashText(kElements[row].name, UpperLetter);
+});
 
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -71,15 +51,15 @@ uint32_t unSequenceSwitch = 1;
 
 }  // namespace
 
-const DictionaryEntry& ElementEntry(uint32_t elementId) { return kElements[elementId]; }
+const DictionaryEntry& ElementEntry(uint32_t elementId) {
+    return kElements[elementId];
+}
 
 uint32_t FindElementId(uint16_t group, uint16_t element) {
-    for (size_t bucket = TagBucket(group, element); kTagIndex[bucket] != kEmpty;
-         bucket = NextBucket(bucket)) {
-        const uint16_t id = kTagIndex[bucket];
-        if (kElements[id].group == group && kElements[id].element == element) return id;
-    }
-    return kNoElementId;
+    const size_t row = kTagIndex.Find(TagKey(group, element), [=](size_t i) {
+        return kElements[i].group == group && kElements[i].element == element;
+    });
+    return row == ElementIndex::kNoRow ? kNoElementId : static_cast<uint32_t>(row);
 }
 
 const DictionaryEntry* FindEntry(uint16_t group, uint16_t element) {
@@ -93,7 +73,9 @@ const DictionaryEntry* FindEntry(uint16_t group, uint16_t element) {
     return id == kNoElementId ? nullptr : &kElements[id];
 }
 
-bool DecodesUnSequences() { return unSequenceSwitch != 0; }
+bool DecodesUnSequences() {
+    return unSequenceSwitch != 0;
+}
 
 }  // namespace pgkit
 
@@ -125,14 +107,10 @@ uint32_t pgFindElementIdType(uint16_t group, uint16_t element) {
 uint32_t pgGetTagElementId(const char* name) {
     const std::string_view wanted = pgkit::OrEmpty(name);
     if (wanted.size() > pgkit::kMaxNameLength) return pgkit::kNoElementId;
-    for (size_t bucket = pgkit::NameBucket(wanted); pgkit::kNameIndex[bucket] != pgkit::kEmpty;
-         bucket = pgkit::NextBucket(bucket)) {
-        const DictionaryEntry& entry = ElementEntry(pgkit::kNameIndex[bucket]);
-        if (pgkit::EqualIgnoringCase(entry.name, wanted)) {
-            return pgFindElementIdType(entry.group, entry.element);
-        }
-    }
-    return pgkit::kNoElementId;
+    const size_t row = pgkit::kNameIndex.Find(
+        pgkit::HashText(wanted, pgkit::UpperLetter),
+        [wanted](size_t i) { return pgkit::EqualIgnoringCase(pgkit::kElements[i].name, wanted); });
+    return row == pgkit::ElementIndex::kNoRow ? pgkit::kNoElementId : static_cast<uint32_t>(row);
 }
 
 uint32_t pgFindValueRepresentation(uint16_t group, uint16_t element) {
