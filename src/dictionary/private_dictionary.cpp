@@ -143,31 +143,31 @@ void PrivateDictionary::AddLine(const char* line) {
 
     entries_.push_back({*group, *element, pgFindValueRepresentationVR(fields->valueRep.c_str()),
                         std::move(fields->name), ToUpper(TrimBlanks(fields->creator))});
-    const PrivateEntry& entry = entries_.back();
+    const PrivateDictionaryEntry& entry = entries_.back();
     const uint32_t tag = TagKey(entry.group, entry.element);
     firstByTag_.try_emplace(tag, &entry);
     firstByCreator_.try_emplace(CreatorKey{tag, entry.creator}, &entry);
 }
 
-const PrivateEntry* PrivateDictionary::FindExact(uint16_t group, uint16_t element) const {
+const PrivateDictionaryEntry* PrivateDictionary::FindExact(uint16_t group, uint16_t element) const {
     const auto found = firstByTag_.find(TagKey(group, element));
     return found == firstByTag_.end() ? nullptr : found->second;
 }
 
-const PrivateEntry* PrivateDictionary::FindByCreator(uint16_t group, uint16_t element,
-                                                     std::string_view creator) const {
+const PrivateDictionaryEntry* PrivateDictionary::FindByCreator(uint16_t group, uint16_t element,
+                                                               std::string_view creator) const {
     const auto found = firstByCreator_.find({TagKey(group, element), creator});
     return found == firstByCreator_.end() ? nullptr : found->second;
 }
 
-const PrivateEntry* FindPrivateElement(uint16_t group, uint16_t element,
-                                       const std::vector<PrivateCreator>& creators) {
+const PrivateDictionaryEntry* FindPrivateElement(uint16_t group, uint16_t element,
+                                                 const std::vector<PrivateCreator>& creators) {
     if (element < 0x1000) return nullptr;
     const uint16_t block = element >> 8;
     const uint16_t offset = element & 0xFF;
     for (const PrivateCreator& creator : creators) {
         if (creator.block != block) continue;
-        const PrivateEntry* entry =
+        const PrivateDictionaryEntry* entry =
             PrivateDictionary::Instance().FindByCreator(group, offset, creator.text);
         if (entry != nullptr) return entry;
     }

@@ -14,16 +14,18 @@ namespace {
 
 using pgkit::FindPrivateElement;
 using pgkit::PrivateCreator;
-using pgkit::PrivateEntry;
+using pgkit::PrivateDictionaryEntry;
 using pgkit_test::PrivateDictionaryText;
 using Creators = std::vector<PrivateCreator>;
 
-std::string NameOf(const PrivateEntry* entry) { return entry == nullptr ? "" : entry->name; }
+std::string NameOf(const PrivateDictionaryEntry* entry) {
+    return entry == nullptr ? "" : entry->name;
+}
 
 // The entry that one line gives for group and offset of a creator, described in short.
 std::string EntryOfLine(const std::string& line, uint16_t group, const std::string& creator = "X") {
     const PrivateDictionaryText dictionary(line + "\n");
-    const PrivateEntry* entry = FindPrivateElement(group, 0x1010, {{creator, 0x10}});
+    const PrivateDictionaryEntry* entry = FindPrivateElement(group, 0x1010, {{creator, 0x10}});
     if (entry == nullptr) return "none";
     return entry->name + " " + std::to_string(entry->valueRep);
 }
