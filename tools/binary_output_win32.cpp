@@ -3,6 +3,4 @@
 
 #include "binary_output.h"
 
-void pgtool::MakeStandardOutputBinary() {
-    _setmode(1, _O_BINARY);
-}
+void pgtool::MakeStandardOutputBinary() { _setmode(1, _O_BINARY); }
