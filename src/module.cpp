@@ -1,13 +1,14 @@
 // What happens when the module is loaded and unloaded.
 //
 // The library-wide objects are constructed here, in this file's order, and nowhere else: first the
-// private dictionary, read from a file beside the host program. A missing or broken file is never
-// an error; nothing may stop the module from loading.
+// private dictionary, then the SOP classes that a site adds, each read from a file beside the host
+// program. A missing or broken file is never an error; nothing may stop the module from loading.
 
 #include <string>
 
 #include "dictionary/private_dictionary.h"
 #include "platform/platform.h"
+#include "sopclass/sop_class_set.h"
 
 namespace pgkit {
 
@@ -31,7 +32,19 @@ class PrivateDictionaryLoad {
     }
 };
 
+class SOPClassSetLoad {
+  public:
+    SOPClassSetLoad() noexcept {
+        try {
+            SOPClassSet::Instance().load((HostDirectory() + "halvorix.xml").c_str(), "properties");
+        } catch (...) {
+            SOPClassSet::Instance().Clear();
+        }
+    }
+};
+
 const PrivateDictionaryLoad privateDictionaryLoad;
+const SOPClassSetLoad sopClassSetLoad;
 
 }  // namespace
 

@@ -32,6 +32,7 @@
 #include "pgkit/dictionary.h"
 #include "pgkit/export.h"
 #include "pgkit/node.h"
+#include "pgkit/sopclass.h"
 #include "pgkit/value_representation.h"
 #include "pgkit/version.h"
 

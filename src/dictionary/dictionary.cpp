@@ -1,10 +1,10 @@
 #include "dictionary/dictionary.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
+#include <iterator>
 
 #include "dictionary/private_dictionary.h"
+#include "frame/row_index.h"
 #include "frame/text.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/value_representation.h"
@@ -23,51 +23,26 @@ static_assert(std::size(kElements) == kElementCount);
 
 constexpr size_t kMaxNameLength = 127;
 
-// Open-addressing hash tables of row numbers, at most half full, made at compile time. A row that
-// comes later than an equal one is found later, so the first row wins every lookup.
-constexpr size_t kBuckets = 8192;
-constexpr uint16_t kEmpty = 0xFFFF;
-using Index = std::array<uint16_t, kBuckets>;
-
-constexpr size_t TagBucket(uint16_t group, uint16_t element) {
-    const uint32_t tag = (uint32_t{group} << 16) | element;
-    return (tag * 0x9E3779B1u) >> 19;
+constexpr uint32_t TagKey(uint16_t group, uint16_t element) {
+    return (uint32_t{group} << 16) | element;
 }
 
-constexpr char UpperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-
-constexpr size_t NameBucket(std::string_view name) {
-    uint32_t hash = 2166136261u;
-    for (const char c : name)
-        hash = (hash ^ static_cast<unsigned char>(UpperLetter(c))) * 16777619u;
-    return (hash ^ (hash >> 15)) % kBuckets;
+constexpr uint32_t NameHash(std::string_view name) {
+    return HashText(name, [](char c) { return ToUpper(c); });
 }
 
-constexpr size_t NextBucket(size_t bucket) { return (bucket + 1) % kBuckets; }
+using ElementIndex = RowIndex<8192>;
 
-template <typename Bucket>
-constexpr Index BuildIndex(Bucket bucketOf) {
-    Index index{};
-    for (uint16_t& slot : index)
-        slot = kEmpty;
-    for (uint16_t id = 0; id < kElementCount; ++id) {
-        size_t bucket = bucketOf(kElements[id]);
-        while (index[bucket] != kEmpty)
-            bucket = NextBucket(bucket);
-        index[bucket] = id;
-    }
-    return index;
-}
+constexpr ElementIndex kTagIndex(kElementCount, [](size_t row) {
+    return TagKey(kElements[row].group, kElements[row].element);
+});
 
-constexpr Index kTagIndex =
-    BuildIndex([](const DictionaryEntry& entry) { return TagBucket(entry.group, entry.element); });
-
-constexpr Index kNameIndex =
-    BuildIndex([](const DictionaryEntry& entry) { return NameBucket(entry.name); });
+constexpr ElementIndex kNameIndex(kElementCount,
+                                  [](size_t row) { return NameHash(kElements[row].name); });
 
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return UpperLetter(x) == UpperLetter(y); });
+                      [](char x, char y) { return ToUpper(x) == ToUpper(y); });
 }
 
 uint32_t unSequenceSwitch = 1;
@@ -77,12 +52,17 @@ uint32_t unSequenceSwitch = 1;
 const DictionaryEntry& ElementEntry(uint32_t elementId) { return kElements[elementId]; }
 
 uint32_t FindElementId(uint16_t group, uint16_t element) {
-    for (size_t bucket = TagBucket(group, element); kTagIndex[bucket] != kEmpty;
-         bucket = NextBucket(bucket)) {
-        const uint16_t id = kTagIndex[bucket];
-        if (kElements[id].group == group && kElements[id].element == element) return id;
-    }
-    return kNoElementId;
+    const size_t row = kTagIndex.Find(TagKey(group, element), [=](size_t i) {
+        return kElements[i].group == group && kElements[i].element == element;
+    });
+    return row == ElementIndex::kNoRow ? kNoElementId : static_cast<uint32_t>(row);
+}
+
+uint32_t FindElementIdByName(std::string_view name) {
+    if (name.size() > kMaxNameLength) return kNoElementId;
+    const size_t row = kNameIndex.Find(
+        NameHash(name), [name](size_t i) { return EqualIgnoringCase(kElements[i].name, name); });
+    return row == ElementIndex::kNoRow ? kNoElementId : static_cast<uint32_t>(row);
 }
 
 const DictionaryEntry* FindEntry(uint16_t group, uint16_t element) {
@@ -104,7 +84,7 @@ using pgkit::DictionaryEntry;
 using pgkit::ElementEntry;
 using pgkit::FindEntry;
 using pgkit::PrivateDictionary;
-using pgkit::PrivateEntry;
+using pgkit::PrivateDictionaryEntry;
 
 uint32_t pgFindElementIdInfo(int32_t elementId, uint16_t* group, uint16_t* element) {
     const uint32_t id = static_cast<uint32_t>(elementId);
@@ -126,23 +106,14 @@ uint32_t pgFindElementIdType(uint16_t group, uint16_t element) {
 }
 
 uint32_t pgGetTagElementId(const char* name) {
-    const std::string_view wanted = pgkit::OrEmpty(name);
-    if (wanted.size() > pgkit::kMaxNameLength) return pgkit::kNoElementId;
-    for (size_t bucket = pgkit::NameBucket(wanted); pgkit::kNameIndex[bucket] != pgkit::kEmpty;
-         bucket = pgkit::NextBucket(bucket)) {
-        const DictionaryEntry& entry = ElementEntry(pgkit::kNameIndex[bucket]);
-        if (pgkit::EqualIgnoringCase(entry.name, wanted)) {
-            return pgFindElementIdType(entry.group, entry.element);
-        }
-    }
-    return pgkit::kNoElementId;
+    return pgkit::FindElementIdByName(pgkit::OrEmpty(name));
 }
 
 uint32_t pgFindValueRepresentation(uint16_t group, uint16_t element) {
     if (pgkit::IsPrivateCreator(group, element)) return VR_LO;
     if (element == 0) return VR_UL;
     if (const DictionaryEntry* entry = FindEntry(group, element)) return entry->valueRep;
-    const PrivateEntry* entry = PrivateDictionary::Instance().FindExact(group, element);
+    const PrivateDictionaryEntry* entry = PrivateDictionary::Instance().FindExact(group, element);
     return entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
 }
 
@@ -150,7 +121,7 @@ uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char* buffer) {
     const char* name = nullptr;
     if (const DictionaryEntry* entry = FindEntry(group, element)) {
         name = entry->name;
-    } else if (const PrivateEntry* privateEntry =
+    } else if (const PrivateDictionaryEntry* privateEntry =
                    PrivateDictionary::Instance().FindExact(group, element)) {
         name = privateEntry->name.c_str();
     } else if (element == 0x0000) {
@@ -158,7 +129,7 @@ uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char* buffer) {
     } else if (element == 0x0010) {
         name = "FileCreator";
     }
-    std::strcpy(buffer, name != nullptr ? name : "<Unknown Tag>");
+    pgkit::CopyUnbounded(buffer, name != nullptr ? name : "<Unknown Tag>");
     return name != nullptr ? 1 : 0;
 }
 

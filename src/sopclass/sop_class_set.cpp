@@ -1,0 +1,235 @@
+#include "sopclass/sop_class_set.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <rapidxml/rapidxml.hpp>
+#include <rapidxml/rapidxml_print.hpp>
+#include <utility>
+#include <vector>
+
+#include "frame/diagnostics.h"
+#include "platform/platform.h"
+#include "sopclass/xml_nesting.h"
+
+namespace pgkit {
+
+namespace {
+
+using XmlNode = rapidxml::xml_node<>;
+using XmlDocument = rapidxml::xml_document<>;
+
+// The parser takes up to 24 bytes of memory for a byte of text, and stack for a level of elements.
+// The list itself needs 150 bytes for an entry and three levels.
+constexpr size_t kMaxFileSize = size_t{16} << 20;
+constexpr size_t kMaxDepth = 100;
+
+// What save writes back. The XML declaration is left out: save writes its own. The parser's own
+// trimming of white space is not used: on text that begins with a blank given as a character
+// reference it trims more than there is.
+constexpr int kParseFlags = rapidxml::parse_comment_nodes | rapidxml::parse_doctype_node |
+                            rapidxml::parse_pi_nodes | rapidxml::parse_validate_closing_tags;
+
+constexpr const char kEntryName[] = "SOPClass";
+
+struct FileCloser {
+    void operator()(FILE* stream) const { std::fclose(stream); }
+};
+using File = std::unique_ptr<FILE, FileCloser>;
+
+enum class FileState { Missing, Read, TooLarge };
+
+// Line ends read as a single line feed on every platform, as XML wants it. Only regular files
+// count: opening a pipe would wait for its writer.
+FileState ReadWhole(const char* path, std::string& text) {
+    const std::optional<uint64_t> size = platform::FileSize(path);
+    if (!size) return FileState::Missing;
+    if (*size > kMaxFileSize) return FileState::TooLarge;
+    const File file(platform::OpenForReading(path));
+    if (!file) return FileState::Missing;
+    text.resize(static_cast<size_t>(*size));
+    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+    auto end = text.begin();
+    for (auto next = text.begin(); next != text.end(); ++next) {
+        if (*next != '\r' || next + 1 == text.end() || next[1] != '\n') *end++ = *next;
+    }
+    text.erase(end, text.end());
+    return FileState::Read;
+}
+
+void PrintParseError(const char* what) {
+    PrintOut("SOPClassSet::load : xml parse error %s\n", what);
+}
+
+// A parsed file. Its nodes point into its text. Too large for a small stack.
+class XmlFile {
+  public:
+    // False for a file beyond the limits. A missing file is an empty document; of a broken one the
+    // document holds what precedes the outermost element with an error.
+    bool Read(const char* path) {
+        const FileState state = ReadWhole(path, text_);
+        if (state == FileState::Missing) return true;
+        if (state == FileState::TooLarge) {
+            PrintParseError("file too large");
+            return false;
+        }
+        if (!IsNestedAtMost(text_.c_str(), kMaxDepth)) {
+            PrintParseError("elements nested too deeply");
+            return false;
+        }
+        try {
+            document_.parse<kParseFlags>(text_.data());
+        } catch (const rapidxml::parse_error& error) {
+            PrintParseError(error.what());
+        }
+        return true;
+    }
+
+    XmlDocument& Document() { return document_; }
+
+  private:
+    std::string text_;
+    XmlDocument document_;
+};
+
+// The first element of this name from here on; instructions have names too, and do not count.
+XmlNode* ElementFrom(XmlNode* node, std::string_view name) {
+    while (node != nullptr && (node->type() != rapidxml::node_element ||
+                               std::string_view(node->name(), node->name_size()) != name)) {
+        node = node->next_sibling();
+    }
+    return node;
+}
+
+// The names on the way to the list element.
+std::vector<std::string> SplitElementPath(std::string_view rootName) {
+    const std::string path = std::string(rootName) + ".SOPClassList";
+    std::vector<std::string> names;
+    for (size_t start = 0; start < path.size();) {
+        const size_t point = std::min(path.find('.', start), path.size());
+        if (point > start) names.push_back(path.substr(start, point - start));
+        start = point + 1;
+    }
+    return names;
+}
+
+XmlNode* FindListElement(XmlDocument& document, std::string_view rootName) {
+    XmlNode* element = &document;
+    for (const std::string& name : SplitElementPath(rootName)) {
+        element = ElementFrom(element->first_node(), name);
+        if (element == nullptr) return nullptr;
+    }
+    return element;
+}
+
+XmlNode& MakeListElement(XmlDocument& document, std::string_view rootName) {
+    XmlNode* element = &document;
+    for (const std::string& name : SplitElementPath(rootName)) {
+        XmlNode* child = ElementFrom(element->first_node(), name);
+        if (child == nullptr) {
+            child = document.allocate_node(rapidxml::node_element,
+                                           document.allocate_string(name.c_str()));
+            element->append_node(child);
+        }
+        element = child;
+    }
+    return *element;
+}
+
+std::string TextOf(const XmlNode& element) {
+    constexpr std::string_view kWhiteSpace = " \t\r\n";
+    const std::string_view text = element.value();
+    const size_t first = text.find_first_not_of(kWhiteSpace);
+    if (first == std::string_view::npos) return {};
+    return std::string(text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1));
+}
+
+std::string AttributeOf(const XmlNode& element, const char* name) {
+    const rapidxml::xml_attribute<>* attribute = element.first_attribute(name);
+    return attribute == nullptr ? std::string() : attribute->value();
+}
+
+SOPClass ReadEntry(const XmlNode& element) {
+    return {TextOf(element), AttributeOf(element, "name"), AttributeOf(element, "service"),
+            AttributeOf(element, "object"), AttributeOf(element, "mnemonic")};
+}
+
+void RemoveEntries(XmlNode& list) {
+    XmlNode* entry = ElementFrom(list.first_node(), kEntryName);
+    while (entry != nullptr) {
+        XmlNode* next = ElementFrom(entry->next_sibling(), kEntryName);
+        list.remove_node(entry);
+        entry = next;
+    }
+}
+
+// The element refers to the texts of the entry.
+void AppendEntry(XmlDocument& document, XmlNode& list, const SOPClass& entry) {
+    XmlNode* element =
+        document.allocate_node(rapidxml::node_element, kEntryName, entry.uid.c_str());
+    const auto append = [&](const char* name, const std::string& value) {
+        element->append_attribute(document.allocate_attribute(name, value.c_str()));
+    };
+    append("name", entry.name);
+    append("service", entry.service);
+    append("object", entry.object);
+    append("mnemonic", entry.mnemonic);
+    list.append_node(element);
+}
+
+bool WriteWhole(const char* path, const std::string& text) {
+    File file(platform::CreateText(path));
+    if (!file) return false;
+    const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+    return std::fclose(file.release()) == 0 && written;
+}
+
+}  // namespace
+
+bool SOPClass::IsValid() const {
+    return !uid.empty() && !service.empty() && (service != "STORE" || !mnemonic.empty());
+}
+
+SOPClassSet& SOPClassSet::Instance() {
+    static SOPClassSet instance;
+    return instance;
+}
+
+void SOPClassSet::load(const char* path, std::string_view rootName) {
+    Clear();
+    const auto file = std::make_unique<XmlFile>();
+    if (!file->Read(path)) return;
+    const XmlNode* list = FindListElement(file->Document(), rootName);
+    if (list == nullptr) return;
+    for (const XmlNode* entry = ElementFrom(list->first_node(), kEntryName); entry != nullptr;
+         entry = ElementFrom(entry->next_sibling(), kEntryName)) {
+        Insert(ReadEntry(*entry));
+    }
+}
+
+bool SOPClassSet::save(const char* path, std::string_view rootName) const {
+    const auto file = std::make_unique<XmlFile>();
+    if (!file->Read(path)) return false;
+    XmlNode& list = MakeListElement(file->Document(), rootName);
+    RemoveEntries(list);
+    for (const auto& [uid, entry] : entries_)
+        AppendEntry(file->Document(), list, entry);
+    std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
+    rapidxml::print(std::back_inserter(text), file->Document());
+    return WriteWhole(path, text);
+}
+
+bool SOPClassSet::Insert(SOPClass sopClass) {
+    if (!sopClass.IsValid()) return false;
+    std::string uid = sopClass.uid;
+    return entries_.try_emplace(std::move(uid), std::move(sopClass)).second;
+}
+
+const SOPClass* SOPClassSet::Find(std::string_view uid) const {
+    const auto found = entries_.find(uid);
+    return found == entries_.end() ? nullptr : &found->second;
+}
+
+}  // namespace pgkit

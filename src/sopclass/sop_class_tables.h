@@ -1,0 +1,50 @@
+// The built-in tables of UIDs, modalities and SOP class categories: constant rows, and indexes made
+// by the compiler. Lookups are exact and case-sensitive; the first equal row wins.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace pgkit {
+
+struct ModalityRow {
+    const char* uid;
+    const char* mnemonic;
+    uint64_t size;
+};
+
+struct ModalityNameRow {
+    const char* code;
+    const char* description;
+};
+
+struct UidRow {
+    const char* uid;
+    const char* name;
+};
+
+// A bit each, for sets of categories.
+enum class SopCategory : uint16_t {
+    Image = 0x001,
+    Report = 0x002,
+    Waveform = 0x004,
+    KeyObject = 0x008,
+    Presentation = 0x010,
+    RtDose = 0x020,
+    RtStructureSet = 0x040,
+    RtPlan = 0x080,
+    Radiotherapy = 0x100
+};
+
+// The storage SOP classes, in table order.
+std::span<const ModalityRow> ModalityRows();
+
+// Null when there is no such row.
+const ModalityRow* FindModality(std::string_view sopClassUid);
+const ModalityNameRow* FindModalityName(std::string_view code);
+const UidRow* FindUid(std::string_view uid);
+
+bool IsInCategory(std::string_view sopClassUid, SopCategory category);
+
+}  // namespace pgkit
