@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 #include "dataset/node_memory.h"
@@ -18,10 +17,6 @@ namespace {
 // A read of more than this is first compared with what the file holds, so that the C runtime is
 // never asked to fill gigabytes that a damaged length merely claims.
 constexpr size_t kUncheckedRead = 0x10000;
-
-struct FreeBuffer {
-    void operator()(uint8_t* buffer) const { FreeValueBuffer(buffer); }
-};
 
 uint64_t BytesFrom(FILE* stream, uint64_t position) {
     const uint64_t size = platform::StreamSize(stream);
@@ -76,7 +71,7 @@ void PresentPrefix(const PGX_Node& node, uint8_t* bytes, size_t count) {
 
 bool ReadUidPrefix(const PGX_Node& node, uint8_t* out, size_t count) {
     const size_t available = AvailableLength(node);
-    const std::unique_ptr<uint8_t, FreeBuffer> text(NewValueBuffer(available));
+    const ValueBuffer text(NewValueBuffer(available));
     if (text == nullptr) return false;
     StripUid(text.get(), FetchValue(node, 0, text.get(), available));
     const size_t copied = std::min(count, available);
