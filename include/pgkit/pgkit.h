@@ -33,6 +33,7 @@
 #include "pgkit/export.h"
 #include "pgkit/node.h"
 #include "pgkit/sopclass.h"
+#include "pgkit/uid.h"
 #include "pgkit/value_representation.h"
 #include "pgkit/version.h"
 

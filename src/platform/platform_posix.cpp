@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
 
@@ -80,6 +81,16 @@ bool StatPath(const char* path, struct stat* status) {
     return path != nullptr && ::stat(NativePath(path).c_str(), status) == 0;
 }
 
+FileIdentity Identity(const struct stat& status) {
+    return {static_cast<uint64_t>(status.st_dev), static_cast<uint64_t>(status.st_ino)};
+}
+
+std::string WithoutLinks(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr),
+                                                               &std::free);
+    return resolved != nullptr ? resolved.get() : path;
+}
+
 FILE* OpenExisting(const char* path, const char* mode) {
     if (path == nullptr) return nullptr;
     const std::string asWritten = WithSlashes(path);
@@ -127,6 +138,37 @@ std::optional<uint64_t> FileSize(const char* path) {
     if (!StatPath(path, &status) || !S_ISREG(status.st_mode)) return std::nullopt;
     return static_cast<uint64_t>(status.st_size);
 }
+
+std::optional<FileIdentity> IdentityOf(FILE* stream) {
+    struct stat status;
+    if (::fstat(::fileno(stream), &status) != 0) return std::nullopt;
+    return Identity(status);
+}
+
+std::optional<FileIdentity> IdentityOf(const char* path) {
+    struct stat status;
+    if (!StatPath(path, &status)) return std::nullopt;
+    return Identity(status);
+}
+
+std::string UnusedPathBeside(const char* path) {
+    const std::string target = WithoutLinks(NativePath(path));
+    for (unsigned number = 0;; ++number) {
+        std::string candidate = target + ".new" + std::to_string(number);
+        if (!PathExists(candidate.c_str())) return candidate;
+    }
+}
+
+bool ReplaceWith(const char* path, const char* replacement) {
+    const std::string target = WithoutLinks(NativePath(path));
+    struct stat status;
+    if (::stat(target.c_str(), &status) != 0) return false;
+    // The new file takes over who may read the old one, where the file system knows of it.
+    ::chmod(replacement, status.st_mode & 07777);
+    return ::rename(replacement, target.c_str()) == 0;
+}
+
+bool RemoveFile(const char* path) { return ::unlink(path) == 0; }
 
 bool Seek(FILE* stream, uint64_t position) {
     return position <= INT64_MAX && ::fseeko(stream, static_cast<off_t>(position), SEEK_SET) == 0;
