@@ -57,4 +57,18 @@ std::string ParseOptions(const Arguments& arguments, const std::vector<NumberOpt
     return "";
 }
 
+int AnswerEach(const Command& command, const Arguments& arguments, const std::string& expected,
+               bool (*print)(const std::string& operand)) {
+    Arguments operands;
+    const std::string complaint = ParseOptions(arguments, {}, &operands);
+    if (!complaint.empty()) return Misuse(command, complaint);
+    if (operands.empty()) return Misuse(command, expected + " is expected");
+
+    int status = kDone;
+    for (const std::string& operand : operands) {
+        if (!print(operand)) status = Fail(command, "unknown: " + operand);
+    }
+    return status;
+}
+
 }  // namespace pgtool

@@ -21,6 +21,11 @@ struct NumberOption {
 std::string ParseOptions(const Arguments& arguments, const std::vector<NumberOption>& options,
                          Arguments* operands);
 
+// Runs a command that answers one question about each operand and has no options. print gives false
+// when it has no answer, which fails the command but does not end it.
+int AnswerEach(const Command& command, const Arguments& arguments, const std::string& expected,
+               bool (*print)(const std::string& operand));
+
 // The number that a whole text is: decimal, or hexadecimal behind "0x". Nothing else: no sign, no
 // blank, nothing above 0xFFFFFFFF.
 std::optional<uint32_t> ParseNumber(const std::string& text);

@@ -153,8 +153,9 @@ class PGX_Node {
     PGKIT_API int32_t GetTagName(char* buffer);
 
     // The whole value and a NUL after it; buffer must hold length + 1 bytes. Leading and trailing
-    // blanks of UI values are stripped. Returns 0 for a data set, a sequence, encapsulated Pixel
-    // Data, and a value of undefined length or unrepresentable position that is not in memory.
+    // blanks of UI values are stripped, and zeros follow them. Returns 0 for a data set, a
+    // sequence, encapsulated Pixel Data, an element of undefined length, and a value at an
+    // unrepresentable position that is not in memory; 0 for a null buffer.
     PGKIT_API int32_t GetValue(void* buffer);
 
     // The first min(length, size) bytes of the value and a NUL after them: buffer must hold
@@ -195,9 +196,10 @@ class PGX_Node {
     // ---- Group lengths --------------------------------------------------------------------------
     //
     // The mode is a set of PgSyntaxFlags; PG_EXPLICIT_VR and, for group 0002, PG_META count the
-    // elements with explicit headers. Lengths of sequences are taken as they stand. On a node that
-    // is not a data set both print "AddGroupLengths: can only work with NT_DataSet type\n" on the
-    // standard output and return 0.
+    // elements with explicit headers. Lengths of sequences are taken as they stand. Where elements
+    // are not in tag order, every run of elements of one group counts as a group of its own, with
+    // its length element in front of it. On a node that is not a data set both print
+    // "AddGroupLengths: can only work with NT_DataSet type\n" on the standard output and return 0.
 
     // Gives every group of this data set a group length element and sets them all.
     PGKIT_API int32_t AddGroupLengths(uint32_t mode);
@@ -208,8 +210,9 @@ class PGX_Node {
     // ---- Text dump ------------------------------------------------------------------------------
 
     // Prints this node and everything below it, a line each, every line behind prefix. Returns 0
-    // when this element's value could not be allocated; the line then reads ">>>>> OUT-OF-MEMORY
-    // !!! (can't allocated %u bytes to dump object)".
+    // when this element's value could not be allocated or stream is null. The line of an element
+    // whose value could not be allocated reads, without the prefix, ">>>>> OUT-OF-MEMORY !!! (can't
+    // allocated %u bytes to dump object)". A null prefix is empty.
     PGKIT_API int32_t Dump(FILE* stream, const char* prefix);
     // The same into a new text file; 0 when it cannot be created.
     PGKIT_API int32_t Dump(const char* path);
