@@ -272,7 +272,7 @@ void DataSetParser::NoteElement(PGX_Node& element) {
     Level& level = levels_.back();
     if (IsBitsAllocated(element)) {
         level.bitsAllocated = element.GetUSValue();
-        ValueFetched(element);
+        if (element.value == nullptr) reader_.StreamMoved();
     } else if (IsPixelData(element.group, element.element)) {
         element.bitsAllocated = level.bitsAllocated;
     } else if (IsPrivateCreator(element.group, element.element)) {
@@ -280,17 +280,15 @@ void DataSetParser::NoteElement(PGX_Node& element) {
     }
 }
 
-// A value that is not in memory has been read through the stream, behind the reader's back.
-void DataSetParser::ValueFetched(const PGX_Node& element) {
-    if (element.value == nullptr) reader_.StreamMoved();
-}
-
-void DataSetParser::NotePrivateCreator(PGX_Node& element, Level& level) {
+// The reader stands behind the value, which need not have been loaded.
+void DataSetParser::NotePrivateCreator(const PGX_Node& element, Level& level) {
     if (element.valueRep != VR_LO || element.length > kMaxCreatorLength) return;
     if (level.creators.size() >= kMaxPrivateCreators) return;
-    char text[256];
-    element.GetStringValue(text, 255);
-    ValueFetched(element);
+    char text[kMaxCreatorLength + 1] = {};
+    const uint64_t end = reader_.Position();
+    reader_.Seek(end - element.length);
+    reader_.Read(reinterpret_cast<uint8_t*>(text), element.length);
+    reader_.Seek(end);
     level.creators.push_back({ToUpper(TrimBlanks(text)), element.element});
 }
 

@@ -68,8 +68,7 @@ class DataSetParser {
     void ReadFragments(PGX_Node& pixelData);
     void ReadValue(PGX_Node& element);
     void NoteElement(PGX_Node& element);
-    void ValueFetched(const PGX_Node& element);
-    void NotePrivateCreator(PGX_Node& element, Level& level);
+    void NotePrivateCreator(const PGX_Node& element, Level& level);
 
     StreamReader& reader_;
     const Encoding encoding_;

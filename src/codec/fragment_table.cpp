@@ -32,8 +32,9 @@ FragmentEntry* AllocateTable(PGX_Node& pixelData, size_t count, size_t capacity)
 
 // Reads the table's offsets into absolute positions of the frames' first values, and the lengths
 // that follow from them: each frame reaches up to the item header of the next. Offsets are taken as
-// they stand, in 32 bits; a table that is wrong gives entries that are wrong. Only the last must lie
-// behind the table: the data set goes on behind it, and would be read again from an earlier place.
+// they stand, in 32 bits; a table that is wrong gives entries that are wrong. Only the last must
+// lie behind the table: the data set goes on behind it, and would be read again from an earlier
+// place.
 bool ReadOffsets(StreamReader& reader, PGX_Node& pixelData, uint32_t tableLength) {
     const size_t count = tableLength / sizeof(uint32_t);
     const uint64_t firstItem = reader.Position() + tableLength;

@@ -41,11 +41,12 @@ PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t fla
 }
 
 PGX_Node* OpenFile(const char* path, uint32_t maxLoadLength, uint32_t flags) {
-    FILE* stream = platform::OpenForReading(path);
+    uint64_t size = 0;
+    FILE* stream = platform::OpenForReading(path, size);
     if (stream == nullptr) return nullptr;
     PGX_Node* root = nullptr;
     try {
-        StreamReader reader(stream);
+        StreamReader reader(stream, size);
         root = ParseStream(reader, maxLoadLength, flags);
     } catch (const std::bad_alloc&) {
         root = nullptr;
@@ -93,12 +94,13 @@ PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength, uint32
 }
 
 int32_t pgIsDicomFile(const char* path) {
-    FILE* stream = pgkit::platform::OpenForReading(path);
+    uint64_t size = 0;
+    FILE* stream = pgkit::platform::OpenForReading(path, size);
     if (stream == nullptr) {
         pgkit::PrintError("pgIsDicomFile : unable to open %s\n", path == nullptr ? "" : path);
         return 0;
     }
-    pgkit::StreamReader reader(stream);
+    pgkit::StreamReader reader(stream, size);
     const bool isDicom = pgkit::SkipPreamble(reader);
     std::fclose(stream);
     return isDicom ? 1 : 0;

@@ -7,10 +7,17 @@ namespace pgkit::platform {
 
 namespace {
 
-FILE* OpenUnbuffered(const char* path, const char* mode) {
-    if (path == nullptr) return nullptr;
-    FILE* stream = std::fopen(path, mode);
-    if (stream != nullptr) std::setvbuf(stream, nullptr, _IONBF, 0);
+// Only a regular file, as no device name is a DICOM file.
+FILE* OpenRegular(const char* path, const char* mode, uint64_t& size) {
+    FILE* stream = path == nullptr ? nullptr : std::fopen(path, mode);
+    if (stream == nullptr) return nullptr;
+    struct _stat64 status;
+    if (_fstat64(_fileno(stream), &status) != 0 || (status.st_mode & _S_IFMT) != _S_IFREG) {
+        std::fclose(stream);
+        return nullptr;
+    }
+    std::setvbuf(stream, nullptr, _IONBF, 0);
+    size = static_cast<uint64_t>(status.st_size);
     return stream;
 }
 
@@ -20,9 +27,17 @@ FILE* Create(const char* path, const char* mode) {
 
 }  // namespace
 
-FILE* OpenForReading(const char* path) { return OpenUnbuffered(path, "rb"); }
+FILE* OpenForReading(const char* path) {
+    uint64_t size;
+    return OpenForReading(path, size);
+}
 
-FILE* OpenForUpdate(const char* path) { return OpenUnbuffered(path, "r+b"); }
+FILE* OpenForReading(const char* path, uint64_t& size) { return OpenRegular(path, "rb", size); }
+
+FILE* OpenForUpdate(const char* path) {
+    uint64_t size;
+    return OpenRegular(path, "r+b", size);
+}
 
 FILE* CreateBinary(const char* path) { return Create(path, "wb"); }
 
