@@ -1,4 +1,5 @@
 // The exported functions that open files and streams, and the quick test for a Part 10 file.
+#include <memory>
 #include <new>
 #include <optional>
 
@@ -40,19 +41,22 @@ PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t fla
     return root.release();
 }
 
+struct FileCloser {
+    void operator()(FILE* stream) const { std::fclose(stream); }
+};
+
 PGX_Node* OpenFile(const char* path, uint32_t maxLoadLength, uint32_t flags) {
-    uint64_t size = 0;
-    FILE* stream = platform::OpenForReading(path, size);
-    if (stream == nullptr) return nullptr;
-    PGX_Node* root = nullptr;
     try {
-        StreamReader reader(stream, size);
-        root = ParseStream(reader, maxLoadLength, flags);
+        uint64_t size = 0;
+        std::unique_ptr<FILE, FileCloser> stream(platform::OpenForReading(path, size));
+        if (!stream) return nullptr;
+        StreamReader reader(stream.get(), size);
+        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
+        if (root != nullptr) static_cast<void>(stream.release());
+        return root;
     } catch (const std::bad_alloc&) {
-        root = nullptr;
+        return nullptr;
     }
-    if (root == nullptr) std::fclose(stream);
-    return root;
 }
 
 // The stream is the caller's until the parse has ended one way or the other; when memory runs out
