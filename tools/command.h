@@ -26,6 +26,8 @@ struct Command {
 
 extern const Command kDumpCommand;
 extern const Command kModalityCommand;
+extern const Command kSaveCommand;
+extern const Command kSetCommand;
 extern const Command kTagsCommand;
 extern const Command kUidCommand;
 

@@ -9,8 +9,8 @@ namespace pgtool {
 
 namespace {
 
-constexpr const Command* kCommands[] = {&kDumpCommand, &kTagsCommand, &kUidCommand,
-                                        &kModalityCommand};
+constexpr const Command* kCommands[] = {&kDumpCommand, &kSaveCommand, &kSetCommand,
+                                        &kTagsCommand, &kUidCommand,  &kModalityCommand};
 
 const Command* FindCommand(const std::string& name) {
     for (const Command* command : kCommands) {
