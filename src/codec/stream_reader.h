@@ -14,8 +14,10 @@ namespace pgkit {
 
 class StreamReader {
   public:
-    // Starts at the stream's present position.
+    // Starts at the present position of a stream that somebody else has used.
     explicit StreamReader(FILE* stream);
+    // Starts at the beginning of a file that was just opened and has this size.
+    StreamReader(FILE* stream, uint64_t size) : stream_(stream), streamPosition_(0), size_(size) {}
     StreamReader(const StreamReader&) = delete;
     StreamReader& operator=(const StreamReader&) = delete;
 

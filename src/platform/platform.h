@@ -12,9 +12,11 @@
 
 namespace pgkit::platform {
 
-// Opens a file; null on failure, also for a null path or a directory. Binary files are
-// unbuffered: the module reads and writes them in large pieces of its own.
+// Opens a regular file; null on failure, also for a null path, a directory, a pipe or a device. The
+// streams are unbuffered: the module reads and writes them in large pieces of its own.
 FILE* OpenForReading(const char* path);
+// The same; size receives the length of the file.
+FILE* OpenForReading(const char* path, uint64_t& size);
 FILE* OpenForUpdate(const char* path);
 // Creates or truncates a file; null on failure.
 FILE* CreateBinary(const char* path);

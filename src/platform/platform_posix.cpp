@@ -1,4 +1,5 @@
 #include <dirent.h>
+#include <fcntl.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -96,20 +97,27 @@ FILE* Unbuffered(FILE* stream) {
     return stream;
 }
 
-FILE* OpenExisting(const char* path, const char* mode) {
-    if (path == nullptr) return nullptr;
+int OpenDescriptor(const char* path, int flags) {
+    if (path == nullptr) return -1;
     const std::string asWritten = WithSlashes(path);
-    FILE* stream = std::fopen(asWritten.c_str(), mode);
-    if (stream == nullptr && (errno == ENOENT || errno == ENOTDIR)) {
-        stream = std::fopen(ResolveIgnoringCase(asWritten).c_str(), mode);
-    }
-    if (stream == nullptr) return nullptr;
+    const int descriptor = ::open(asWritten.c_str(), flags);
+    if (descriptor >= 0 || (errno != ENOENT && errno != ENOTDIR)) return descriptor;
+    return ::open(ResolveIgnoringCase(asWritten).c_str(), flags);
+}
+
+// A pipe is not waited for, and closed again like everything that is no regular file: a directory
+// fails only at the first read, a device may never end.
+FILE* OpenRegular(const char* path, int access, const char* mode, uint64_t& size) {
+    const int descriptor = OpenDescriptor(path, access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0) return nullptr;
     struct stat status;
-    // A directory opens for reading on POSIX, and fails only at the first read.
-    if (::fstat(::fileno(stream), &status) == 0 && S_ISDIR(status.st_mode)) {
-        std::fclose(stream);
+    const bool isRegular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    FILE* stream = isRegular ? ::fdopen(descriptor, mode) : nullptr;
+    if (stream == nullptr) {
+        ::close(descriptor);
         return nullptr;
     }
+    size = static_cast<uint64_t>(status.st_size);
     return Unbuffered(stream);
 }
 
@@ -119,9 +127,19 @@ FILE* Create(const char* path, const char* mode) {
 
 }  // namespace
 
-FILE* OpenForReading(const char* path) { return OpenExisting(path, "rb"); }
+FILE* OpenForReading(const char* path) {
+    uint64_t size;
+    return OpenForReading(path, size);
+}
 
-FILE* OpenForUpdate(const char* path) { return OpenExisting(path, "r+b"); }
+FILE* OpenForReading(const char* path, uint64_t& size) {
+    return OpenRegular(path, O_RDONLY, "rb", size);
+}
+
+FILE* OpenForUpdate(const char* path) {
+    uint64_t size;
+    return OpenRegular(path, O_RDWR, "r+b", size);
+}
 
 FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
 

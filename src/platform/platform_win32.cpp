@@ -16,6 +16,18 @@ FILE* Unbuffered(FILE* stream) {
     return stream;
 }
 
+// No device name is a DICOM file.
+FILE* RegularOnly(FILE* stream, uint64_t& size) {
+    if (stream == nullptr) return nullptr;
+    struct _stat64 status;
+    if (_fstat64(_fileno(stream), &status) != 0 || (status.st_mode & _S_IFMT) != _S_IFREG) {
+        std::fclose(stream);
+        return nullptr;
+    }
+    size = static_cast<uint64_t>(status.st_size);
+    return Unbuffered(stream);
+}
+
 // fopen would not share the file for deletion: nobody could then rename or replace it while it is
 // open.
 FILE* OpenShared(const char* path) {
@@ -57,11 +69,17 @@ FILE* Create(const char* path, const char* mode) {
 }  // namespace
 
 FILE* OpenForReading(const char* path) {
-    return path == nullptr ? nullptr : Unbuffered(OpenShared(path));
+    uint64_t size;
+    return OpenForReading(path, size);
+}
+
+FILE* OpenForReading(const char* path, uint64_t& size) {
+    return path == nullptr ? nullptr : RegularOnly(OpenShared(path), size);
 }
 
 FILE* OpenForUpdate(const char* path) {
-    return path == nullptr ? nullptr : Unbuffered(std::fopen(path, "r+b"));
+    uint64_t size;
+    return path == nullptr ? nullptr : RegularOnly(std::fopen(path, "r+b"), size);
 }
 
 FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
