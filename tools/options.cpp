@@ -28,6 +28,14 @@ std::optional<uint16_t> ParseHexWord(const std::string& text) {
     return text.size() <= 4 ? ParseDigits<uint16_t>(text, 16) : std::nullopt;
 }
 
+namespace {
+
+std::string NotANumber(const std::string& name, const std::string& text) {
+    return name + ": \"" + text + "\" is not a number";
+}
+
+}  // namespace
+
 std::string ParseOptions(const Arguments& arguments, const std::vector<NumberOption>& options,
                          Arguments* operands) {
     for (size_t i = 0; i < arguments.size(); ++i) {
@@ -51,7 +59,7 @@ std::string ParseOptions(const Arguments& arguments, const std::vector<NumberOpt
         if (isNext && i + 1 == arguments.size()) return name + " needs a number";
         const std::string text = isNext ? arguments[++i] : argument.substr(equals + 1);
         const std::optional<uint32_t> number = ParseNumber(text);
-        if (!number) return name + ": \"" + text + "\" is not a number";
+        if (!number) return NotANumber(name, text);
         *option->value = *number;
     }
     return "";
