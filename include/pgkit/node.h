@@ -192,8 +192,8 @@ class PGX_Node {
     // more. A node that still refers to the file it was read from keeps reading from that.
     PGKIT_API int32_t SetFileContentValue(const char* path);
     // Writes the value, in host byte order, to a new file. Returns 0 when a file cannot be created
-    // or opened; 1 otherwise, also when there is no value (nothing is created then) or writing
-    // fails later.
+    // or opened, or path is the file that this node reads from; 1 otherwise, also when there is no
+    // value (nothing is created then) or writing fails later.
     PGKIT_API int32_t GetFileContentValue(const char* path);
 
     // ---- Group lengths --------------------------------------------------------------------------
@@ -255,23 +255,47 @@ class PGX_Node {
 
     // Writes this node and everything below it to a binary stream, in the encoding that mode (a set
     // of PgSyntaxFlags) says: implicit VR without PG_EXPLICIT_VR, big endian without
-    // PG_LITTLE_ENDIAN, no group 0002 without PG_META or PG_META_IMPLICIT_VR. Nothing is buffered
-    // in the library when it returns.
+    // PG_LITTLE_ENDIAN, no group 0002 without PG_META or PG_META_IMPLICIT_VR. The stream is
+    // flushed; a null stream gives 3. A failure leaves what was written before it, and the
+    // delimiters of the sequences and items around it.
+    //
+    // Without PG_UNDEFINED_LENGTHS, sequences and items carry the lengths of their nodes, which
+    // only saving computes. Those that cannot have a right length (undefined, or around
+    // encapsulated Pixel Data or elements of group 0002) are written with delimiters all the same.
+    //
+    // An element without value anywhere is written as its header. A value whose source ends one
+    // byte early is completed with a zero byte. Every fileOffset that is 0 becomes the position in
+    // the stream: of a data set's first element, of an element's tag.
     PGKIT_API void WriteNode(FILE* stream, uint32_t mode);
     PGKIT_API uint32_t WriteNodeEx(FILE* stream, uint32_t mode);
 
-    // Writes the pending offsets (offsetPending) of a tree into its file, open for update.
+    // Writes the pending offsets (offsetPending) of a tree into its file, open for update: each as
+    // 4 bytes in host byte order, 8 bytes behind the element's fileOffset, and into the element.
+    // The offset is the fileOffset of offsetTarget less the 8 bytes of its item header. Elements
+    // without target keep their value. Only the record offsets of a DICOMDIR (0004,1200),
+    // (0004,1202), (0004,1400) and (0004,1420) are considered. A position beyond 4 GiB, or a null
+    // stream, gives 3.
     PGKIT_API void WriteNodeOffset(FILE* stream);
     PGKIT_API uint32_t WriteNodeOffsetEx(FILE* stream);
 
-    // Saves this root data set as a file. Mode 0 keeps the encoding the tree was read with. With
-    // PG_META the file is a Part 10 file. The transfer syntax element (0002,0010), if there is one,
-    // is set to match the mode; a compressed syntax forces explicit VR little endian. Files that
-    // cannot be created are reported on the standard error stream.
+    // Saves this root data set as a file: computes the lengths, sets the group lengths
+    // (UpdateGroupLengths), writes, and patches pending offsets with the positions at which the
+    // nodes were really written. Mode 0 keeps the encoding the tree was read with. With PG_META the
+    // file is a Part 10 file. The transfer syntax element (0002,0010), if there is one, is set to
+    // match the mode, and says what the mode leaves open; any syntax but the three native ones
+    // forces explicit VR little endian. Without the element the data set is explicit VR unless the
+    // mode has PG_IMPLICIT_VR. Files that cannot be created are reported on the standard error
+    // stream ("pgSaveDataSetAsEx : unable to open %s\n"). A failure leaves a partial file.
+    //
+    // A file that the tree still reads values from may be the target: it is replaced when the new
+    // one is complete beside it, stays as it was when that fails, and the tree goes on reading the
+    // old content. On Windows this needs a file opened by path; over a stream that the host opened
+    // itself saving gives 1.
     PGKIT_API void SaveDataSetAs(const char* path, int32_t mode);
     PGKIT_API uint32_t SaveDataSetAsEx(const char* path, int32_t mode);
     // The older form: a bare data set in implicit VR big endian, with delimiters when
-    // undefinedLengths is not 0.
+    // undefinedLengths is not 0. Reports "pgSaveDataSetAs : unable to open %s\n", or "... unable to
+    // reopen %s\n" when offsets cannot be patched.
     PGKIT_API void SaveDataSetAs(int32_t undefinedLengths, const char* path);
 
     // Completes group 0002 of this data set from its SOP class and instance, the library's own

@@ -12,8 +12,8 @@
 
 namespace pgkit::platform {
 
-// Opens a file; null on failure, also for a null path or a directory. Files opened for reading or
-// update are unbuffered: the module reads and writes them in large pieces of its own.
+// Opens a file; null on failure, also for a null path or a directory. Binary files are
+// unbuffered: the module reads and writes them in large pieces of its own.
 FILE* OpenForReading(const char* path);
 FILE* OpenForUpdate(const char* path);
 // Creates or truncates a file; null on failure.

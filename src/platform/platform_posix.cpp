@@ -91,6 +91,11 @@ std::string WithoutLinks(const std::string& path) {
     return resolved != nullptr ? resolved.get() : path;
 }
 
+FILE* Unbuffered(FILE* stream) {
+    if (stream != nullptr) std::setvbuf(stream, nullptr, _IONBF, 0);
+    return stream;
+}
+
 FILE* OpenExisting(const char* path, const char* mode) {
     if (path == nullptr) return nullptr;
     const std::string asWritten = WithSlashes(path);
@@ -105,8 +110,7 @@ FILE* OpenExisting(const char* path, const char* mode) {
         std::fclose(stream);
         return nullptr;
     }
-    std::setvbuf(stream, nullptr, _IONBF, 0);
-    return stream;
+    return Unbuffered(stream);
 }
 
 FILE* Create(const char* path, const char* mode) {
@@ -119,7 +123,7 @@ FILE* OpenForReading(const char* path) { return OpenExisting(path, "rb"); }
 
 FILE* OpenForUpdate(const char* path) { return OpenExisting(path, "r+b"); }
 
-FILE* CreateBinary(const char* path) { return Create(path, "wb"); }
+FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
 
 FILE* CreateText(const char* path) { return Create(path, "w"); }
 

@@ -64,7 +64,7 @@ FILE* OpenForUpdate(const char* path) {
     return path == nullptr ? nullptr : Unbuffered(std::fopen(path, "r+b"));
 }
 
-FILE* CreateBinary(const char* path) { return Create(path, "wb"); }
+FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
 
 FILE* CreateText(const char* path) { return Create(path, "w"); }
 

@@ -6,22 +6,18 @@
 #include "codec/failing_sink.h"
 #include "codec/lengths.h"
 #include "support/stream_builder.h"
+#include "support/tree.h"
 
 namespace {
 
 using namespace pgkit_test;
 using pgkit::EncodeNode;
 
-struct FreeTree {
-    void operator()(PGX_Node* root) const { pgFreeNodeHierarchy(root); }
-};
-using Tree = std::unique_ptr<PGX_Node, FreeTree>;
-
 constexpr uint32_t kExplicitLittle = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
 
 // Headers of every form, values from memory and from a stream, items and fragments.
-Tree SmallTree(FILE* source) {
-    Tree root(pgAllocateDataSetNode());
+DataSet SmallTree(FILE* source) {
+    DataSet root(pgAllocateDataSetNode());
     root->InsertNode(0x0002, 0x0010, "1.2.840.10008.1.2.1", 19);
     PGX_Node* item = AddItem(*root->InsertNode(0x0008, 0x1140, nullptr, 0));
     item->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
@@ -42,7 +38,7 @@ class FailingOutput : public testing::TestWithParam<uint32_t> {
 };
 
 TEST_P(FailingOutput, IsReportedAfterAnyNumberOfBytes) {
-    const Tree root = SmallTree(source_.get());
+    const DataSet root = SmallTree(source_.get());
     pgkit::ComputeLengths(*root, GetParam());
     FailingSink whole;
     ASSERT_EQ(EncodeNode(*root, GetParam(), whole), pgkit::kWritten);
@@ -62,7 +58,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, FailingOutput,
 
 // An element that cannot be written stands behind others: which failure comes first decides.
 TEST(FailingOutputs, AreReportedBeforeAFailureBehindThem) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     root->InsertNode(0x0008, 0x0060, "CT", 2);
     NewElement(*root, 0x0009, 0x1001, VR_LO, "")->length = 65535;
     for (size_t limit = 0; limit < 16; ++limit) {
@@ -74,7 +70,7 @@ TEST(FailingOutputs, AreReportedBeforeAFailureBehindThem) {
 }
 
 TEST(FailingOutputs, DoNotChangeTheResultOfAnItemThatFailedBeforeItsDelimiters) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* item = AddItem(*root->InsertNode(0x0008, 0x1140, nullptr, 0));
     NewElement(*item, 0x0009, 0x1001, VR_LO, "")->length = 65535;
     constexpr size_t kBeforeDelimiters = 12 + 8 + 6;
@@ -86,7 +82,7 @@ TEST(FailingOutputs, DoNotChangeTheResultOfAnItemThatFailedBeforeItsDelimiters) 
 }
 
 TEST(LargeOutput, PositionsThatDoNotFitAreMarked) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* first = root->InsertNode(0x0008, 0x0060, "CT", 2);
     PGX_Node* second = root->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
     FailingSink sink(FailingSink::kUnlimited, 0xFFFFFFFE);
@@ -100,7 +96,7 @@ TEST(LargeOutput, PositionsOfAStreamWithoutAnyAreMarked) {
     struct Pipe : FailingSink {
         std::optional<uint64_t> Position() override { return std::nullopt; }
     };
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* element = root->InsertNode(0x0008, 0x0060, "CT", 2);
     Pipe sink;
     EXPECT_EQ(EncodeNode(*root, kExplicitLittle, sink), pgkit::kWritten);
@@ -109,7 +105,7 @@ TEST(LargeOutput, PositionsOfAStreamWithoutAnyAreMarked) {
 }
 
 TEST(LargeOutput, WantedPositionsAreRecordedInFull) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     root->InsertNode(0x0008, 0x0060, "CT", 2);
     PGX_Node* offset = root->InsertNode(0x0004, 0x1200, "abcd", 4);
     PGX_Node* item = AddItem(*root->InsertNode(0x0004, 0x1220, nullptr, 0));

@@ -4,28 +4,24 @@
 
 #include "codec/encoded.h"
 #include "support/captured.h"
+#include "support/tree.h"
 
 namespace {
 
 using namespace pgkit_test;
 using pgkit::ComputeLengths;
 
-struct FreeTree {
-    void operator()(PGX_Node* root) const { pgFreeNodeHierarchy(root); }
-};
-using Tree = std::unique_ptr<PGX_Node, FreeTree>;
-
 constexpr uint32_t kImplicit = PG_IMPLICIT_VR | PG_LITTLE_ENDIAN;
 constexpr uint32_t kExplicit = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
 constexpr uint32_t kUndefinedLength = 0xFFFFFFFF;
 
 TEST(Lengths, OfAnEmptyDataSetAreZero) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     EXPECT_EQ(ComputeLengths(*root, kExplicit), 0u);
 }
 
 TEST(Lengths, CountEightBytesForEveryHeaderInImplicitVr) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     NewElement(*root, 0x0009, 0x1001, VR_OB, "abcdefghij");
     NewElement(*root, 0x0009, 0x1002, VR_LO, "ab");
     EXPECT_EQ(ComputeLengths(*root, kImplicit), 18u + 10u);
@@ -34,17 +30,17 @@ TEST(Lengths, CountEightBytesForEveryHeaderInImplicitVr) {
 
 TEST(Lengths, CountTwelveBytesForLongHeadersInExplicitVr) {
     for (const uint32_t vr : {VR_OB, VR_OW, VR_OWOB, VR_OF, VR_UN, VR_UT, VR_Unknown}) {
-        const Tree root(pgAllocateDataSetNode());
+        const DataSet root(pgAllocateDataSetNode());
         NewElement(*root, 0x0009, 0x1001, vr, "abcdefghij");
         EXPECT_EQ(ComputeLengths(*root, kExplicit), 22u) << vr;
     }
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     NewElement(*root, 0x0009, 0x1001, VR_US, "ab");
     EXPECT_EQ(ComputeLengths(*root, kExplicit), 10u);
 }
 
 TEST(Lengths, OfSequencesAreThoseOfTheirItemsWithTheItemHeaders) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* sequence = root->InsertNode(0x0008, 0x1140, nullptr, 0);
     PGX_Node* first = AddItem(*sequence);
     PGX_Node* second = AddItem(*sequence);
@@ -65,19 +61,19 @@ TEST(Lengths, OfSequencesAreThoseOfTheirItemsWithTheItemHeaders) {
 }
 
 TEST(Lengths, CountNoDelimitersInTheModeThatWritesThem) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     AddItem(*root->InsertNode(0x0008, 0x1140, nullptr, 0));
     EXPECT_EQ(ComputeLengths(*root, kImplicit | PG_UNDEFINED_LENGTHS), 16u);
 }
 
 TEST(Lengths, CountGroupTwoByTheModeOfTheOthers) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     NewElement(*root, 0x0002, 0x0001, VR_OB, "ab");
     EXPECT_EQ(ComputeLengths(*root, kImplicit | PG_META), 10u);
 }
 
 TEST(Lengths, ReplaceThoseThatWereRead) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* sequence = root->InsertNode(0x0008, 0x1140, nullptr, 0);
     sequence->length = kUndefinedLength;
     AddItem(*sequence)->length = kUndefinedLength;
@@ -87,7 +83,7 @@ TEST(Lengths, ReplaceThoseThatWereRead) {
 }
 
 TEST(Lengths, BecomeUndefinedWhereTheSumDoesNotFit) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* sequence = root->InsertNode(0x0008, 0x1140, nullptr, 0);
     PGX_Node* small = AddItem(*sequence);
     PGX_Node* large = AddItem(*sequence);
@@ -106,7 +102,7 @@ TEST(Lengths, BecomeUndefinedWhereTheSumDoesNotFit) {
 }
 
 TEST(Lengths, BecomeUndefinedWhereTheyCountAnUndefinedOne) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* item = AddItem(*root->InsertNode(0x0008, 0x1140, nullptr, 0));
     item->InsertEncodedPixelDataNode(0)->length = kUndefinedLength;
     ComputeLengths(*root, kExplicit);
@@ -114,7 +110,7 @@ TEST(Lengths, BecomeUndefinedWhereTheyCountAnUndefinedOne) {
 }
 
 TEST(Lengths, AreComputedForDataSetsOnly) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* element = root->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
     const Printed printed =
         CapturePrinted([&] { EXPECT_EQ(ComputeLengths(*element, kExplicit), 0u); });
@@ -124,7 +120,7 @@ TEST(Lengths, AreComputedForDataSetsOnly) {
 }
 
 TEST(Lengths, CountAnItemThatIsNoDataSetAsItsHeader) {
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* sequence = root->InsertNode(0x0008, 0x1140, nullptr, 0);
     sequence->first = new PGX_Node(NT_DataElement, ET_LittleEndian, 0x0010, 0x0010, VR_PN, 8);
     const Printed printed =
@@ -134,7 +130,7 @@ TEST(Lengths, CountAnItemThatIsNoDataSetAsItsHeader) {
 
 TEST(Lengths, AreComputedAtAnyDepth) {
     constexpr uint32_t kDepth = 100'000;
-    const Tree root(pgAllocateDataSetNode());
+    const DataSet root(pgAllocateDataSetNode());
     PGX_Node* dataSet = root.get();
     for (uint32_t i = 0; i < kDepth; ++i) {
         dataSet = AddItem(*dataSet->InsertNode(0x0008, 0x1140, nullptr, 0));

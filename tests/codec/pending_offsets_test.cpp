@@ -2,15 +2,12 @@
 
 #include "codec/encoded.h"
 #include "codec/offset_patching.h"
+#include "support/tree.h"
 
 namespace {
 
 using namespace pgkit_test;
 using pgkit::PendingOffsets;
-
-struct FreeTree {
-    void operator()(PGX_Node* root) const { pgFreeNodeHierarchy(root); }
-};
 
 class PendingOffset : public testing::Test {
   protected:
@@ -28,7 +25,7 @@ class PendingOffset : public testing::Test {
         return offsets.Patch(pgkit::platform::FileHandle(std::fopen(path_.c_str(), mode)));
     }
 
-    std::unique_ptr<PGX_Node, FreeTree> root_{pgAllocateDataSetNode()};
+    DataSet root_{pgAllocateDataSetNode()};
     PGX_Node* offset_ = nullptr;
     PGX_Node* item_ = nullptr;
     TempDir directory_;
