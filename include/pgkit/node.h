@@ -115,7 +115,8 @@ class PGX_Node {
                                    uint32_t size);
     PGKIT_API PGX_Node* InsertNode(uint32_t elementId, const void* data, uint32_t size);
     // Links an existing node at the same place and returns it; null (and the first message) when
-    // this node is not a data set. The data set's bitsAllocated is left alone.
+    // this node is not a data set, null without a message for a null node. Its next is overwritten;
+    // it must not be linked in a tree already. The data set's bitsAllocated is left alone.
     PGKIT_API PGX_Node* InsertNode(PGX_Node* node);
 
     // Sets the value of the first direct child with this tag, or inserts a new one. The result of
@@ -137,7 +138,9 @@ class PGX_Node {
     // The items of a sequence. SeqGetHead on a data set prints "pgSeqGetHead: can only deal with
     // NT_DataElement type\n" and gives null; adding anything but a data set prints "pgSeqAddHead:
     // can only insert in a NT_DataSet type\n" (or "pgSeqAddTail: ...") and does nothing, all on the
-    // standard output. Items added belong to the tree.
+    // standard output; a null item is ignored. Items added belong to the tree and must not be
+    // linked in it already. The VR is not tested. What follows an item (its next) is cut off, but
+    // comes along when SeqAddTail adds the first item of a sequence.
     PGKIT_API PGX_Node* SeqGetHead();
     PGKIT_API void SeqAddHead(PGX_Node* item);
     PGKIT_API void SeqAddTail(PGX_Node* item);

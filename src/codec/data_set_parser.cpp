@@ -39,12 +39,6 @@ uint32_t CountedHeaderSize(bool implicitVr, bool longHeader) {
     return !implicitVr && longHeader ? kLongHeaderSize : kShortHeaderSize;
 }
 
-bool IsPixelData(uint16_t group, uint16_t element) { return group == 0x7FE0 && element == 0x0010; }
-
-bool IsBitsAllocated(const PGX_Node& node) {
-    return node.group == 0x0028 && node.element == 0x0100;
-}
-
 // Formats a name for a tag into the buffer.
 template <size_t Size>
 std::string_view FormatName(char (&buffer)[Size], const char* format, unsigned number) {
@@ -270,7 +264,7 @@ void DataSetParser::ReadValue(PGX_Node& element) {
 // Some elements tell how others of their data set are to be read.
 void DataSetParser::NoteElement(PGX_Node& element) {
     Level& level = levels_.back();
-    if (IsBitsAllocated(element)) {
+    if (IsBitsAllocated(element.group, element.element)) {
         level.bitsAllocated = element.GetUSValue();
         if (element.value == nullptr) reader_.StreamMoved();
     } else if (IsPixelData(element.group, element.element)) {

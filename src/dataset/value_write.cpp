@@ -3,6 +3,7 @@
 
 #include "dataset/node_memory.h"
 #include "dataset/value_source.h"
+#include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
 #include "frame/text.h"
 #include "pgkit/node.h"
@@ -23,7 +24,7 @@ constexpr uint8_t PadByte(uint32_t vr) { return vr == VR_UI || vr == VR_OB ? 0x0
 // OW values are taken as they come: only reading and writing out convert them. So are 8-bit samples
 // in Pixel Data, whatever its VR.
 size_t SetterSwapUnit(const PGX_Node& node) {
-    const bool isPixelData = node.group == 0x7FE0 && node.element == 0x0010;
+    const bool isPixelData = pgkit::IsPixelData(node.group, node.element);
     if (node.valueRep == VR_OW || (isPixelData && node.bitsAllocated == 8)) return 1;
     return pgkit::SwapUnit(node.valueRep);
 }
