@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <new>
 
 #include "codec/fragment_table.h"
 #include "dataset/node_memory.h"
@@ -254,11 +256,11 @@ void DataSetParser::ReadValue(PGX_Node& element) {
         reader_.Skip(length);
         return;
     }
-    element.value = NewValueBuffer(length);
+    element.value = NewUnfilledValueBuffer(length);
     if (element.value == nullptr) throw std::bad_alloc();
-    const uint64_t end = reader_.Position() + length;
-    reader_.Read(element.value, length);
-    reader_.Seek(end);
+    const size_t available = reader_.Read(element.value, length);
+    std::memset(element.value + available, 0, length - available);
+    reader_.Skip(length - available);
 }
 
 // Some elements tell how others of their data set are to be read.

@@ -63,7 +63,7 @@ bool StreamReader::FillTo(size_t count) {
     return true;
 }
 
-size_t StreamReader::Read(uint8_t* out, size_t count) {
+size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     const size_t fromBuffer = std::min(count, Buffered());
     std::memcpy(out, buffer_.data() + next_, fromBuffer);
     next_ += fromBuffer;

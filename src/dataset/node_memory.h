@@ -26,6 +26,11 @@ inline uint8_t* NewValueBuffer(size_t size) {
     return static_cast<uint8_t*>(std::calloc(size == 0 ? 1 : size, 1));
 }
 
+// The same with any content, for a value that is read into it at once.
+inline uint8_t* NewUnfilledValueBuffer(size_t size) {
+    return static_cast<uint8_t*>(std::malloc(size == 0 ? 1 : size));
+}
+
 inline void FreeValueBuffer(uint8_t* buffer) { std::free(buffer); }
 
 struct FreeBuffer {
