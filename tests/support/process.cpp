@@ -19,9 +19,16 @@ int ExitStatus(int status) {
     return (status & 0x7F) == 0 ? (status >> 8) & 0xFF : -1;
 }
 
-std::string TextOf(const std::string& path) {
+std::string BytesOf(const std::string& path) {
     const Bytes bytes = ReadFile(path);
     return std::string(bytes.begin(), bytes.end());
+}
+
+// The standard error stream is a text stream: Windows ends its lines with two characters.
+std::string TextOf(const std::string& path) {
+    std::string text = BytesOf(path);
+    if (kIsWindows) std::erase(text, '\r');
+    return text;
 }
 
 }  // namespace
@@ -36,7 +43,7 @@ Finished RunProgram(const std::string& path, const std::vector<std::string>& arg
     line += " >" + Quoted(out) + " 2>" + Quoted(err);
     // The Windows command processor takes one pair of quotation marks off the whole line.
     const int status = std::system((kIsWindows ? Quoted(line) : line).c_str());
-    return {ExitStatus(status), TextOf(out), TextOf(err)};
+    return {ExitStatus(status), BytesOf(out), TextOf(err)};
 }
 
 }  // namespace pgkit_test

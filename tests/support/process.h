@@ -7,9 +7,9 @@
 namespace pgkit_test {
 
 struct Finished {
-    int exitStatus;  // -1 when the program did not end by itself
-    std::string out;
-    std::string err;
+    int exitStatus;   // -1 when the program did not end by itself
+    std::string out;  // as it was written
+    std::string err;  // line ends read as "\n" on every platform
 };
 
 // The arguments may hold blanks but no quotation marks.
