@@ -31,6 +31,7 @@
 #include "pgkit/dataset.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/export.h"
+#include "pgkit/list.h"
 #include "pgkit/node.h"
 #include "pgkit/sopclass.h"
 #include "pgkit/value_representation.h"
