@@ -36,7 +36,7 @@ class SOPClassSetLoad {
   public:
     SOPClassSetLoad() noexcept {
         try {
-            SOPClassSet::Instance().Load((HostDirectory() + "halvorix.xml").c_str(), "properties");
+            SOPClassSet::Instance().load((HostDirectory() + "halvorix.xml").c_str(), "properties");
         } catch (...) {
             SOPClassSet::Instance().Clear();
         }

@@ -47,8 +47,7 @@ PGKIT_API PGX_Node* pgOpenDataSetFileEx(const char* path, uint32_t maxLoadLength
 // owns the stream. On failure the stream has been closed, unless memory ran out: then it is left
 // open. A null stream gives null.
 PGKIT_API PGX_Node* pgOpenDataSetFileHandle(FILE* stream, uint32_t maxLoadLength);
-PGKIT_API PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength,
-                                              uint32_t flags);
+PGKIT_API PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength, uint32_t flags);
 
 // 1 when the file has "DICM" at offset 128, else 0. A file that cannot be opened is reported as
 // "pgIsDicomFile : unable to open %s\n" on the standard error stream.
@@ -75,8 +74,7 @@ PGKIT_API void pgCloseDataSet(PGX_Node* root);
 
 // The first direct child with the given tag or element identifier, or null (also for a null data
 // set or an identifier above 3781). Sequences are not searched.
-PGKIT_API PGX_Node* pgFindNodeWithGroupElement(PGX_Node* dataSet, uint16_t group,
-                                               uint16_t element);
+PGKIT_API PGX_Node* pgFindNodeWithGroupElement(PGX_Node* dataSet, uint16_t group, uint16_t element);
 PGKIT_API PGX_Node* pgFindNodeWithElementId(PGX_Node* dataSet, uint32_t elementId);
 
 PGKIT_END_C

@@ -60,8 +60,8 @@ enum PgSyntaxFlags : uint32_t {
 class PGX_Node {
   public:
     NodeType nodeType;
-    uint16_t group;    // 0 for a data set
-    uint16_t element;  // 0 for a data set
+    uint16_t group;     // 0 for a data set
+    uint16_t element;   // 0 for a data set
     uint32_t valueRep;  // ValueRepresentation; 255 unknown or none
     uint32_t length;    // value length in bytes; 0xFFFFFFFF is undefined; 0 for an item
     FILE* file;         // the file from which the value can be read, null when built in memory
@@ -69,16 +69,16 @@ class PGX_Node {
     // writing a node built in memory, the position at which it was written. 0xFFFFFFFF marks a
     // position beyond 4 GiB, from which nothing can be read later.
     uint32_t fileOffset;
-    uint8_t* value;     // the value in memory, in the byte order of endian; or null
-    EndianType endian;  // byte order of the value bytes
+    uint8_t* value;             // the value in memory, in the byte order of endian; or null
+    EndianType endian;          // byte order of the value bytes
     uint32_t encapsulated;      // 1 for Pixel Data in fragments, else 0
     uint32_t fragmentCount;     // entries in use
     uint32_t fragmentCapacity;  // entries allocated
     // The table; the address 1 marks encapsulated Pixel Data whose fragments are not indexed.
     FragmentEntry* fragments;
-    PGX_Node* first;        // first child
-    PGX_Node* next;         // next sibling
-    char* contentFile;      // path of a file whose content is the value, or null
+    PGX_Node* first;         // first child
+    PGX_Node* next;          // next sibling
+    char* contentFile;       // path of a file whose content is the value, or null
     uint32_t bitsAllocated;  // of a data set: Bits Allocated as inserted; of Pixel Data: its own
     uint32_t syntaxFlags;    // PgSyntaxFlags on the root of an opened file, else 0xFFFFFFFF
     uint32_t offsetPending;  // non-zero: the value is to become the position of offsetTarget
@@ -129,8 +129,8 @@ class PGX_Node {
     PGKIT_API void RemoveNode(PGX_Node* child);
 
     // A deep copy of this node and its descendants and, when nodeOnly is 0, of all siblings that
-    // follow it. Values are fetched as GetValue gives them (host byte order, UI texts stripped) into
-    // memory while endian is copied as it stands; the copy never refers to the file. Fragment
+    // follow it. Values are fetched as GetValue gives them (host byte order, UI texts stripped)
+    // into memory while endian is copied as it stands; the copy never refers to the file. Fragment
     // tables are copied without the loaded bytes. tagName is not copied.
     PGKIT_API PGX_Node* DuplicateNode(int32_t nodeOnly);
 

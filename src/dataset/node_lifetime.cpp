@@ -15,7 +15,8 @@ FragmentEntry* NewFragmentTable(size_t capacity) {
 
 void FreeFragmentTable(PGX_Node& node) {
     if (HasFragmentTable(node)) {
-        for (uint32_t i = 0; i < node.fragmentCount; ++i) FreeValueBuffer(node.fragments[i].bytes);
+        for (uint32_t i = 0; i < node.fragmentCount; ++i)
+            FreeValueBuffer(node.fragments[i].bytes);
         std::free(node.fragments);
     }
     node.fragments = nullptr;
@@ -43,7 +44,8 @@ void pgFreeNodeHierarchy(PGX_Node* node) {
             continue;
         }
         PGX_Node* lastChild = children;
-        while (lastChild->next != nullptr) lastChild = lastChild->next;
+        while (lastChild->next != nullptr)
+            lastChild = lastChild->next;
         lastChild->next = node;
         node->first = nullptr;
         node = children;

@@ -38,8 +38,8 @@ inline bool HasFragmentTable(const PGX_Node& node) {
 // A table of zeroed entries; null when memory runs out.
 FragmentEntry* NewFragmentTable(size_t capacity);
 
-// Frees the table with its loaded fragments, if the node has one, and leaves it without: null, count
-// and capacity 0.
+// Frees the table with its loaded fragments, if the node has one, and leaves it without: null,
+// count and capacity 0.
 void FreeFragmentTable(PGX_Node& node);
 
 }  // namespace pgkit

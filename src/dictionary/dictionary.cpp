@@ -1,7 +1,6 @@
 #include "dictionary/dictionary.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 
 #include "dictionary/private_dictionary.h"
@@ -28,8 +27,8 @@ constexpr uint32_t TagKey(uint16_t group, uint16_t element) {
     return (uint32_t{group} << 16) | element;
 }
 
-constexpr char UpperLetter(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+constexpr uint32_t NameHash(std::string_view name) {
+    return HashText(name, [](char c) { return ToUpper(c); });
 }
 
 using ElementIndex = RowIndex<8192>;
@@ -38,27 +37,31 @@ constexpr ElementIndex kTagIndex(kElementCount, [](size_t row) {
     return TagKey(kElements[row].group, kElements[row].element);
 });
 
-constexpr ElementIndex kNameIndex(kElementCount, [](size_t row) {
-    return HashText(kElements[row].name, UpperLetter);
-});
+constexpr ElementIndex kNameIndex(kElementCount,
+                                  [](size_t row) { return NameHash(kElements[row].name); });
 
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return UpperLetter(x) == UpperLetter(y); });
+                      [](char x, char y) { return ToUpper(x) == ToUpper(y); });
 }
 
 uint32_t unSequenceSwitch = 1;
 
 }  // namespace
 
-const DictionaryEntry& ElementEntry(uint32_t elementId) {
-    return kElements[elementId];
-}
+const DictionaryEntry& ElementEntry(uint32_t elementId) { return kElements[elementId]; }
 
 uint32_t FindElementId(uint16_t group, uint16_t element) {
     const size_t row = kTagIndex.Find(TagKey(group, element), [=](size_t i) {
         return kElements[i].group == group && kElements[i].element == element;
     });
+    return row == ElementIndex::kNoRow ? kNoElementId : static_cast<uint32_t>(row);
+}
+
+uint32_t FindElementIdByName(std::string_view name) {
+    if (name.size() > kMaxNameLength) return kNoElementId;
+    const size_t row = kNameIndex.Find(
+        NameHash(name), [name](size_t i) { return EqualIgnoringCase(kElements[i].name, name); });
     return row == ElementIndex::kNoRow ? kNoElementId : static_cast<uint32_t>(row);
 }
 
@@ -73,9 +76,7 @@ const DictionaryEntry* FindEntry(uint16_t group, uint16_t element) {
     return id == kNoElementId ? nullptr : &kElements[id];
 }
 
-bool DecodesUnSequences() {
-    return unSequenceSwitch != 0;
-}
+bool DecodesUnSequences() { return unSequenceSwitch != 0; }
 
 }  // namespace pgkit
 
@@ -83,7 +84,7 @@ using pgkit::DictionaryEntry;
 using pgkit::ElementEntry;
 using pgkit::FindEntry;
 using pgkit::PrivateDictionary;
-using pgkit::PrivateEntry;
+using pgkit::PrivateDictionaryEntry;
 
 uint32_t pgFindElementIdInfo(int32_t elementId, uint16_t* group, uint16_t* element) {
     const uint32_t id = static_cast<uint32_t>(elementId);
@@ -105,19 +106,14 @@ uint32_t pgFindElementIdType(uint16_t group, uint16_t element) {
 }
 
 uint32_t pgGetTagElementId(const char* name) {
-    const std::string_view wanted = pgkit::OrEmpty(name);
-    if (wanted.size() > pgkit::kMaxNameLength) return pgkit::kNoElementId;
-    const size_t row = pgkit::kNameIndex.Find(
-        pgkit::HashText(wanted, pgkit::UpperLetter),
-        [wanted](size_t i) { return pgkit::EqualIgnoringCase(pgkit::kElements[i].name, wanted); });
-    return row == pgkit::ElementIndex::kNoRow ? pgkit::kNoElementId : static_cast<uint32_t>(row);
+    return pgkit::FindElementIdByName(pgkit::OrEmpty(name));
 }
 
 uint32_t pgFindValueRepresentation(uint16_t group, uint16_t element) {
     if (pgkit::IsPrivateCreator(group, element)) return VR_LO;
     if (element == 0) return VR_UL;
     if (const DictionaryEntry* entry = FindEntry(group, element)) return entry->valueRep;
-    const PrivateEntry* entry = PrivateDictionary::Instance().FindExact(group, element);
+    const PrivateDictionaryEntry* entry = PrivateDictionary::Instance().FindExact(group, element);
     return entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
 }
 
@@ -125,7 +121,7 @@ uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char* buffer) {
     const char* name = nullptr;
     if (const DictionaryEntry* entry = FindEntry(group, element)) {
         name = entry->name;
-    } else if (const PrivateEntry* privateEntry =
+    } else if (const PrivateDictionaryEntry* privateEntry =
                    PrivateDictionary::Instance().FindExact(group, element)) {
         name = privateEntry->name.c_str();
     } else if (element == 0x0000) {
@@ -133,7 +129,7 @@ uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char* buffer) {
     } else if (element == 0x0010) {
         name = "FileCreator";
     }
-    std::strcpy(buffer, name != nullptr ? name : "<Unknown Tag>");
+    pgkit::CopyUnbounded(buffer, name != nullptr ? name : "<Unknown Tag>");
     return name != nullptr ? 1 : 0;
 }
 

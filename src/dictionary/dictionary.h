@@ -23,6 +23,9 @@ const DictionaryEntry& ElementEntry(uint32_t elementId);
 // The identifier of the first row with exactly this tag, or kNoElementId.
 uint32_t FindElementId(uint16_t group, uint16_t element);
 
+// The identifier of the first row of this name, case ignored, or kNoElementId.
+uint32_t FindElementIdByName(std::string_view name);
+
 // The first row that has this tag, or whose repeating group covers it; null when there is none.
 const DictionaryEntry* FindEntry(uint16_t group, uint16_t element);
 

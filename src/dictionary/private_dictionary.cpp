@@ -1,8 +1,9 @@
 #include "dictionary/private_dictionary.h"
 
-#include <cctype>
-#include <cstdlib>
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -10,8 +11,8 @@
 
 #include "dictionary/dictionary.h"
 #include "frame/text.h"
-#include "platform/platform.h"
 #include "pgkit/dictionary.h"
+#include "platform/platform.h"
 
 namespace pgkit {
 
@@ -20,13 +21,13 @@ namespace {
 constexpr size_t kMaxShortField = 15;  // group, element, VR, multiplicity
 constexpr size_t kMaxLongField = 127;  // creator, name
 
+constexpr const char* kWhiteSpace = " \t\n\v\f\r";
+
 struct FileCloser {
     void operator()(FILE* stream) const { std::fclose(stream); }
 };
 
 uint32_t TagKey(uint16_t group, uint16_t element) { return (uint32_t{group} << 16) | element; }
-
-bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
 // Takes the fields of one line from left to right. Every operation fails, and leaves the scanner of
 // no further use, when the text is not there or longer than the limit.
@@ -47,19 +48,16 @@ class LineScanner {
 
     // The next word, behind any white space.
     std::optional<std::string> Word(size_t limit) {
-        while (!rest_.empty() && IsSpace(rest_.front())) rest_.remove_prefix(1);
-        size_t end = 0;
-        while (end < rest_.size() && !IsSpace(rest_[end])) ++end;
-        return Take(end, limit);
+        rest_.remove_prefix(std::min(rest_.find_first_not_of(kWhiteSpace), rest_.size()));
+        return Take(rest_.find_first_of(kWhiteSpace), limit);
     }
 
   private:
     std::optional<std::string> Take(size_t end, size_t limit) {
-        end = end == std::string_view::npos ? rest_.size() : end;
-        if (end == 0 || end > limit) return std::nullopt;
-        std::string field(rest_.substr(0, end));
-        rest_.remove_prefix(end);
-        return field;
+        const std::string_view field = rest_.substr(0, end);
+        if (field.empty() || field.size() > limit) return std::nullopt;
+        rest_.remove_prefix(field.size());
+        return std::string(field);
     }
 
     std::string_view rest_;
@@ -90,11 +88,11 @@ std::optional<LineFields> SplitLine(std::string_view line) {
     return LineFields{*group, *creator, *element, *valueRep, *name};
 }
 
-// A hexadecimal number, of which a tag keeps the low 16 bits.
+// A hexadecimal number, blanks around it allowed, of which a tag keeps the low 16 bits.
 std::optional<uint16_t> ParseHex(const std::string& text) {
     char* end = nullptr;
     const unsigned long long number = std::strtoull(text.c_str(), &end, 16);
-    if (end == text.c_str() || *end != '\0') return std::nullopt;
+    if (end == text.c_str() || end[std::strspn(end, kWhiteSpace)] != '\0') return std::nullopt;
     return static_cast<uint16_t>(number);
 }
 
@@ -111,13 +109,17 @@ size_t PrivateDictionary::CreatorKeyHash::operator()(const CreatorKey& key) cons
 
 bool PrivateDictionary::LoadFile(const char* path) {
     Clear();
-    if (!platform::PathExists(path) || platform::IsDirectory(path)) return false;
+    // Neither a directory nor a device, which might never end, is a dictionary.
+    if (!platform::FileSize(path)) return false;
+    std::vector<char> buffer(1 << 16);  // outlives the stream
     const std::unique_ptr<FILE, FileCloser> file(platform::OpenForReading(path));
     if (!file) return true;
+    // Without a buffer given here a stream that was opened unbuffered would stay so.
+    std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());
     // A longer line is read in pieces, each of which counts as a line.
     char line[1024];
-    std::setvbuf(file.get(), nullptr, _IOFBF, 1 << 16);
-    while (std::fgets(line, sizeof line, file.get()) != nullptr) AddLine(line);
+    while (std::fgets(line, sizeof line, file.get()) != nullptr)
+        AddLine(line);
     return true;
 }
 
@@ -141,31 +143,31 @@ void PrivateDictionary::AddLine(const char* line) {
 
     entries_.push_back({*group, *element, pgFindValueRepresentationVR(fields->valueRep.c_str()),
                         std::move(fields->name), ToUpper(TrimBlanks(fields->creator))});
-    const PrivateEntry& entry = entries_.back();
+    const PrivateDictionaryEntry& entry = entries_.back();
     const uint32_t tag = TagKey(entry.group, entry.element);
     firstByTag_.try_emplace(tag, &entry);
     firstByCreator_.try_emplace(CreatorKey{tag, entry.creator}, &entry);
 }
 
-const PrivateEntry* PrivateDictionary::FindExact(uint16_t group, uint16_t element) const {
+const PrivateDictionaryEntry* PrivateDictionary::FindExact(uint16_t group, uint16_t element) const {
     const auto found = firstByTag_.find(TagKey(group, element));
     return found == firstByTag_.end() ? nullptr : found->second;
 }
 
-const PrivateEntry* PrivateDictionary::FindByCreator(uint16_t group, uint16_t element,
-                                                     std::string_view creator) const {
+const PrivateDictionaryEntry* PrivateDictionary::FindByCreator(uint16_t group, uint16_t element,
+                                                               std::string_view creator) const {
     const auto found = firstByCreator_.find({TagKey(group, element), creator});
     return found == firstByCreator_.end() ? nullptr : found->second;
 }
 
-const PrivateEntry* FindPrivateElement(uint16_t group, uint16_t element,
-                                       const std::vector<PrivateCreator>& creators) {
+const PrivateDictionaryEntry* FindPrivateElement(uint16_t group, uint16_t element,
+                                                 const std::vector<PrivateCreator>& creators) {
     if (element < 0x1000) return nullptr;
     const uint16_t block = element >> 8;
     const uint16_t offset = element & 0xFF;
     for (const PrivateCreator& creator : creators) {
         if (creator.block != block) continue;
-        const PrivateEntry* entry =
+        const PrivateDictionaryEntry* entry =
             PrivateDictionary::Instance().FindByCreator(group, offset, creator.text);
         if (entry != nullptr) return entry;
     }
@@ -175,9 +177,5 @@ const PrivateEntry* FindPrivateElement(uint16_t group, uint16_t element,
 }  // namespace pgkit
 
 uint32_t pgSetPrivateDictionaryFile(const char* path) {
-    if (path == nullptr || path[0] == '\0') {
-        pgkit::PrivateDictionary::Instance().Clear();
-        return 0;
-    }
     return pgkit::PrivateDictionary::Instance().LoadFile(path) ? 1 : 0;
 }

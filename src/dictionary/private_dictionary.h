@@ -10,7 +10,7 @@
 
 namespace pgkit {
 
-struct PrivateEntry {
+struct PrivateDictionaryEntry {
     uint16_t group;
     uint16_t element;   // as the file has it: usually the low byte, the block is the creator's
     uint32_t valueRep;  // VR_Unknown when the file's text names none
@@ -34,11 +34,11 @@ class PrivateDictionary {
     void Clear();
 
     // The first entry with exactly these numbers, whoever its creator; null when there is none.
-    const PrivateEntry* FindExact(uint16_t group, uint16_t element) const;
+    const PrivateDictionaryEntry* FindExact(uint16_t group, uint16_t element) const;
 
     // The first entry of a creator's element; creator is trimmed and in upper case.
-    const PrivateEntry* FindByCreator(uint16_t group, uint16_t element,
-                                      std::string_view creator) const;
+    const PrivateDictionaryEntry* FindByCreator(uint16_t group, uint16_t element,
+                                                std::string_view creator) const;
 
   private:
     struct CreatorKey {
@@ -53,14 +53,14 @@ class PrivateDictionary {
     void AddLine(const char* line);
 
     // In file order. A deque never moves its entries: the indexes refer to them.
-    std::deque<PrivateEntry> entries_;
-    std::unordered_map<uint32_t, const PrivateEntry*> firstByTag_;
-    std::unordered_map<CreatorKey, const PrivateEntry*, CreatorKeyHash> firstByCreator_;
+    std::deque<PrivateDictionaryEntry> entries_;
+    std::unordered_map<uint32_t, const PrivateDictionaryEntry*> firstByTag_;
+    std::unordered_map<CreatorKey, const PrivateDictionaryEntry*, CreatorKeyHash> firstByCreator_;
 };
 
 // The entry for an element of a private block: the first of the creators that reserved its block
 // and has such an entry wins. Null when there is none, or the element is in no block.
-const PrivateEntry* FindPrivateElement(uint16_t group, uint16_t element,
-                                       const std::vector<PrivateCreator>& creators);
+const PrivateDictionaryEntry* FindPrivateElement(uint16_t group, uint16_t element,
+                                                 const std::vector<PrivateCreator>& creators);
 
 }  // namespace pgkit

@@ -1,8 +1,8 @@
 #include <array>
-#include <cstring>
 #include <string_view>
 
 #include "dictionary/vr_traits.h"
+#include "frame/text.h"
 #include "pgkit/dictionary.h"
 
 namespace pgkit {
@@ -57,7 +57,7 @@ uint32_t pgFindValueRepresentationVR(const char* text) {
 
 uint32_t pgGetVRPrintableName(uint32_t valueRep, char* buffer) {
     const char* name = VrName(valueRep);
-    std::strcpy(buffer, name != nullptr ? name : "????");
+    pgkit::CopyUnbounded(buffer, name != nullptr ? name : "????");
     return name != nullptr ? 1 : 0;
 }
 

@@ -10,7 +10,9 @@ namespace pgkit {
 // The text without its leading and trailing blanks (0x20 only).
 std::string_view TrimBlanks(std::string_view text);
 
-char ToUpper(char c);
+constexpr char ToUpper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 std::string ToUpper(std::string_view text);
 
 // A zero-terminated copy on the heap, for the owned strings of nodes; free with delete[].
@@ -21,6 +23,11 @@ template <size_t Size>
 void CopyToField(char (&field)[Size], std::string_view text) {
     const size_t length = text.copy(field, Size - 1);
     field[length] = '\0';
+}
+
+// Copies a text and its terminating zero into a buffer whose size only the caller knows.
+inline void CopyUnbounded(char* buffer, std::string_view text) {
+    buffer[text.copy(buffer, text.size())] = '\0';
 }
 
 // A null text counts as empty.

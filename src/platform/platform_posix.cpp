@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <string_view>
 
 #include "platform/name_collation.h"
@@ -19,17 +20,28 @@ bool Exists(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0;
 }
 
+// Whether a directory has an entry, which must be a directory itself when a slash follows it.
+bool HasEntry(std::string directory, const std::string& name, const std::string& slash) {
+    return Exists(directory.append(name).append(slash));
+}
+
+struct DirectoryCloser {
+    void operator()(DIR* listing) const { ::closedir(listing); }
+};
+
 // The entry of a directory whose name equals name when case is ignored; of several the first in
 // byte order, so that the answer does not depend on the order in which the system lists them.
-std::optional<std::string> FindIgnoringCase(const std::string& directory, const std::string& name) {
-    DIR* listing = ::opendir(directory.empty() ? "." : directory.c_str());
-    if (listing == nullptr) return std::nullopt;
+std::optional<std::string> FindIgnoringCase(const std::string& directory, const std::string& name,
+                                            const std::string& slash) {
+    const std::unique_ptr<DIR, DirectoryCloser> listing(
+        ::opendir(directory.empty() ? "." : directory.c_str()));
+    if (!listing) return std::nullopt;
     std::optional<std::string> found;
-    while (const dirent* entry = ::readdir(listing)) {
+    while (const dirent* entry = ::readdir(listing.get())) {
         if (::strcasecmp(entry->d_name, name.c_str()) != 0) continue;
-        if (!found || *found > entry->d_name) found = entry->d_name;
+        if (found && *found < entry->d_name) continue;
+        if (HasEntry(directory, entry->d_name, slash)) found = entry->d_name;
     }
-    ::closedir(listing);
     return found;
 }
 
@@ -39,16 +51,16 @@ std::string ResolveIgnoringCase(const std::string& path) {
     std::string resolved;
     size_t start = 0;
     while (start < path.size()) {
-        const size_t slash = std::min(path.find('/', start), path.size());
-        std::string component = path.substr(start, slash - start);
-        if (!component.empty() && !Exists(resolved + component)) {
-            std::optional<std::string> found = FindIgnoringCase(resolved, component);
+        const size_t end = std::min(path.find('/', start), path.size());
+        std::string name = path.substr(start, end - start);
+        const std::string slash = path.substr(end, 1);
+        if (!name.empty() && !HasEntry(resolved, name, slash)) {
+            const auto found = FindIgnoringCase(resolved, name, slash);
             if (!found) return resolved + path.substr(start);
-            component = *found;
+            name = *found;
         }
-        resolved += component;
-        if (slash < path.size()) resolved += '/';
-        start = slash + 1;
+        resolved.append(name).append(slash);
+        start = end + 1;
     }
     return resolved;
 }
@@ -72,7 +84,7 @@ FILE* OpenExisting(const char* path, const char* mode) {
     if (path == nullptr) return nullptr;
     const std::string asWritten = WithSlashes(path);
     FILE* stream = std::fopen(asWritten.c_str(), mode);
-    if (stream == nullptr && errno == ENOENT) {
+    if (stream == nullptr && (errno == ENOENT || errno == ENOTDIR)) {
         stream = std::fopen(ResolveIgnoringCase(asWritten).c_str(), mode);
     }
     if (stream == nullptr) return nullptr;

@@ -48,7 +48,8 @@ std::optional<uint64_t> FileSize(const char* path) {
 }
 
 bool Seek(FILE* stream, uint64_t position) {
-    return position <= INT64_MAX && _fseeki64(stream, static_cast<int64_t>(position), SEEK_SET) == 0;
+    return position <= INT64_MAX &&
+           _fseeki64(stream, static_cast<int64_t>(position), SEEK_SET) == 0;
 }
 
 bool SeekToEnd(FILE* stream) { return _fseeki64(stream, 0, SEEK_END) == 0; }

@@ -26,7 +26,7 @@ using XmlDocument = rapidxml::xml_document<>;
 constexpr size_t kMaxFileSize = size_t{16} << 20;
 constexpr size_t kMaxDepth = 100;
 
-// What Save writes back. The XML declaration is left out: Save writes its own. The parser's own
+// What save writes back. The XML declaration is left out: save writes its own. The parser's own
 // trimming of white space is not used: on text that begins with a blank given as a character
 // reference it trims more than there is.
 constexpr int kParseFlags = rapidxml::parse_comment_nodes | rapidxml::parse_doctype_node |
@@ -197,7 +197,7 @@ SOPClassSet& SOPClassSet::Instance() {
     return instance;
 }
 
-void SOPClassSet::Load(const char* path, std::string_view rootName) {
+void SOPClassSet::load(const char* path, std::string_view rootName) {
     Clear();
     const auto file = std::make_unique<XmlFile>();
     if (!file->Read(path)) return;
@@ -209,7 +209,7 @@ void SOPClassSet::Load(const char* path, std::string_view rootName) {
     }
 }
 
-bool SOPClassSet::Save(const char* path, std::string_view rootName) const {
+bool SOPClassSet::save(const char* path, std::string_view rootName) const {
     const auto file = std::make_unique<XmlFile>();
     if (!file->Read(path)) return false;
     XmlNode& list = MakeListElement(file->Document(), rootName);

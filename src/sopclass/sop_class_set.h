@@ -29,12 +29,12 @@ class SOPClassSet {
 
     // Replaces all entries by those of the file's element rootName.SOPClassList. A missing file
     // gives none and prints nothing, a broken one is reported on the standard output.
-    void Load(const char* path, std::string_view rootName);
+    void load(const char* path, std::string_view rootName);
 
     // Replaces the SOPClass elements of the file's element rootName.SOPClassList, which is made
     // when it is missing, by the entries. All other elements, attributes, comments and instructions
-    // stay. False when the file is beyond the limits of Load, and left alone, or cannot be written.
-    bool Save(const char* path, std::string_view rootName) const;
+    // stay. False when the file is beyond the limits of load, and left alone, or cannot be written.
+    bool save(const char* path, std::string_view rootName) const;
 
     void Clear() { entries_.clear(); }
 

@@ -68,9 +68,7 @@ constexpr auto kCategorySets = [] {
 
 }  // namespace
 
-std::span<const ModalityRow> ModalityRows() {
-    return kModalities;
-}
+std::span<const ModalityRow> ModalityRows() { return kModalities; }
 
 const ModalityRow* FindModality(std::string_view sopClassUid) {
     const size_t row = FindModalityRow(sopClassUid);

@@ -26,9 +26,7 @@ int32_t GiveConfigured(const char* uid, std::string SOPClass::*field, char* outp
 
 // A configured class has a name and a mnemonic but no category, whatever its object says: the
 // choice of directory records rests on the built-in classes alone.
-bool Is(const char* uid, SopCategory category) {
-    return IsInCategory(OrEmpty(uid), category);
-}
+bool Is(const char* uid, SopCategory category) { return IsInCategory(OrEmpty(uid), category); }
 
 }  // namespace
 
@@ -63,41 +61,25 @@ int32_t pgGetUIDName(const char* uid, char* nameOut) {
     return pgkit::GiveConfigured(uid, &SOPClass::name, nameOut);
 }
 
-bool pgIsImageSOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::Image);
-}
+bool pgIsImageSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Image); }
 
-bool pgIsReportSOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::Report);
-}
+bool pgIsReportSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Report); }
 
-bool pgIsWaveformSOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::Waveform);
-}
+bool pgIsWaveformSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Waveform); }
 
-bool pgIsKeyObjectSOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::KeyObject);
-}
+bool pgIsKeyObjectSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::KeyObject); }
 
-bool pgIsPresentationSOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::Presentation);
-}
+bool pgIsPresentationSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Presentation); }
 
-bool pgIsRTDoseSOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::RtDose);
-}
+bool pgIsRTDoseSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::RtDose); }
 
 bool pgIsRTStructureSetSOPClass(const char* uid) {
     return pgkit::Is(uid, SopCategory::RtStructureSet);
 }
 
-bool pgIsRTPlanSOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::RtPlan);
-}
+bool pgIsRTPlanSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::RtPlan); }
 
-bool pgIsRadiotherapySOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::Radiotherapy);
-}
+bool pgIsRadiotherapySOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Radiotherapy); }
 
 bool pgIsStorageSOPClass(const char* uid) {
     return pgkit::FindModality(pgkit::OrEmpty(uid)) != nullptr;

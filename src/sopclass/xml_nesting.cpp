@@ -9,9 +9,7 @@ namespace {
 
 constexpr std::string_view kWhiteSpace = " \t\r\n";
 
-bool IsOneOf(char c, std::string_view set) {
-    return set.find(c) != std::string_view::npos;
-}
+bool IsOneOf(char c, std::string_view set) { return set.find(c) != std::string_view::npos; }
 
 enum class TagEnd { Opened, Empty, Broken };
 

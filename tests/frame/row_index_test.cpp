@@ -22,9 +22,7 @@ TEST(RowIndex, FindsRowsAtCompileTimeToo) {
     EXPECT_EQ(Find("c"), 2u);
 }
 
-TEST(RowIndex, TheFirstOfEqualRowsWins) {
-    EXPECT_EQ(Find("a"), 1u);
-}
+TEST(RowIndex, TheFirstOfEqualRowsWins) { EXPECT_EQ(Find("a"), 1u); }
 
 TEST(RowIndex, AnAbsentKeyHasNoRow) {
     EXPECT_EQ(Find("d"), kIndex.kNoRow);

@@ -25,6 +25,14 @@ TEST(Text, CopyToFieldIsCutAndTerminated) {
     EXPECT_STREQ(field, "a");
 }
 
+TEST(Text, CopyUnboundedWritesTheTextAndItsTerminatorOnly) {
+    char buffer[] = "xxxxxx";
+    pgkit::CopyUnbounded(buffer, "abc");
+    EXPECT_EQ(std::string(buffer, 6), std::string("abc\0xx", 6));
+    pgkit::CopyUnbounded(buffer, "");
+    EXPECT_EQ(std::string(buffer, 2), std::string("\0b", 2));
+}
+
 TEST(Text, NewTextIsATerminatedCopy) {
     const std::unique_ptr<char[]> copy(pgkit::NewText("abc"));
     EXPECT_STREQ(copy.get(), "abc");

@@ -16,9 +16,7 @@ std::pair<int32_t, std::string> Answer(Lookup lookup, const char* key) {
     return {result, text};
 }
 
-std::pair<int32_t, std::string> Is(int32_t result, const char* text) {
-    return {result, text};
-}
+std::pair<int32_t, std::string> Is(int32_t result, const char* text) { return {result, text}; }
 
 TEST(ModalityOfSopClass, IsTheMnemonicOfTheClass) {
     EXPECT_EQ(Answer(pgGetSOPClassUIDToModality, "1.2.840.10008.5.1.4.1.1.2"), Is(0, "CT"));

@@ -33,7 +33,7 @@ Loaded Load(std::string_view text, std::string_view rootName = "properties",
             const TempDir& directory = TempDir()) {
     const std::string path = directory.Write("set.xml", text);
     Loaded loaded;
-    loaded.printed = CapturePrinted([&] { loaded.set.Load(path.c_str(), rootName); });
+    loaded.printed = CapturePrinted([&] { loaded.set.load(path.c_str(), rootName); });
     EXPECT_EQ(loaded.printed.err, "");
     return loaded;
 }
@@ -73,7 +73,7 @@ TEST(SOPClassSetLoad, AbsentAttributesAreEmpty) {
 
 TEST(SOPClassSetLoad, ReplacesWhatTheSetHad) {
     SOPClassSet set = LoadWhole(List(Entry("1.2")));
-    set.Load(TempDir().Path("missing.xml").c_str(), "properties");
+    set.load(TempDir().Path("missing.xml").c_str(), "properties");
     EXPECT_TRUE(set.GetEntries().empty());
 }
 
@@ -172,9 +172,9 @@ TEST(SOPClassSetLoad, AMissingOrEmptyFileIsNoError) {
     SOPClassSet set;
     const TempDir directory;
     const Printed printed = CapturePrinted([&] {
-        set.Load(directory.Path("missing.xml").c_str(), "properties");
-        set.Load(directory.Path("").c_str(), "properties");
-        set.Load(nullptr, "properties");
+        set.load(directory.Path("missing.xml").c_str(), "properties");
+        set.load(directory.Path("").c_str(), "properties");
+        set.load(nullptr, "properties");
     });
     EXPECT_EQ(printed.out + printed.err, "");
     EXPECT_TRUE(set.GetEntries().empty());

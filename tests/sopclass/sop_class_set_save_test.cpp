@@ -43,7 +43,7 @@ std::string SaveOver(std::string_view text, std::string_view rootName = "propert
     const TempDir directory;
     const std::string path = directory.Write("set.xml", text);
     const Printed printed =
-        CapturePrinted([&] { EXPECT_TRUE(TwoClasses().Save(path.c_str(), rootName)); });
+        CapturePrinted([&] { EXPECT_TRUE(TwoClasses().save(path.c_str(), rootName)); });
     EXPECT_EQ(printed.out + printed.err, "");
     return ReadText(path);
 }
@@ -51,7 +51,7 @@ std::string SaveOver(std::string_view text, std::string_view rootName = "propert
 TEST(SOPClassSetSave, WritesANewFile) {
     const TempDir directory;
     const std::string path = directory.Path("new.xml");
-    EXPECT_TRUE(TwoClasses().Save(path.c_str(), "properties"));
+    EXPECT_TRUE(TwoClasses().save(path.c_str(), "properties"));
     EXPECT_EQ(ReadText(path), std::string("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
                                           "<properties>\n"
                                           "\t<SOPClassList>\n") +
@@ -110,7 +110,7 @@ TEST(SOPClassSetSave, AnEmptySetLeavesAnEmptyList) {
     const std::string path = directory.Write(
         "set.xml",
         "<properties><SOPClassList><SOPClass service='Q'>1</SOPClass></SOPClassList></properties>");
-    EXPECT_TRUE(SOPClassSet().Save(path.c_str(), "properties"));
+    EXPECT_TRUE(SOPClassSet().save(path.c_str(), "properties"));
     EXPECT_EQ(ReadText(path),
               "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
               "<properties>\n\t<SOPClassList/>\n</properties>\n\n");
@@ -123,8 +123,8 @@ TEST(SOPClassSetSave, TheWrittenFileLoadsToTheSameSet) {
     const std::string path = directory.Path("set.xml");
     SOPClassSet loaded;
     for (int time = 0; time < 2; ++time) {
-        EXPECT_TRUE(set.Save(path.c_str(), "properties"));
-        loaded.Load(path.c_str(), "properties");
+        EXPECT_TRUE(set.save(path.c_str(), "properties"));
+        loaded.load(path.c_str(), "properties");
         EXPECT_EQ(loaded.GetEntries(), set.GetEntries());
     }
 }
@@ -140,12 +140,12 @@ TEST(SOPClassSetSave, ManyEntriesStandInByteOrder) {
         set.Insert({"1." + std::to_string(i), "", "Q", "", ""});
     const TempDir directory;
     const std::string path = directory.Path("set.xml");
-    EXPECT_TRUE(set.Save(path.c_str(), "properties"));
-    EXPECT_TRUE(set.Save(path.c_str(), "properties"));
+    EXPECT_TRUE(set.save(path.c_str(), "properties"));
+    EXPECT_TRUE(set.save(path.c_str(), "properties"));
     const std::string text = ReadText(path);
     EXPECT_LT(text.find(">1.10<"), text.find(">1.9<"));
     SOPClassSet loaded;
-    loaded.Load(path.c_str(), "properties");
+    loaded.load(path.c_str(), "properties");
     EXPECT_EQ(loaded.GetEntries(), set.GetEntries());
 }
 
@@ -153,7 +153,7 @@ TEST(SOPClassSetSave, ABrokenFileIsReportedAndReplaced) {
     const TempDir directory;
     const std::string path = directory.Write("set.xml", "<!-- kept --><properties><lost>");
     const Printed printed =
-        CapturePrinted([&] { EXPECT_TRUE(TwoClasses().Save(path.c_str(), "properties")); });
+        CapturePrinted([&] { EXPECT_TRUE(TwoClasses().save(path.c_str(), "properties")); });
     EXPECT_EQ(printed.out, "SOPClassSet::load : xml parse error unexpected end of data\n");
     EXPECT_EQ(ReadText(path).find("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<!-- kept -->\n"
                                   "<properties>\n\t<SOPClassList>\n"),
@@ -167,17 +167,17 @@ TEST(SOPClassSetSave, AFileBeyondTheLimitsIsLeftAlone) {
     const TempDir directory;
     const std::string path = directory.Write("set.xml", deep);
     const Printed printed =
-        CapturePrinted([&] { EXPECT_FALSE(TwoClasses().Save(path.c_str(), "properties")); });
+        CapturePrinted([&] { EXPECT_FALSE(TwoClasses().save(path.c_str(), "properties")); });
     EXPECT_EQ(printed.out, "SOPClassSet::load : xml parse error elements nested too deeply\n");
     EXPECT_EQ(ReadText(path), deep);
 }
 
 TEST(SOPClassSetSave, FailsWhenTheFileCannotBeWritten) {
     const TempDir directory;
-    EXPECT_FALSE(TwoClasses().Save(directory.Path("missing/set.xml").c_str(), "properties"));
+    EXPECT_FALSE(TwoClasses().save(directory.Path("missing/set.xml").c_str(), "properties"));
     fs::create_directory(directory.Path("set.xml"));
-    EXPECT_FALSE(TwoClasses().Save(directory.Path("set.xml").c_str(), "properties"));
-    EXPECT_FALSE(TwoClasses().Save(nullptr, "properties"));
+    EXPECT_FALSE(TwoClasses().save(directory.Path("set.xml").c_str(), "properties"));
+    EXPECT_FALSE(TwoClasses().save(nullptr, "properties"));
 }
 
 TEST(SOPClassSetInsert, TakesValidClassesOnly) {

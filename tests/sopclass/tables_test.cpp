@@ -81,44 +81,28 @@ TEST(SopClassTables, EveryUidHasItsName) {
     }
 }
 
-TEST(SopClassTables, Images) {
-    ExpectCategory("image", 48, pgIsImageSOPClass);
-}
+TEST(SopClassTables, Images) { ExpectCategory("image", 48, pgIsImageSOPClass); }
 
-TEST(SopClassTables, Reports) {
-    ExpectCategory("report", 8, pgIsReportSOPClass);
-}
+TEST(SopClassTables, Reports) { ExpectCategory("report", 8, pgIsReportSOPClass); }
 
-TEST(SopClassTables, Waveforms) {
-    ExpectCategory("waveform", 9, pgIsWaveformSOPClass);
-}
+TEST(SopClassTables, Waveforms) { ExpectCategory("waveform", 9, pgIsWaveformSOPClass); }
 
-TEST(SopClassTables, KeyObjects) {
-    ExpectCategory("keyobject", 1, pgIsKeyObjectSOPClass);
-}
+TEST(SopClassTables, KeyObjects) { ExpectCategory("keyobject", 1, pgIsKeyObjectSOPClass); }
 
-TEST(SopClassTables, Presentations) {
-    ExpectCategory("presentation", 1, pgIsPresentationSOPClass);
-}
+TEST(SopClassTables, Presentations) { ExpectCategory("presentation", 1, pgIsPresentationSOPClass); }
 
-TEST(SopClassTables, RadiotherapyDoses) {
-    ExpectCategory("rtdose", 1, pgIsRTDoseSOPClass);
-}
+TEST(SopClassTables, RadiotherapyDoses) { ExpectCategory("rtdose", 1, pgIsRTDoseSOPClass); }
 
 TEST(SopClassTables, RadiotherapyStructureSets) {
     ExpectCategory("rtstruct", 1, pgIsRTStructureSetSOPClass);
 }
 
-TEST(SopClassTables, RadiotherapyPlans) {
-    ExpectCategory("rtplan", 1, pgIsRTPlanSOPClass);
-}
+TEST(SopClassTables, RadiotherapyPlans) { ExpectCategory("rtplan", 1, pgIsRTPlanSOPClass); }
 
 TEST(SopClassTables, RadiotherapyClasses) {
     ExpectCategory("radiotherapy", 7, pgIsRadiotherapySOPClass);
 }
 
-TEST(SopClassTables, StorageClasses) {
-    ExpectCategory("storage", 139, pgIsStorageSOPClass);
-}
+TEST(SopClassTables, StorageClasses) { ExpectCategory("storage", 139, pgIsStorageSOPClass); }
 
 }  // namespace

@@ -25,8 +25,8 @@ TempDir::~TempDir() {
 std::string TempDir::Path(std::string_view name) const { return (path_ / name).string(); }
 
 std::string TempDir::Write(std::string_view name, const Bytes& content) const {
-    return Write(name, std::string_view(reinterpret_cast<const char*>(content.data()),
-                                        content.size()));
+    return Write(name,
+                 std::string_view(reinterpret_cast<const char*>(content.data()), content.size()));
 }
 
 std::string TempDir::Write(std::string_view name, std::string_view content) const {
@@ -43,8 +43,6 @@ Bytes ReadFile(const std::string& path) {
     return Bytes(std::istreambuf_iterator<char>(stream), {});
 }
 
-std::string TestData(std::string_view name) {
-    return (fs::path(PGKIT_TEST_DATA) / name).string();
-}
+std::string TestData(std::string_view name) { return (fs::path(PGKIT_TEST_DATA) / name).string(); }
 
 }  // namespace pgkit_test

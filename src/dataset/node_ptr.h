@@ -1,0 +1,18 @@
+// Guards for trees that are not handed over yet.
+#pragma once
+
+#include <memory>
+
+#include "pgkit/dataset.h"
+#include "pgkit/node.h"
+
+namespace pgkit {
+
+struct FreeHierarchy {
+    void operator()(PGX_Node* node) const { pgFreeNodeHierarchy(node); }
+};
+
+// Owns a node, the siblings that follow it, and all their descendants.
+using NodeTree = std::unique_ptr<PGX_Node, FreeHierarchy>;
+
+}  // namespace pgkit

@@ -1,0 +1,231 @@
+#include "platform/platform.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+
+#include "support/temp_dir.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace platform = pgkit::platform;
+using pgkit_test::TempDir;
+
+struct FileCloser {
+    void operator()(FILE* stream) const { std::fclose(stream); }
+};
+using File = std::unique_ptr<FILE, FileCloser>;
+
+// The first line of a file, or "none" when it cannot be opened.
+std::string LineOf(const std::string& path) {
+    const File file(platform::OpenForReading(path.c_str()));
+    if (!file) return "none";
+    char line[64] = "";
+    return std::fgets(line, sizeof line, file.get()) == nullptr ? "" : line;
+}
+
+size_t EntriesIn(const std::string& directory) {
+    const fs::directory_iterator entries(directory);
+    return static_cast<size_t>(std::distance(begin(entries), end(entries)));
+}
+
+class Platform : public testing::Test {
+  protected:
+    Platform() {
+        fs::create_directories(directory_.Path("Disc/Images"));
+        directory_.Write("Disc/Images/Im0001.dcm", "here");
+    }
+
+    // A path of the directory, behind a backslash.
+    std::string Path(const std::string& name) const { return directory_.Path("") + name; }
+
+    TempDir directory_;
+};
+
+TEST_F(Platform, PathsMayHaveBackslashes) {
+    EXPECT_EQ(LineOf(Path("Disc\\Images\\Im0001.dcm")), "here");
+    EXPECT_TRUE(platform::PathExists(Path("Disc\\Images\\Im0001.dcm").c_str()));
+    EXPECT_TRUE(platform::IsDirectory(Path("Disc\\Images").c_str()));
+    EXPECT_EQ(platform::FileSize(Path("Disc\\Images\\Im0001.dcm").c_str()), 4u);
+}
+
+TEST_F(Platform, PathsMayHaveSlashesAndBothInOne) {
+    EXPECT_EQ(LineOf(Path("Disc/Images/Im0001.dcm")), "here");
+    EXPECT_EQ(LineOf(Path("Disc\\Images/Im0001.dcm")), "here");
+    EXPECT_EQ(LineOf(Path("Disc\\\\Images//Im0001.dcm")), "here");
+}
+
+TEST_F(Platform, EveryComponentIsFoundWhateverItsCase) {
+    EXPECT_EQ(LineOf(Path("DISC\\IMAGES\\IM0001.DCM")), "here");
+    EXPECT_EQ(LineOf(Path("disc/images/im0001.dcm")), "here");
+    EXPECT_EQ(LineOf(Path("Disc\\IMAGES\\Im0001.dcm")), "here");
+    EXPECT_TRUE(platform::PathExists(Path("DISC\\IMAGES\\IM0001.DCM").c_str()));
+    EXPECT_TRUE(platform::IsDirectory(Path("DISC\\IMAGES").c_str()));
+    EXPECT_TRUE(platform::IsDirectory(Path("DISC\\IMAGES\\").c_str()));
+    EXPECT_EQ(platform::FileSize(Path("DISC\\IMAGES\\IM0001.DCM").c_str()), 4u);
+}
+
+TEST_F(Platform, NameAsWrittenGoesBeforeOneOfAnotherCase) {
+    directory_.Write("Disc/Images/IM0001.DCM", "capital");
+    EXPECT_EQ(LineOf(Path("Disc\\Images\\IM0001.DCM")), "capital");
+    EXPECT_EQ(LineOf(Path("DISC\\IMAGES\\IM0001.DCM")), "capital");
+}
+
+TEST_F(Platform, FileInTheWayOfADirectoryOfAnotherCaseIsPassedOver) {
+    if (fs::exists(directory_.Path("DISC"))) GTEST_SKIP() << "this file system ignores case";
+    directory_.Write("DISC", "a file");
+    EXPECT_EQ(LineOf(Path("DISC")), "a file");
+    EXPECT_EQ(LineOf(Path("DISC\\IMAGES\\IM0001.DCM")), "here");
+    EXPECT_TRUE(platform::PathExists(Path("DISC\\IMAGES").c_str()));
+}
+
+TEST_F(Platform, RelativePathsStartInTheCurrentDirectory) {
+    const fs::path before = fs::current_path();
+    fs::current_path(directory_.Path(""));
+    EXPECT_EQ(LineOf("DISC\\IMAGES\\IM0001.DCM"), "here");
+    EXPECT_EQ(LineOf(".\\DISC\\..\\disc\\IMAGES\\IM0001.DCM"), "here");
+    fs::current_path(before);
+}
+
+TEST_F(Platform, MissingPathsAreMissing) {
+    for (const char* name : {"Disc\\Images\\Im0002.dcm", "Disc\\Other\\Im0001.dcm", "Disk",
+                             "Disc\\Images\\Im0001.dcm\\more"}) {
+        const std::string path = Path(name);
+        EXPECT_EQ(platform::OpenForReading(path.c_str()), nullptr) << name;
+        EXPECT_EQ(platform::OpenForUpdate(path.c_str()), nullptr) << name;
+        EXPECT_FALSE(platform::PathExists(path.c_str())) << name;
+        EXPECT_FALSE(platform::IsDirectory(path.c_str())) << name;
+        EXPECT_EQ(platform::FileSize(path.c_str()), std::nullopt) << name;
+    }
+}
+
+TEST_F(Platform, NullAndEmptyPathsAreMissing) {
+    for (const char* path : {static_cast<const char*>(nullptr), ""}) {
+        EXPECT_EQ(platform::OpenForReading(path), nullptr);
+        EXPECT_EQ(platform::OpenForUpdate(path), nullptr);
+        EXPECT_EQ(platform::CreateBinary(path), nullptr);
+        EXPECT_EQ(platform::CreateText(path), nullptr);
+        EXPECT_FALSE(platform::PathExists(path));
+        EXPECT_FALSE(platform::IsDirectory(path));
+        EXPECT_EQ(platform::FileSize(path), std::nullopt);
+    }
+}
+
+TEST_F(Platform, DirectoriesExistButAreNoFiles) {
+    const std::string path = Path("DISC\\Images");
+    EXPECT_TRUE(platform::PathExists(path.c_str()));
+    EXPECT_TRUE(platform::IsDirectory(path.c_str()));
+    EXPECT_EQ(platform::OpenForReading(path.c_str()), nullptr);
+    EXPECT_EQ(platform::OpenForUpdate(path.c_str()), nullptr);
+    EXPECT_EQ(platform::CreateBinary(path.c_str()), nullptr);
+    EXPECT_EQ(platform::FileSize(path.c_str()), std::nullopt);
+}
+
+TEST_F(Platform, FilesAreNoDirectories) {
+    EXPECT_FALSE(platform::IsDirectory(Path("Disc\\Images\\Im0001.dcm").c_str()));
+}
+
+TEST_F(Platform, FilesAreCreatedInADirectoryFoundIgnoringCase) {
+    const std::string path = Path("DISC\\IMAGES\\New.dcm");
+    File(platform::CreateBinary(path.c_str())).reset();
+    EXPECT_TRUE(fs::exists(directory_.Path("Disc/Images/New.dcm")));
+    EXPECT_EQ(EntriesIn(directory_.Path("")), 1u);
+}
+
+TEST_F(Platform, CreatingReplacesAFileOfAnotherCase) {
+    const File file(platform::CreateBinary(Path("Disc\\Images\\IM0001.DCM").c_str()));
+    ASSERT_TRUE(file);
+    EXPECT_EQ(EntriesIn(directory_.Path("Disc/Images")), 1u);
+    EXPECT_EQ(platform::FileSize(Path("Disc\\Images\\Im0001.dcm").c_str()), 0u);
+}
+
+TEST_F(Platform, NothingIsCreatedInAMissingDirectory) {
+    EXPECT_EQ(platform::CreateBinary(Path("Other\\New.dcm").c_str()), nullptr);
+    EXPECT_EQ(platform::CreateText(Path("Other\\New.txt").c_str()), nullptr);
+    EXPECT_EQ(EntriesIn(directory_.Path("")), 1u);
+}
+
+TEST_F(Platform, BinaryFilesKeepTheirBytesAndTextFilesTheirLines) {
+    const std::string binary = Path("binary");
+    std::fputs("a\r\n\x1A\n", File(platform::CreateBinary(binary.c_str())).get());
+    EXPECT_EQ(pgkit_test::ReadFile(binary), (pgkit_test::Bytes{'a', '\r', '\n', 0x1A, '\n'}));
+
+    const std::string text = Path("text");
+    std::fputs("a\nb\n", File(platform::CreateText(text.c_str())).get());
+    std::ifstream lines(text);
+    std::string first;
+    std::string second;
+    EXPECT_TRUE(lines >> first >> second);
+    EXPECT_EQ(first + second, "ab");
+}
+
+TEST_F(Platform, UpdateWritesIntoTheFile) {
+    const std::string path = Path("DISC\\IMAGES\\IM0001.DCM");
+    {
+        const File file(platform::OpenForUpdate(path.c_str()));
+        ASSERT_TRUE(file);
+        ASSERT_TRUE(platform::Seek(file.get(), 1));
+        std::fputs("ov", file.get());
+    }
+    EXPECT_EQ(LineOf(path), "hove");
+}
+
+TEST_F(Platform, StreamsTellTheirPositionAndSize) {
+    const File file(platform::OpenForReading(Path("Disc\\Images\\Im0001.dcm").c_str()));
+    ASSERT_TRUE(file);
+    EXPECT_EQ(platform::Tell(file.get()), 0u);
+    EXPECT_TRUE(platform::Seek(file.get(), 3));
+    EXPECT_EQ(platform::Tell(file.get()), 3u);
+    EXPECT_EQ(std::fgetc(file.get()), 'e');
+    EXPECT_EQ(platform::StreamSize(file.get()), 4u);
+    EXPECT_TRUE(platform::SeekToEnd(file.get()));
+    EXPECT_EQ(platform::Tell(file.get()), 4u);
+    EXPECT_FALSE(platform::Seek(file.get(), UINT64_MAX));
+    EXPECT_FALSE(platform::Seek(file.get(), uint64_t{1} << 63));
+}
+
+// Only one byte is written: the rest of the file is a hole.
+TEST_F(Platform, PositionsAndSizesGoBeyondFourGibibytes) {
+    constexpr uint64_t kFar = (uint64_t{5} << 30) + 3;
+    const std::string path = Path("large");
+    {
+        const File file(platform::CreateBinary(path.c_str()));
+        ASSERT_TRUE(file);
+        ASSERT_TRUE(platform::Seek(file.get(), kFar));
+        ASSERT_EQ(std::fputc('x', file.get()), 'x');
+        EXPECT_EQ(platform::Tell(file.get()), kFar + 1);
+    }
+    EXPECT_EQ(platform::FileSize(path.c_str()), kFar + 1);
+    const File file(platform::OpenForReading(path.c_str()));
+    ASSERT_TRUE(file);
+    EXPECT_EQ(platform::StreamSize(file.get()), kFar + 1);
+    ASSERT_TRUE(platform::Seek(file.get(), kFar));
+    EXPECT_EQ(std::fgetc(file.get()), 'x');
+    EXPECT_EQ(std::fgetc(file.get()), EOF);
+    EXPECT_TRUE(platform::SeekToEnd(file.get()));
+    EXPECT_EQ(platform::Tell(file.get()), kFar + 1);
+}
+
+TEST(HostProgramPath, IsTheFullPathOfThisProgramWithBackslashes) {
+    const std::string path = platform::HostProgramPath();
+    EXPECT_EQ(path.find('/'), std::string::npos);
+    const size_t backslash = path.rfind('\\');
+    ASSERT_NE(backslash, std::string::npos);
+    EXPECT_TRUE(path.substr(backslash + 1).starts_with("pgkit_unit_tests")) << path;
+    EXPECT_TRUE(platform::FileSize(path.c_str()).has_value()) << path;
+}
+
+TEST(CompareNames, GivesTheOrder) {
+    EXPECT_EQ(platform::CompareNames("doe^john", "DOE JOHN"), 0);
+    EXPECT_EQ(platform::CompareNames("a", "b"), -1);
+    EXPECT_EQ(platform::CompareNames("b", "a"), 1);
+    EXPECT_EQ(platform::CompareNames("", ""), 0);
+}
+
+}  // namespace
