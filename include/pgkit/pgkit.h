@@ -30,6 +30,7 @@
 
 #include "pgkit/dataset.h"
 #include "pgkit/dictionary.h"
+#include "pgkit/directory_records.h"
 #include "pgkit/export.h"
 #include "pgkit/list.h"
 #include "pgkit/node.h"
