@@ -85,6 +85,14 @@ TEST_F(Platform, FileInTheWayOfADirectoryOfAnotherCaseIsPassedOver) {
     EXPECT_TRUE(platform::PathExists(Path("DISC\\IMAGES").c_str()));
 }
 
+TEST_F(Platform, OfSeveralOtherCasesTheFirstInByteOrderIsFound) {
+    if (fs::exists(directory_.Path("DISC"))) GTEST_SKIP() << "this file system ignores case";
+    for (const char* name : {"aBC", "ABc", "abC", "ABC", "Abc", "abc"})
+        directory_.Write(name, name);
+    EXPECT_EQ(LineOf(Path("AbC")), "ABC");
+    EXPECT_EQ(LineOf(Path("abC")), "abC");
+}
+
 TEST_F(Platform, RelativePathsStartInTheCurrentDirectory) {
     const fs::path before = fs::current_path();
     fs::current_path(directory_.Path(""));

@@ -10,7 +10,7 @@ namespace pgkit_test {
 
 // What pgGetTagPrintableName writes, "<Unknown Tag>" included.
 inline std::string TagName(uint16_t group, uint16_t element) {
-    char name[128];
+    char name[256];  // twice what is promised to be enough
     pgGetTagPrintableName(group, element, name);
     return name;
 }

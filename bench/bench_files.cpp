@@ -1,0 +1,190 @@
+#include "bench_files.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+namespace pgkit_bench {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kSmallFileCount = 1000;
+constexpr int kBigItemCount = 10000;
+constexpr int kBigItemElements = 100;
+
+class Directory {
+  public:
+    Directory() {
+        std::random_device random;
+        path_ = fs::temp_directory_path() / ("pgkit-bench-" + std::to_string(random()));
+        fs::create_directories(path_);
+    }
+    ~Directory() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    std::string Path(const std::string& name) const { return (path_ / name).string(); }
+    std::string Write(const std::string& name, const std::string& content) const {
+        std::ofstream(Path(name), std::ios::binary) << content;
+        return Path(name);
+    }
+
+  private:
+    fs::path path_;
+};
+
+const Directory& WorkDirectory() {
+    static const Directory directory;
+    return directory;
+}
+
+enum class Encoding { kExplicit, kImplicit };
+
+// Little endian data sets, element by element.
+class Encoder {
+  public:
+    explicit Encoder(Encoding encoding) : encoding_(encoding) {}
+
+    Encoder& Element(uint16_t group, uint16_t element, const char* vr, std::string value) {
+        if (value.size() % 2 != 0) value += std::string(vr) == "UI" ? '\0' : ' ';
+        Number(group, 2);
+        Number(element, 2);
+        const uint32_t length = static_cast<uint32_t>(value.size());
+        const bool isLong = std::string("OB OW SQ UN UT").find(vr) != std::string::npos;
+        if (encoding_ == Encoding::kExplicit) {
+            bytes_ += vr;
+            if (isLong) Number(0, 2);
+            Number(length, isLong ? 4 : 2);
+        } else {
+            Number(length, 4);
+        }
+        bytes_ += value;
+        return *this;
+    }
+
+    Encoder& Item(const std::string& content) {
+        Number(0xFFFE, 2);
+        Number(0xE000, 2);
+        Number(static_cast<uint32_t>(content.size()), 4);
+        bytes_ += content;
+        return *this;
+    }
+
+    void Number(uint32_t number, int size) {
+        for (int i = 0; i < size; ++i)
+            bytes_ += static_cast<char>(number >> (8 * i) & 0xFF);
+    }
+
+    const std::string& Bytes() const { return bytes_; }
+
+  private:
+    Encoding encoding_;
+    std::string bytes_;
+};
+
+std::string Part10(const std::string& transferSyntax, const std::string& dataSet) {
+    Encoder meta(Encoding::kExplicit);
+    meta.Element(0x0002, 0x0001, "OB", std::string("\0\1", 2))
+        .Element(0x0002, 0x0002, "UI", "1.2.840.10008.5.1.4.1.1.2")
+        .Element(0x0002, 0x0003, "UI", "1.2.826.0.1.3680043.2.1143.1")
+        .Element(0x0002, 0x0010, "UI", transferSyntax)
+        .Element(0x0002, 0x0012, "UI", "1.2.826.0.1.3680043.2.1143");
+    Encoder length(Encoding::kExplicit);
+    Encoder value(Encoding::kExplicit);
+    value.Number(static_cast<uint32_t>(meta.Bytes().size()), 4);
+    length.Element(0x0002, 0x0000, "UL", value.Bytes());
+    return std::string(128, '\0') + "DICM" + length.Bytes() + meta.Bytes() + dataSet;
+}
+
+std::string CodeSequence() {
+    Encoder code(Encoding::kExplicit);
+    code.Element(0x0008, 0x0100, "SH", "T-D1100")
+        .Element(0x0008, 0x0102, "SH", "SRT")
+        .Element(0x0008, 0x0104, "LO", "Head");
+    return Encoder(Encoding::kExplicit).Item(code.Bytes()).Bytes();
+}
+
+std::string CtImage(int number) {
+    const std::string uid = "1.2.826.0.1.3680043.2.1143.107." + std::to_string(number);
+    const std::string us512("\0\2", 2);
+    Encoder image(Encoding::kExplicit);
+    image.Element(0x0008, 0x0005, "CS", "ISO_IR 100")
+        .Element(0x0008, 0x0008, "CS", "ORIGINAL\\PRIMARY\\AXIAL")
+        .Element(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.2")
+        .Element(0x0008, 0x0018, "UI", uid)
+        .Element(0x0008, 0x0020, "DA", "20200101")
+        .Element(0x0008, 0x0030, "TM", "101112")
+        .Element(0x0008, 0x0060, "CS", "CT")
+        .Element(0x0008, 0x1032, "SQ", CodeSequence())
+        .Element(0x0008, 0x1140, "SQ", CodeSequence())
+        .Element(0x0008, 0x2218, "SQ", CodeSequence())
+        .Element(0x0009, 0x0010, "LO", "BENCH CREATOR");
+    for (uint16_t i = 0; i < 15; ++i) {
+        image.Element(0x0009, static_cast<uint16_t>(0x1001 + i), "LO", "private value");
+    }
+    image.Element(0x0010, 0x0010, "PN", "Bench^Patient").Element(0x0010, 0x0020, "LO", "4711");
+    for (uint16_t i = 0; i < 20; ++i) {
+        image.Element(0x0018, static_cast<uint16_t>(0x1100 + 16 * i), "DS", "123.456");
+    }
+    image.Element(0x0020, 0x000D, "UI", "1.2.826.0.1.3680043.2.1143.105")
+        .Element(0x0020, 0x000E, "UI", "1.2.826.0.1.3680043.2.1143.106")
+        .Element(0x0020, 0x0013, "IS", std::to_string(number))
+        .Element(0x0020, 0x0037, "DS", "1\\0\\0\\0\\1\\0");
+    for (uint16_t i = 0; i < 12; ++i) {
+        image.Element(0x0028, static_cast<uint16_t>(0x0100 + i), "US", us512);
+    }
+    for (uint16_t i = 0; i < 15; ++i) {
+        image.Element(0x0040, static_cast<uint16_t>(0x0240 + i), "LO", "Procedure step text");
+    }
+    image.Element(0x7FE0, 0x0010, "OW", std::string(32768, '\x55'));
+    return image.Bytes();
+}
+
+std::string BigDataSet(Encoding encoding) {
+    Encoder item(encoding);
+    for (uint16_t i = 0; i < kBigItemElements; ++i) {
+        item.Element(0x0018, static_cast<uint16_t>(0x1100 + i), "DS", "123.456");
+    }
+    Encoder items(encoding);
+    for (int i = 0; i < kBigItemCount; ++i)
+        items.Item(item.Bytes());
+    Encoder image(encoding);
+    image.Element(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.2.1")
+        .Element(0x5200, 0x9230, "SQ", items.Bytes());
+    return image.Bytes();
+}
+
+std::vector<std::string> WriteSmallFiles() {
+    std::vector<std::string> paths;
+    for (int i = 0; i < kSmallFileCount; ++i) {
+        paths.push_back(WorkDirectory().Write("IM" + std::to_string(i),
+                                              Part10("1.2.840.10008.1.2.1", CtImage(i))));
+    }
+    return paths;
+}
+
+}  // namespace
+
+const std::vector<std::string>& SmallFiles() {
+    static const std::vector<std::string> paths = WriteSmallFiles();
+    return paths;
+}
+
+const std::string& BigExplicitFile() {
+    static const std::string path = WorkDirectory().Write(
+        "EXPLICIT", Part10("1.2.840.10008.1.2.1", BigDataSet(Encoding::kExplicit)));
+    return path;
+}
+
+const std::string& BigImplicitFile() {
+    static const std::string path = WorkDirectory().Write(
+        "IMPLICIT", Part10("1.2.840.10008.1.2", BigDataSet(Encoding::kImplicit)));
+    return path;
+}
+
+std::string OutputPath() { return WorkDirectory().Path("output"); }
+
+}  // namespace pgkit_bench

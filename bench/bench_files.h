@@ -1,0 +1,21 @@
+// Files to read in benchmarks, made once per run in a directory of their own that is removed when
+// the program ends.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pgkit_bench {
+
+// 1,000 CT images of about 100 elements, three of them sequences, with 32 KiB of pixels, in
+// explicit VR little endian.
+const std::vector<std::string>& SmallFiles();
+
+// One file of a million elements: a sequence of 10,000 items of 100 short elements.
+const std::string& BigExplicitFile();
+const std::string& BigImplicitFile();
+
+// A path in the same directory for output.
+std::string OutputPath();
+
+}  // namespace pgkit_bench

@@ -1,0 +1,80 @@
+// The same files through DCMTK, in its own way of leaving long values in the file.
+#include <benchmark/benchmark.h>
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dctk.h>
+
+#include <algorithm>
+#include <fstream>
+#include <random>
+#include <vector>
+
+#include "bench_files.h"
+
+namespace pgkit_bench {
+
+namespace {
+
+void Load(benchmark::State& state, const std::string& path, Uint32 longestLoaded) {
+    DcmFileFormat file;
+    const OFCondition result =
+        file.loadFile(path.c_str(), EXS_Unknown, EGL_noChange, longestLoaded);
+    if (result.bad()) state.SkipWithError(result.text());
+}
+
+void HeadersPeer(benchmark::State& state) {
+    const std::vector<std::string>& files = SmallFiles();
+    size_t next = 0;
+    for (auto _ : state)
+        Load(state, files[next++ % files.size()], 64);
+}
+BENCHMARK(HeadersPeer)->Name("small file, headers/DCMTK")->Unit(benchmark::kMicrosecond);
+
+void WholePeer(benchmark::State& state) {
+    const std::vector<std::string>& files = SmallFiles();
+    size_t next = 0;
+    for (auto _ : state)
+        Load(state, files[next++ % files.size()], 0xFFFFFFFE);
+}
+BENCHMARK(WholePeer)->Name("small file, all values/DCMTK")->Unit(benchmark::kMicrosecond);
+
+void BigExplicitPeer(benchmark::State& state) {
+    for (auto _ : state)
+        Load(state, BigExplicitFile(), 64);
+}
+BENCHMARK(BigExplicitPeer)->Name("million elements, explicit/DCMTK")->Unit(benchmark::kMillisecond);
+
+void BigImplicitPeer(benchmark::State& state) {
+    for (auto _ : state)
+        Load(state, BigImplicitFile(), 64);
+}
+BENCHMARK(BigImplicitPeer)->Name("million elements, implicit/DCMTK")->Unit(benchmark::kMillisecond);
+
+void DumpPeer(benchmark::State& state) {
+    DcmFileFormat file;
+    if (file.loadFile(SmallFiles()[0].c_str()).bad()) return state.SkipWithError("cannot open");
+    std::ofstream output(OutputPath(), std::ios::binary);
+    for (auto _ : state) {
+        file.print(output, DCMTypes::PF_shortenLongTagValues);
+        output.seekp(0);
+    }
+}
+BENCHMARK(DumpPeer)->Name("small file, dump/DCMTK")->Unit(benchmark::kMicrosecond);
+
+void ValueRepresentationPeer(benchmark::State& state) {
+    std::vector<DcmTagKey> tags;
+    DcmDataDictionary& dictionary = dcmDataDict.wrlock();
+    for (auto entry = dictionary.normalBegin(); entry != dictionary.normalEnd(); ++entry) {
+        if ((*entry)->getPrivateCreator() == nullptr) tags.push_back((*entry)->getKey());
+    }
+    dcmDataDict.wrunlock();
+    std::shuffle(tags.begin(), tags.end(), std::minstd_rand(1));
+    size_t next = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(DcmTag(tags[next++ % tags.size()]).getEVR());
+    }
+}
+BENCHMARK(ValueRepresentationPeer)->Name("lookup, VR of a tag/DCMTK");
+
+}  // namespace
+
+}  // namespace pgkit_bench

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that the other scripts need. Silent when nothing is missing.
+#
+#   install-packages.sh        to build for both platforms and run the Windows build
+#   install-packages.sh test   and to run every test
+#   install-packages.sh bench  and to run the benchmarks beside another library
+set -euo pipefail
+
+packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 librapidxml-dev wine64)
+case ${1:-} in
+    test) packages+=(googletest python3 python3-pydicom dcmtk dicom3tools clang-format) ;;
+    bench) packages+=(libbenchmark-dev libdcmtk-dev) ;;
+esac
+
+missing=()
+for package in "${packages[@]}"; do
+    state=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [[ $state == installed ]] || missing+=("$package")
+done
+[[ ${#missing[@]} -gt 0 ]] || exit 0
+
+if [[ $(id -u) -eq 0 ]]; then
+    asRoot=(env)
+elif sudo --non-interactive true 2>/dev/null; then
+    asRoot=(sudo)
+else
+    echo "Please install (as root): apt-get install ${missing[*]}" >&2
+    exit 1
+fi
+
+install() {
+    "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install --yes --quiet=2 --no-install-recommends "${missing[@]}" >/dev/null
+}
+echo "Installing ${missing[*]}"
+# The package lists of a fresh machine or container are often missing or stale.
+install 2>/dev/null || { "${asRoot[@]}" apt-get update --quiet=2 && install; }

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Runs a Windows program under Wine, without a display: wine.sh PROGRAM ARGUMENT...
+# The Wine prefix is this checkout's own (or $WINEPREFIX) and is made by the first call.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+
+wine=
+for candidate in wine64 /usr/lib/wine/wine64 wine; do
+    if command -v "$candidate" >/dev/null; then
+        wine=$candidate
+        break
+    fi
+done
+[[ -n $wine ]] || { echo "wine.sh: Wine is not installed (package wine64)" >&2; exit 127; }
+
+export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
+export WINEDEBUG=-all
+# Neither .NET nor a web browser: without them the first start asks to download them.
+export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
+unset DISPLAY WAYLAND_DISPLAY
+
+# Several scripts may start at once; one of them makes the prefix.
+mkdir -p "$WINEPREFIX"
+(
+    flock 9
+    [[ -e $WINEPREFIX/.pgkit-ready ]] && exit 0
+    "$wine" wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+    touch "$WINEPREFIX/.pgkit-ready"
+) 9>"$WINEPREFIX/.pgkit-lock"
+
+exec "$wine" "$@"

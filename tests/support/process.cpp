@@ -1,0 +1,42 @@
+#include "support/process.h"
+
+#include <cstdlib>
+
+#include "support/temp_dir.h"
+
+namespace pgkit_test {
+
+namespace {
+
+constexpr bool kIsWindows = std::filesystem::path::preferred_separator == '\\';
+
+std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
+
+// std::system gives the exit status itself on Windows, elsewhere the status word of wait(): the
+// signal in the low seven bits, the exit status in the second byte.
+int ExitStatus(int status) {
+    if (kIsWindows) return status;
+    return (status & 0x7F) == 0 ? (status >> 8) & 0xFF : -1;
+}
+
+std::string TextOf(const std::string& path) {
+    const Bytes bytes = ReadFile(path);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+}  // namespace
+
+Finished RunProgram(const std::string& path, const std::vector<std::string>& arguments) {
+    const TempDir directory;
+    const std::string out = directory.Path("out");
+    const std::string err = directory.Path("err");
+    std::string line = Quoted(std::filesystem::path(path).make_preferred().string());
+    for (const std::string& argument : arguments)
+        line += " " + Quoted(argument);
+    line += " >" + Quoted(out) + " 2>" + Quoted(err);
+    // The Windows command processor takes one pair of quotation marks off the whole line.
+    const int status = std::system((kIsWindows ? Quoted(line) : line).c_str());
+    return {ExitStatus(status), TextOf(out), TextOf(err)};
+}
+
+}  // namespace pgkit_test

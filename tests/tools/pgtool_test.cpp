@@ -1,0 +1,178 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "pgkit/pgkit.h"
+#include "support/process.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+using pgkit_test::Finished;
+using pgkit_test::RunProgram;
+using pgkit_test::TempDir;
+using pgkit_test::TestData;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+Finished Pgtool(const std::vector<std::string>& arguments) {
+    return RunProgram(PGKIT_PGTOOL, arguments);
+}
+
+// What the library itself dumps, with "\n" line ends.
+std::string LibraryDump(const std::string& path, uint32_t flags) {
+    const TempDir directory;
+    const std::string output = directory.Path("dump");
+    PGX_Node* const root = pgOpenDataSetFileEx(path.c_str(), 64, flags);
+    if (root == nullptr) return "cannot be opened";
+    std::FILE* const stream = std::fopen(output.c_str(), "wb");
+    root->Dump(stream, "");
+    std::fclose(stream);
+    pgCloseDataSet(root);
+    const pgkit_test::Bytes bytes = pgkit_test::ReadFile(output);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+TEST(Pgtool, WithoutArgumentsItIsMisusedAndHelpGoesToStandardError) {
+    const Finished run = Pgtool({});
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_THAT(run.out, IsEmpty());
+    EXPECT_THAT(run.err, HasSubstr("dump"));
+}
+
+TEST(Pgtool, HelpListsTheCommandsAndTheExitStatuses) {
+    const Finished run = Pgtool({"--help"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_THAT(run.out, HasSubstr("dump"));
+    EXPECT_THAT(run.out, HasSubstr("tags"));
+    EXPECT_THAT(run.out, HasSubstr("Exit status: 0 done"));
+    EXPECT_THAT(run.err, IsEmpty());
+}
+
+TEST(Pgtool, HelpExplainsOneCommand) {
+    const Finished run = Pgtool({"help", "dump"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_THAT(run.out, HasSubstr("--load-limit N"));
+    EXPECT_THAT(run.err, IsEmpty());
+}
+
+TEST(Pgtool, UnknownCommandIsMisuse) {
+    for (const auto& arguments : {std::vector<std::string>{"frobnicate"}, {"help", "frobnicate"}}) {
+        const Finished run = Pgtool(arguments);
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_THAT(run.out, IsEmpty());
+        EXPECT_THAT(run.err, HasSubstr("frobnicate"));
+    }
+}
+
+TEST(Pgtool, VersionIsThatOfTheLibrary) {
+    const Finished run = Pgtool({"--version"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.out, "pgkit 2.86e 24-mar-2o15\n");
+}
+
+TEST(PgtoolTags, NameIsFoundWithoutRegardToCase) {
+    const Finished run = Pgtool({"tags", "patientsname"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.out, "(0010,0010) PN   PatientsName 245\n");
+    EXPECT_THAT(run.err, IsEmpty());
+}
+
+TEST(PgtoolTags, TagMayBeInParenthesesAndEachGetsALine) {
+    const Finished run = Pgtool({"tags", "0028,0010", "(7fe0,10)"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.out, "(0028,0010) US   Rows 1496\n(7FE0,0010) OWOB PixelData 3652\n");
+}
+
+TEST(PgtoolTags, TagsWithoutARowOfTheirOwnHaveNoIdentifier) {
+    const Finished run = Pgtool({"tags", "6002,0010", "0009,0010", "0008,0000"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.out,
+              "(6002,0010) US   OverlayRows\n"
+              "(0009,0010) LO   FileCreator\n"
+              "(0008,0000) UL   GroupLength\n");
+}
+
+TEST(PgtoolTags, UnknownOnesFailAndTheOthersAreStillPrinted) {
+    const Finished run = Pgtool({"tags", "NoSuchElement", "0011,1200", "0010,0010"});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.out, "(0010,0010) PN   PatientsName 245\n");
+    EXPECT_THAT(run.err, HasSubstr("NoSuchElement"));
+    EXPECT_THAT(run.err, HasSubstr("0011,1200"));
+}
+
+TEST(PgtoolTags, TextThatIsNoTagIsMisuse) {
+    for (const char* text : {"0010,", ",0010", "00100,0010", "0010,00x0", "(0010,0010", "-1,10"}) {
+        const Finished run = Pgtool({"tags", text});
+        EXPECT_EQ(run.exitStatus, 2) << text;
+        EXPECT_THAT(run.out, IsEmpty()) << text;
+    }
+    EXPECT_EQ(Pgtool({"tags"}).exitStatus, 2);
+}
+
+TEST(PgtoolDump, PrintsWhatTheLibraryDumpsByteForByte) {
+    for (const char* name : {"native/all_vrs_explicit_be.dcm", "charset/japanese_ir87.dcm",
+                             "encapsulated/rtdose_rle_15frames_no_bot.dcm"}) {
+        const Finished run = Pgtool({"dump", TestData(name)});
+        EXPECT_EQ(run.exitStatus, 0) << name;
+        EXPECT_THAT(run.out, StartsWith("DATASET\n | (0002,0000) : UL   Len: 4 ")) << name;
+        EXPECT_EQ(run.out, LibraryDump(TestData(name), 0)) << name;
+        EXPECT_THAT(run.err, IsEmpty()) << name;
+    }
+}
+
+TEST(PgtoolDump, TextIsTheSameForEveryLoadLimit) {
+    const std::string file = TestData("native/all_vrs_explicit_le.dcm");
+    const std::string expected = Pgtool({"dump", file}).out;
+    for (const char* limit : {"0", "64", "0x1000", "4294967295"}) {
+        const Finished run = Pgtool({"dump", "--load-limit", limit, file});
+        EXPECT_EQ(run.exitStatus, 0) << limit;
+        EXPECT_EQ(run.out, expected) << limit;
+    }
+}
+
+TEST(PgtoolDump, FlagsForceTheEncodingOfABareDataSet) {
+    const std::string file = TestData("headerless/explicit_be_no_meta.dcm");
+    const Finished run = Pgtool({"dump", file, "--flags=0x48"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_THAT(run.out, HasSubstr("(0008,0016) : UI"));
+    EXPECT_EQ(run.out, LibraryDump(file, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN));
+}
+
+TEST(PgtoolDump, FileThatCannotBeOpenedFails) {
+    const TempDir directory;
+    for (const std::string& path : {directory.Path("missing"), directory.Write("empty", "")}) {
+        const Finished run = Pgtool({"dump", path});
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_THAT(run.out, IsEmpty());
+        EXPECT_THAT(run.err, HasSubstr(path));
+    }
+}
+
+TEST(PgtoolDump, WrongCommandLineIsMisuse) {
+    const std::string file = TestData("charset/utf8_chinese.dcm");
+    const std::vector<std::vector<std::string>> commandLines = {
+        {"dump"},
+        {"dump", file, file},
+        {"dump", file, "--load-limit"},
+        {"dump", file, "--load-limit", "ten"},
+        {"dump", file, "--load-limit", "-1"},
+        {"dump", file, "--load-limit", "4294967296"},
+        {"dump", file, "--load-limit=0x"},
+        {"dump", file, "--verbose"},
+    };
+    for (const auto& arguments : commandLines) {
+        const Finished run = Pgtool(arguments);
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_THAT(run.out, IsEmpty());
+        EXPECT_THAT(run.err, HasSubstr("usage: pgtool dump"));
+    }
+}
+
+TEST(PgtoolDump, TwoDashesEndTheOptions) {
+    const Finished run = Pgtool({"dump", "--", "--no-such-file"});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.err, HasSubstr("--no-such-file"));
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+// The commands of pgtool. A new command is one file that defines one constant, and one row of the
+// table in main.cpp.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pgtool {
+
+// The exit statuses of every command.
+enum ExitStatus : int {
+    kDone = 0,
+    kFailed = 1,  // the operation itself failed: a file cannot be read, a tag is unknown
+    kMisuse = 2   // the command line is wrong
+};
+
+using Arguments = std::vector<std::string>;
+
+struct Command {
+    const char* name;
+    const char* synopsis;  // what follows "pgtool " in the help
+    const char* summary;   // one line
+    const char* details;   // the rest of the command's help, complete lines
+    int (*run)(const Arguments& arguments);
+};
+
+extern const Command kDumpCommand;
+extern const Command kTagsCommand;
+
+// Both print "pgtool COMMAND: ..." on the standard error stream and give the exit status.
+int Fail(const Command& command, const std::string& reason);
+int Misuse(const Command& command, const std::string& reason);
+
+}  // namespace pgtool
