@@ -1,12 +1,23 @@
 #include "pgkit/list.h"
 
-namespace {
+#include "dataset/list_cells.h"
 
-PGX_ListElement* NewCell(void* data) {
+namespace pgkit {
+
+PGX_ListElement* InsertAfter(PGX_List& list, PGX_ListElement* before, void* data) {
     PGX_ListElement* cell = new PGX_ListElement;
+    PGX_ListElement*& link = before == nullptr ? list.head : before->next;
     cell->data = data;
+    cell->next = link;
+    link = cell;
+    if (cell->next == nullptr) list.tail = cell;
+    ++list.count;
     return cell;
 }
+
+}  // namespace pgkit
+
+namespace {
 
 // The cell that follows before leaves the list.
 void RemoveAfter(PGX_List& list, PGX_ListElement* before) {
@@ -37,17 +48,11 @@ PGX_List::~PGX_List() {
 
 PGX_List& PGX_List::operator=(const PGX_List& other) = default;
 
-int32_t PGX_List::GetCount() {
-    return count;
-}
+int32_t PGX_List::GetCount() { return count; }
 
-PGX_ListElement* PGX_List::GetFirstPosition() {
-    return head;
-}
+PGX_ListElement* PGX_List::GetFirstPosition() { return head; }
 
-PGX_ListElement* PGX_List::GetLastPosition() {
-    return tail;
-}
+PGX_ListElement* PGX_List::GetLastPosition() { return tail; }
 
 void* PGX_List::GetAt(int32_t index) {
     if (index < 0 || index >= count) return nullptr;
@@ -57,32 +62,13 @@ void* PGX_List::GetAt(int32_t index) {
     return cell->data;
 }
 
-void* PGX_List::GetHead() {
-    return head == nullptr ? nullptr : head->data;
-}
+void* PGX_List::GetHead() { return head == nullptr ? nullptr : head->data; }
 
-void* PGX_List::GetTail() {
-    return tail == nullptr ? nullptr : tail->data;
-}
+void* PGX_List::GetTail() { return tail == nullptr ? nullptr : tail->data; }
 
-void PGX_List::AddHead(void* data) {
-    PGX_ListElement* cell = NewCell(data);
-    cell->next = head;
-    head = cell;
-    if (tail == nullptr) tail = cell;
-    ++count;
-}
+void PGX_List::AddHead(void* data) { pgkit::InsertAfter(*this, nullptr, data); }
 
-void PGX_List::AddTail(void* data) {
-    PGX_ListElement* cell = NewCell(data);
-    if (head == nullptr) {
-        head = cell;
-    } else {
-        tail->next = cell;
-    }
-    tail = cell;
-    ++count;
-}
+void PGX_List::AddTail(void* data) { pgkit::InsertAfter(*this, tail, data); }
 
 void PGX_List::InsertAt(int32_t index, void* data) {
     if (index >= count) return AddTail(data);
@@ -90,10 +76,7 @@ void PGX_List::InsertAt(int32_t index, void* data) {
     PGX_ListElement* before = head;
     for (int32_t i = 1; i < index; ++i)
         before = before->next;
-    PGX_ListElement* cell = NewCell(data);
-    cell->next = before->next;
-    before->next = cell;
-    ++count;
+    pgkit::InsertAfter(*this, before, data);
 }
 
 void* PGX_List::RemoveHead() {
