@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 
 #include "pgkit/node.h"
 
@@ -25,6 +26,13 @@ inline uint8_t* NewValueBuffer(size_t size) {
 }
 
 inline void FreeValueBuffer(uint8_t* buffer) { std::free(buffer); }
+
+struct FreeBuffer {
+    void operator()(uint8_t* buffer) const { FreeValueBuffer(buffer); }
+};
+
+// A value buffer that no node owns yet.
+using ValueBuffer = std::unique_ptr<uint8_t, FreeBuffer>;
 
 // The address that stands in PGX_Node::fragments for a table that was deliberately not built.
 inline FragmentEntry* NotIndexedMarker() { return reinterpret_cast<FragmentEntry*>(uintptr_t{1}); }

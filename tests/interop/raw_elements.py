@@ -10,7 +10,7 @@ UNDEFINED = 0xFFFFFFFF
 
 
 class Element:
-    """One element: either items (a sequence) or value (everything else) is set."""
+    """One element. A sequence has items; only one of undefined length has no value."""
 
     def __init__(self, tag, vr, length, is_big_endian, is_implicit, value=None, items=None):
         self.group = tag >> 16
@@ -24,9 +24,10 @@ class Element:
 
 
 class DataSet:
-    def __init__(self, elements, is_bare, is_big_endian):
+    def __init__(self, elements, is_bare, is_implicit, is_big_endian):
         self.elements = elements
-        self.is_bare = is_bare
+        self.is_bare = is_bare  # no meta group
+        self.is_implicit = is_implicit
         self.is_big_endian = is_big_endian
 
 
@@ -58,9 +59,9 @@ def convert_element(raw):
     if vr == "SQ":
         items = filereader.read_sequence(io.BytesIO(value), raw.is_implicit_VR,
                                          raw.is_little_endian, raw.length, "iso8859")
-        return Element(tag, vr, raw.length, not raw.is_little_endian, is_implicit,
-                       items=convert_items(items))
-    return Element(tag, vr, raw.length, not raw.is_little_endian, is_implicit, value=value)
+        return Element(tag, vr, raw.length, not raw.is_little_endian, is_implicit, value,
+                       convert_items(items))
+    return Element(tag, vr, raw.length, not raw.is_little_endian, is_implicit, value)
 
 
 def convert(data_set):
@@ -89,4 +90,4 @@ def read_raw(path):
         is_implicit, is_big_endian = encoding_of(stream, meta)
         elements = convert(meta)
         elements += convert(filereader.read_dataset(stream, is_implicit, not is_big_endian))
-        return DataSet(elements, len(meta) == 0, is_big_endian)
+        return DataSet(elements, len(meta) == 0, is_implicit, is_big_endian)

@@ -1,0 +1,299 @@
+#include "codec/data_set_parser.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+
+#include "codec/fragment_table.h"
+#include "dataset/node_memory.h"
+#include "dictionary/dictionary.h"
+#include "dictionary/vr_traits.h"
+#include "frame/text.h"
+#include "pgkit/dictionary.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr uint64_t kUnlimited = std::numeric_limits<uint64_t>::max();
+constexpr uint32_t kShortHeaderSize = 8;
+constexpr uint32_t kLongHeaderSize = 12;
+constexpr uint32_t kDelimiterSize = 8;
+
+// Values of private groups are loaded only up to this limit.
+constexpr uint32_t kPrivateLoadLimit = 22;
+
+constexpr size_t kMaxPrivateCreators = 39;
+constexpr uint32_t kMaxCreatorLength = 64;
+
+// A value that the stream does not hold in full is loaded all the same, zeros at its end, while it
+// is small. A large one stays where it is: its declared length is not worth the memory.
+constexpr uint32_t kAlwaysLoadable = 64 * 1024;
+
+constexpr std::string_view kUnknownTagName = "<unknown tag>";
+
+uint64_t LimitOf(uint32_t declaredLength) {
+    return declaredLength == kUndefinedLength ? kUnlimited : declaredLength;
+}
+
+// Bytes of an element header as containers of defined length account for them.
+uint32_t CountedHeaderSize(bool implicitVr, bool longHeader) {
+    return !implicitVr && longHeader ? kLongHeaderSize : kShortHeaderSize;
+}
+
+bool IsPixelData(uint16_t group, uint16_t element) { return group == 0x7FE0 && element == 0x0010; }
+
+bool IsBitsAllocated(const PGX_Node& node) {
+    return node.group == 0x0028 && node.element == 0x0100;
+}
+
+// Formats a name for a tag into the buffer.
+template <size_t Size>
+std::string_view FormatName(char (&buffer)[Size], const char* format, unsigned number) {
+    const int length = std::snprintf(buffer, Size, format, number);
+    return {buffer, static_cast<size_t>(length)};
+}
+
+PGX_Node* NewDataSetNode(FILE* stream, uint64_t position) {
+    PGX_Node* node = new PGX_Node;
+    node->file = stream;
+    node->fileOffset = ToFileOffset(position);
+    return node;
+}
+
+}  // namespace
+
+DataSetParser::DataSetParser(StreamReader& reader, Encoding encoding, uint32_t maxLoadLength,
+                             uint32_t flags)
+    : reader_(reader), encoding_(encoding), maxLoadLength_(maxLoadLength), flags_(flags) {}
+
+NodeTree DataSetParser::Parse() {
+    NodeTree root(NewDataSetNode(reader_.Stream(), reader_.Position()));
+    levels_.clear();
+    levels_.emplace_back().implicitVr = encoding_.implicitVr;
+    OpenDataSet(levels_.back(), root.get(), kUnlimited);
+
+    while (true) {
+        Level& level = levels_.back();
+        if (level.dataSet != nullptr) {
+            if (level.dataSetBytes >= level.dataSetLimit || !ReadElement()) CloseDataSet();
+        } else if (level.sequence == nullptr) {
+            return root;
+        } else if (!OpenNextItem(level)) {
+            CloseSequence();
+        }
+    }
+}
+
+void DataSetParser::OpenDataSet(Level& level, PGX_Node* node, uint64_t limit) {
+    level.dataSet = node;
+    level.elementLink = &node->first;
+    level.dataSetBytes = 0;
+    level.dataSetLimit = limit;
+    level.bitsAllocated = 0;
+    level.creators.clear();
+}
+
+void DataSetParser::CloseDataSet() {
+    Level& level = levels_.back();
+    level.sequenceBytes += level.dataSetBytes;
+    level.dataSet = nullptr;
+}
+
+bool DataSetParser::OpenNextItem(Level& level) {
+    if (level.sequenceBytes >= LimitOf(level.sequence->length)) return false;
+    // A header that is no item ends the sequence. Its bytes are neither given back nor counted.
+    TagHeader header;
+    if (!ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return false;
+    if (!header.IsItem()) return false;
+    level.sequenceBytes += kShortHeaderSize;
+
+    PGX_Node* item = NewDataSetNode(reader_.Stream(), reader_.Position());
+    *level.itemLink = item;
+    level.itemLink = &item->next;
+    OpenDataSet(level, item, LimitOf(header.length));
+    return true;
+}
+
+void DataSetParser::OpenSequence(PGX_Node* sequence, const Identity& identity) {
+    const bool implicitVr = ItemsAreImplicit(levels_.back(), identity);
+    Level& level = levels_.emplace_back();
+    level.sequence = sequence;
+    level.itemLink = &sequence->first;
+    level.implicitVr = implicitVr;
+}
+
+void DataSetParser::CloseSequence() {
+    const Level& level = levels_.back();
+    uint64_t bytes = level.sequenceBytes;
+    if (level.sequence->length == kUndefinedLength) bytes += kDelimiterSize;
+    // The sequence's own header counts by the VR mode of its items, whatever it was read in.
+    bytes += CountedHeaderSize(level.implicitVr, true);
+    levels_.pop_back();
+    levels_.back().dataSetBytes += bytes;
+}
+
+// The items of an UN element of undefined length are in implicit VR, since that is what its writer
+// had, unless the caller asks to keep the surrounding mode or to look at the first item: where a VR
+// must stand in explicit VR there are two letters.
+bool DataSetParser::ItemsAreImplicit(const Level& parent, const Identity& identity) {
+    if (!identity.isUnSequence || (flags_ & PG_OPEN_UN_AS_STREAM) != 0) return parent.implicitVr;
+    if ((flags_ & PG_OPEN_UN_BY_INSPECTION) == 0) return true;
+    const uint8_t* bytes = reader_.Peek(14);
+    if (bytes == nullptr) return true;
+    const uint32_t itemLength = LoadHost<uint32_t>(bytes + 4);
+    if (itemLength == 0 || itemLength == kUndefinedLength) return true;
+    return VrFromCharacters(static_cast<char>(bytes[12]), static_cast<char>(bytes[13])) ==
+           VR_Unknown;
+}
+
+// Reads one element and appends it to the current data set; a sequence becomes a level of its own.
+// False at a delimiter and at a header that cannot be read.
+bool DataSetParser::ReadElement() {
+    Level& level = levels_.back();
+    TagHeader header;
+    if (!ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return false;
+    if (header.IsItemDelimitation() || header.IsSequenceDelimitation()) {
+        level.dataSetBytes += kDelimiterSize;
+        return false;
+    }
+
+    if (level.implicitVr) header.valueRep = pgFindValueRepresentation(header.group, header.element);
+    Identity identity;
+    Identify(header, level, identity);
+
+    if (identity.valueRep == VR_SQ) {
+        if (levels_.size() > kMaxSequenceNesting) return false;
+        PGX_Node& sequence = *AppendElement(header, identity);
+        NoteElement(sequence);
+        OpenSequence(&sequence, identity);
+        return true;
+    }
+
+    PGX_Node& element = *AppendElement(header, identity);
+    if (IsPixelData(header.group, header.element) && header.length == kUndefinedLength) {
+        level.dataSetBytes += CountedHeaderSize(level.implicitVr, true);
+        ReadFragments(element);
+    } else {
+        level.dataSetBytes += CountedHeaderSize(level.implicitVr, HasLongHeader(header.valueRep));
+        level.dataSetBytes += header.length;
+        ReadValue(element);
+    }
+    NoteElement(element);
+    return true;
+}
+
+void DataSetParser::Identify(const TagHeader& header, const Level& level,
+                             Identity& identity) const {
+    identity.valueRep = header.valueRep;
+    if (header.element == 0x0000) {
+        identity.valueRep = VR_UL;
+        identity.name = FormatName(identity.nameBuffer, "GroupLength%04X", header.group);
+    } else if (IsPrivateCreator(header.group, header.element)) {
+        if (level.implicitVr) identity.valueRep = VR_LO;
+        const char* format =
+            identity.valueRep == VR_LO ? "PrivateCreator%02Xxx" : "BUGGYPrivateCreator%02Xxx";
+        identity.name = FormatName(identity.nameBuffer, format, header.element);
+    } else if (header.group == 0xFFFE) {
+        return;
+    } else if (level.implicitVr && header.valueRep == VR_Unknown) {
+        if (header.length == kUndefinedLength) {
+            identity.valueRep = VR_SQ;
+        } else {
+            IdentifyByCreator(header, level, identity);
+        }
+    } else if (header.valueRep == VR_UN && DecodesUnSequences()) {
+        IdentifyUnSequence(header, level, identity);
+    }
+}
+
+void DataSetParser::IdentifyUnSequence(const TagHeader& header, const Level& level,
+                                       Identity& identity) const {
+    if (header.length == kUndefinedLength) {
+        identity.valueRep = VR_SQ;
+        identity.isUnSequence = true;
+        return;
+    }
+    IdentifyByCreator(header, level, identity);
+    if (identity.valueRep == VR_Unknown) identity.valueRep = VR_UN;
+}
+
+void DataSetParser::IdentifyByCreator(const TagHeader& header, const Level& level,
+                                      Identity& identity) const {
+    const PrivateDictionaryEntry* entry =
+        FindPrivateElement(header.group, header.element, level.creators);
+    identity.valueRep = entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
+    identity.name = entry != nullptr ? std::string_view(entry->name) : kUnknownTagName;
+}
+
+PGX_Node* DataSetParser::AppendElement(const TagHeader& header, const Identity& identity) {
+    Level& level = levels_.back();
+    const EndianType endian =
+        encoding_.byteOrder == ByteOrder::Big ? ET_BigEndian : ET_LittleEndian;
+    PGX_Node* node = new PGX_Node(NT_DataElement, endian, header.group, header.element,
+                                  static_cast<uint8_t>(identity.valueRep), header.length);
+    *level.elementLink = node;
+    level.elementLink = &node->next;
+    node->file = reader_.Stream();
+    node->fileOffset = ToFileOffset(reader_.Position());
+    if (!identity.name.empty()) node->tagName = NewText(identity.name);
+    return node;
+}
+
+// Encapsulated Pixel Data whose fragments cannot or shall not be indexed is taken to be the last
+// element of the stream: without the table nobody knows where it ends.
+void DataSetParser::ReadFragments(PGX_Node& pixelData) {
+    pixelData.encapsulated = 1;
+    const bool scan = (flags_ & PG_OPEN_SKIP_FRAGMENTS) == 0;
+    uint32_t consumed = 0;
+    if (LoadFragmentTable(reader_, pixelData, scan, consumed) != FragmentTableResult::Built) {
+        pixelData.fragments = NotIndexedMarker();
+        reader_.SeekToEnd();
+    }
+    levels_.back().dataSetBytes += consumed;
+}
+
+void DataSetParser::ReadValue(PGX_Node& element) {
+    uint32_t limit = maxLoadLength_;
+    if (IsPrivateGroup(element.group)) limit = std::min(limit, kPrivateLoadLimit);
+    const uint32_t length = element.length;
+    const bool load = length < limit && (length <= kAlwaysLoadable || reader_.Holds(length));
+    if (!load || length == 0) {
+        reader_.Skip(length);
+        return;
+    }
+    element.value = NewValueBuffer(length);
+    if (element.value == nullptr) throw std::bad_alloc();
+    const uint64_t end = reader_.Position() + length;
+    reader_.Read(element.value, length);
+    reader_.Seek(end);
+}
+
+// Some elements tell how others of their data set are to be read.
+void DataSetParser::NoteElement(PGX_Node& element) {
+    Level& level = levels_.back();
+    if (IsBitsAllocated(element)) {
+        level.bitsAllocated = element.GetUSValue();
+        ValueFetched(element);
+    } else if (IsPixelData(element.group, element.element)) {
+        element.bitsAllocated = level.bitsAllocated;
+    } else if (IsPrivateCreator(element.group, element.element)) {
+        NotePrivateCreator(element, level);
+    }
+}
+
+// A value that is not in memory has been read through the stream, behind the reader's back.
+void DataSetParser::ValueFetched(const PGX_Node& element) {
+    if (element.value == nullptr) reader_.StreamMoved();
+}
+
+void DataSetParser::NotePrivateCreator(PGX_Node& element, Level& level) {
+    if (element.valueRep != VR_LO || element.length > kMaxCreatorLength) return;
+    if (level.creators.size() >= kMaxPrivateCreators) return;
+    char text[256];
+    element.GetStringValue(text, 255);
+    ValueFetched(element);
+    level.creators.push_back({ToUpper(TrimBlanks(text)), element.element});
+}
+
+}  // namespace pgkit

@@ -1,0 +1,81 @@
+// Decodes a data set, with its nested sequences, from a stream into a tree of nodes.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "codec/stream_reader.h"
+#include "codec/tag_header.h"
+#include "codec/transfer_syntax.h"
+#include "dataset/node_ptr.h"
+#include "dictionary/private_dictionary.h"
+#include "frame/byte_order.h"
+
+namespace pgkit {
+
+// Sequences may be nested this deep. What lies deeper ends its data set like a header that cannot
+// be read. Deep files are damaged or hostile ones, and every level costs a line prefix in a dump.
+constexpr size_t kMaxSequenceNesting = 2048;
+
+class DataSetParser {
+  public:
+    // flags are PgOpenFlags without the four that force an encoding.
+    DataSetParser(StreamReader& reader, Encoding encoding, uint32_t maxLoadLength, uint32_t flags);
+
+    // Reads the data set at the reader's position up to a delimiter or a header that cannot be
+    // read. Throws std::bad_alloc.
+    NodeTree Parse();
+
+  private:
+    // A sequence that is being read and, most of the time, its current item. The bottom level is
+    // the top data set, which has no sequence. Byte counts follow the declared lengths, not the
+    // stream: they decide where containers of defined length end.
+    struct Level {
+        PGX_Node* sequence = nullptr;
+        PGX_Node** itemLink = nullptr;  // where the next item is linked
+        uint64_t sequenceBytes = 0;
+        bool implicitVr = false;  // of the items
+
+        PGX_Node* dataSet = nullptr;
+        PGX_Node** elementLink = nullptr;  // where the next element is linked
+        uint64_t dataSetBytes = 0;
+        uint64_t dataSetLimit = 0;
+        uint32_t bitsAllocated = 0;
+        std::vector<PrivateCreator> creators;
+    };
+
+    // What is made of a header's tag and VR before its node is built.
+    struct Identity {
+        uint32_t valueRep;
+        std::string_view name;      // for tagName; empty for none
+        bool isUnSequence = false;  // an UN element of undefined length, read as a sequence
+        char nameBuffer[32];
+    };
+
+    void OpenDataSet(Level& level, PGX_Node* node, uint64_t limit);
+    bool OpenNextItem(Level& level);
+    void CloseDataSet();
+    void CloseSequence();
+
+    bool ReadElement();
+    void Identify(const TagHeader& header, const Level& level, Identity& identity) const;
+    void IdentifyUnSequence(const TagHeader& header, const Level& level, Identity& identity) const;
+    void IdentifyByCreator(const TagHeader& header, const Level& level, Identity& identity) const;
+    PGX_Node* AppendElement(const TagHeader& header, const Identity& identity);
+    void OpenSequence(PGX_Node* sequence, const Identity& identity);
+    bool ItemsAreImplicit(const Level& parent, const Identity& identity);
+    void ReadFragments(PGX_Node& pixelData);
+    void ReadValue(PGX_Node& element);
+    void NoteElement(PGX_Node& element);
+    void ValueFetched(const PGX_Node& element);
+    void NotePrivateCreator(PGX_Node& element, Level& level);
+
+    StreamReader& reader_;
+    const Encoding encoding_;
+    const uint32_t maxLoadLength_;
+    const uint32_t flags_;
+    std::vector<Level> levels_;
+};
+
+}  // namespace pgkit

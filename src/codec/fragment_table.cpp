@@ -1,0 +1,141 @@
+#include "codec/fragment_table.h"
+
+#include <algorithm>
+#include <new>
+#include <vector>
+
+#include "codec/tag_header.h"
+#include "dataset/node_memory.h"
+#include "frame/byte_order.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr uint32_t kItemHeaderSize = 8;
+
+// The capacity of a table is a multiple of this; growing does not copy at each step, though.
+constexpr size_t kCapacityStep = 250;
+
+// Items are little endian, and have no VR field, in every transfer syntax with fragments.
+bool ReadItemHeader(StreamReader& reader, TagHeader& header) {
+    return ReadTagHeader(reader, ByteOrder::Little, true, header);
+}
+
+FragmentEntry* AllocateTable(PGX_Node& pixelData, size_t count, size_t capacity) {
+    pixelData.fragments = NewFragmentTable(capacity);
+    if (pixelData.fragments == nullptr) throw std::bad_alloc();
+    pixelData.fragmentCount = static_cast<uint32_t>(count);
+    pixelData.fragmentCapacity = static_cast<uint32_t>(capacity);
+    return pixelData.fragments;
+}
+
+// Reads the table's offsets into absolute positions of the frames' first values, and the lengths
+// that follow from them: each frame reaches up to the item header of the next. Offsets are taken as
+// they stand, in 32 bits; a table that is wrong gives entries that are wrong.
+bool ReadOffsets(StreamReader& reader, PGX_Node& pixelData, uint32_t tableLength) {
+    const size_t count = tableLength / sizeof(uint32_t);
+    const uint64_t firstItem = reader.Position() + tableLength;
+    if (count == 0 || tableLength > reader.Remaining()) return false;
+    if (firstItem + kItemHeaderSize >= kUnreadablePosition) return false;
+
+    FragmentEntry* entries = AllocateTable(pixelData, count, count);
+    const uint32_t firstValue = static_cast<uint32_t>(firstItem) + kItemHeaderSize;
+    for (size_t i = 0; i < count; ++i) {
+        uint8_t bytes[sizeof(uint32_t)];
+        reader.Read(bytes, sizeof bytes);
+        // A single frame can only start at the first item, whatever its offset says.
+        const uint32_t offset = count == 1 ? 0 : Load<uint32_t>(bytes, ByteOrder::Little);
+        entries[i].offset = firstValue + offset;
+        if (i > 0) {
+            entries[i - 1].length = entries[i].offset - entries[i - 1].offset - kItemHeaderSize;
+        }
+    }
+    reader.Seek(firstItem);
+    return true;
+}
+
+// The last frame must be one item, directly followed by the delimiter. Half of the item's tag is
+// enough to recognise it.
+bool ReadLastFrame(StreamReader& reader, FragmentEntry& last) {
+    if (last.offset < kItemHeaderSize) return false;
+    reader.Seek(last.offset - kItemHeaderSize);
+    TagHeader header;
+    if (!ReadItemHeader(reader, header)) return false;
+    if (header.group != 0xFFFE && header.element != 0xE000) return false;
+    last.length = header.length;
+    reader.Skip(header.length);
+    return ReadItemHeader(reader, header) && header.IsSequenceDelimitation();
+}
+
+FragmentTableResult LoadFromOffsetTable(StreamReader& reader, PGX_Node& pixelData,
+                                        uint32_t tableLength, uint32_t& consumed) {
+    if (!ReadOffsets(reader, pixelData, tableLength)) return FragmentTableResult::Failed;
+    consumed += tableLength;
+    FragmentEntry* entries = pixelData.fragments;
+    const uint32_t count = pixelData.fragmentCount;
+    if (!ReadLastFrame(reader, entries[count - 1])) return FragmentTableResult::Failed;
+    for (uint32_t i = 0; i < count; ++i)
+        consumed += entries[i].length + kItemHeaderSize;
+    consumed += kItemHeaderSize;
+    return FragmentTableResult::Built;
+}
+
+FragmentTableResult LoadByScanning(StreamReader& reader, PGX_Node& pixelData, uint32_t& consumed) {
+    std::vector<FragmentEntry> found;
+    TagHeader header{};
+    bool delimited = false;
+    while (ReadItemHeader(reader, header)) {
+        delimited = header.IsSequenceDelimitation();
+        if (!header.IsItem()) break;
+        if (reader.Position() >= kUnreadablePosition) return FragmentTableResult::Failed;
+        found.push_back({static_cast<uint32_t>(reader.Position()), header.length, nullptr});
+        reader.Skip(header.length);
+        consumed += header.length + kItemHeaderSize;
+    }
+    // A missing delimiter behind some fragments is tolerated.
+    if (!delimited && found.empty()) return FragmentTableResult::Failed;
+    const size_t steps = std::max<size_t>((found.size() + kCapacityStep - 1) / kCapacityStep, 1);
+    std::copy(found.begin(), found.end(),
+              AllocateTable(pixelData, found.size(), steps * kCapacityStep));
+    consumed += kItemHeaderSize;
+    return FragmentTableResult::Built;
+}
+
+FragmentTableResult Load(StreamReader& reader, PGX_Node& pixelData, bool scan, uint32_t& consumed) {
+    if (pixelData.fileOffset == kUnreadablePosition) return FragmentTableResult::Failed;
+    reader.Seek(pixelData.fileOffset);
+    TagHeader header;
+    if (!ReadItemHeader(reader, header)) return FragmentTableResult::Failed;
+    consumed = kItemHeaderSize;
+    if (!header.IsItem()) return FragmentTableResult::Failed;
+    if (header.length > 0) return LoadFromOffsetTable(reader, pixelData, header.length, consumed);
+    if (!scan) return FragmentTableResult::NotScanned;
+    return LoadByScanning(reader, pixelData, consumed);
+}
+
+}  // namespace
+
+FragmentTableResult LoadFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan,
+                                      uint32_t& consumed) {
+    FreeFragmentTable(pixelData);
+    consumed = 0;
+    const FragmentTableResult result = Load(reader, pixelData, scan, consumed);
+    if (result != FragmentTableResult::Built) FreeFragmentTable(pixelData);
+    return result;
+}
+
+}  // namespace pgkit
+
+int32_t PGX_Node::LoadEncodedPixelTable(FILE* stream, PGX_Node* node, int32_t scan,
+                                        uint32_t* consumed) {
+    uint32_t counted = 0;
+    pgkit::FragmentTableResult result = pgkit::FragmentTableResult::Failed;
+    if (stream != nullptr && node != nullptr) {
+        pgkit::StreamReader reader(stream);
+        result = pgkit::LoadFragmentTable(reader, *node, scan != 0, counted);
+        reader.RestorePosition();
+    }
+    if (consumed != nullptr) *consumed = counted;
+    return static_cast<int32_t>(result);
+}

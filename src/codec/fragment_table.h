@@ -1,0 +1,23 @@
+// Where the fragments or frames of encapsulated Pixel Data lie in the stream.
+#pragma once
+
+#include <cstdint>
+
+#include "codec/stream_reader.h"
+#include "pgkit/node.h"
+
+namespace pgkit {
+
+enum class FragmentTableResult : int32_t {
+    Built = 1,
+    NotScanned = 0,  // the Basic Offset Table is empty and no scan was asked for
+    Failed = -1
+};
+
+// Builds the table of pixelData, whose items start at its fileOffset, and leaves the reader behind
+// its sequence delimitation item. consumed counts the bytes between. Without a result of Built the
+// node has no table, and the reader stands anywhere. Throws std::bad_alloc.
+FragmentTableResult LoadFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan,
+                                      uint32_t& consumed);
+
+}  // namespace pgkit

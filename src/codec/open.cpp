@@ -1,0 +1,105 @@
+// The exported functions that open files and streams, and the quick test for a Part 10 file.
+#include <new>
+#include <optional>
+
+#include "codec/data_set_parser.h"
+#include "codec/meta_group.h"
+#include "codec/stream_reader.h"
+#include "dataset/node_ptr.h"
+#include "frame/diagnostics.h"
+#include "frame/text.h"
+#include "pgkit/dataset.h"
+#include "pgkit/node.h"
+#include "platform/platform.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr uint32_t kForceEncodingFlags = PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_IMPLICIT_VR |
+                                         PG_OPEN_FORCE_LITTLE_ENDIAN | PG_OPEN_FORCE_BIG_ENDIAN;
+
+uint32_t SyntaxFlagsOf(const StreamStart& start) {
+    uint32_t flags = start.hasMeta ? uint32_t{PG_META} : 0;
+    flags |= start.encoding.byteOrder == ByteOrder::Big ? PG_BIG_ENDIAN : PG_LITTLE_ENDIAN;
+    flags |= start.encoding.implicitVr ? PG_IMPLICIT_VR : PG_EXPLICIT_VR;
+    return flags;
+}
+
+// Null when the stream is no DICOM stream. Throws std::bad_alloc. Does not close the stream.
+PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t flags) {
+    std::optional<StreamStart> start = ReadStreamStart(reader, flags);
+    if (!start) return nullptr;
+    DataSetParser parser(reader, start->encoding, maxLoadLength, flags & ~kForceEncodingFlags);
+    NodeTree root = parser.Parse();
+    if (start->lastMeta != nullptr) {
+        start->lastMeta->next = root->first;
+        root->first = start->metaElements.release();
+    }
+    root->syntaxFlags = SyntaxFlagsOf(*start);
+    return root.release();
+}
+
+PGX_Node* OpenFile(const char* path, uint32_t maxLoadLength, uint32_t flags) {
+    FILE* stream = platform::OpenForReading(path);
+    if (stream == nullptr) return nullptr;
+    PGX_Node* root = nullptr;
+    try {
+        StreamReader reader(stream);
+        root = ParseStream(reader, maxLoadLength, flags);
+    } catch (const std::bad_alloc&) {
+        root = nullptr;
+    }
+    if (root == nullptr) std::fclose(stream);
+    return root;
+}
+
+// The stream is the caller's until the parse has ended one way or the other; when memory runs out
+// it stays the caller's, open.
+PGX_Node* OpenStream(FILE* stream, uint32_t maxLoadLength, uint32_t flags) {
+    if (stream == nullptr) return nullptr;
+    try {
+        StreamReader reader(stream);
+        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
+        if (root != nullptr) {
+            reader.RestorePosition();
+        } else {
+            std::fclose(stream);
+        }
+        return root;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+}  // namespace
+
+}  // namespace pgkit
+
+PGX_Node* pgOpenDataSetFile(const char* path, uint32_t maxLoadLength) {
+    return pgkit::OpenFile(path, maxLoadLength, 0);
+}
+
+PGX_Node* pgOpenDataSetFileEx(const char* path, uint32_t maxLoadLength, uint32_t flags) {
+    return pgkit::OpenFile(path, maxLoadLength, flags);
+}
+
+PGX_Node* pgOpenDataSetFileHandle(FILE* stream, uint32_t maxLoadLength) {
+    return pgkit::OpenStream(stream, maxLoadLength, 0);
+}
+
+PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength, uint32_t flags) {
+    return pgkit::OpenStream(stream, maxLoadLength, flags);
+}
+
+int32_t pgIsDicomFile(const char* path) {
+    FILE* stream = pgkit::platform::OpenForReading(path);
+    if (stream == nullptr) {
+        pgkit::PrintError("pgIsDicomFile : unable to open %s\n", path == nullptr ? "" : path);
+        return 0;
+    }
+    pgkit::StreamReader reader(stream);
+    const bool isDicom = pgkit::SkipPreamble(reader);
+    std::fclose(stream);
+    return isDicom ? 1 : 0;
+}

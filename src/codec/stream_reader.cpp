@@ -1,0 +1,89 @@
+#include "codec/stream_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/platform.h"
+
+namespace pgkit {
+
+StreamReader::StreamReader(FILE* stream)
+    : stream_(stream),
+      streamPosition_(platform::Tell(stream)),
+      bufferStart_(streamPosition_.value_or(0)) {}
+
+void StreamReader::Seek(uint64_t position) {
+    if (position >= bufferStart_ && position - bufferStart_ <= end_) {
+        next_ = static_cast<size_t>(position - bufferStart_);
+        return;
+    }
+    bufferStart_ = position;
+    next_ = end_ = 0;
+    fillSize_ = kFirstFill;
+}
+
+uint64_t StreamReader::Size() {
+    if (!size_) {
+        size_ = platform::StreamSize(stream_);
+        StreamMoved();
+    }
+    return *size_;
+}
+
+uint64_t StreamReader::Remaining() {
+    const uint64_t position = Position();
+    return Size() > position ? Size() - position : 0;
+}
+
+bool StreamReader::MoveStreamTo(uint64_t position) {
+    if (streamPosition_ == position) return true;
+    streamPosition_.reset();
+    if (!platform::Seek(stream_, position)) return false;
+    streamPosition_ = position;
+    return true;
+}
+
+bool StreamReader::FillTo(size_t count) {
+    const size_t kept = Buffered();
+    std::memmove(buffer_.data(), buffer_.data() + next_, kept);
+    bufferStart_ += next_;
+    next_ = 0;
+    end_ = kept;
+    while (end_ < count) {
+        if (size_ && bufferStart_ + end_ >= *size_) return false;
+        if (!MoveStreamTo(bufferStart_ + end_)) return false;
+        const size_t wanted = std::min(fillSize_, kBufferSize - end_);
+        const size_t got = std::fread(buffer_.data() + end_, 1, wanted, stream_);
+        *streamPosition_ += got;
+        end_ += got;
+        if (got < wanted) size_ = streamPosition_;
+        fillSize_ = std::min(2 * fillSize_, kBufferSize);
+    }
+    return true;
+}
+
+size_t StreamReader::Read(uint8_t* out, size_t count) {
+    const size_t fromBuffer = std::min(count, Buffered());
+    std::memcpy(out, buffer_.data() + next_, fromBuffer);
+    next_ += fromBuffer;
+    if (fromBuffer == count) return count;
+
+    const size_t missing = count - fromBuffer;
+    if (missing < kMaxPeek) {
+        FillTo(missing);
+        const size_t more = std::min(missing, Buffered());
+        std::memcpy(out + fromBuffer, buffer_.data() + next_, more);
+        next_ += more;
+        return fromBuffer + more;
+    }
+    const uint64_t position = Position();
+    if (!MoveStreamTo(position)) return fromBuffer;
+    const size_t more = std::fread(out + fromBuffer, 1, missing, stream_);
+    *streamPosition_ += more;
+    Seek(position + more);
+    return fromBuffer + more;
+}
+
+void StreamReader::RestorePosition() { MoveStreamTo(Position()); }
+
+}  // namespace pgkit

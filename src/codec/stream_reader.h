@@ -1,0 +1,70 @@
+// The parser's view of a stream: a 64-bit position and a buffer over it.
+//
+// Reading headers and skipping inside the buffer cost no system call; skipping beyond it costs one
+// seek when something is read there. The stream's own position is arbitrary until RestorePosition.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+
+namespace pgkit {
+
+class StreamReader {
+  public:
+    // Starts at the stream's present position.
+    explicit StreamReader(FILE* stream);
+    StreamReader(const StreamReader&) = delete;
+    StreamReader& operator=(const StreamReader&) = delete;
+
+    FILE* Stream() const { return stream_; }
+
+    uint64_t Position() const { return bufferStart_ + next_; }
+    // Any position may be taken; reading beyond the end of the stream then fails.
+    void Seek(uint64_t position);
+    void Skip(uint64_t count) { Seek(Position() + count); }
+    void SeekToEnd() { Seek(Size()); }
+
+    // The length of the stream, and how much of it lies ahead. A stream that fails ends there.
+    uint64_t Size();
+    uint64_t Remaining();
+    // Whether at least count bytes lie ahead; cheap while they are in the buffer.
+    bool Holds(uint64_t count) { return count <= Buffered() || count <= Remaining(); }
+
+    // The next count bytes, not consumed; null when the stream ends before. At most kMaxPeek.
+    static constexpr size_t kMaxPeek = 256;
+    const uint8_t* Peek(size_t count) {
+        return count <= Buffered() || FillTo(count) ? buffer_.data() + next_ : nullptr;
+    }
+
+    // Reads as many bytes as there are, up to count.
+    size_t Read(uint8_t* out, size_t count);
+
+    // Something else has used the stream, and moved it.
+    void StreamMoved() { streamPosition_.reset(); }
+    // Moves the stream itself to Position().
+    void RestorePosition();
+
+  private:
+    static constexpr size_t kBufferSize = 64 * 1024;
+    // Of a large file that is mostly skipped little is read around each header; of a stretch that
+    // is read through more is read at a time.
+    static constexpr size_t kFirstFill = 8 * 1024;
+
+    size_t Buffered() const { return end_ - next_; }
+    bool FillTo(size_t count);
+    bool MoveStreamTo(uint64_t position);
+
+    FILE* stream_;
+    std::optional<uint64_t> streamPosition_;
+    std::optional<uint64_t> size_;
+    uint64_t bufferStart_ = 0;  // position of the buffer's first byte
+    size_t next_ = 0;           // index of the next byte to read
+    size_t end_ = 0;            // index behind the last byte
+    size_t fillSize_ = kFirstFill;
+    std::array<uint8_t, kBufferSize> buffer_;
+};
+
+}  // namespace pgkit

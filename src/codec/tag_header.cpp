@@ -1,0 +1,65 @@
+#include "codec/tag_header.h"
+
+#include "dictionary/vr_traits.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr size_t kTagSize = 4;
+constexpr size_t kShortHeaderSize = 8;
+constexpr size_t kLongHeaderSize = 12;
+
+// Writers that do not know a VR have put these characters into short headers.
+bool IsPlaceholderVr(const uint8_t* vr) {
+    return vr[0] == vr[1] && (vr[0] == '?' || vr[0] == '\0' || vr[0] == ' ');
+}
+
+bool FailAfter(StreamReader& reader, size_t count) {
+    reader.Skip(count);
+    return false;
+}
+
+bool FailAtEnd(StreamReader& reader) {
+    reader.SeekToEnd();
+    return false;
+}
+
+// Items and delimiters have no VR field, in explicit VR either.
+bool HasNoVrField(const TagHeader& header) {
+    return header.IsItem() || header.IsItemDelimitation() || header.IsSequenceDelimitation();
+}
+
+}  // namespace
+
+bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHeader& header) {
+    const uint8_t* bytes = reader.Peek(kShortHeaderSize);
+    if (bytes == nullptr) return FailAtEnd(reader);
+    header.group = Load<uint16_t>(bytes, order);
+    header.element = Load<uint16_t>(bytes + 2, order);
+    header.valueRep = VR_Unknown;
+    if (header.group == 0xFFFF && header.element == 0xFFFF) return FailAfter(reader, kTagSize);
+
+    if (implicitVr || HasNoVrField(header)) {
+        header.length = Load<uint32_t>(bytes + 4, order);
+        reader.Skip(kShortHeaderSize);
+        return true;
+    }
+
+    header.valueRep = VrFromCharacters(static_cast<char>(bytes[4]), static_cast<char>(bytes[5]));
+    if (!HasLongHeader(header.valueRep) || IsPlaceholderVr(bytes + 4)) {
+        header.length = Load<uint16_t>(bytes + 6, order);
+        reader.Skip(kShortHeaderSize);
+        return true;
+    }
+
+    const bool reservedIsZero = bytes[6] == 0 && bytes[7] == 0;
+    if (header.valueRep == VR_UT && !reservedIsZero) return FailAfter(reader, kShortHeaderSize);
+    bytes = reader.Peek(kLongHeaderSize);
+    if (bytes == nullptr) return FailAtEnd(reader);
+    header.length = Load<uint32_t>(bytes + 8, order);
+    reader.Skip(kLongHeaderSize);
+    return true;
+}
+
+}  // namespace pgkit

@@ -1,0 +1,27 @@
+// The header of a data element, item or delimiter: tag, value representation, length.
+#pragma once
+
+#include <cstdint>
+
+#include "codec/stream_reader.h"
+#include "frame/byte_order.h"
+
+namespace pgkit {
+
+struct TagHeader {
+    uint16_t group;
+    uint16_t element;
+    uint32_t valueRep;  // VR_Unknown for items, delimiters and in implicit VR
+    uint32_t length;
+
+    bool IsItem() const { return group == 0xFFFE && element == 0xE000; }
+    bool IsItemDelimitation() const { return group == 0xFFFE && element == 0xE00D; }
+    bool IsSequenceDelimitation() const { return group == 0xFFFE && element == 0xE0DD; }
+};
+
+// Reads a header. Fails at the end of the stream, on the tag (FFFF,FFFF), and on an explicit UT
+// whose reserved bytes are not zero. The bytes read up to the failure stay consumed: a sequence
+// whose item header fails goes on behind them.
+bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHeader& header);
+
+}  // namespace pgkit
