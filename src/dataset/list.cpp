@@ -15,20 +15,18 @@ PGX_ListElement* InsertAfter(PGX_List& list, PGX_ListElement* before, void* data
     return cell;
 }
 
-}  // namespace pgkit
-
-namespace {
-
-// The cell that follows before leaves the list.
-void RemoveAfter(PGX_List& list, PGX_ListElement* before) {
-    PGX_ListElement* removed = before->next;
-    before->next = removed->next;
-    if (list.tail == removed) list.tail = before;
+void* RemoveAfter(PGX_List& list, PGX_ListElement* before) {
+    PGX_ListElement*& link = before == nullptr ? list.head : before->next;
+    PGX_ListElement* removed = link;
+    void* data = removed->data;
+    link = removed->next;
+    if (link == nullptr) list.tail = before;
     delete removed;
     --list.count;
+    return data;
 }
 
-}  // namespace
+}  // namespace pgkit
 
 PGX_ListElement::PGX_ListElement() : data(nullptr), next(nullptr) {}
 
@@ -80,25 +78,16 @@ void PGX_List::InsertAt(int32_t index, void* data) {
 }
 
 void* PGX_List::RemoveHead() {
-    if (head == nullptr) return nullptr;
-    PGX_ListElement* removed = head;
-    void* data = removed->data;
-    head = removed == tail ? nullptr : removed->next;
-    if (head == nullptr) tail = nullptr;
-    delete removed;
-    --count;
-    return data;
+    return head == nullptr ? nullptr : pgkit::RemoveAfter(*this, nullptr);
 }
 
 void* PGX_List::RemoveTail() {
     if (tail == nullptr) return nullptr;
     if (head == tail) return RemoveHead();
-    void* data = tail->data;
     PGX_ListElement* before = head;
     while (before->next != tail)
         before = before->next;
-    RemoveAfter(*this, before);
-    return data;
+    return pgkit::RemoveAfter(*this, before);
 }
 
 void* PGX_List::RemoveElement(void* data) {
@@ -107,9 +96,7 @@ void* PGX_List::RemoveElement(void* data) {
     if (tail == nullptr) return nullptr;
     if (tail->data == data) return RemoveTail();
     for (PGX_ListElement* before = head; before->next != nullptr; before = before->next) {
-        if (before->next->data != data) continue;
-        RemoveAfter(*this, before);
-        return data;
+        if (before->next->data == data) return pgkit::RemoveAfter(*this, before);
     }
     return nullptr;
 }
