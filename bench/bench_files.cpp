@@ -157,6 +157,28 @@ std::string BigDataSet(Encoding encoding) {
     return image.Bytes();
 }
 
+// The pixels are written piece by piece behind a header that announces them.
+std::string WriteLargeImage() {
+    constexpr uint32_t kPiece = 1 << 20;
+    constexpr uint32_t kPieces = 1024;
+    Encoder image(Encoding::kExplicit);
+    image.Element(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.7")
+        .Element(0x0028, 0x0100, "US", std::string("\x10\0", 2));
+    Encoder header(Encoding::kExplicit);
+    header.Number(0x7FE0, 2);
+    header.Number(0x0010, 2);
+    header.Number(0x574F, 2);  // "OW"
+    header.Number(0, 2);
+    header.Number(kPiece * kPieces, 4);
+    const std::string path = WorkDirectory().Write(
+        "LARGE", Part10("1.2.840.10008.1.2.1", image.Bytes() + header.Bytes()));
+    std::ofstream stream(path, std::ios::binary | std::ios::app);
+    const std::string piece(kPiece, '\x55');
+    for (uint32_t i = 0; i < kPieces; ++i)
+        stream << piece;
+    return path;
+}
+
 std::vector<std::string> WriteSmallFiles() {
     std::vector<std::string> paths;
     for (int i = 0; i < kSmallFileCount; ++i) {
@@ -182,6 +204,11 @@ const std::string& BigExplicitFile() {
 const std::string& BigImplicitFile() {
     static const std::string path = WorkDirectory().Write(
         "IMPLICIT", Part10("1.2.840.10008.1.2", BigDataSet(Encoding::kImplicit)));
+    return path;
+}
+
+const std::string& LargeImageFile() {
+    static const std::string path = WriteLargeImage();
     return path;
 }
 

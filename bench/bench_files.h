@@ -15,6 +15,9 @@ const std::vector<std::string>& SmallFiles();
 const std::string& BigExplicitFile();
 const std::string& BigImplicitFile();
 
+// One image with 1 GiB of pixels, in explicit VR little endian.
+const std::string& LargeImageFile();
+
 // A path in the same directory for output.
 std::string OutputPath();
 

@@ -49,6 +49,28 @@ void BigImplicitPeer(benchmark::State& state) {
 }
 BENCHMARK(BigImplicitPeer)->Name("million elements, implicit/DCMTK")->Unit(benchmark::kMillisecond);
 
+void ReencodePeer(benchmark::State& state) {
+    for (auto _ : state) {
+        DcmFileFormat file;
+        if (file.loadFile(BigImplicitFile().c_str(), EXS_Unknown, EGL_noChange, 64).bad() ||
+            file.saveFile(OutputPath().c_str(), EXS_LittleEndianExplicit).bad()) {
+            return state.SkipWithError("cannot convert");
+        }
+    }
+}
+BENCHMARK(ReencodePeer)->Name("re-encode a million elements/DCMTK")->Unit(benchmark::kMillisecond);
+
+void SaveLargePeer(benchmark::State& state) {
+    for (auto _ : state) {
+        DcmFileFormat file;
+        if (file.loadFile(LargeImageFile().c_str(), EXS_Unknown, EGL_noChange, 64).bad() ||
+            file.saveFile(OutputPath().c_str(), EXS_LittleEndianExplicit).bad()) {
+            return state.SkipWithError("cannot save");
+        }
+    }
+}
+BENCHMARK(SaveLargePeer)->Name("save, 1 GiB of pixels/DCMTK")->Unit(benchmark::kMillisecond);
+
 void DumpPeer(benchmark::State& state) {
     DcmFileFormat file;
     if (file.loadFile(SmallFiles()[0].c_str()).bad()) return state.SkipWithError("cannot open");

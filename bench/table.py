@@ -35,7 +35,7 @@ def main():
         else:
             rows.setdefault(subject, {})[who] = run["real_time"] * NANOSECONDS[run["time_unit"]]
 
-    layout = "{:30} {:>10} {:>10} {:>10} {:>12} {:>12}"
+    layout = "{:34} {:>10} {:>10} {:>10} {:>12} {:>12}"
     print(layout.format("", "pgkit", "DCMTK", "floor", "DCMTK/pgkit", "pgkit/floor"))
     for subject, times in rows.items():
         pgkit, peer, floor = times.get("pgkit"), times.get("DCMTK"), times.get("floor")

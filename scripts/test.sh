@@ -95,6 +95,8 @@ for program in "${programs[@]}"; do
     start_gtest "windows-x64-$program" scripts/wine.sh "build/windows-x64/bin/$program.exe"
 done
 start format scripts/check-format.sh
+start exports tests/exports/compare_exports.py include build/native/bin/libpgkit.so \
+    build/windows-x64/bin/pgkit.dll
 wait
 
 start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
@@ -108,5 +110,6 @@ for preset in native native-sanitize windows-x64; do
     done
 done
 count_status format
+count_summary exports
 count_summary interop
 finish

@@ -25,7 +25,11 @@ struct Command {
 };
 
 extern const Command kDumpCommand;
+extern const Command kModalityCommand;
+extern const Command kSaveCommand;
+extern const Command kSetCommand;
 extern const Command kTagsCommand;
+extern const Command kUidCommand;
 
 // Both print "pgtool COMMAND: ..." on the standard error stream and give the exit status.
 int Fail(const Command& command, const std::string& reason);

@@ -2,9 +2,8 @@
 #include <cstdio>
 
 #include "command.h"
+#include "data_set.h"
 #include "options.h"
-#include "pgkit/dataset.h"
-#include "pgkit/node.h"
 
 namespace pgtool {
 
@@ -22,12 +21,9 @@ int Dump(const Arguments& arguments) {
     if (!complaint.empty()) return Misuse(kDumpCommand, complaint);
     if (files.size() != 1) return Misuse(kDumpCommand, "exactly one file is expected");
 
-    PGX_Node* const root = pgOpenDataSetFileEx(files[0].c_str(), loadLimit, flags);
-    if (root == nullptr) {
-        return Fail(kDumpCommand, "cannot open " + files[0] + ", or it is not a DICOM data set");
-    }
+    const DataSet root(pgOpenDataSetFileEx(files[0].c_str(), loadLimit, flags));
+    if (root == nullptr) return Fail(kDumpCommand, CannotOpen(files[0]));
     root->Dump(stdout, "");
-    pgCloseDataSet(root);
     return kDone;
 }
 

@@ -9,7 +9,8 @@ namespace pgtool {
 
 namespace {
 
-constexpr const Command* kCommands[] = {&kDumpCommand, &kTagsCommand};
+constexpr const Command* kCommands[] = {&kDumpCommand, &kSaveCommand, &kSetCommand,
+                                        &kTagsCommand, &kUidCommand,  &kModalityCommand};
 
 const Command* FindCommand(const std::string& name) {
     for (const Command* command : kCommands) {
@@ -21,7 +22,7 @@ const Command* FindCommand(const std::string& name) {
 void PrintHelp(std::FILE* stream) {
     std::fputs("usage: pgtool COMMAND ARGUMENT...\n\n", stream);
     for (const Command* command : kCommands) {
-        std::fprintf(stream, "  %-8s %s\n", command->name, command->summary);
+        std::fprintf(stream, "  %-9s %s\n", command->name, command->summary);
     }
     std::fputs(
         "\npgtool help COMMAND explains a command, pgtool --version names the library.\n"

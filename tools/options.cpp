@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "pgkit/dictionary.h"
+
 namespace pgtool {
 
 namespace {
@@ -14,6 +16,16 @@ std::optional<Number> ParseDigits(const std::string& text, int base) {
     const auto [stop, error] = std::from_chars(text.data(), end, number, base);
     if (error != std::errc() || stop != end) return std::nullopt;
     return number;
+}
+
+bool Assign(const Option& option, const std::string& text) {
+    if (std::string* const* value = std::get_if<std::string*>(&option.value)) {
+        **value = text;
+        return true;
+    }
+    const std::optional<uint32_t> number = ParseNumber(text);
+    if (number) *std::get<uint32_t*>(option.value) = *number;
+    return number.has_value();
 }
 
 }  // namespace
@@ -28,7 +40,7 @@ std::optional<uint16_t> ParseHexWord(const std::string& text) {
     return text.size() <= 4 ? ParseDigits<uint16_t>(text, 16) : std::nullopt;
 }
 
-std::string ParseOptions(const Arguments& arguments, const std::vector<NumberOption>& options,
+std::string ParseOptions(const Arguments& arguments, const std::vector<Option>& options,
                          Arguments* operands) {
     for (size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -37,7 +49,7 @@ std::string ParseOptions(const Arguments& arguments, const std::vector<NumberOpt
                              arguments.end());
             break;
         }
-        if (!argument.starts_with("--")) {
+        if (argument.size() < 2 || argument[0] != '-') {
             operands->push_back(argument);
             continue;
         }
@@ -47,14 +59,54 @@ std::string ParseOptions(const Arguments& arguments, const std::vector<NumberOpt
                                          [&](const auto& known) { return name == known.name; });
         if (option == options.end()) return "unknown option " + name;
 
+        if (bool* const* isSet = std::get_if<bool*>(&option->value)) {
+            if (equals != std::string::npos) return name + " takes no value";
+            **isSet = true;
+            continue;
+        }
         const bool isNext = equals == std::string::npos;
-        if (isNext && i + 1 == arguments.size()) return name + " needs a number";
+        if (isNext && i + 1 == arguments.size()) return name + " needs a value";
         const std::string text = isNext ? arguments[++i] : argument.substr(equals + 1);
-        const std::optional<uint32_t> number = ParseNumber(text);
-        if (!number) return name + ": \"" + text + "\" is not a number";
-        *option->value = *number;
+        if (!Assign(*option, text)) return name + ": \"" + text + "\" is not a number";
     }
     return "";
+}
+
+std::optional<Tag> ParseTag(std::string text) {
+    if (text.size() > 2 && text.front() == '(' && text.back() == ')') {
+        text = text.substr(1, text.size() - 2);
+    }
+    const size_t comma = text.find(',');
+    if (comma == std::string::npos) return std::nullopt;
+    const auto group = ParseHexWord(text.substr(0, comma));
+    const auto element = ParseHexWord(text.substr(comma + 1));
+    if (!group || !element) return std::nullopt;
+    return Tag{*group, *element};
+}
+
+std::optional<Tag> FindTagByName(const std::string& name) {
+    constexpr uint32_t kNoIdentifier = 0xFFFFFFFF;
+    const uint32_t identifier = pgGetTagElementId(name.c_str());
+    Tag tag;
+    if (identifier == kNoIdentifier ||
+        pgFindElementIdInfo(static_cast<int32_t>(identifier), &tag.group, &tag.element) == 0) {
+        return std::nullopt;
+    }
+    return tag;
+}
+
+int AnswerEach(const Command& command, const Arguments& arguments, const std::string& expected,
+               bool (*print)(const std::string& operand)) {
+    Arguments operands;
+    const std::string complaint = ParseOptions(arguments, {}, &operands);
+    if (!complaint.empty()) return Misuse(command, complaint);
+    if (operands.empty()) return Misuse(command, expected + " is expected");
+
+    int status = kDone;
+    for (const std::string& operand : operands) {
+        if (!print(operand)) status = Fail(command, "unknown: " + operand);
+    }
+    return status;
 }
 
 }  // namespace pgtool

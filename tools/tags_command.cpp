@@ -11,34 +11,6 @@ namespace {
 
 constexpr uint32_t kNoIdentifier = 0xFFFFFFFF;
 
-struct Tag {
-    uint16_t group = 0;
-    uint16_t element = 0;
-};
-
-// "0010,0020", with parentheses around it or without.
-std::optional<Tag> ParseTag(std::string text) {
-    if (text.size() > 2 && text.front() == '(' && text.back() == ')') {
-        text = text.substr(1, text.size() - 2);
-    }
-    const size_t comma = text.find(',');
-    if (comma == std::string::npos) return std::nullopt;
-    const auto group = ParseHexWord(text.substr(0, comma));
-    const auto element = ParseHexWord(text.substr(comma + 1));
-    if (!group || !element) return std::nullopt;
-    return Tag{*group, *element};
-}
-
-std::optional<Tag> FindName(const std::string& name) {
-    const uint32_t identifier = pgGetTagElementId(name.c_str());
-    Tag tag;
-    if (identifier == kNoIdentifier ||
-        pgFindElementIdInfo(static_cast<int32_t>(identifier), &tag.group, &tag.element) == 0) {
-        return std::nullopt;
-    }
-    return tag;
-}
-
 // One line: tag, value representation, name and, for a tag with a row of its own, the element
 // identifier. False when the dictionary knows nothing.
 bool PrintTag(const Tag& tag) {
@@ -65,7 +37,7 @@ int Tags(const Arguments& arguments) {
     int status = kDone;
     for (const std::string& text : texts) {
         const bool isTag = text.find(',') != std::string::npos;
-        const std::optional<Tag> tag = isTag ? ParseTag(text) : FindName(text);
+        const std::optional<Tag> tag = isTag ? ParseTag(text) : FindTagByName(text);
         if (isTag && !tag) return Misuse(kTagsCommand, "\"" + text + "\" is not a tag");
         if (!tag || !PrintTag(*tag)) status = Fail(kTagsCommand, "unknown: " + text);
     }

@@ -115,7 +115,8 @@ class PGX_Node {
                                    uint32_t size);
     PGKIT_API PGX_Node* InsertNode(uint32_t elementId, const void* data, uint32_t size);
     // Links an existing node at the same place and returns it; null (and the first message) when
-    // this node is not a data set. The data set's bitsAllocated is left alone.
+    // this node is not a data set, null without a message for a null node. Its next is overwritten;
+    // it must not be linked in a tree already. The data set's bitsAllocated is left alone.
     PGKIT_API PGX_Node* InsertNode(PGX_Node* node);
 
     // Sets the value of the first direct child with this tag, or inserts a new one. The result of
@@ -137,7 +138,9 @@ class PGX_Node {
     // The items of a sequence. SeqGetHead on a data set prints "pgSeqGetHead: can only deal with
     // NT_DataElement type\n" and gives null; adding anything but a data set prints "pgSeqAddHead:
     // can only insert in a NT_DataSet type\n" (or "pgSeqAddTail: ...") and does nothing, all on the
-    // standard output. Items added belong to the tree.
+    // standard output; a null item is ignored. Items added belong to the tree and must not be
+    // linked in it already. The VR is not tested. What follows an item (its next) is cut off, but
+    // comes along when SeqAddTail adds the first item of a sequence.
     PGKIT_API PGX_Node* SeqGetHead();
     PGKIT_API void SeqAddHead(PGX_Node* item);
     PGKIT_API void SeqAddTail(PGX_Node* item);
@@ -153,8 +156,9 @@ class PGX_Node {
     PGKIT_API int32_t GetTagName(char* buffer);
 
     // The whole value and a NUL after it; buffer must hold length + 1 bytes. Leading and trailing
-    // blanks of UI values are stripped. Returns 0 for a data set, a sequence, encapsulated Pixel
-    // Data, and a value of undefined length or unrepresentable position that is not in memory.
+    // blanks of UI values are stripped, and zeros follow them. Returns 0 for a data set, a
+    // sequence, encapsulated Pixel Data, an element of undefined length, and a value at an
+    // unrepresentable position that is not in memory; 0 for a null buffer.
     PGKIT_API int32_t GetValue(void* buffer);
 
     // The first min(length, size) bytes of the value and a NUL after them: buffer must hold
@@ -188,16 +192,17 @@ class PGX_Node {
     // more. A node that still refers to the file it was read from keeps reading from that.
     PGKIT_API int32_t SetFileContentValue(const char* path);
     // Writes the value, in host byte order, to a new file. Returns 0 when a file cannot be created
-    // or opened; 1 otherwise, also when there is no value (nothing is created then) or writing
-    // fails later.
+    // or opened, or path is the file that this node reads from; 1 otherwise, also when there is no
+    // value (nothing is created then) or writing fails later.
     PGKIT_API int32_t GetFileContentValue(const char* path);
 
     // ---- Group lengths --------------------------------------------------------------------------
     //
     // The mode is a set of PgSyntaxFlags; PG_EXPLICIT_VR and, for group 0002, PG_META count the
-    // elements with explicit headers. Lengths of sequences are taken as they stand. On a node that
-    // is not a data set both print "AddGroupLengths: can only work with NT_DataSet type\n" on the
-    // standard output and return 0.
+    // elements with explicit headers. Lengths of sequences are taken as they stand. Where elements
+    // are not in tag order, every run of elements of one group counts as a group of its own, with
+    // its length element in front of it. On a node that is not a data set both print
+    // "AddGroupLengths: can only work with NT_DataSet type\n" on the standard output and return 0.
 
     // Gives every group of this data set a group length element and sets them all.
     PGKIT_API int32_t AddGroupLengths(uint32_t mode);
@@ -208,8 +213,9 @@ class PGX_Node {
     // ---- Text dump ------------------------------------------------------------------------------
 
     // Prints this node and everything below it, a line each, every line behind prefix. Returns 0
-    // when this element's value could not be allocated; the line then reads ">>>>> OUT-OF-MEMORY
-    // !!! (can't allocated %u bytes to dump object)".
+    // when this element's value could not be allocated or stream is null. The line of an element
+    // whose value could not be allocated reads, without the prefix, ">>>>> OUT-OF-MEMORY !!! (can't
+    // allocated %u bytes to dump object)". A null prefix is empty.
     PGKIT_API int32_t Dump(FILE* stream, const char* prefix);
     // The same into a new text file; 0 when it cannot be created.
     PGKIT_API int32_t Dump(const char* path);
@@ -249,23 +255,47 @@ class PGX_Node {
 
     // Writes this node and everything below it to a binary stream, in the encoding that mode (a set
     // of PgSyntaxFlags) says: implicit VR without PG_EXPLICIT_VR, big endian without
-    // PG_LITTLE_ENDIAN, no group 0002 without PG_META or PG_META_IMPLICIT_VR. Nothing is buffered
-    // in the library when it returns.
+    // PG_LITTLE_ENDIAN, no group 0002 without PG_META or PG_META_IMPLICIT_VR. The stream is
+    // flushed; a null stream gives 3. A failure leaves what was written before it, and the
+    // delimiters of the sequences and items around it.
+    //
+    // Without PG_UNDEFINED_LENGTHS, sequences and items carry the lengths of their nodes, which
+    // only saving computes. Those that cannot have a right length (undefined, or around
+    // encapsulated Pixel Data or elements of group 0002) are written with delimiters all the same.
+    //
+    // An element without value anywhere is written as its header. A value whose source ends one
+    // byte early is completed with a zero byte. Every fileOffset that is 0 becomes the position in
+    // the stream: of a data set's first element, of an element's tag.
     PGKIT_API void WriteNode(FILE* stream, uint32_t mode);
     PGKIT_API uint32_t WriteNodeEx(FILE* stream, uint32_t mode);
 
-    // Writes the pending offsets (offsetPending) of a tree into its file, open for update.
+    // Writes the pending offsets (offsetPending) of a tree into its file, open for update: each as
+    // 4 bytes in host byte order, 8 bytes behind the element's fileOffset, and into the element.
+    // The offset is the fileOffset of offsetTarget less the 8 bytes of its item header. Elements
+    // without target keep their value. Only the record offsets of a DICOMDIR (0004,1200),
+    // (0004,1202), (0004,1400) and (0004,1420) are considered. A position beyond 4 GiB, or a null
+    // stream, gives 3.
     PGKIT_API void WriteNodeOffset(FILE* stream);
     PGKIT_API uint32_t WriteNodeOffsetEx(FILE* stream);
 
-    // Saves this root data set as a file. Mode 0 keeps the encoding the tree was read with. With
-    // PG_META the file is a Part 10 file. The transfer syntax element (0002,0010), if there is one,
-    // is set to match the mode; a compressed syntax forces explicit VR little endian. Files that
-    // cannot be created are reported on the standard error stream.
+    // Saves this root data set as a file: computes the lengths, sets the group lengths
+    // (UpdateGroupLengths), writes, and patches pending offsets with the positions at which the
+    // nodes were really written. Mode 0 keeps the encoding the tree was read with. With PG_META the
+    // file is a Part 10 file. The transfer syntax element (0002,0010), if there is one, is set to
+    // match the mode, and says what the mode leaves open; any syntax but the three native ones
+    // forces explicit VR little endian. Without the element the data set is explicit VR unless the
+    // mode has PG_IMPLICIT_VR. Files that cannot be created are reported on the standard error
+    // stream ("pgSaveDataSetAsEx : unable to open %s\n"). A failure leaves a partial file.
+    //
+    // A file that the tree still reads values from may be the target: it is replaced when the new
+    // one is complete beside it, stays as it was when that fails, and the tree goes on reading the
+    // old content. On Windows this needs a file opened by path; over a stream that the host opened
+    // itself saving gives 1.
     PGKIT_API void SaveDataSetAs(const char* path, int32_t mode);
     PGKIT_API uint32_t SaveDataSetAsEx(const char* path, int32_t mode);
     // The older form: a bare data set in implicit VR big endian, with delimiters when
-    // undefinedLengths is not 0.
+    // undefinedLengths is not 0. Reports "pgSaveDataSetAs : unable to open %s\n", or "... unable to
+    // reopen %s\n" when offsets cannot be patched.
     PGKIT_API void SaveDataSetAs(int32_t undefinedLengths, const char* path);
 
     // Completes group 0002 of this data set from its SOP class and instance, the library's own

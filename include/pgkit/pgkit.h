@@ -1,7 +1,7 @@
 // pgkit: read, edit, write and browse DICOM data sets and media.
 //
-// This header includes the whole public interface. C callers get the flat functions, with handles
-// as opaque pointers; C++ callers get the classes too.
+// This header includes the whole public interface. C callers (C99 or later) get the flat functions,
+// with handles as opaque pointers; C++ callers (C++17 or later) get the classes too.
 //
 // Conventions, valid for every operation unless its own documentation says otherwise:
 //
@@ -37,6 +37,7 @@
 #include "pgkit/node.h"
 #include "pgkit/patient_list.h"
 #include "pgkit/sopclass.h"
+#include "pgkit/uid.h"
 #include "pgkit/value_representation.h"
 #include "pgkit/version.h"
 

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <limits>
+#include <cstring>
+#include <new>
 
 #include "codec/fragment_table.h"
 #include "dataset/node_memory.h"
@@ -15,7 +16,6 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint64_t kUnlimited = std::numeric_limits<uint64_t>::max();
 constexpr uint32_t kShortHeaderSize = 8;
 constexpr uint32_t kLongHeaderSize = 12;
 constexpr uint32_t kDelimiterSize = 8;
@@ -32,19 +32,13 @@ constexpr uint32_t kAlwaysLoadable = 64 * 1024;
 
 constexpr std::string_view kUnknownTagName = "<unknown tag>";
 
-uint64_t LimitOf(uint32_t declaredLength) {
-    return declaredLength == kUndefinedLength ? kUnlimited : declaredLength;
+bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
+    return declaredLength != kUndefinedLength && bytes >= declaredLength;
 }
 
 // Bytes of an element header as containers of defined length account for them.
 uint32_t CountedHeaderSize(bool implicitVr, bool longHeader) {
     return !implicitVr && longHeader ? kLongHeaderSize : kShortHeaderSize;
-}
-
-bool IsPixelData(uint16_t group, uint16_t element) { return group == 0x7FE0 && element == 0x0010; }
-
-bool IsBitsAllocated(const PGX_Node& node) {
-    return node.group == 0x0028 && node.element == 0x0100;
 }
 
 // Formats a name for a tag into the buffer.
@@ -71,12 +65,12 @@ NodeTree DataSetParser::Parse() {
     NodeTree root(NewDataSetNode(reader_.Stream(), reader_.Position()));
     levels_.clear();
     levels_.emplace_back().implicitVr = encoding_.implicitVr;
-    OpenDataSet(levels_.back(), root.get(), kUnlimited);
+    OpenDataSet(levels_.back(), root.get(), kUndefinedLength);
 
     while (true) {
         Level& level = levels_.back();
         if (level.dataSet != nullptr) {
-            if (level.dataSetBytes >= level.dataSetLimit || !ReadElement()) CloseDataSet();
+            if (IsUsedUp(level.dataSetLength, level.dataSetBytes) || !ReadElement()) CloseDataSet();
         } else if (level.sequence == nullptr) {
             return root;
         } else if (!OpenNextItem(level)) {
@@ -85,11 +79,11 @@ NodeTree DataSetParser::Parse() {
     }
 }
 
-void DataSetParser::OpenDataSet(Level& level, PGX_Node* node, uint64_t limit) {
+void DataSetParser::OpenDataSet(Level& level, PGX_Node* node, uint32_t declaredLength) {
     level.dataSet = node;
     level.elementLink = &node->first;
     level.dataSetBytes = 0;
-    level.dataSetLimit = limit;
+    level.dataSetLength = declaredLength;
     level.bitsAllocated = 0;
     level.creators.clear();
 }
@@ -101,7 +95,7 @@ void DataSetParser::CloseDataSet() {
 }
 
 bool DataSetParser::OpenNextItem(Level& level) {
-    if (level.sequenceBytes >= LimitOf(level.sequence->length)) return false;
+    if (IsUsedUp(level.sequence->length, level.sequenceBytes)) return false;
     // A header that is no item ends the sequence. Its bytes are neither given back nor counted.
     TagHeader header;
     if (!ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return false;
@@ -111,7 +105,7 @@ bool DataSetParser::OpenNextItem(Level& level) {
     PGX_Node* item = NewDataSetNode(reader_.Stream(), reader_.Position());
     *level.itemLink = item;
     level.itemLink = &item->next;
-    OpenDataSet(level, item, LimitOf(header.length));
+    OpenDataSet(level, item, header.length);
     return true;
 }
 
@@ -125,7 +119,7 @@ void DataSetParser::OpenSequence(PGX_Node* sequence, const Identity& identity) {
 
 void DataSetParser::CloseSequence() {
     const Level& level = levels_.back();
-    uint64_t bytes = level.sequenceBytes;
+    uint32_t bytes = level.sequenceBytes;
     if (level.sequence->length == kUndefinedLength) bytes += kDelimiterSize;
     // The sequence's own header counts by the VR mode of its items, whatever it was read in.
     bytes += CountedHeaderSize(level.implicitVr, true);
@@ -262,19 +256,19 @@ void DataSetParser::ReadValue(PGX_Node& element) {
         reader_.Skip(length);
         return;
     }
-    element.value = NewValueBuffer(length);
+    element.value = NewUnfilledValueBuffer(length);
     if (element.value == nullptr) throw std::bad_alloc();
-    const uint64_t end = reader_.Position() + length;
-    reader_.Read(element.value, length);
-    reader_.Seek(end);
+    const size_t available = reader_.Read(element.value, length);
+    std::memset(element.value + available, 0, length - available);
+    reader_.Skip(length - available);
 }
 
 // Some elements tell how others of their data set are to be read.
 void DataSetParser::NoteElement(PGX_Node& element) {
     Level& level = levels_.back();
-    if (IsBitsAllocated(element)) {
+    if (IsBitsAllocated(element.group, element.element)) {
         level.bitsAllocated = element.GetUSValue();
-        ValueFetched(element);
+        if (element.value == nullptr) reader_.StreamMoved();
     } else if (IsPixelData(element.group, element.element)) {
         element.bitsAllocated = level.bitsAllocated;
     } else if (IsPrivateCreator(element.group, element.element)) {
@@ -282,17 +276,15 @@ void DataSetParser::NoteElement(PGX_Node& element) {
     }
 }
 
-// A value that is not in memory has been read through the stream, behind the reader's back.
-void DataSetParser::ValueFetched(const PGX_Node& element) {
-    if (element.value == nullptr) reader_.StreamMoved();
-}
-
-void DataSetParser::NotePrivateCreator(PGX_Node& element, Level& level) {
+// The reader stands behind the value, which need not have been loaded.
+void DataSetParser::NotePrivateCreator(const PGX_Node& element, Level& level) {
     if (element.valueRep != VR_LO || element.length > kMaxCreatorLength) return;
     if (level.creators.size() >= kMaxPrivateCreators) return;
-    char text[256];
-    element.GetStringValue(text, 255);
-    ValueFetched(element);
+    char text[kMaxCreatorLength + 1] = {};
+    const uint64_t end = reader_.Position();
+    reader_.Seek(end - element.length);
+    reader_.Read(reinterpret_cast<uint8_t*>(text), element.length);
+    reader_.Seek(end);
     level.creators.push_back({ToUpper(TrimBlanks(text)), element.element});
 }
 

@@ -30,17 +30,17 @@ class DataSetParser {
   private:
     // A sequence that is being read and, most of the time, its current item. The bottom level is
     // the top data set, which has no sequence. Byte counts follow the declared lengths, not the
-    // stream: they decide where containers of defined length end.
+    // stream, and wrap as these do: they decide where containers of defined length end.
     struct Level {
         PGX_Node* sequence = nullptr;
         PGX_Node** itemLink = nullptr;  // where the next item is linked
-        uint64_t sequenceBytes = 0;
+        uint32_t sequenceBytes = 0;
         bool implicitVr = false;  // of the items
 
         PGX_Node* dataSet = nullptr;
         PGX_Node** elementLink = nullptr;  // where the next element is linked
-        uint64_t dataSetBytes = 0;
-        uint64_t dataSetLimit = 0;
+        uint32_t dataSetBytes = 0;
+        uint32_t dataSetLength = 0;  // as declared
         uint32_t bitsAllocated = 0;
         std::vector<PrivateCreator> creators;
     };
@@ -53,7 +53,7 @@ class DataSetParser {
         char nameBuffer[32];
     };
 
-    void OpenDataSet(Level& level, PGX_Node* node, uint64_t limit);
+    void OpenDataSet(Level& level, PGX_Node* node, uint32_t declaredLength);
     bool OpenNextItem(Level& level);
     void CloseDataSet();
     void CloseSequence();
@@ -68,8 +68,7 @@ class DataSetParser {
     void ReadFragments(PGX_Node& pixelData);
     void ReadValue(PGX_Node& element);
     void NoteElement(PGX_Node& element);
-    void ValueFetched(const PGX_Node& element);
-    void NotePrivateCreator(PGX_Node& element, Level& level);
+    void NotePrivateCreator(const PGX_Node& element, Level& level);
 
     StreamReader& reader_;
     const Encoding encoding_;

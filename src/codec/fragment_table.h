@@ -11,7 +11,7 @@ namespace pgkit {
 enum class FragmentTableResult : int32_t {
     Built = 1,
     NotScanned = 0,  // the Basic Offset Table is empty and no scan was asked for
-    Failed = -1
+    Failed = -1      // also when an entry, or the table itself, lies beyond 4 GiB
 };
 
 // Builds the table of pixelData, whose items start at its fileOffset, and leaves the reader behind

@@ -1,4 +1,5 @@
 // The exported functions that open files and streams, and the quick test for a Part 10 file.
+#include <memory>
 #include <new>
 #include <optional>
 
@@ -40,18 +41,22 @@ PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t fla
     return root.release();
 }
 
+struct FileCloser {
+    void operator()(FILE* stream) const { std::fclose(stream); }
+};
+
 PGX_Node* OpenFile(const char* path, uint32_t maxLoadLength, uint32_t flags) {
-    FILE* stream = platform::OpenForReading(path);
-    if (stream == nullptr) return nullptr;
-    PGX_Node* root = nullptr;
     try {
-        StreamReader reader(stream);
-        root = ParseStream(reader, maxLoadLength, flags);
+        uint64_t size = 0;
+        std::unique_ptr<FILE, FileCloser> stream(platform::OpenForReading(path, size));
+        if (!stream) return nullptr;
+        StreamReader reader(stream.get(), size);
+        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
+        if (root != nullptr) static_cast<void>(stream.release());
+        return root;
     } catch (const std::bad_alloc&) {
-        root = nullptr;
+        return nullptr;
     }
-    if (root == nullptr) std::fclose(stream);
-    return root;
 }
 
 // The stream is the caller's until the parse has ended one way or the other; when memory runs out
@@ -93,12 +98,13 @@ PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength, uint32
 }
 
 int32_t pgIsDicomFile(const char* path) {
-    FILE* stream = pgkit::platform::OpenForReading(path);
+    uint64_t size = 0;
+    FILE* stream = pgkit::platform::OpenForReading(path, size);
     if (stream == nullptr) {
         pgkit::PrintError("pgIsDicomFile : unable to open %s\n", path == nullptr ? "" : path);
         return 0;
     }
-    pgkit::StreamReader reader(stream);
+    pgkit::StreamReader reader(stream, size);
     const bool isDicom = pgkit::SkipPreamble(reader);
     std::fclose(stream);
     return isDicom ? 1 : 0;

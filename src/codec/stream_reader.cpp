@@ -7,10 +7,9 @@
 
 namespace pgkit {
 
+// The stream counts as moved: when its user has written last, a seek must come before a read.
 StreamReader::StreamReader(FILE* stream)
-    : stream_(stream),
-      streamPosition_(platform::Tell(stream)),
-      bufferStart_(streamPosition_.value_or(0)) {}
+    : stream_(stream), bufferStart_(platform::Tell(stream).value_or(0)) {}
 
 void StreamReader::Seek(uint64_t position) {
     if (position >= bufferStart_ && position - bufferStart_ <= end_) {
@@ -50,9 +49,11 @@ bool StreamReader::FillTo(size_t count) {
     next_ = 0;
     end_ = kept;
     while (end_ < count) {
-        if (size_ && bufferStart_ + end_ >= *size_) return false;
-        if (!MoveStreamTo(bufferStart_ + end_)) return false;
-        const size_t wanted = std::min(fillSize_, kBufferSize - end_);
+        const uint64_t position = bufferStart_ + end_;
+        if (size_ && position >= *size_) return false;
+        if (!MoveStreamTo(position)) return false;
+        size_t wanted = std::min(fillSize_, kBufferSize - end_);
+        if (size_) wanted = std::min<uint64_t>(wanted, *size_ - position);
         const size_t got = std::fread(buffer_.data() + end_, 1, wanted, stream_);
         *streamPosition_ += got;
         end_ += got;
@@ -62,7 +63,7 @@ bool StreamReader::FillTo(size_t count) {
     return true;
 }
 
-size_t StreamReader::Read(uint8_t* out, size_t count) {
+size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     const size_t fromBuffer = std::min(count, Buffered());
     std::memcpy(out, buffer_.data() + next_, fromBuffer);
     next_ += fromBuffer;

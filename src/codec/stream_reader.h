@@ -8,14 +8,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <optional>
 
 namespace pgkit {
 
 class StreamReader {
   public:
-    // Starts at the stream's present position.
+    // Starts at the present position of a stream that somebody else has used.
     explicit StreamReader(FILE* stream);
+    // Starts at the beginning of a file that was just opened and has this size.
+    StreamReader(FILE* stream, uint64_t size) : stream_(stream), streamPosition_(0), size_(size) {}
     StreamReader(const StreamReader&) = delete;
     StreamReader& operator=(const StreamReader&) = delete;
 
@@ -24,7 +27,13 @@ class StreamReader {
     uint64_t Position() const { return bufferStart_ + next_; }
     // Any position may be taken; reading beyond the end of the stream then fails.
     void Seek(uint64_t position);
-    void Skip(uint64_t count) { Seek(Position() + count); }
+    void Skip(uint64_t count) {
+        if (count <= Buffered()) {
+            next_ += static_cast<size_t>(count);
+        } else {
+            Seek(Position() + count);
+        }
+    }
     void SeekToEnd() { Seek(Size()); }
 
     // The length of the stream, and how much of it lies ahead. A stream that fails ends there.
@@ -40,7 +49,12 @@ class StreamReader {
     }
 
     // Reads as many bytes as there are, up to count.
-    size_t Read(uint8_t* out, size_t count);
+    size_t Read(uint8_t* out, size_t count) {
+        if (count > kMaxPeek || count > Buffered()) return ReadLarge(out, count);
+        std::memcpy(out, buffer_.data() + next_, count);
+        next_ += count;
+        return count;
+    }
 
     // Something else has used the stream, and moved it.
     void StreamMoved() { streamPosition_.reset(); }
@@ -48,13 +62,14 @@ class StreamReader {
     void RestorePosition();
 
   private:
-    static constexpr size_t kBufferSize = 64 * 1024;
+    static constexpr size_t kBufferSize = size_t{64} * 1024;
     // Of a large file that is mostly skipped little is read around each header; of a stretch that
     // is read through more is read at a time.
-    static constexpr size_t kFirstFill = 8 * 1024;
+    static constexpr size_t kFirstFill = size_t{8} * 1024;
 
     size_t Buffered() const { return end_ - next_; }
     bool FillTo(size_t count);
+    size_t ReadLarge(uint8_t* out, size_t count);
     bool MoveStreamTo(uint64_t position);
 
     FILE* stream_;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "dataset/node_memory.h"
@@ -12,6 +11,7 @@
 #include "dictionary/vr_traits.h"
 #include "frame/byte_order.h"
 #include "frame/text.h"
+#include "platform/file_handle.h"
 #include "platform/platform.h"
 
 namespace pgkit {
@@ -22,10 +22,6 @@ constexpr std::string_view kIndent = " | ";
 constexpr size_t kMaxPrintedNumbers = 20;
 constexpr size_t kTagNameSize = 128;
 constexpr size_t kTextPiece = 0x10000;
-
-struct CloseFile {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-};
 
 bool IsPrintedAsBinary(uint32_t vr) {
     return vr == VR_OB || vr == VR_OW || vr == VR_OF || vr == VR_OWOB;
@@ -225,7 +221,7 @@ int32_t PGX_Node::Dump(FILE* stream, const char* prefix) {
 }
 
 int32_t PGX_Node::Dump(const char* path) {
-    const std::unique_ptr<FILE, pgkit::CloseFile> stream(pgkit::platform::CreateText(path));
+    const pgkit::platform::FileHandle stream(pgkit::platform::CreateText(path));
     if (stream == nullptr) return 0;
     Dump(stream.get(), "");
     return 1;

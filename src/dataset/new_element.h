@@ -7,10 +7,6 @@
 
 namespace pgkit {
 
-constexpr uint32_t TagKey(const PGX_Node& node) {
-    return (uint32_t{node.group} << 16) | node.element;
-}
-
 // A new element with the dictionary's VR and a copy of the value, not linked yet; null when memory
 // runs out. Between the data set and its Pixel Data this passes Bits Allocated on.
 PGX_Node* NewElement(PGX_Node& dataSet, uint16_t group, uint16_t element, const void* data,

@@ -1,6 +1,7 @@
 // Who allocates what a node owns: values and fragments come from here, texts from NewText.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -25,6 +26,11 @@ inline uint8_t* NewValueBuffer(size_t size) {
     return static_cast<uint8_t*>(std::calloc(size == 0 ? 1 : size, 1));
 }
 
+// The same with any content, for a value that is read into it at once.
+inline uint8_t* NewUnfilledValueBuffer(size_t size) {
+    return static_cast<uint8_t*>(std::malloc(size == 0 ? 1 : size));
+}
+
 inline void FreeValueBuffer(uint8_t* buffer) { std::free(buffer); }
 
 struct FreeBuffer {
@@ -35,7 +41,7 @@ struct FreeBuffer {
 using ValueBuffer = std::unique_ptr<uint8_t, FreeBuffer>;
 
 // The address that stands in PGX_Node::fragments for a table that was deliberately not built.
-inline FragmentEntry* NotIndexedMarker() { return reinterpret_cast<FragmentEntry*>(uintptr_t{1}); }
+inline FragmentEntry* NotIndexedMarker() { return std::bit_cast<FragmentEntry*>(uintptr_t{1}); }
 
 // Whether the node has a fragment table of its own: neither none nor the marker.
 inline bool HasFragmentTable(const PGX_Node& node) {

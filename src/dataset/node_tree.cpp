@@ -15,12 +15,6 @@ namespace pgkit {
 
 namespace {
 
-bool IsBitsAllocated(uint16_t group, uint16_t element) {
-    return group == 0x0028 && element == 0x0100;
-}
-
-bool IsPixelData(uint16_t group, uint16_t element) { return group == 0x7FE0 && element == 0x0010; }
-
 // The number in host byte order that a caller passes as a value; missing bytes count as zero.
 uint16_t FirstNumber(const void* data, uint32_t size) {
     uint16_t number = 0;
@@ -36,8 +30,9 @@ bool RefuseUnlessDataSet(const PGX_Node& node) {
 
 // Behind every element with a lower or equal tag that comes before the first higher one.
 void LinkInOrder(PGX_Node& dataSet, PGX_Node& node) {
+    const uint32_t key = TagKey(node.group, node.element);
     PGX_Node** link = &dataSet.first;
-    while (*link != nullptr && TagKey(**link) <= TagKey(node))
+    while (*link != nullptr && TagKey((*link)->group, (*link)->element) <= key)
         link = &(*link)->next;
     node.next = *link;
     *link = &node;

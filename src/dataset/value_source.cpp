@@ -8,6 +8,7 @@
 #include "dataset/node_memory.h"
 #include "dictionary/vr_traits.h"
 #include "frame/text.h"
+#include "platform/file_handle.h"
 #include "platform/platform.h"
 
 namespace pgkit {
@@ -30,11 +31,8 @@ size_t FetchFromStream(FILE* stream, uint64_t position, uint8_t* out, size_t cou
 }
 
 size_t FetchFromContentFile(const char* path, uint64_t offset, uint8_t* out, size_t count) {
-    FILE* stream = platform::OpenForReading(path);
-    if (stream == nullptr) return 0;
-    const size_t fetched = FetchFromStream(stream, offset, out, count);
-    std::fclose(stream);
-    return fetched;
+    const platform::FileHandle stream(platform::OpenForReading(path));
+    return stream == nullptr ? 0 : FetchFromStream(stream.get(), offset, out, count);
 }
 
 size_t RoundUp(size_t count, size_t unit) { return (count + unit - 1) / unit * unit; }

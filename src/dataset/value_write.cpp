@@ -3,6 +3,7 @@
 
 #include "dataset/node_memory.h"
 #include "dataset/value_source.h"
+#include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
 #include "frame/text.h"
 #include "pgkit/node.h"
@@ -23,7 +24,7 @@ constexpr uint8_t PadByte(uint32_t vr) { return vr == VR_UI || vr == VR_OB ? 0x0
 // OW values are taken as they come: only reading and writing out convert them. So are 8-bit samples
 // in Pixel Data, whatever its VR.
 size_t SetterSwapUnit(const PGX_Node& node) {
-    const bool isPixelData = node.group == 0x7FE0 && node.element == 0x0010;
+    const bool isPixelData = pgkit::IsPixelData(node.group, node.element);
     if (node.valueRep == VR_OW || (isPixelData && node.bitsAllocated == 8)) return 1;
     return pgkit::SwapUnit(node.valueRep);
 }
@@ -49,9 +50,9 @@ int32_t PGX_Node::SetValue(const void* data, uint32_t size) {
     FreeValueBuffer(value);
     value = bytes;
     length = Evened(size);
-    if (bytes == nullptr && size != 0) return 0;
     file = nullptr;
     fileOffset = 0;
+    if (bytes == nullptr && size != 0) return 0;
     if (bytes != nullptr && data != nullptr && !pgkit::IsHostOrder(endian)) {
         pgkit::SwapUnits(bytes, length, SetterSwapUnit(*this));
     }

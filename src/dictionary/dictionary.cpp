@@ -23,10 +23,6 @@ static_assert(std::size(kElements) == kElementCount);
 
 constexpr size_t kMaxNameLength = 127;
 
-constexpr uint32_t TagKey(uint16_t group, uint16_t element) {
-    return (uint32_t{group} << 16) | element;
-}
-
 constexpr uint32_t NameHash(std::string_view name) {
     return HashText(name, [](char c) { return ToUpper(c); });
 }

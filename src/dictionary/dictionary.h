@@ -29,6 +29,19 @@ uint32_t FindElementIdByName(std::string_view name);
 // The first row that has this tag, or whose repeating group covers it; null when there is none.
 const DictionaryEntry* FindEntry(uint16_t group, uint16_t element);
 
+// Tags in one number, by which data sets are in order.
+constexpr uint32_t TagKey(uint16_t group, uint16_t element) {
+    return (uint32_t{group} << 16) | element;
+}
+
+constexpr bool IsBitsAllocated(uint16_t group, uint16_t element) {
+    return group == 0x0028 && element == 0x0100;
+}
+
+constexpr bool IsPixelData(uint16_t group, uint16_t element) {
+    return group == 0x7FE0 && element == 0x0010;
+}
+
 constexpr bool IsPrivateGroup(uint16_t group) { return (group & 1) != 0; }
 
 // A private creator reserves a block of its (odd) group.

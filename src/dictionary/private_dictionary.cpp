@@ -5,13 +5,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <utility>
 
 #include "dictionary/dictionary.h"
 #include "frame/text.h"
 #include "pgkit/dictionary.h"
+#include "platform/file_handle.h"
 #include "platform/platform.h"
 
 namespace pgkit {
@@ -22,12 +22,6 @@ constexpr size_t kMaxShortField = 15;  // group, element, VR, multiplicity
 constexpr size_t kMaxLongField = 127;  // creator, name
 
 constexpr const char* kWhiteSpace = " \t\n\v\f\r";
-
-struct FileCloser {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-};
-
-uint32_t TagKey(uint16_t group, uint16_t element) { return (uint32_t{group} << 16) | element; }
 
 // Takes the fields of one line from left to right. Every operation fails, and leaves the scanner of
 // no further use, when the text is not there or longer than the limit.
@@ -109,10 +103,11 @@ size_t PrivateDictionary::CreatorKeyHash::operator()(const CreatorKey& key) cons
 
 bool PrivateDictionary::LoadFile(const char* path) {
     Clear();
-    // Neither a directory nor a device, which might never end, is a dictionary.
-    if (!platform::FileSize(path)) return false;
+    if (!platform::PathExists(path) || platform::IsDirectory(path)) return false;
+    // A device or a pipe might never end.
+    if (!platform::FileSize(path)) return true;
     std::vector<char> buffer(1 << 16);  // outlives the stream
-    const std::unique_ptr<FILE, FileCloser> file(platform::OpenForReading(path));
+    const platform::FileHandle file(platform::OpenForReading(path));
     if (!file) return true;
     // Without a buffer given here a stream that was opened unbuffered would stay so.
     std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());

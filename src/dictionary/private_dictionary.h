@@ -29,7 +29,7 @@ class PrivateDictionary {
     // The one dictionary of the library.
     static PrivateDictionary& Instance();
 
-    // Replaces all entries by those of a file. False when path names no existing file.
+    // Replaces all entries by those of a file. False when path names nothing or a directory.
     bool LoadFile(const char* path);
     void Clear();
 

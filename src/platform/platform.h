@@ -12,9 +12,11 @@
 
 namespace pgkit::platform {
 
-// Opens a file; null on failure, also for a null path or a directory. Files opened for reading or
-// update are unbuffered: the module reads and writes them in large pieces of its own.
+// Opens a regular file; null on failure, also for a null path, a directory, a pipe or a device. The
+// streams are unbuffered: the module reads and writes them in large pieces of its own.
 FILE* OpenForReading(const char* path);
+// The same; size receives the length of the file.
+FILE* OpenForReading(const char* path, uint64_t& size);
 FILE* OpenForUpdate(const char* path);
 // Creates or truncates a file; null on failure.
 FILE* CreateBinary(const char* path);
@@ -25,6 +27,25 @@ bool PathExists(const char* path);
 bool IsDirectory(const char* path);
 // The size of a regular file, nothing for any other path.
 std::optional<uint64_t> FileSize(const char* path);
+
+// What a file is, whatever path or stream leads to it. Nothing for a path that names nothing and
+// for a stream without a file of the system under it.
+struct FileIdentity {
+    uint64_t volume;
+    uint64_t index;
+    bool operator==(const FileIdentity&) const = default;
+};
+std::optional<FileIdentity> IdentityOf(FILE* stream);
+std::optional<FileIdentity> IdentityOf(const char* path);
+
+// A path in the directory of an existing file (of the file itself where the path is a link to it)
+// at which there is nothing yet.
+std::string UnusedPathBeside(const char* path);
+// Puts a finished file in the place of an existing one; streams that are open on the old file keep
+// its content. On failure nothing has changed. On Windows a file that is open can be replaced only
+// when it was opened by OpenForReading.
+bool ReplaceWith(const char* path, const char* replacement);
+bool RemoveFile(const char* path);
 
 // Positions are 64-bit on both platforms.
 bool Seek(FILE* stream, uint64_t position);

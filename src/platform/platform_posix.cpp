@@ -1,10 +1,12 @@
 #include <dirent.h>
+#include <fcntl.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
 
@@ -80,22 +82,43 @@ bool StatPath(const char* path, struct stat* status) {
     return path != nullptr && ::stat(NativePath(path).c_str(), status) == 0;
 }
 
-FILE* OpenExisting(const char* path, const char* mode) {
-    if (path == nullptr) return nullptr;
+FileIdentity Identity(const struct stat& status) {
+    return {static_cast<uint64_t>(status.st_dev), static_cast<uint64_t>(status.st_ino)};
+}
+
+std::string WithoutLinks(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr),
+                                                               &std::free);
+    return resolved != nullptr ? resolved.get() : path;
+}
+
+FILE* Unbuffered(FILE* stream) {
+    if (stream != nullptr) std::setvbuf(stream, nullptr, _IONBF, 0);
+    return stream;
+}
+
+int OpenDescriptor(const char* path, int flags) {
+    if (path == nullptr) return -1;
     const std::string asWritten = WithSlashes(path);
-    FILE* stream = std::fopen(asWritten.c_str(), mode);
-    if (stream == nullptr && (errno == ENOENT || errno == ENOTDIR)) {
-        stream = std::fopen(ResolveIgnoringCase(asWritten).c_str(), mode);
-    }
-    if (stream == nullptr) return nullptr;
+    const int descriptor = ::open(asWritten.c_str(), flags);
+    if (descriptor >= 0 || (errno != ENOENT && errno != ENOTDIR)) return descriptor;
+    return ::open(ResolveIgnoringCase(asWritten).c_str(), flags);
+}
+
+// A pipe is not waited for, and closed again like everything that is no regular file: a directory
+// fails only at the first read, a device may never end.
+FILE* OpenRegular(const char* path, int access, const char* mode, uint64_t& size) {
+    const int descriptor = OpenDescriptor(path, access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0) return nullptr;
     struct stat status;
-    // A directory opens for reading on POSIX, and fails only at the first read.
-    if (::fstat(::fileno(stream), &status) == 0 && S_ISDIR(status.st_mode)) {
-        std::fclose(stream);
+    const bool isRegular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    FILE* stream = isRegular ? ::fdopen(descriptor, mode) : nullptr;
+    if (stream == nullptr) {
+        ::close(descriptor);
         return nullptr;
     }
-    std::setvbuf(stream, nullptr, _IONBF, 0);
-    return stream;
+    size = static_cast<uint64_t>(status.st_size);
+    return Unbuffered(stream);
 }
 
 FILE* Create(const char* path, const char* mode) {
@@ -104,11 +127,21 @@ FILE* Create(const char* path, const char* mode) {
 
 }  // namespace
 
-FILE* OpenForReading(const char* path) { return OpenExisting(path, "rb"); }
+FILE* OpenForReading(const char* path) {
+    uint64_t size;
+    return OpenForReading(path, size);
+}
 
-FILE* OpenForUpdate(const char* path) { return OpenExisting(path, "r+b"); }
+FILE* OpenForReading(const char* path, uint64_t& size) {
+    return OpenRegular(path, O_RDONLY, "rb", size);
+}
 
-FILE* CreateBinary(const char* path) { return Create(path, "wb"); }
+FILE* OpenForUpdate(const char* path) {
+    uint64_t size;
+    return OpenRegular(path, O_RDWR, "r+b", size);
+}
+
+FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
 
 FILE* CreateText(const char* path) { return Create(path, "w"); }
 
@@ -127,6 +160,37 @@ std::optional<uint64_t> FileSize(const char* path) {
     if (!StatPath(path, &status) || !S_ISREG(status.st_mode)) return std::nullopt;
     return static_cast<uint64_t>(status.st_size);
 }
+
+std::optional<FileIdentity> IdentityOf(FILE* stream) {
+    struct stat status;
+    if (::fstat(::fileno(stream), &status) != 0) return std::nullopt;
+    return Identity(status);
+}
+
+std::optional<FileIdentity> IdentityOf(const char* path) {
+    struct stat status;
+    if (!StatPath(path, &status)) return std::nullopt;
+    return Identity(status);
+}
+
+std::string UnusedPathBeside(const char* path) {
+    const std::string target = WithoutLinks(NativePath(path));
+    for (unsigned number = 0;; ++number) {
+        std::string candidate = target + ".new" + std::to_string(number);
+        if (!PathExists(candidate.c_str())) return candidate;
+    }
+}
+
+bool ReplaceWith(const char* path, const char* replacement) {
+    const std::string target = WithoutLinks(NativePath(path));
+    struct stat status;
+    if (::stat(target.c_str(), &status) != 0) return false;
+    // The new file takes over who may read the old one, where the file system knows of it.
+    ::chmod(replacement, status.st_mode & 07777);
+    return ::rename(replacement, target.c_str()) == 0;
+}
+
+bool RemoveFile(const char* path) { return ::unlink(path) == 0; }
 
 bool Seek(FILE* stream, uint64_t position) {
     return position <= INT64_MAX && ::fseeko(stream, static_cast<off_t>(position), SEEK_SET) == 0;

@@ -1,5 +1,9 @@
+#include <fcntl.h>
+#include <io.h>
 #include <sys/stat.h>
 #include <windows.h>
+
+#include <memory>
 
 #include "platform/platform.h"
 
@@ -7,11 +11,55 @@ namespace pgkit::platform {
 
 namespace {
 
-FILE* OpenUnbuffered(const char* path, const char* mode) {
-    if (path == nullptr) return nullptr;
-    FILE* stream = std::fopen(path, mode);
+FILE* Unbuffered(FILE* stream) {
     if (stream != nullptr) std::setvbuf(stream, nullptr, _IONBF, 0);
     return stream;
+}
+
+// No device name is a DICOM file.
+FILE* RegularOnly(FILE* stream, uint64_t& size) {
+    if (stream == nullptr) return nullptr;
+    struct _stat64 status;
+    if (_fstat64(_fileno(stream), &status) != 0 || (status.st_mode & _S_IFMT) != _S_IFREG) {
+        std::fclose(stream);
+        return nullptr;
+    }
+    size = static_cast<uint64_t>(status.st_size);
+    return Unbuffered(stream);
+}
+
+// fopen would not share the file for deletion: nobody could then rename or replace it while it is
+// open.
+FILE* OpenShared(const char* path) {
+    const HANDLE handle =
+        CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return nullptr;
+    const int descriptor =
+        _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_RDONLY | _O_BINARY);
+    if (descriptor < 0) {
+        CloseHandle(handle);
+        return nullptr;
+    }
+    FILE* stream = _fdopen(descriptor, "rb");
+    if (stream == nullptr) _close(descriptor);
+    return stream;
+}
+
+struct CloseFileHandle {
+    using pointer = HANDLE;
+    void operator()(HANDLE handle) const {
+        if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
+    }
+};
+
+std::optional<FileIdentity> Identity(HANDLE handle) {
+    BY_HANDLE_FILE_INFORMATION info;
+    if (handle == INVALID_HANDLE_VALUE || !GetFileInformationByHandle(handle, &info)) {
+        return std::nullopt;
+    }
+    return FileIdentity{info.dwVolumeSerialNumber,
+                        (uint64_t{info.nFileIndexHigh} << 32) | info.nFileIndexLow};
 }
 
 FILE* Create(const char* path, const char* mode) {
@@ -20,11 +68,21 @@ FILE* Create(const char* path, const char* mode) {
 
 }  // namespace
 
-FILE* OpenForReading(const char* path) { return OpenUnbuffered(path, "rb"); }
+FILE* OpenForReading(const char* path) {
+    uint64_t size;
+    return OpenForReading(path, size);
+}
 
-FILE* OpenForUpdate(const char* path) { return OpenUnbuffered(path, "r+b"); }
+FILE* OpenForReading(const char* path, uint64_t& size) {
+    return path == nullptr ? nullptr : RegularOnly(OpenShared(path), size);
+}
 
-FILE* CreateBinary(const char* path) { return Create(path, "wb"); }
+FILE* OpenForUpdate(const char* path) {
+    uint64_t size;
+    return path == nullptr ? nullptr : RegularOnly(std::fopen(path, "r+b"), size);
+}
+
+FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
 
 FILE* CreateText(const char* path) { return Create(path, "w"); }
 
@@ -46,6 +104,40 @@ std::optional<uint64_t> FileSize(const char* path) {
     }
     return (uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
 }
+
+std::optional<FileIdentity> IdentityOf(FILE* stream) {
+    return Identity(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))));
+}
+
+std::optional<FileIdentity> IdentityOf(const char* path) {
+    if (path == nullptr) return std::nullopt;
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const std::unique_ptr<HANDLE, CloseFileHandle> handle(CreateFileA(
+        path, 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    return Identity(handle.get());
+}
+
+std::string UnusedPathBeside(const char* path) {
+    for (unsigned number = 0;; ++number) {
+        std::string candidate = path + (".new" + std::to_string(number));
+        if (!PathExists(candidate.c_str())) return candidate;
+    }
+}
+
+// An open file cannot be overwritten by a rename, but it can itself be renamed, and vanishes from
+// there when the last stream on it is closed.
+bool ReplaceWith(const char* path, const char* replacement) {
+    const std::string aside = UnusedPathBeside(path);
+    if (!MoveFileExA(path, aside.c_str(), 0)) return false;
+    if (!MoveFileExA(replacement, path, 0)) {
+        MoveFileExA(aside.c_str(), path, 0);
+        return false;
+    }
+    DeleteFileA(aside.c_str());
+    return true;
+}
+
+bool RemoveFile(const char* path) { return DeleteFileA(path) != 0; }
 
 bool Seek(FILE* stream, uint64_t position) {
     return position <= INT64_MAX &&

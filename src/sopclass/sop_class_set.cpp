@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "frame/diagnostics.h"
+#include "platform/file_handle.h"
 #include "platform/platform.h"
 #include "sopclass/xml_nesting.h"
 
@@ -34,11 +35,6 @@ constexpr int kParseFlags = rapidxml::parse_comment_nodes | rapidxml::parse_doct
 
 constexpr const char kEntryName[] = "SOPClass";
 
-struct FileCloser {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-};
-using File = std::unique_ptr<FILE, FileCloser>;
-
 enum class FileState { Missing, Read, TooLarge };
 
 // Line ends read as a single line feed on every platform, as XML wants it. Only regular files
@@ -47,7 +43,7 @@ FileState ReadWhole(const char* path, std::string& text) {
     const std::optional<uint64_t> size = platform::FileSize(path);
     if (!size) return FileState::Missing;
     if (*size > kMaxFileSize) return FileState::TooLarge;
-    const File file(platform::OpenForReading(path));
+    const platform::FileHandle file(platform::OpenForReading(path));
     if (!file) return FileState::Missing;
     text.resize(static_cast<size_t>(*size));
     text.resize(std::fread(text.data(), 1, text.size(), file.get()));
@@ -180,7 +176,7 @@ void AppendEntry(XmlDocument& document, XmlNode& list, const SOPClass& entry) {
 }
 
 bool WriteWhole(const char* path, const std::string& text) {
-    File file(platform::CreateText(path));
+    platform::FileHandle file(platform::CreateText(path));
     if (!file) return false;
     const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
     return std::fclose(file.release()) == 0 && written;

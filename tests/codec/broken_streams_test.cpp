@@ -11,6 +11,7 @@ namespace {
 using pgkit_test::Bytes;
 using pgkit_test::Describe;
 using pgkit_test::kLoadAll;
+using pgkit_test::kUndefined;
 using pgkit_test::OpenedStream;
 using pgkit_test::Order;
 using pgkit_test::ReadFile;
@@ -154,6 +155,25 @@ TEST(BrokenStreams, DescendingAndRepeatedTagsStayInStreamOrder) {
     stream.Element(0x0002, 0x0010, "UI", "1.22");
     EXPECT_EQ(Describe(OpenedStream(stream).Root()),
               "[(0008,0060)CS:2 (0010,0010)PN:2 (0008,0005)CS:2 (0010,0010)PN:4 (0002,0010)UI:4]");
+}
+
+// The last frame of the second table lies in the first Pixel Data: going on behind it would come to
+// the second again, and so on without end.
+TEST(BrokenStreams, OffsetTableThatLeadsBackIsNotFollowed) {
+    StreamBuilder stream;
+    stream.Element(0x0008, 0x0060, "CS", "CT");
+    stream.Header(0x7FE0, 0x0010, "OB", kUndefined).Item(4).U32(0);
+    const uint32_t earlierFrame = stream.Size();
+    stream.Item(4).Text("abcd").EndSequence();
+    stream.Header(0x7FE0, 0x0010, "OB", kUndefined).Item(8).U32(0);
+    stream.U32(earlierFrame - (stream.Size() + 4));
+    stream.Item(4).Text("efgh").EndSequence().Element(0x7FE1, 0x1001, "LO", "LOST");
+
+    OpenedStream opened(stream);
+
+    EXPECT_EQ(Describe(opened.Root()), "[(0008,0060)CS:2 (7FE0,0010)OB:-1 (7FE0,0010)OB:-1]");
+    EXPECT_EQ(opened->first->next->fragmentCount, 1u);
+    EXPECT_EQ(opened->first->next->next->fragmentCount, 0u);
 }
 
 TEST(BrokenStreams, ManyElementsAreNotAMatterOfDepth) {

@@ -148,6 +148,14 @@ TEST(ElementHeader, GroupLengthsAreUlAndNamedByTheirGroup) {
     EXPECT_EQ(opened->FindNode(0x0008, 0x0060)->tagName, nullptr);
 }
 
+TEST(ElementHeader, ElementZeroIsAGroupLengthInGroupFffeToo) {
+    StreamBuilder stream(VrMode::Implicit);
+    stream.Element(0x0008, 0x0060, "CS", "CT").Element(0xFFFE, 0x0000, "", "abcd");
+    OpenedStream opened(stream);
+    EXPECT_EQ(Describe(opened.Root()), "[(0008,0060)CS:2 (FFFE,0000)UL:4]");
+    EXPECT_STREQ(opened->FindNode(0xFFFE, 0x0000)->tagName, "GroupLengthFFFE");
+}
+
 TEST(ElementHeader, EachHeaderMayBeCutShort) {
     StreamBuilder stream = Explicit();
     const uint32_t start = stream.Size();

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
+#include <array>
 #include <cstdio>
+#include <filesystem>
 
 #include "support/captured.h"
 #include "support/tree.h"
@@ -10,11 +12,13 @@
 namespace {
 
 using pgkit_test::CapturePrinted;
+using pgkit_test::Child;
 using pgkit_test::DataSet;
 using pgkit_test::Describe;
 using pgkit_test::Printed;
 using pgkit_test::StreamBuilder;
 using pgkit_test::TempDir;
+using pgkit_test::TextOf;
 
 StreamBuilder SmallFile() {
     StreamBuilder stream;
@@ -116,6 +120,58 @@ TEST(Open, DataSetWithoutPreambleIsLookedForAtTheBeginning) {
     std::fseek(stream, 3, SEEK_SET);
     const DataSet root(pgOpenDataSetFileHandle(stream, 64));
     EXPECT_EQ(Describe(root.get()), "[(0008,0060)CS:2]");
+}
+
+TEST(Open, StreamMayBeUnbufferedOrOpenForUpdate) {
+    TempDir directory;
+    const std::string path = directory.Write("file", SmallFile().Data());
+    for (const char* mode : {"rb", "r+b"}) {
+        for (int buffering : {_IONBF, _IOFBF}) {
+            FILE* stream = std::fopen(path.c_str(), mode);
+            ASSERT_NE(stream, nullptr);
+            std::setvbuf(stream, nullptr, buffering, 4096);
+            const DataSet root(pgOpenDataSetFileHandle(stream, 0));
+            EXPECT_EQ(Describe(root.get()), "[(0002,0010)UI:20 (0008,0060)CS:2]");
+            EXPECT_EQ(TextOf(Child(root.get(), 0x0008, 0x0060)), "CT");
+        }
+    }
+}
+
+TEST(Open, StreamMayHaveJustBeenWritten) {
+    TempDir directory;
+    const pgkit_test::Bytes content = SmallFile().Data();
+    FILE* stream = std::fopen(directory.Path("file").c_str(), "w+b");
+    ASSERT_NE(stream, nullptr);
+    std::fwrite(content.data(), 1, content.size(), stream);
+    std::rewind(stream);
+    const DataSet root(pgOpenDataSetFileHandle(stream, 64));
+    EXPECT_EQ(Describe(root.get()), "[(0002,0010)UI:20 (0008,0060)CS:2]");
+}
+
+// Between writing and reading a stream demands a seek, which the host need not have made.
+TEST(Open, StreamMayStandBehindWhatWasWritten) {
+    TempDir directory;
+    StreamBuilder content;
+    content.Element(0x0008, 0x0060, "CS", "CT");
+    FILE* stream = std::fopen(directory.Path("file").c_str(), "w+b");
+    ASSERT_NE(stream, nullptr);
+    std::fwrite(content.Data().data(), 1, content.Size(), stream);
+    const DataSet root(pgOpenDataSetFileHandle(stream, 64));
+    EXPECT_EQ(Describe(root.get()), "[(0008,0060)CS:2]");
+}
+
+TEST(Open, FileMayShrinkWhileItIsOpen) {
+    TempDir directory;
+    StreamBuilder content;
+    content.Element(0x0008, 0x0060, "CS", "CT").Element(0x0010, 0x0010, "PN", "DOE^JOHN");
+    const std::string path = directory.Write("file", content.Data());
+    const DataSet root(pgOpenDataSetFile(path.c_str(), 0));
+    std::filesystem::resize_file(path, content.Size() - 4);
+    PGX_Node* name = Child(root.get(), 0x0010, 0x0010);
+    std::array<char, 9> value;
+    value.fill('?');
+    ASSERT_EQ(name->GetValue(value.data()), 1);
+    EXPECT_EQ(std::string(value.data(), value.size()), std::string("DOE^\0\0\0\0\0", 9));
 }
 
 TEST(Open, HandleFormsTakeFlags) {

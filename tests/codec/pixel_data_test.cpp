@@ -79,4 +79,22 @@ TEST(GetPixelData, IsForNonEmptyElementsOnly) {
     EXPECT_STREQ(buffer, "xxxxxxx");
 }
 
+// Encapsulated Pixel Data is little endian by the standard; its items stay so where a writer put it
+// into a big-endian data set.
+TEST(EncapsulatedInBigEndian, ItemsAreLittleEndian) {
+    StreamBuilder items;
+    items.Item(4).U32(0).Item(6).Text("abcdef").EndSequence();
+    StreamBuilder stream(VrMode::Explicit, Order::Big);
+    stream.Header(0x7FE0, 0x0010, "OB", 0xFFFFFFFF).Append(items.Data());
+    stream.Element(0x7FE1, 0x1001, "LO", "AB");
+
+    OpenedStream opened(stream, kLoadAll, 0x48);
+
+    uint32_t length = 0;
+    uint32_t offset = 0;
+    EXPECT_EQ(Child(opened.Root(), 0x7FE0, 0x0010)->GetEncodedPixelInfo(0, &length, &offset), 1);
+    EXPECT_EQ(length, 6u);
+    Child(opened.Root(), 0x7FE1, 0x1001);
+}
+
 }  // namespace

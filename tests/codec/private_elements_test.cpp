@@ -6,9 +6,11 @@
 
 namespace {
 
+using pgkit_test::Child;
 using pgkit_test::Describe;
 using pgkit_test::kLoadAll;
 using pgkit_test::OpenedStream;
+using pgkit_test::Order;
 using pgkit_test::StreamBuilder;
 using pgkit_test::TempDir;
 using pgkit_test::VrMode;
@@ -228,6 +230,22 @@ TEST_F(PrivateElements, UndefinedUnIsASequenceOfImplicitItems) {
     stream.Mode(VrMode::Explicit).Element(0x0020, 0x0010, "SH", "1 ");
     EXPECT_EQ(Describe(OpenedStream(stream).Root()),
               "[(0008,0060)CS:2 (0019,1001)SQ:-1{[(0010,0010)PN:2]} (0020,0010)SH:2]");
+}
+
+TEST_F(PrivateElements, UndefinedUnKeepsTheByteOrderOfItsStream) {
+    StreamBuilder stream(VrMode::Explicit, Order::Big);
+    stream.Header(0x0019, 0x1001, "UN", 0xFFFFFFFF).Mode(VrMode::Implicit);
+    stream.Item().ElementUS(0x0028, 0x0010, 258).EndItem().EndSequence();
+    OpenedStream opened(stream, kLoadAll, 0x48);
+    EXPECT_EQ(Describe(opened.Root()), "[(0019,1001)SQ:-1{[(0028,0010)US:2]}]");
+    EXPECT_EQ(Child(opened->first->first, 0x0028, 0x0010)->GetUSValue(), 258u);
+}
+
+TEST_F(PrivateElements, ImplicitCreatorOfUndefinedLengthIsSkippedAsANumber) {
+    StreamBuilder stream(VrMode::Implicit);
+    stream.Element(0x0008, 0x0060, "CS", "CT").Header(0x0019, 0x0010, "", 0xFFFFFFFF);
+    stream.Item().EndItem().EndSequence();
+    EXPECT_EQ(Describe(OpenedStream(stream).Root()), "[(0008,0060)CS:2 (0019,0010)LO:-1]");
 }
 
 TEST_F(PrivateElements, UndefinedUnIsSkippedAsANumberWhenTheSwitchIsOff) {

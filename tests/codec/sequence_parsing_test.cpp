@@ -263,6 +263,21 @@ TEST(SequenceByteCounts, HugeElementInASmallItemEndsEverything) {
     EXPECT_EQ(Parse(stream), "[(0008,0060)CS:2 (0008,1140)SQ:40{[(0010,4000)OB:4294967288]}]");
 }
 
+// The first frame's length follows from the offsets, here to a number close to 2^32; with the other
+// lengths it makes a small sum, behind which the item goes on.
+TEST(SequenceByteCounts, WrapAsLengthsDo) {
+    StreamBuilder icon;
+    icon.Element(0x0008, 0x0060, "CS", std::string(200, 'C'));
+    icon.Header(0x7FE0, 0x0010, "OB", 0xFFFFFFFF).Item(8).U32(100).U32(12);
+    icon.Item(4).Text("abcd").Item(4).Text("efgh").EndSequence();
+    icon.Element(0x7FE1, 0x1001, "LO", "AB");
+    StreamBuilder stream;
+    stream.Element(0x0008, 0x0060, "CS", "CT").Sequence(0x0088, 0x0200, icon.Size() + 8);
+    stream.Item(icon.Size()).Append(icon.Data());
+    EXPECT_EQ(Parse(stream), "[(0008,0060)CS:2 (0088,0200)SQ:" + std::to_string(icon.Size() + 8) +
+                                 "{[(0008,0060)CS:200 (7FE0,0010)OB:-1 (7FE1,1001)LO:2]}]");
+}
+
 StreamBuilder Nested(size_t levels) {
     StreamBuilder stream(VrMode::Implicit);
     stream.Element(0x0008, 0x0060, "CS", "CT");

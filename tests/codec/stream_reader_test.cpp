@@ -148,4 +148,22 @@ TEST_F(StreamReaderTest, ToleratesThatTheStreamWasMoved) {
     EXPECT_EQ(Next(reader), Expected(100001));
 }
 
+TEST_F(StreamReaderTest, KnownSizeIsNotReadBeyond) {
+    StreamReader reader(Stream(300), 200);
+    EXPECT_EQ(reader.Size(), 200u);
+    EXPECT_EQ(reader.Peek(201), nullptr);
+    reader.Seek(199);
+    EXPECT_EQ(Next(reader), Expected(199));
+    EXPECT_EQ(reader.Peek(1), nullptr);
+}
+
+TEST_F(StreamReaderTest, ToleratesAFileShorterThanItsKnownSize) {
+    StreamReader reader(Stream(100), 200);
+    reader.Seek(90);
+    uint8_t bytes[20] = {};
+    EXPECT_EQ(reader.Read(bytes, sizeof bytes), 10u);
+    EXPECT_EQ(bytes[9], Expected(99));
+    EXPECT_EQ(reader.Remaining(), 0u);
+}
+
 }  // namespace

@@ -89,6 +89,12 @@ TEST_F(PrivateDictionaryFile, ExistingFileThatCannotBeOpenedCounts) {
     EXPECT_EQ(TagName(0x0019, 0x1010), kUnknown);
 }
 
+TEST_F(PrivateDictionaryFile, DeviceCountsAsAFileWithoutLines) {
+    if (!std::filesystem::exists("/dev/null")) GTEST_SKIP() << "no such device";
+    EXPECT_EQ(pgSetPrivateDictionaryFile("/dev/null"), 1u);
+    EXPECT_EQ(TagName(0x0019, 0x1010), kUnknown);
+}
+
 TEST_F(PrivateDictionaryFile, LoadingPrintsNothing) {
     const std::string path =
         directory_.Write("bad.dic", "(zz\n(0019,\"X\",zz) LO Name 1\n" + kLine);

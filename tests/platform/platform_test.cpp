@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -133,6 +134,28 @@ TEST_F(Platform, DirectoriesExistButAreNoFiles) {
     EXPECT_EQ(platform::OpenForUpdate(path.c_str()), nullptr);
     EXPECT_EQ(platform::CreateBinary(path.c_str()), nullptr);
     EXPECT_EQ(platform::FileSize(path.c_str()), std::nullopt);
+}
+
+TEST_F(Platform, DevicesAreNoFiles) {
+    EXPECT_EQ(platform::OpenForReading("/dev/null"), nullptr);
+    EXPECT_EQ(platform::OpenForReading("NUL"), nullptr);
+    EXPECT_EQ(platform::OpenForUpdate("/dev/null"), nullptr);
+}
+
+// Opening a pipe waits for its other end, which nobody here will open.
+TEST_F(Platform, PipesAreNoFilesAndAreNotWaitedFor) {
+    const std::string path = directory_.Path("pipe");
+    const std::string command = "mkfifo \"" + path + "\"";
+    if (std::system(command.c_str()) != 0) GTEST_SKIP() << "no pipes in directories here";
+    EXPECT_EQ(platform::OpenForReading(path.c_str()), nullptr);
+    EXPECT_EQ(platform::OpenForUpdate(path.c_str()), nullptr);
+}
+
+TEST_F(Platform, OpeningTellsTheSize) {
+    uint64_t size = 0;
+    const File file(platform::OpenForReading(Path("Disc\\Images\\Im0001.dcm").c_str(), size));
+    ASSERT_TRUE(file);
+    EXPECT_EQ(size, 4u);
 }
 
 TEST_F(Platform, FilesAreNoDirectories) {

@@ -1,0 +1,15 @@
+// Encapsulated Pixel Data on its way to the output.
+#pragma once
+
+#include "codec/output_writer.h"
+#include "codec/source_streams.h"
+#include "frame/byte_order.h"
+#include "pgkit/node.h"
+
+namespace pgkit {
+
+// Writes the element: an empty Basic Offset Table and one item for each fragment.
+WriteResult WriteEncapsulated(const PGX_Node& pixelData, ByteOrder order, SourceStreams& sources,
+                              OutputWriter& out);
+
+}  // namespace pgkit

@@ -1,0 +1,232 @@
+#include "codec/encoder.h"
+
+#include <memory>
+#include <new>
+#include <vector>
+
+#include "codec/delimited_containers.h"
+#include "codec/element_header.h"
+#include "codec/encapsulated_encoding.h"
+#include "codec/source_streams.h"
+#include "codec/value_writer.h"
+#include "dataset/tree_walk.h"
+#include "dataset/value_source.h"
+#include "dictionary/vr_traits.h"
+#include "platform/file_handle.h"
+#include "platform/platform.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr uint32_t kMetaModes = PG_META | PG_META_IMPLICIT_VR;
+constexpr uint32_t kFirstTooLongForShortHeader = 65535;
+
+struct Form {
+    ByteOrder order;
+    bool explicitVr;
+};
+
+// The characters of a header. The ambiguous VRs have names of four letters that begin with those of
+// the VR they are written as; a code without a name is printed, and read, as "??".
+const char* HeaderCharacters(uint32_t vr) {
+    if (vr == VR_Unknown) return "UN";
+    const char* name = VrName(vr);
+    return name != nullptr ? name : "??";
+}
+
+// Writes what a node begins with when it is entered, and its delimiter when it is left.
+class Encoder {
+  public:
+    Encoder(uint32_t mode, OutputWriter& out, WrittenPositions* positions)
+        : mode_(mode), out_(out), positions_(positions) {}
+
+    // The first failure, or kWritten.
+    WriteResult Result() const { return result_; }
+
+    WalkStep Enter(PGX_Node& node, size_t) {
+        result_ = Begin(node);
+        if (result_ != kWritten) return WalkStep::Unwind;
+        return IsOpen(node) ? WalkStep::Continue : WalkStep::SkipChildren;
+    }
+
+    // Delimiters follow even what has failed inside, and the result stays that of the inside.
+    WalkStep Leave(PGX_Node& node, size_t) {
+        if (!IsOpen(node)) return WalkStep::Continue;
+        const WriteResult delimiter = End();
+        if (result_ == kWritten) result_ = delimiter;
+        return result_ == kWritten ? WalkStep::Continue : WalkStep::Unwind;
+    }
+
+  private:
+    // A data set or a sequence whose header has been written.
+    struct Container {
+        const PGX_Node* node;
+        Form form;  // of the sequence's own header: items and delimiters follow it
+        bool isSequence;
+        bool delimited;
+    };
+
+    bool IsOpen(const PGX_Node& node) const { return !open_.empty() && open_.back().node == &node; }
+
+    Form FormOf(uint16_t group) const {
+        if (group == 0x0002) return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0};
+        return {(mode_ & PG_LITTLE_ENDIAN) != 0 ? ByteOrder::Little : ByteOrder::Big,
+                (mode_ & PG_EXPLICIT_VR) != 0};
+    }
+
+    WriteResult Begin(PGX_Node& node) {
+        if (!open_.empty() && open_.back().isSequence) return BeginItem(node, open_.back().form);
+        if (node.nodeType == NT_DataElement) return BeginElement(node);
+        BeginDataSet(node, {}, false);
+        return kWritten;
+    }
+
+    void BeginDataSet(PGX_Node& node, Form form, bool delimited) {
+        NotePosition(node);
+        if (positions_ != nullptr) positions_->Record(node, out_.Position());
+        open_.push_back({&node, form, false, delimited});
+    }
+
+    WriteResult BeginItem(PGX_Node& item, Form form) {
+        const bool delimited = IsDelimited(item);
+        const uint32_t length = delimited ? kUndefinedLength : item.length;
+        const WriteResult result = Put(ElementHeader::Item(form.order, length));
+        if (result == kWritten) BeginDataSet(item, form, delimited);
+        return result;
+    }
+
+    WriteResult BeginElement(PGX_Node& node) {
+        NotePosition(node);
+        if (node.group == 0x0002 && (mode_ & kMetaModes) == 0) return kWritten;
+        const Form form = FormOf(node.group);
+        if (node.valueRep == VR_SQ) return BeginSequence(node, form);
+        if (node.encapsulated != 0) return WriteEncapsulated(node, form.order, sources_, out_);
+        const WriteResult result = WriteHeader(node, form);
+        if (result != kWritten) return result;
+        if (positions_ != nullptr) positions_->Record(node, out_.Position());
+        return node.length == 0 ? kWritten : WriteElementValue(node, form.order);
+    }
+
+    WriteResult BeginSequence(PGX_Node& node, Form form) {
+        if (openSequences_ == 0 && (mode_ & PG_UNDEFINED_LENGTHS) == 0) {
+            CollectDelimitedContainers(node, delimitedContainers_);
+        }
+        const bool delimited = IsDelimited(node);
+        ElementHeader header(form.order, node.group, node.element);
+        if (form.explicitVr) {
+            header.PutVr("SQ");
+            header.Put16(0);
+        }
+        header.Put32(delimited ? kUndefinedLength : node.length);
+        const WriteResult result = Put(header);
+        if (result != kWritten) return result;
+        ++openSequences_;
+        open_.push_back({&node, form, true, delimited});
+        return kWritten;
+    }
+
+    WriteResult End() {
+        const Container container = open_.back();
+        open_.pop_back();
+        if (container.isSequence) --openSequences_;
+        if (!container.delimited) return kWritten;
+        const ByteOrder order = container.form.order;
+        return Put(container.isSequence ? ElementHeader::SequenceDelimitation(order)
+                                        : ElementHeader::ItemDelimitation(order));
+    }
+
+    // A length that is undefined says itself that delimiters follow.
+    bool IsDelimited(const PGX_Node& container) const {
+        return (mode_ & PG_UNDEFINED_LENGTHS) != 0 || container.length == kUndefinedLength ||
+               delimitedContainers_.contains(&container);
+    }
+
+    WriteResult WriteHeader(const PGX_Node& node, Form form) {
+        ElementHeader header(form.order, node.group, node.element);
+        if (!form.explicitVr) {
+            header.Put32(node.length);
+            return Put(header);
+        }
+        header.PutVr(HeaderCharacters(node.valueRep));
+        if (HasLongHeader(node.valueRep)) {
+            header.Put16(0);
+            header.Put32(node.length);
+        } else if (node.length < kFirstTooLongForShortHeader) {
+            header.Put16(static_cast<uint16_t>(node.length));
+        } else {
+            Put(header);
+            return out_.Fail(kValueTooLong);
+        }
+        return Put(header);
+    }
+
+    // A value that is nowhere to be found is left out.
+    WriteResult WriteElementValue(const PGX_Node& node, ByteOrder order) {
+        const bool swap = (node.endian == ET_BigEndian) != (order == ByteOrder::Big);
+        switch (FindValueSource(node)) {
+            case ValueSource::Memory:
+                return WriteValue(node.value, node.valueRep, node.length, out_, swap);
+            case ValueSource::File:
+                if (node.fileOffset == kUnreadablePosition) return out_.Fail(kReadFailed);
+                return CopyValue(sources_.At(node.file, node.fileOffset), node.valueRep,
+                                 node.length, out_, swap);
+            case ValueSource::ContentFile:
+                return CopyContentFile(node, swap);
+            case ValueSource::None:
+                break;
+        }
+        return kWritten;
+    }
+
+    WriteResult CopyContentFile(const PGX_Node& node, bool swap) {
+        const platform::FileHandle file(platform::OpenForReading(node.contentFile));
+        if (file == nullptr) return out_.Fail(kReadFailed);
+        const auto reader = std::make_unique<StreamReader>(file.get());
+        return CopyValue(reader.get(), node.valueRep, node.length, out_, swap);
+    }
+
+    void NotePosition(PGX_Node& node) const {
+        if (node.fileOffset != 0) return;
+        const std::optional<uint64_t> position = out_.Position();
+        node.fileOffset = position ? ToFileOffset(*position) : kUnreadablePosition;
+    }
+
+    WriteResult Put(const ElementHeader& header) {
+        return out_.Write(header.Data(), header.Size());
+    }
+
+    uint32_t mode_;
+    OutputWriter& out_;
+    WrittenPositions* positions_;
+    SourceStreams sources_;
+    std::vector<Container> open_;
+    size_t openSequences_ = 0;
+    NodeSet delimitedContainers_;
+    WriteResult result_ = kWritten;
+};
+
+}  // namespace
+
+WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink, WrittenPositions* positions) {
+    OutputWriter out(sink);
+    if (!out.HasBuffer()) return kOutOfMemory;
+    Encoder encoder(mode, out, positions);
+    try {
+        WalkTree(node, encoder);
+    } catch (const std::bad_alloc&) {
+        return out.Fail(kOutOfMemory);
+    }
+    const bool flushed = out.Flush();
+    if (encoder.Result() != kWritten) return encoder.Result();
+    return flushed ? kWritten : kWriteFailed;
+}
+
+}  // namespace pgkit
+
+void PGX_Node::WriteNode(FILE* stream, uint32_t mode) { WriteNodeEx(stream, mode); }
+
+uint32_t PGX_Node::WriteNodeEx(FILE* stream, uint32_t mode) {
+    pgkit::StreamSink sink(stream);
+    return pgkit::EncodeNode(*this, mode, sink);
+}

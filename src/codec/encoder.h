@@ -1,0 +1,20 @@
+// Writes a tree, or a part of it, to an output.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#include "codec/output_writer.h"
+#include "codec/written_positions.h"
+#include "pgkit/node.h"
+
+namespace pgkit {
+
+// Writes a node and everything below it in the encoding that the mode says. Sequences and items
+// carry the lengths that stand in their nodes (ComputeLengths). Sets every fileOffset that is 0 to
+// the output position, and records the positions that are wanted. When it
+// returns, nothing of it is held back, whatever the result.
+WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink,
+                       WrittenPositions* positions = nullptr);
+
+}  // namespace pgkit

@@ -1,0 +1,77 @@
+#include "codec/lengths.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "dataset/node_memory.h"
+#include "dataset/tree_walk.h"
+#include "dictionary/vr_traits.h"
+#include "frame/diagnostics.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr uint64_t kItemHeaderSize = 8;
+
+void PrintMisuse() { PrintOut("pgComputeLengths: can only work with NT_DataSet type\n"); }
+
+class LengthComputation {
+  public:
+    explicit LengthComputation(uint32_t mode) : explicitVr_((mode & PG_EXPLICIT_VR) != 0) {}
+
+    WalkStep Enter(PGX_Node& node, size_t) {
+        const bool isItem = !open_.empty() && open_.back().node->nodeType == NT_DataElement;
+        if (isItem && node.nodeType != NT_DataSet) {
+            PrintMisuse();
+            open_.back().total += kItemHeaderSize;
+            return WalkStep::SkipChildren;
+        }
+        if (node.nodeType == NT_DataSet || node.valueRep == VR_SQ) {
+            open_.push_back({&node, 0});
+            return WalkStep::Continue;
+        }
+        open_.back().total += ElementSize(node);
+        return WalkStep::SkipChildren;
+    }
+
+    WalkStep Leave(PGX_Node& node, size_t) {
+        if (open_.back().node != &node) return WalkStep::Continue;
+        node.length =
+            static_cast<uint32_t>(std::min<uint64_t>(open_.back().total, kUndefinedLength));
+        open_.pop_back();
+        if (open_.empty()) return WalkStep::Continue;
+        open_.back().total +=
+            node.nodeType == NT_DataSet ? node.length + kItemHeaderSize : ElementSize(node);
+        return WalkStep::Continue;
+    }
+
+  private:
+    // A data set or a sequence, and what has been counted in it.
+    struct Container {
+        PGX_Node* node;
+        uint64_t total;
+    };
+
+    uint64_t ElementSize(const PGX_Node& element) const {
+        const bool longHeader = explicitVr_ && HasLongHeader(element.valueRep);
+        return uint64_t{element.length} + (longHeader ? 12 : 8);
+    }
+
+    bool explicitVr_;
+    std::vector<Container> open_;
+};
+
+}  // namespace
+
+uint32_t ComputeLengths(PGX_Node& dataSet, uint32_t mode) {
+    if (dataSet.nodeType != NT_DataSet) {
+        PrintMisuse();
+        return 0;
+    }
+    LengthComputation computation(mode);
+    WalkTree(dataSet, computation);
+    return dataSet.length;
+}
+
+}  // namespace pgkit

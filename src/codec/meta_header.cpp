@@ -1,0 +1,63 @@
+#include "codec/meta_header.h"
+
+#include <cstring>
+#include <string_view>
+
+#include "codec/transfer_syntax.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr int32_t kLongestUid = 64;
+constexpr std::string_view kImplementationClassUid = "1.2.999.1.47.453.2865";
+constexpr std::string_view kImplementationVersionName = "KIT-ZORVA-2865";
+constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
+
+uint32_t SizeOf(std::string_view text) { return static_cast<uint32_t>(text.size()); }
+
+void InsertIfAbsent(PGX_Node& dataSet, uint16_t element, std::string_view text) {
+    if (dataSet.FindNode(0x0002, element) != nullptr) return;
+    dataSet.InsertNode(0x0002, element, text.data(), SizeOf(text));
+}
+
+void CopyUid(PGX_Node& dataSet, uint16_t sourceElement, uint16_t metaElement) {
+    PGX_Node* source = dataSet.FindNode(0x0008, sourceElement);
+    if (source == nullptr) return;
+    const std::string uid = UidText(*source);
+    dataSet.AddOrReplaceNode(0x0002, metaElement, uid.data(), SizeOf(uid));
+}
+
+std::string_view UidOfSyntaxFlags(uint32_t flags) {
+    constexpr uint32_t kNotRead = 0xFFFFFFFF;
+    const auto has = [flags](uint32_t bits) { return (flags & bits) == bits; };
+    if (flags == kNotRead || has(PG_LITTLE_ENDIAN | PG_EXPLICIT_VR)) {
+        return kExplicitVrLittleEndianUid;
+    }
+    if (has(PG_LITTLE_ENDIAN | PG_IMPLICIT_VR)) return kImplicitVrLittleEndianUid;
+    if (has(PG_BIG_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrBigEndianUid;
+    return kExplicitVrLittleEndianUid;
+}
+
+}  // namespace
+
+std::string UidText(PGX_Node& element) {
+    char text[kLongestUid + 1];
+    element.GetStringValue(text, kLongestUid);
+    return text;
+}
+
+}  // namespace pgkit
+
+int32_t PGX_Node::AddPart10Elements(const char* transferSyntaxUid) {
+    pgkit::CopyUid(*this, 0x0016, 0x0002);
+    pgkit::CopyUid(*this, 0x0018, 0x0003);
+    pgkit::InsertIfAbsent(*this, 0x0013, pgkit::kImplementationVersionName);
+    InsertNode(0x0002, 0x0001, pgkit::kMetaInformationVersion,
+               sizeof pgkit::kMetaInformationVersion);
+    pgkit::InsertIfAbsent(*this, 0x0012, pgkit::kImplementationClassUid);
+    pgkit::InsertIfAbsent(*this, 0x0010,
+                          transferSyntaxUid != nullptr ? std::string_view(transferSyntaxUid)
+                                                       : pgkit::UidOfSyntaxFlags(syntaxFlags));
+    return 1;
+}

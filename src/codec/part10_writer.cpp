@@ -1,0 +1,155 @@
+// Saving a tree as a file: a DICOM Part 10 file or a bare data set.
+#include <array>
+#include <cstring>
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include "codec/encoder.h"
+#include "codec/lengths.h"
+#include "codec/meta_header.h"
+#include "codec/offset_patching.h"
+#include "codec/save_target.h"
+#include "codec/transfer_syntax.h"
+#include "frame/diagnostics.h"
+#include "pgkit/node.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr size_t kPreambleSize = 128;
+constexpr uint32_t kNoSyntaxFlags = 0xFFFFFFFF;
+constexpr uint32_t kByteOrders = PG_LITTLE_ENDIAN | PG_BIG_ENDIAN;
+constexpr uint32_t kVrForms = PG_EXPLICIT_VR | PG_IMPLICIT_VR;
+
+bool HasAll(uint32_t mode, uint32_t bits) { return (mode & bits) == bits; }
+
+bool WritePreamble(FILE* stream) {
+    std::array<char, kPreambleSize + 4> preamble{};
+    std::memcpy(preamble.data() + kPreambleSize, "DICM", 4);
+    return std::fwrite(preamble.data(), 1, preamble.size(), stream) == preamble.size();
+}
+
+// The UID of the encoding that a mode asks for in full; empty when it leaves something open.
+std::string_view UidOfMode(uint32_t mode) {
+    if (HasAll(mode, PG_LITTLE_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrLittleEndianUid;
+    if (HasAll(mode, PG_LITTLE_ENDIAN | PG_IMPLICIT_VR)) return kImplicitVrLittleEndianUid;
+    if (HasAll(mode, PG_BIG_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrBigEndianUid;
+    return {};
+}
+
+// What a mode leaves open is taken from the transfer syntax.
+uint32_t CompletedMode(uint32_t mode, uint32_t byteOrder, uint32_t vrForm) {
+    if ((mode & kByteOrders) == 0) mode |= byteOrder;
+    if ((mode & kVrForms) == 0) mode |= vrForm;
+    return mode;
+}
+
+// Brings the transfer syntax element and the mode into agreement. The data of any syntax but the
+// three native ones cannot be turned into another: it stays explicit VR little endian.
+WriteResult ReconcileTransferSyntax(PGX_Node& root, uint32_t& mode) {
+    PGX_Node* element = root.FindNode(0x0002, 0x0010);
+    if (element == nullptr) {
+        if ((mode & PG_IMPLICIT_VR) == 0) mode |= PG_EXPLICIT_VR;
+        return kWritten;
+    }
+    const std::string uid = UidText(*element);
+    const uint32_t asked = mode;
+    if (uid == kExplicitVrBigEndianUid) {
+        mode = CompletedMode(mode, PG_BIG_ENDIAN, PG_EXPLICIT_VR);
+    } else if (uid == kExplicitVrLittleEndianUid) {
+        mode = CompletedMode(mode, PG_LITTLE_ENDIAN, PG_EXPLICIT_VR);
+    } else if (uid == kImplicitVrLittleEndianUid) {
+        mode = CompletedMode(mode, PG_LITTLE_ENDIAN, PG_IMPLICIT_VR);
+    } else {
+        mode = (mode & ~(PG_BIG_ENDIAN | PG_IMPLICIT_VR)) | PG_LITTLE_ENDIAN | PG_EXPLICIT_VR;
+        return kWritten;
+    }
+    const std::string_view uidOfMode = UidOfMode(asked);
+    if (uidOfMode.empty()) return kWritten;
+    const auto size = static_cast<uint32_t>(uidOfMode.size());
+    return element->SetValue(uidOfMode.data(), size) != 0 ? kWritten : kOutOfMemory;
+}
+
+// Lengths first, group lengths from them, then the tree.
+WriteResult WriteTree(PGX_Node& root, uint32_t lengthMode, uint32_t mode, FILE* stream,
+                      PendingOffsets& offsets) {
+    ComputeLengths(root, lengthMode);
+    if (root.UpdateGroupLengths(lengthMode) == 0 && root.nodeType == NT_DataSet) {
+        return kOutOfMemory;
+    }
+    StreamSink sink(stream);
+    return EncodeNode(root, mode, sink, &offsets.Positions());
+}
+
+WriteResult WriteFile(PGX_Node& root, uint32_t mode, FILE* stream, PendingOffsets& offsets) {
+    if ((mode & (PG_META | PG_META_IMPLICIT_VR)) != 0 && !WritePreamble(stream)) {
+        return kWriteFailed;
+    }
+    const WriteResult result = ReconcileTransferSyntax(root, mode);
+    return result == kWritten ? WriteTree(root, mode, mode, stream, offsets) : result;
+}
+
+const char* PrintablePath(const char* path) { return path != nullptr ? path : ""; }
+
+WriteResult CannotCreate(const char* path) {
+    PrintError("pgSaveDataSetAsEx : unable to open %s\n", PrintablePath(path));
+    return kCannotCreate;
+}
+
+WriteResult Save(PGX_Node& root, const char* path, uint32_t mode) {
+    SaveTarget target(path, root);
+    platform::FileHandle file = target.Create();
+    if (file == nullptr) return CannotCreate(path);
+    if (mode == 0 && root.syntaxFlags != kNoSyntaxFlags) mode = root.syntaxFlags;
+    PendingOffsets offsets(root);
+    WriteResult result = WriteFile(root, mode, file.get(), offsets);
+    result = CloseWritten(std::move(file), result);
+    if (result == kWritten) result = offsets.Patch(target.OpenForUpdate());
+    if (result == kWritten && !target.PutInPlace()) return CannotCreate(path);
+    return result;
+}
+
+// The older form writes a bare data set in implicit VR big endian, whatever the tree holds.
+void SaveBare(PGX_Node& root, bool undefinedLengths, const char* path) {
+    constexpr uint32_t kLengthMode = 0;
+    const uint32_t mode = undefinedLengths ? uint32_t{PG_UNDEFINED_LENGTHS} : kLengthMode;
+    SaveTarget target(path, root);
+    platform::FileHandle file = target.Create();
+    if (file == nullptr) {
+        PrintError("pgSaveDataSetAs : unable to open %s\n", PrintablePath(path));
+        return;
+    }
+    PendingOffsets offsets(root);
+    WriteResult result = WriteTree(root, kLengthMode, mode, file.get(), offsets);
+    result = CloseWritten(std::move(file), result);
+    if (offsets.Patch(target.OpenForUpdate()) == kCannotReopen) {
+        PrintError("pgSaveDataSetAs : unable to reopen %s\n", PrintablePath(path));
+    }
+    if (result == kWritten && !target.PutInPlace()) {
+        PrintError("pgSaveDataSetAs : unable to open %s\n", PrintablePath(path));
+    }
+}
+
+}  // namespace
+
+}  // namespace pgkit
+
+uint32_t PGX_Node::SaveDataSetAsEx(const char* path, int32_t mode) {
+    try {
+        return pgkit::Save(*this, path, static_cast<uint32_t>(mode));
+    } catch (const std::bad_alloc&) {
+        return pgkit::kOutOfMemory;
+    }
+}
+
+void PGX_Node::SaveDataSetAs(const char* path, int32_t mode) { SaveDataSetAsEx(path, mode); }
+
+void PGX_Node::SaveDataSetAs(int32_t undefinedLengths, const char* path) {
+    try {
+        pgkit::SaveBare(*this, undefinedLengths != 0, path);
+    } catch (const std::bad_alloc&) {
+        // This form has no result to report it with.
+    }
+}

@@ -1,0 +1,37 @@
+// The file that a tree is saved to, which may be the one that its values are still read from.
+//
+// Truncating that file would destroy them. A file that the tree reads from is therefore left alone
+// until the new one is complete beside it, and is then replaced by it; streams that are open on the
+// old file go on reading the old content.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+#include "pgkit/node.h"
+#include "platform/file_handle.h"
+
+namespace pgkit {
+
+class SaveTarget {
+  public:
+    // Throws std::bad_alloc. A null path names nothing that can be created.
+    SaveTarget(const char* path, PGX_Node& root);
+    // Removes what has not been put in place.
+    ~SaveTarget();
+    SaveTarget(const SaveTarget&) = delete;
+    SaveTarget& operator=(const SaveTarget&) = delete;
+
+    platform::FileHandle Create();
+    platform::FileHandle OpenForUpdate() const;
+
+    // Makes what was written the content of the target. False when the target cannot be replaced;
+    // it is then as it was.
+    bool PutInPlace();
+
+  private:
+    const char* path_;
+    std::string replacement_;  // empty when the target itself is written
+};
+
+}  // namespace pgkit

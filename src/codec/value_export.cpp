@@ -1,0 +1,84 @@
+// One element's value as a file of its own.
+#include <memory>
+#include <new>
+
+#include "codec/value_writer.h"
+#include "dataset/node_memory.h"
+#include "dataset/value_source.h"
+#include "pgkit/node.h"
+#include "platform/file_handle.h"
+#include "platform/platform.h"
+
+namespace pgkit {
+
+namespace {
+
+// The stream of a value that has been loaded is still that of others.
+std::optional<platform::FileIdentity> IdentityOfStream(const PGX_Node& node) {
+    return node.file == nullptr ? std::nullopt : platform::IdentityOf(node.file);
+}
+
+// A new file, unless the path names the one that values come from: creating that would destroy
+// them.
+platform::FileHandle CreateBeside(const char* path,
+                                  const std::optional<platform::FileIdentity>& source) {
+    if (source && platform::IdentityOf(path) == source) return nullptr;
+    return platform::FileHandle(platform::CreateBinary(path));
+}
+
+// Writing has no result of its own here.
+template <typename Write>
+int32_t WriteInto(platform::FileHandle file, Write&& write) {
+    if (file == nullptr) return 0;
+    StreamSink sink(file.get());
+    OutputWriter out(sink);
+    if (!out.HasBuffer()) return 1;
+    write(out);
+    out.Flush();
+    return 1;
+}
+
+int32_t ExportFromMemory(const PGX_Node& node, const char* path) {
+    return WriteInto(CreateBeside(path, IdentityOfStream(node)), [&](OutputWriter& out) {
+        WriteValue(node.value, node.valueRep, node.length, out, !IsHostOrder(node.endian));
+    });
+}
+
+int32_t ExportFromStream(const PGX_Node& node, const char* path) {
+    return WriteInto(CreateBeside(path, IdentityOfStream(node)), [&](OutputWriter& out) {
+        if (node.fileOffset == kUnreadablePosition) return;
+        const auto reader = std::make_unique<StreamReader>(node.file);
+        reader->Seek(node.fileOffset);
+        CopyValue(reader.get(), node.valueRep, node.length, out, !IsHostOrder(node.endian));
+    });
+}
+
+int32_t ExportContentFile(const char* contentFile, const char* path) {
+    const platform::FileHandle source(platform::OpenForReading(contentFile));
+    if (source == nullptr) return 0;
+    const uint64_t size = platform::StreamSize(source.get());
+    const auto identity = platform::IdentityOf(source.get());
+    return WriteInto(CreateBeside(path, identity), [&](OutputWriter& out) {
+        const auto reader = std::make_unique<StreamReader>(source.get());
+        reader->Seek(0);
+        CopyValue(reader.get(), VR_OB, size, out, false);
+    });
+}
+
+}  // namespace
+
+}  // namespace pgkit
+
+int32_t PGX_Node::GetFileContentValue(const char* path) {
+    switch (pgkit::FindValueSource(*this)) {
+        case pgkit::ValueSource::Memory:
+            return pgkit::ExportFromMemory(*this, path);
+        case pgkit::ValueSource::File:
+            return pgkit::ExportFromStream(*this, path);
+        case pgkit::ValueSource::ContentFile:
+            return pgkit::ExportContentFile(contentFile, path);
+        case pgkit::ValueSource::None:
+            break;
+    }
+    return 1;
+}

@@ -1,0 +1,62 @@
+// What WriteNodeEx makes of a node.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <pgkit/pgkit.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "support/temp_dir.h"
+
+namespace pgkit_test {
+
+struct CloseStream {
+    void operator()(FILE* stream) const { std::fclose(stream); }
+};
+using Stream = std::unique_ptr<FILE, CloseStream>;
+
+inline Stream OpenStream(const std::string& path, const char* mode) {
+    Stream stream(std::fopen(path.c_str(), mode));
+    EXPECT_NE(stream, nullptr) << path;
+    return stream;
+}
+
+struct Encoded {
+    uint32_t result;
+    Bytes bytes;
+};
+
+inline Encoded Encode(PGX_Node& node, uint32_t mode) {
+    const TempDir directory;
+    const std::string path = directory.Path("encoded");
+    const uint32_t result = node.WriteNodeEx(OpenStream(path, "wb").get(), mode);
+    return {result, ReadFile(path)};
+}
+
+// An element of its own, as code that knows its VR makes it.
+inline PGX_Node* NewElement(PGX_Node& dataSet, uint16_t group, uint16_t element, uint32_t vr,
+                            std::string_view value, EndianType endian = ET_LittleEndian) {
+    PGX_Node* node = dataSet.InsertNode(group, element, nullptr, 0);
+    node->valueRep = vr;
+    node->endian = endian;
+    EXPECT_EQ(node->SetValue(value.data(), static_cast<uint32_t>(value.size())), 1);
+    return node;
+}
+
+inline PGX_Node* AddItem(PGX_Node& sequence) {
+    PGX_Node* item = pgAllocateDataSetNode();
+    sequence.SeqAddTail(item);
+    return item;
+}
+
+// Makes an element take its value from a stream, as the parser leaves a large one.
+inline void SetSource(PGX_Node& element, FILE* stream, uint32_t offset, uint32_t length) {
+    element.SetValue(nullptr, 0);
+    element.file = stream;
+    element.fileOffset = offset;
+    element.length = length;
+}
+
+}  // namespace pgkit_test

@@ -1,0 +1,129 @@
+// Saving a tree to the file that its values are still read from.
+#include <gtest/gtest.h>
+#include <pgkit/pgkit.h>
+
+#include <filesystem>
+#include <string>
+
+#include "codec/encoded.h"
+#include "support/captured.h"
+#include "support/stream_builder.h"
+#include "support/tree.h"
+
+namespace {
+
+using namespace pgkit_test;
+namespace fs = std::filesystem;
+
+constexpr int32_t kExplicitLittle = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
+constexpr uint32_t kCannotCreate = 1;
+constexpr uint32_t kValueTooLong = 6;
+
+class SaveOverSource : public testing::Test {
+  protected:
+    // A tree whose value is in the file that it is going to be saved to.
+    void OpenSource() {
+        path_ = directory_.Write(
+            "source.dcm",
+            StreamBuilder(VrMode::Implicit).Element(0x0010, 0x0010, "PN", "DOE^JOHN").Data());
+        root_.reset(pgOpenDataSetFile(path_.c_str(), 0));
+        ASSERT_NE(root_, nullptr);
+        ASSERT_EQ(root_->first->value, nullptr);
+    }
+
+    size_t FilesInDirectory() {
+        return static_cast<size_t>(
+            std::distance(fs::directory_iterator(directory_.Path("")), fs::directory_iterator()));
+    }
+
+    const Bytes explicitFile_ = StreamBuilder().Element(0x0010, 0x0010, "PN", "DOE^JOHN").Data();
+    TempDir directory_;
+    std::string path_;
+    DataSet root_;
+};
+
+TEST_F(SaveOverSource, WritesTheNewFileAndKeepsTheValuesOfTheTree) {
+    OpenSource();
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    EXPECT_EQ(ReadFile(path_), explicitFile_);
+    EXPECT_EQ(TextOf(root_->first), "DOE^JOHN");
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    EXPECT_EQ(ReadFile(path_), explicitFile_);
+    root_.reset();
+    EXPECT_EQ(FilesInDirectory(), 1u);
+}
+
+TEST_F(SaveOverSource, KnowsTheFileByAnyOfItsPaths) {
+    OpenSource();
+    const std::string detour =
+        (fs::path(path_).parent_path() / "." / fs::path(path_).filename()).string();
+    EXPECT_EQ(root_->SaveDataSetAsEx(detour.c_str(), kExplicitLittle), 0u);
+    EXPECT_EQ(ReadFile(path_), explicitFile_);
+    EXPECT_EQ(TextOf(root_->first), "DOE^JOHN");
+}
+
+TEST_F(SaveOverSource, LeavesTheFileAsItWasWhenWritingFails) {
+    OpenSource();
+    const Bytes before = ReadFile(path_);
+    NewElement(*root_, 0x0011, 0x1001, VR_LO, std::string(65536, 'x'));
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), kValueTooLong);
+    EXPECT_EQ(ReadFile(path_), before);
+    EXPECT_EQ(TextOf(root_->FindNode(0x0010, 0x0010)), "DOE^JOHN");
+    EXPECT_EQ(FilesInDirectory(), 1u);
+}
+
+TEST_F(SaveOverSource, WorksWithTheOlderFormToo) {
+    OpenSource();
+    root_->SaveDataSetAs(0, path_.c_str());
+    EXPECT_EQ(ReadFile(path_), StreamBuilder(VrMode::Implicit, Order::Big)
+                                   .Element(0x0010, 0x0010, "PN", "DOE^JOHN")
+                                   .Data());
+    EXPECT_EQ(TextOf(root_->first), "DOE^JOHN");
+}
+
+TEST_F(SaveOverSource, PatchesOffsetsBeforeTheFileIsInPlace) {
+    OpenSource();
+    const uint32_t none = 0;
+    PGX_Node* offset = root_->InsertNode(0x0004, 0x1200, &none, 4);
+    offset->offsetPending = 1;
+    offset->offsetTarget = AddItem(*root_->InsertNode(0x0004, 0x1220, nullptr, 0));
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    EXPECT_EQ(ReadFile(path_), StreamBuilder()
+                                   .ElementUL(0x0004, 0x1200, 24)
+                                   .Sequence(0x0004, 0x1220, 8)
+                                   .Item(0)
+                                   .Append(explicitFile_)
+                                   .Data());
+}
+
+TEST_F(SaveOverSource, SparesAContentFileToo) {
+    DataSet root(pgAllocateDataSetNode());
+    const std::string path = directory_.Write("content", "abcd");
+    NewElement(*root, 0x0009, 0x1001, VR_OB, "")->SetFileContentValue(path.c_str());
+    EXPECT_EQ(root->SaveDataSetAsEx(path.c_str(), kExplicitLittle), 0u);
+    EXPECT_EQ(ReadFile(path), StreamBuilder().Element(0x0009, 0x1001, "OB", "abcd").Data());
+}
+
+// A stream that the host has opened itself cannot be replaced under it on every system. Whether it
+// can or not, nothing is lost.
+TEST_F(SaveOverSource, OfAStreamOfTheHostLosesNothing) {
+    const Bytes before =
+        StreamBuilder(VrMode::Implicit).Element(0x0010, 0x0010, "PN", "DOE^JOHN").Data();
+    const std::string path = directory_.Write("host.dcm", before);
+    DataSet root(pgOpenDataSetFileHandle(std::fopen(path.c_str(), "rb"), 0));
+    ASSERT_NE(root, nullptr);
+    uint32_t result = 0;
+    const Printed printed =
+        CapturePrinted([&] { result = root->SaveDataSetAsEx(path.c_str(), kExplicitLittle); });
+    if (result == 0) {
+        EXPECT_EQ(ReadFile(path), explicitFile_);
+    } else {
+        EXPECT_EQ(result, kCannotCreate);
+        EXPECT_EQ(printed.err, "pgSaveDataSetAsEx : unable to open " + path + "\n");
+        EXPECT_EQ(ReadFile(path), before);
+    }
+    EXPECT_EQ(TextOf(root->first), "DOE^JOHN");
+    EXPECT_EQ(FilesInDirectory(), 1u);
+}
+
+}  // namespace

@@ -1,0 +1,137 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/process.h"
+#include "support/tree.h"
+
+namespace {
+
+using pgkit_test::Child;
+using pgkit_test::DataSet;
+using pgkit_test::Finished;
+using pgkit_test::ReadFile;
+using pgkit_test::RunProgram;
+using pgkit_test::TempDir;
+using pgkit_test::TestData;
+using pgkit_test::TextOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kSource = "native/mr_implicit_le.dcm";
+
+Finished Pgtool(const std::vector<std::string>& arguments) {
+    return RunProgram(PGKIT_PGTOOL, arguments);
+}
+
+class PgtoolWriting : public testing::Test {
+  protected:
+    // Runs the tool, expects success, and opens what it has written.
+    DataSet Written(std::vector<std::string> arguments) {
+        const Finished run = Pgtool(arguments);
+        EXPECT_EQ(run.exitStatus, 0) << run.err;
+        EXPECT_THAT(run.out, IsEmpty());
+        return DataSet(pgOpenDataSetFile(output_.c_str(), pgkit_test::kLoadAll));
+    }
+
+    TempDir directory_;
+    const std::string source_ = TestData(kSource);
+    const std::string output_ = directory_.Path("output");
+};
+
+TEST_F(PgtoolWriting, SaveKeepsTheEncodingUnlessAsked) {
+    const DataSet root = Written({"save", source_, output_});
+    EXPECT_EQ(root->syntaxFlags, 0x34u);
+}
+
+TEST_F(PgtoolWriting, SaveWritesEveryMode) {
+    EXPECT_EQ(Written({"save", source_, output_, "--mode", "explicit-le"})->syntaxFlags, 0x2Cu);
+    EXPECT_EQ(Written({"save", source_, output_, "--mode", "implicit-le"})->syntaxFlags, 0x34u);
+    EXPECT_EQ(Written({"save", source_, output_, "--mode=explicit-be"})->syntaxFlags, 0x4Cu);
+}
+
+TEST_F(PgtoolWriting, BareFileHasNoMetaInformation) {
+    const DataSet root = Written({"save", source_, output_, "--bare", "--mode", "explicit-le"});
+    EXPECT_EQ(root->syntaxFlags, 0x28u);
+    EXPECT_EQ(root->first->group, 0x0008);
+}
+
+TEST_F(PgtoolWriting, BareSourceGetsMetaInformationForAMode) {
+    const std::string bare = directory_.Path("bare");
+    ASSERT_EQ(Pgtool({"save", source_, bare, "--bare", "--mode", "explicit-le"}).exitStatus, 0);
+    const DataSet root = Written({"save", bare, output_, "--mode", "implicit-le"});
+    EXPECT_EQ(root->syntaxFlags, 0x34u);
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0002, 0x0002)).substr(0, 25), "1.2.840.10008.5.1.4.1.1.4");
+}
+
+TEST_F(PgtoolWriting, UndefinedLengthsGiveDelimiters) {
+    const std::string defined = TestData("sequences/sr_nested_be_defined.dcm");
+    const DataSet root = Written({"save", defined, output_, "--undefined-lengths"});
+    EXPECT_EQ(root->syntaxFlags, 0x4Cu);
+    EXPECT_EQ(Child(root.get(), 0x0040, 0xA730)->length, 0xFFFFFFFFu);
+    const DataSet source(pgOpenDataSetFile(defined.c_str(), 0));
+    EXPECT_NE(Child(source.get(), 0x0040, 0xA730)->length, 0xFFFFFFFFu);
+}
+
+TEST_F(PgtoolWriting, SaveRefusesWrongCommandLines) {
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"save"},
+                                               {"save", source_},
+                                               {"save", source_, output_, "more"},
+                                               {"save", source_, output_, "--mode", "deflated"},
+                                               {"save", source_, output_, "--mode"},
+                                               {"save", source_, output_, "--bare=yes"}}) {
+        const Finished run = Pgtool(arguments);
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_THAT(run.err, HasSubstr("usage: pgtool save"));
+    }
+}
+
+TEST_F(PgtoolWriting, SaveSaysWhyItFails) {
+    const Finished noSource = Pgtool({"save", directory_.Path("missing"), output_});
+    EXPECT_EQ(noSource.exitStatus, 1);
+    EXPECT_THAT(noSource.err, HasSubstr("cannot open"));
+    const Finished noTarget = Pgtool({"save", source_, directory_.Path("no/such/directory")});
+    EXPECT_EQ(noTarget.exitStatus, 1);
+    EXPECT_THAT(noTarget.err, HasSubstr("the file cannot be created"));
+}
+
+TEST_F(PgtoolWriting, SetChangesTextsAndNumbersByNameAndTag) {
+    const DataSet root = Written({"set", source_, "PatientsName=DOE^JANE", "0028,0010=64",
+                                  "(0010,4000)=note", "-o", output_});
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0010, 0x0010)), "DOE^JANE");
+    EXPECT_EQ(Child(root.get(), 0x0028, 0x0010)->GetUSValue(), 64);
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0010, 0x4000)), "note");
+}
+
+TEST_F(PgtoolWriting, SetTakesSeveralNumbers) {
+    const DataSet root = Written({"set", source_, "0028,0010=1\\2\\65535", "-o", output_});
+    PGX_Node* rows = Child(root.get(), 0x0028, 0x0010);
+    ASSERT_EQ(rows->length, 6u);
+    EXPECT_EQ(rows->value[2], 2);
+    EXPECT_EQ(rows->value[4], 0xFF);
+}
+
+TEST_F(PgtoolWriting, SetMayWriteOverItsSource) {
+    const std::string file = directory_.Write("file", ReadFile(source_));
+    ASSERT_EQ(Pgtool({"set", file, "PatientID=7", "-o", file}).exitStatus, 0);
+    const DataSet root(pgOpenDataSetFile(file.c_str(), pgkit_test::kLoadAll));
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0010, 0x0020)), "7 ");
+    const DataSet original(pgOpenDataSetFile(source_.c_str(), pgkit_test::kLoadAll));
+    EXPECT_EQ(TextOf(Child(root.get(), 0x7FE0, 0x0010)),
+              TextOf(Child(original.get(), 0x7FE0, 0x0010)));
+}
+
+TEST_F(PgtoolWriting, SetRefusesWhatItCannotSet) {
+    for (const char* assignment : {"0028,0010=many", "0028,0010=-1", "0028,0010=70000",
+                                   "7FE0,0010=ab", "0008,1140=x", "0099,1001=x"}) {
+        const Finished run = Pgtool({"set", source_, assignment, "-o", output_});
+        EXPECT_EQ(run.exitStatus, 1) << assignment;
+        EXPECT_THAT(run.err, HasSubstr(assignment));
+    }
+    for (const char* assignment : {"NoSuchName=x", "PatientsName", "00zz,0010=x"}) {
+        EXPECT_EQ(Pgtool({"set", source_, assignment, "-o", output_}).exitStatus, 2) << assignment;
+    }
+    EXPECT_EQ(Pgtool({"set", source_, "PatientID=7"}).exitStatus, 2);
+}
+
+}  // namespace

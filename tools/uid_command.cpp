@@ -1,0 +1,65 @@
+// pgtool uid: what the UID tables know about a UID.
+#include <cstdio>
+#include <memory>
+
+#include "command.h"
+#include "options.h"
+#include "pgkit/sopclass.h"
+
+namespace pgtool {
+
+namespace {
+
+// Built-in texts are shorter than 70 characters, but a site's file may hold longer ones.
+constexpr size_t kMaxText = size_t{16} << 20;
+
+struct Category {
+    const char* name;
+    bool (*contains)(const char* uid);
+};
+
+constexpr Category kCategories[] = {
+    {"storage", pgIsStorageSOPClass},
+    {"image", pgIsImageSOPClass},
+    {"report", pgIsReportSOPClass},
+    {"waveform", pgIsWaveformSOPClass},
+    {"key-object", pgIsKeyObjectSOPClass},
+    {"presentation", pgIsPresentationSOPClass},
+    {"radiotherapy", pgIsRadiotherapySOPClass},
+    {"rt-dose", pgIsRTDoseSOPClass},
+    {"rt-structure-set", pgIsRTStructureSetSOPClass},
+    {"rt-plan", pgIsRTPlanSOPClass},
+};
+
+// One line: UID, name, and for a SOP class its modality mnemonic and categories. False when the
+// tables know nothing.
+bool PrintUid(const std::string& uid) {
+    const auto name = std::make_unique_for_overwrite<char[]>(kMaxText);
+    const auto mnemonic = std::make_unique_for_overwrite<char[]>(kMaxText);
+    const bool isNamed = pgGetUIDName(uid.c_str(), name.get()) == 0;
+    const bool hasModality = pgGetSOPClassUIDToModality(uid.c_str(), mnemonic.get()) == 0;
+    if (!isNamed && !hasModality) return false;
+
+    std::printf("%s %s", uid.c_str(), name.get());
+    if (hasModality) std::printf(" %s", mnemonic.get());
+    for (const Category& category : kCategories) {
+        if (category.contains(uid.c_str())) std::printf(" %s", category.name);
+    }
+    std::printf("\n");
+    return true;
+}
+
+int Uid(const Arguments& arguments) {
+    return AnswerEach(kUidCommand, arguments, "a UID", PrintUid);
+}
+
+}  // namespace
+
+const Command kUidCommand = {
+    "uid", "uid UID...", "look UIDs up",
+    "Prints a line for each: UID, name and, of a SOP class, its modality mnemonic and the\n"
+    "categories it belongs to. Classes from a configuration file beside the tool count too;\n"
+    "they have no categories.\n",
+    Uid};
+
+}  // namespace pgtool
