@@ -192,8 +192,8 @@ class PGX_Node {
     // more. A node that still refers to the file it was read from keeps reading from that.
     PGKIT_API int32_t SetFileContentValue(const char* path);
     // Writes the value, in host byte order, to a new file. Returns 0 when a file cannot be created
-    // or opened, or path is the file that this node reads from; 1 otherwise, also when there is no
-    // value (nothing is created then) or writing fails later.
+    // or opened, path is the file that this node reads from, or memory runs out; 1 otherwise, also
+    // when there is no value (nothing is created then) or writing fails later.
     PGKIT_API int32_t GetFileContentValue(const char* path);
 
     // ---- Group lengths --------------------------------------------------------------------------

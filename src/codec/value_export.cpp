@@ -32,7 +32,7 @@ int32_t WriteInto(platform::FileHandle file, Write&& write) {
     if (file == nullptr) return 0;
     StreamSink sink(file.get());
     OutputWriter out(sink);
-    if (!out.HasBuffer()) return 1;
+    if (!out.HasBuffer()) return 0;
     write(out);
     out.Flush();
     return 1;
@@ -65,20 +65,28 @@ int32_t ExportContentFile(const char* contentFile, const char* path) {
     });
 }
 
+int32_t Export(const PGX_Node& node, const char* path) {
+    switch (FindValueSource(node)) {
+        case ValueSource::Memory:
+            return ExportFromMemory(node, path);
+        case ValueSource::File:
+            return ExportFromStream(node, path);
+        case ValueSource::ContentFile:
+            return ExportContentFile(node.contentFile, path);
+        case ValueSource::None:
+            break;
+    }
+    return 1;
+}
+
 }  // namespace
 
 }  // namespace pgkit
 
 int32_t PGX_Node::GetFileContentValue(const char* path) {
-    switch (pgkit::FindValueSource(*this)) {
-        case pgkit::ValueSource::Memory:
-            return pgkit::ExportFromMemory(*this, path);
-        case pgkit::ValueSource::File:
-            return pgkit::ExportFromStream(*this, path);
-        case pgkit::ValueSource::ContentFile:
-            return pgkit::ExportContentFile(contentFile, path);
-        case pgkit::ValueSource::None:
-            break;
+    try {
+        return pgkit::Export(*this, path);
+    } catch (const std::bad_alloc&) {
+        return 0;
     }
-    return 1;
 }

@@ -17,6 +17,7 @@ using namespace pgkit_test;
 constexpr uint32_t kCannotCreate = 1;
 constexpr uint32_t kReadFailed = 4;
 constexpr uint32_t kValueTooLong = 6;
+constexpr uint32_t kCannotReopen = 7;
 
 constexpr const char* kImplicitLittle = "1.2.840.10008.1.2";
 constexpr const char* kExplicitLittle = "1.2.840.10008.1.2.1";
@@ -275,6 +276,18 @@ TEST_F(Save, ReportsAValueThatCannotBeRead) {
     const Stream source = OpenStream(directory_.Write("source", "abc"), "rb");
     SetSource(*root_->InsertNode(0x0010, 0x0010, nullptr, 0), source.get(), 1, 100);
     EXPECT_EQ(SaveAs(0x28), kReadFailed);
+}
+
+// A device takes what is written to it, but is no file that could be patched.
+TEST_F(Save, ReportsAFileThatCannotBeReopened) {
+    const char* device = std::filesystem::exists("/dev/null") ? "/dev/null" : "NUL";
+    root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
+    uint32_t result = 0;
+    const Printed printed = CapturePrinted([&] { result = root_->SaveDataSetAsEx(device, 0x28); });
+    EXPECT_EQ(result, kCannotReopen);
+    EXPECT_EQ(printed.err + printed.out, "");
+    const Printed older = CapturePrinted([&] { root_->SaveDataSetAs(0, device); });
+    EXPECT_EQ(older.err, std::string("pgSaveDataSetAs : unable to reopen ") + device + "\n");
 }
 
 TEST_F(Save, HasAFormWithoutResult) {
