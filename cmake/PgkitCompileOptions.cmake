@@ -3,7 +3,9 @@
 add_library(pgkit_compile_options INTERFACE)
 
 target_compile_options(pgkit_compile_options INTERFACE
-  -Wall -Wextra -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+  -Wall -Wextra -Wconversion -Wshadow -Werror
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+  $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>)
 
 if(PGKIT_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
