@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <string_view>
+#include <utility>
 
 #include "bitmap.h"
 #include "encapsulated_frame.h"
@@ -17,11 +18,22 @@ static_assert(std::endian::native == std::endian::little, "samples are read as l
 // Values stay in the file: of one in memory it could not be told whether the file holds all of it.
 constexpr uint32_t kLoadNothing = 0;
 
-bool IsRleLossless(PGX_Node& root) {
+bool HasTransferSyntax(PGX_Node& root, std::string_view wanted) {
     char uid[65] = {};
     PGX_Node* const node = root.FindNode(0x0002, 0x0010);
     if (node != nullptr) node->GetStringValue(uid, sizeof uid - 1);
-    return std::string_view(uid) == "1.2.840.10008.1.2.5";
+    return uid == wanted;
+}
+
+bool IsRleLossless(PGX_Node& root) { return HasTransferSyntax(root, "1.2.840.10008.1.2.5"); }
+
+// A private syntax whose elements are little endian but for the words of Pixel Data. The library
+// gives these words as it gives all others of such a file.
+bool HasSwappedWords(PGX_Node& root) { return HasTransferSyntax(root, "1.2.840.113619.5.2"); }
+
+void SwapWords(std::vector<uint8_t>& bytes) {
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2)
+        std::swap(bytes[i], bytes[i + 1]);
 }
 
 bool CanReadPixels(PGX_Node& root, PGX_Node& pixelData) {
@@ -69,6 +81,7 @@ std::vector<uint8_t> DicomImage::ReadNativeFrame(uint32_t index) const {
     if (pixelData_->GetPixelData(index / together, read, frames.data()) != 1) return {};
     if (index % together == 1) frames.erase(frames.begin(), frames.begin() + size);
     frames.resize(size);
+    if (description_->format.bitsAllocated == 16 && HasSwappedWords(*root_)) SwapWords(frames);
     return frames;
 }
 
