@@ -1,6 +1,7 @@
 #include "gray_rendering.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "bitmap.h"
@@ -99,7 +100,7 @@ class Renderer {
         const double gray = scale_.Gray(value);
         // Also what is no number, from factors beyond all reason, must become some gray.
         const double bounded = gray >= 0 ? std::min(gray, kWhite) : 0;
-        const auto rounded = static_cast<uint8_t>(bounded + 0.5);
+        const auto rounded = static_cast<uint8_t>(std::lround(bounded));
         return static_cast<uint8_t>(image_.isInverted ? 255 - rounded : rounded);
     }
 

@@ -10,7 +10,9 @@ namespace {
 
 constexpr size_t kGrayPixels = 40 + 4 * 256;
 
-size_t StrideOf(uint32_t width, uint32_t bitCount) { return (width * bitCount / 8 + 3) / 4 * 4; }
+size_t StrideOf(uint32_t width, uint32_t bitCount) {
+    return (size_t{width} * bitCount / 8 + 3) / 4 * 4;
+}
 
 }  // namespace
 
@@ -74,7 +76,7 @@ Bitmap GrayBitmap(uint32_t width, uint32_t height, const Bytes& pixels) {
     PutU32(bytes, 20, static_cast<uint32_t>(stride * height));
     PutU32(bytes, 32, 256);
     for (uint32_t gray = 0; gray < 256; ++gray)
-        PutU32(bytes, 40 + 4 * gray, gray * 0x010101);
+        PutU32(bytes, 40 + size_t{4} * gray, gray * 0x010101);
     for (size_t row = 0; row < height; ++row) {
         for (size_t column = 0; column < width; ++column) {
             bytes[kGrayPixels + (height - 1 - row) * stride + column] =

@@ -71,7 +71,7 @@ TEST(DuplicateZoom, PixelsCountByTheAreaThatIsCovered) {
 
 TEST(DuplicateZoom, OfAnEvenPictureStaysEven) {
     for (double zoom : {0.1, 0.37, 0.999, 1.5, 3.3}) {
-        const Bitmap zoomed = Duplicate(GrayBitmap(17, 13, Bytes(17 * 13, 77)), zoom);
+        const Bitmap zoomed = Duplicate(GrayBitmap(17, 13, Bytes(221, 77)), zoom);
         EXPECT_EQ(zoomed.Pixels(), Bytes(size_t{zoomed.Width()} * zoomed.Height(), 77)) << zoom;
     }
 }
@@ -132,7 +132,7 @@ TEST(InterpolateZoom, ReducesByMeans) {
 
 TEST(InterpolateZoom, OfAnEvenPictureStaysEven) {
     for (double zoom : {1.01, 1.5, 3.3, 10.0}) {
-        const Bitmap zoomed = Interpolate(GrayBitmap(17, 13, Bytes(17 * 13, 255)), zoom);
+        const Bitmap zoomed = Interpolate(GrayBitmap(17, 13, Bytes(221, 255)), zoom);
         EXPECT_EQ(zoomed.Pixels(), Bytes(size_t{zoomed.Width()} * zoomed.Height(), 255)) << zoom;
     }
 }
@@ -140,7 +140,7 @@ TEST(InterpolateZoom, OfAnEvenPictureStaysEven) {
 TEST(Zoom, GraysAreThoseOfTheColourTable) {
     Bytes bytes = BitmapBytes(2, 1, 8, 4 * 256 + 4);
     for (uint32_t i = 0; i < 256; ++i)
-        PutU32(bytes, 40 + 4 * i, (255 - i) * 0x010101);
+        PutU32(bytes, 40 + size_t{4} * i, (255 - i) * 0x010101);
     bytes[40 + 4 * 256] = 5;
     bytes[40 + 4 * 256 + 1] = 15;
     EXPECT_EQ(Duplicate(Bitmap(bytes), 0.5).Pixels(), (Bytes{245}));
