@@ -72,7 +72,7 @@ Bytes BitmapBytes(uint32_t width, uint32_t height, uint16_t bitCount, size_t pix
 
 Bitmap GrayBitmap(uint32_t width, uint32_t height, const Bytes& pixels) {
     const size_t stride = StrideOf(width, 8);
-    Bytes bytes = BitmapBytes(width, height, 8, 4 * 256 + stride * height);
+    Bytes bytes = BitmapBytes(width, height, 8, 1024 + stride * height);
     PutU32(bytes, 20, static_cast<uint32_t>(stride * height));
     PutU32(bytes, 32, 256);
     for (uint32_t gray = 0; gray < 256; ++gray)
