@@ -1,5 +1,5 @@
-# Installation: headers, module with its import library, pgtool, and a package that gives other CMake
-# projects the target pgkit::pgkit (find_package(pgkit)).
+# Installation: headers, modules with their import libraries, pgtool, and a package that gives other
+# CMake projects the targets pgkit::pgkit and pgkit::pgview32 (find_package(pgkit)).
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pgkit
@@ -15,6 +15,15 @@ install(TARGETS pgkit EXPORT pgkitTargets
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(TARGET pgtool)
   install(TARGETS pgtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+# Beside the library, where that and hosts find it.
+if(TARGET pgview32)
+  install(TARGETS pgview32 EXPORT pgkitTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/pgkit)

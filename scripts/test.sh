@@ -87,7 +87,7 @@ mkdir -p "$results"
 # An exit status of its own tells a sanitizer's report from a failed test.
 export ASAN_OPTIONS=exitcode=99:detect_leaks=1 UBSAN_OPTIONS=exitcode=99:print_stacktrace=1
 
-programs=(pgkit_tests pgkit_unit_tests)
+programs=(pgkit_tests pgkit_unit_tests pgkit_imaging_tests)
 for program in "${programs[@]}"; do
     # The stack that a thread of a Windows host typically has: deep trees must not need more.
     start_gtest "native-$program" prlimit --stack=1048576 "build/native/bin/$program"

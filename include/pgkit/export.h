@@ -1,4 +1,5 @@
-// pgkit: how the module's declarations are exported and imported.
+// pgkit: how the declarations of the module, and of its companion imaging module, are exported and
+// imported.
 #ifndef PGKIT_EXPORT_H
 #define PGKIT_EXPORT_H
 
@@ -8,8 +9,14 @@
 #else
 #define PGKIT_API __declspec(dllimport)
 #endif
+#if defined(PGVIEW_BUILDING_MODULE)
+#define PGVIEW_API __declspec(dllexport)
+#else
+#define PGVIEW_API __declspec(dllimport)
+#endif
 #else
 #define PGKIT_API __attribute__((visibility("default")))
+#define PGVIEW_API __attribute__((visibility("default")))
 #endif
 
 // Flat functions have C linkage and can be declared from C and from C++.
