@@ -30,8 +30,12 @@
 
 #include "pgkit/dataset.h"
 #include "pgkit/dictionary.h"
+#include "pgkit/directory.h"
+#include "pgkit/directory_records.h"
 #include "pgkit/export.h"
+#include "pgkit/list.h"
 #include "pgkit/node.h"
+#include "pgkit/patient_list.h"
 #include "pgkit/sopclass.h"
 #include "pgkit/uid.h"
 #include "pgkit/value_representation.h"

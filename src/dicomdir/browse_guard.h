@@ -1,0 +1,42 @@
+// Keeps a browse finite and in proportion to its DICOMDIR, whatever the links say: chains that run
+// in circles end, and records that many parents share are handled a bounded number of times.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "dicomdir/record_table.h"
+
+namespace pgkit {
+
+enum class RecordLevel : size_t { Patient, Study, Series, Leaf };
+constexpr size_t kRecordLevels = 4;
+
+class BrowseGuard {
+  public:
+    explicit BrowseGuard(const RecordTable& records);
+
+    // A walk along a chain begins. On one level no walk begins within another.
+    void BeginWalk(RecordLevel level);
+
+    // Whether the walk of this level may handle the record. False ends the chain there: the record
+    // was handled in this walk already, or the browse has used up what it may handle.
+    bool Admit(RecordLevel level, RecordNumber number);
+
+  private:
+    using WalkNumber = uint32_t;  // 0 is no walk
+
+    // The walks that handled a record last, by level.
+    using Visits = std::array<WalkNumber, kRecordLevels>;
+
+    const RecordTable& records_;
+    std::vector<Visits> visits_;
+    Visits current_{};
+    WalkNumber lastWalk_ = 0;
+    size_t recordsLeft_;
+    uint64_t bytesLeft_;
+};
+
+}  // namespace pgkit

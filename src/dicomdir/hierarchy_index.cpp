@@ -1,0 +1,32 @@
+#include "dicomdir/hierarchy_index.h"
+
+#include <cstring>
+
+#include "dataset/list_cells.h"
+#include "pgkit/dataset.h"
+
+namespace pgkit {
+
+bool PatientOrder::operator()(const PGX_DicomDirPatientNode* a,
+                              const PGX_DicomDirPatientNode* b) const {
+    const int ids = std::strcmp(a->patientId, b->patientId);
+    if (ids != 0) return ids < 0;
+    return pgComparePatientNames(a->patientsName, b->patientsName, 0) < 0;
+}
+
+void CellIndex::Append(PGX_List& list, void* object) {
+    PGX_ListElement*& before = cellsBefore_[object];
+    before = list.tail;
+    list.AddTail(object);
+}
+
+void CellIndex::Remove(PGX_List& list, void* object) {
+    const auto found = cellsBefore_.find(object);
+    PGX_ListElement* before = found->second;
+    cellsBefore_.erase(found);
+    RemoveAfter(list, before);
+    const PGX_ListElement* following = before == nullptr ? list.head : before->next;
+    if (following != nullptr) cellsBefore_[following->data] = before;
+}
+
+}  // namespace pgkit

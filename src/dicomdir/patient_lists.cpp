@@ -1,0 +1,46 @@
+// Hierarchies that live on without their DICOMDIR.
+#include "dicomdir/record_list.h"
+#include "pgkit/directory.h"
+#include "pgkit/patient_list.h"
+
+using pgkit::Records;
+
+namespace {
+
+// Directory records hold short keys and small icons: everything below this is worth loading.
+constexpr uint32_t kLoadLimit = 0x20000;
+
+// The records go with the DICOMDIR.
+void ForgetRecords(PGX_List& patients) {
+    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+        patient.record = nullptr;
+        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies)) {
+            study.record = nullptr;
+            for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series)) {
+                series.record = nullptr;
+                for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
+                    leaf.record = nullptr;
+            }
+        }
+    }
+}
+
+}  // namespace
+
+PGX_List* pgGetPatientListFromFile(const char* path) {
+    return pgGetPatientListFromOffshoreFile(path, nullptr);
+}
+
+PGX_List* pgGetPatientListFromOffshoreFile(const char* path, const char* location) {
+    PGX_DicomDir directory;
+    if (directory.OpenDicomDir(path, kLoadLimit) == 0) return nullptr;
+    directory.RelocateOffshoreDicomdir(location);
+    directory.Browse(nullptr, nullptr);
+    PGX_List* patients = directory.GiveAndForgetPatientList();
+    ForgetRecords(*patients);
+    return patients;
+}
+
+void pgEmptyPatientList(PGX_List* patients) {
+    if (patients != nullptr) pgkit::DestroyRecords<PGX_DicomDirPatientNode>(*patients);
+}

@@ -1,0 +1,64 @@
+// Removal of single objects from a hierarchy, and of the parents that it leaves empty.
+#include "dicomdir/record_list.h"
+#include "pgkit/patient_list.h"
+
+using pgkit::Records;
+
+namespace {
+
+using Patients = Records<PGX_DicomDirPatientNode>;
+using Studies = Records<PGX_DicomDirStudyNode>;
+using AllSeries = Records<PGX_DicomDirSeriesNode>;
+
+// Whether the list held the object, which is destroyed then.
+template <typename Record>
+bool RemoveFrom(PGX_List& list, Record* record) {
+    for (Record& held : Records<Record>(list)) {
+        if (&held != record) continue;
+        list.RemoveElement(record);
+        delete record;
+        return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void pgRemovePatient(PGX_List* patients, PGX_DicomDirPatientNode* patient) {
+    if (patients == nullptr || patient == nullptr) return;
+    patients->RemoveElement(patient);
+    delete patient;
+}
+
+void pgRemoveStudy(PGX_List* patients, PGX_DicomDirStudyNode* study) {
+    if (patients == nullptr || study == nullptr) return;
+    for (PGX_DicomDirPatientNode& patient : Patients(*patients)) {
+        if (!RemoveFrom(patient.studies, study)) continue;
+        if (patient.studies.count == 0) pgRemovePatient(patients, &patient);
+        return;
+    }
+}
+
+void pgRemoveSeries(PGX_List* patients, PGX_DicomDirSeriesNode* series) {
+    if (patients == nullptr || series == nullptr) return;
+    for (PGX_DicomDirPatientNode& patient : Patients(*patients)) {
+        for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
+            if (!RemoveFrom(study.series, series)) continue;
+            if (study.series.count == 0) pgRemoveStudy(patients, &study);
+            return;
+        }
+    }
+}
+
+void pgRemoveLeaf(PGX_List* patients, PGX_DicomDirLeafNode* leaf) {
+    if (patients == nullptr || leaf == nullptr) return;
+    for (PGX_DicomDirPatientNode& patient : Patients(*patients)) {
+        for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
+            for (PGX_DicomDirSeriesNode& series : AllSeries(study.series)) {
+                if (!RemoveFrom(series.leaves, leaf)) continue;
+                if (series.leaves.count == 0) pgRemoveSeries(patients, &series);
+                return;
+            }
+        }
+    }
+}

@@ -1,0 +1,46 @@
+// The directory records of a DICOMDIR: the items of its Directory Record Sequence, numbered in file
+// order, with the elements that link them and the place of each in the file.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "pgkit/node.h"
+
+namespace pgkit {
+
+using RecordNumber = uint32_t;
+
+struct DirectoryRecord {
+    PGX_Node* item;
+    PGX_Node* nextRecord;  // (0004,1400), null when there is none
+    PGX_Node* lowerLevel;  // (0004,1420), likewise
+};
+
+class RecordTable {
+  public:
+    // The records from an item on; none for null.
+    explicit RecordTable(PGX_Node* firstItem);
+
+    size_t Count() const { return records_.size(); }
+    const DirectoryRecord& operator[](RecordNumber number) const { return records_[number]; }
+
+    // The first record that begins at an offset of the file, which is where its item tag stands.
+    std::optional<RecordNumber> FindOffset(uint32_t offset) const;
+
+    // The number of a record of this table.
+    std::optional<RecordNumber> Find(const PGX_Node& item) const;
+
+    // How many bytes of the file the record takes.
+    uint64_t Extent(RecordNumber number) const;
+
+  private:
+    std::vector<DirectoryRecord> records_;
+    std::unordered_map<uint32_t, RecordNumber> byPosition_;
+    uint64_t fileSize_ = 0;
+};
+
+}  // namespace pgkit

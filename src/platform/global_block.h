@@ -1,0 +1,21 @@
+// Blocks of memory that change hands between modules: a handle that its receiver locks to see the
+// bytes. On Windows these are movable global memory blocks, which any module can lock and free; on
+// POSIX the handle is the address of the bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace pgkit::platform {
+
+// A block of zeroed bytes; null when memory runs out.
+void* AllocateGlobalBlock(size_t size);
+
+// The block's bytes, which stay in place until it is unlocked; null for a null or stale handle.
+uint8_t* LockGlobalBlock(void* handle);
+void UnlockGlobalBlock(void* handle);
+
+// Null is allowed.
+void FreeGlobalBlock(void* handle);
+
+}  // namespace pgkit::platform
