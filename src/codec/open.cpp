@@ -1,4 +1,6 @@
 // The exported functions that open files and streams, and the quick test for a Part 10 file.
+#include "codec/open.h"
+
 #include <new>
 #include <optional>
 
@@ -7,7 +9,6 @@
 #include "codec/stream_reader.h"
 #include "dataset/node_ptr.h"
 #include "frame/diagnostics.h"
-#include "frame/text.h"
 #include "pgkit/dataset.h"
 #include "pgkit/node.h"
 #include "platform/platform.h"
@@ -41,17 +42,7 @@ PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t fla
 }
 
 PGX_Node* OpenFile(const char* path, uint32_t maxLoadLength, uint32_t flags) {
-    FILE* stream = platform::OpenForReading(path);
-    if (stream == nullptr) return nullptr;
-    PGX_Node* root = nullptr;
-    try {
-        StreamReader reader(stream);
-        root = ParseStream(reader, maxLoadLength, flags);
-    } catch (const std::bad_alloc&) {
-        root = nullptr;
-    }
-    if (root == nullptr) std::fclose(stream);
-    return root;
+    return OpenDataSet(platform::FileHandle(platform::OpenForReading(path)), maxLoadLength, flags);
 }
 
 // The stream is the caller's until the parse has ended one way or the other; when memory runs out
@@ -74,6 +65,31 @@ PGX_Node* OpenStream(FILE* stream, uint32_t maxLoadLength, uint32_t flags) {
 
 }  // namespace
 
+platform::FileHandle OpenToTest(const char* path) {
+    platform::FileHandle stream(platform::OpenForReading(path));
+    if (stream == nullptr) {
+        PrintError("pgIsDicomFile : unable to open %s\n", path == nullptr ? "" : path);
+    }
+    return stream;
+}
+
+bool IsDicomStream(FILE* stream) {
+    StreamReader reader(stream);
+    return SkipPreamble(reader);
+}
+
+PGX_Node* OpenDataSet(platform::FileHandle stream, uint32_t maxLoadLength, uint32_t flags) {
+    if (stream == nullptr) return nullptr;
+    try {
+        StreamReader reader(stream.get());
+        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
+        if (root != nullptr) stream.release();
+        return root;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 }  // namespace pgkit
 
 PGX_Node* pgOpenDataSetFile(const char* path, uint32_t maxLoadLength) {
@@ -93,13 +109,6 @@ PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength, uint32
 }
 
 int32_t pgIsDicomFile(const char* path) {
-    FILE* stream = pgkit::platform::OpenForReading(path);
-    if (stream == nullptr) {
-        pgkit::PrintError("pgIsDicomFile : unable to open %s\n", path == nullptr ? "" : path);
-        return 0;
-    }
-    pgkit::StreamReader reader(stream);
-    const bool isDicom = pgkit::SkipPreamble(reader);
-    std::fclose(stream);
-    return isDicom ? 1 : 0;
+    const pgkit::platform::FileHandle stream = pgkit::OpenToTest(path);
+    return stream != nullptr && pgkit::IsDicomStream(stream.get()) ? 1 : 0;
 }

@@ -19,6 +19,8 @@ FILE* OpenForUpdate(const char* path);
 // Creates or truncates a file; null on failure.
 FILE* CreateBinary(const char* path);
 FILE* CreateText(const char* path);
+// Opens a text file, or creates it, for writing at its end; null on failure.
+FILE* AppendText(const char* path);
 
 // True for anything that the path names, directories included.
 bool PathExists(const char* path);

@@ -123,6 +123,8 @@ FILE* CreateBinary(const char* path) { return Create(path, "wb"); }
 
 FILE* CreateText(const char* path) { return Create(path, "w"); }
 
+FILE* AppendText(const char* path) { return Create(path, "a"); }
+
 bool PathExists(const char* path) {
     struct stat status;
     return StatPath(path, &status);

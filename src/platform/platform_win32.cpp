@@ -68,6 +68,8 @@ FILE* CreateBinary(const char* path) { return Create(path, "wb"); }
 
 FILE* CreateText(const char* path) { return Create(path, "w"); }
 
+FILE* AppendText(const char* path) { return Create(path, "a"); }
+
 bool PathExists(const char* path) {
     return path != nullptr && GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
 }
