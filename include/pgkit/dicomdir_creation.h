@@ -12,6 +12,7 @@
 #endif
 
 #include "pgkit/export.h"
+#include "pgkit/list.h"
 
 // What became of a file.
 typedef enum PgAcceptanceCode {
@@ -68,6 +69,46 @@ PGKIT_API int32_t pgDirAcceptDataset(const char* transferSyntaxUid, const char* 
 PGKIT_API int32_t pgDirAcceptDataset2(const char* transferSyntaxUid, const char* sopClassUid,
                                       const char* photometricInterpretation, const char* modality,
                                       const char* profile);
+
+// ---- Writing a DICOMDIR -------------------------------------------------------------------------
+
+// Told of every file of a scan, once it is judged.
+typedef struct PgDicomdirScanReason {
+    const char* fileName;     /* without its directory */
+    const char* subdirectory; /* below the scanned one, with backslashes; empty for that itself */
+    uint32_t acceptanceCode;  /* PgAcceptanceCode */
+    void* userData;
+} PgDicomdirScanReason;
+
+// Anything but 0 ends the scan; what it has found so far counts. While a scan runs, the hierarchy
+// must not be changed.
+typedef int32_t (*PgDicomdirScanCallback)(const PgDicomdirScanReason* reason);
+
+// Writes the DICOMDIR of a hierarchy, the list of its PGX_DicomDirPatientNode, to the file DICOMDIR
+// of a directory, and appends a line with code 0 for every leaf to the acceptance list file there,
+// dcmdir.lst. Records have the keys of their objects, also the empty ones, and refer to files by
+// referencedFileId; leaves of referencedDataSetSize 0 say no size. Without a File-set ID (null or
+// empty) it is "KIT_ZORVA_2865". The hierarchy is left as it is.
+//
+// Returns what PGX_Node::SaveDataSetAsEx returns: 0 when the DICOMDIR is written, 1 when it cannot
+// be created, also for a null list or directory, 5 when memory runs out.
+PGKIT_API uint32_t pgBuildDicomdir(PGX_List* patients, const char* directory);
+PGKIT_API uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory,
+                                     const char* fileSetId);
+
+// Makes the DICOMDIR of a directory: creates the acceptance list file, adds every file that the
+// profile (null or empty: none) allows, and writes the DICOMDIR. Files come in the byte order of
+// their names, those of a directory before those of its subdirectories. A directory that several
+// links lead to is visited by one of them.
+//
+// The plain form has no options. Patient ID, Study ID, Study Date and Time and Series Number are
+// made up, on demand, where they are empty. A trailing backslash of the directory is dropped.
+// Results are those of pgBuildDicomdir: files that are refused do not matter.
+PGKIT_API uint32_t pgCreateDicomdir(const char* directory, const char* profile,
+                                    PgDicomdirScanCallback callback, void* userData);
+PGKIT_API uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
+                                      const PgDicomdirOptions* options,
+                                      PgDicomdirScanCallback callback, void* userData);
 
 PGKIT_END_C
 

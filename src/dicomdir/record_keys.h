@@ -30,7 +30,7 @@ void ReadKey(PGX_Node& record, KeyTag tag, char (&field)[Size], const char* abse
 template <size_t Size>
 void TrimField(char (&field)[Size]) {
     const std::string_view trimmed = TrimBlanks(field);
-    std::memmove(field, trimmed.data(), trimmed.size());
+    if (!trimmed.empty()) std::memmove(field, trimmed.data(), trimmed.size());
     field[trimmed.size()] = '\0';
 }
 

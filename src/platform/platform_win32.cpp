@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "platform/platform.h"
@@ -101,6 +102,23 @@ std::optional<FileIdentity> IdentityOf(const char* path) {
     return Identity(handle.get());
 }
 
+std::vector<DirectoryEntry> ListDirectory(const char* path) {
+    std::vector<DirectoryEntry> entries;
+    WIN32_FIND_DATAA found;
+    const HANDLE search = FindFirstFileA((std::string(path) + "\\*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return entries;
+    do {
+        const std::string name = found.cFileName;
+        if (name == "." || name == "..") continue;
+        entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
+                           (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0});
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
+    std::sort(entries.begin(), entries.end(),
+              [](const DirectoryEntry& a, const DirectoryEntry& b) { return a.name < b.name; });
+    return entries;
+}
+
 std::string UnusedPathBeside(const char* path) {
     for (unsigned number = 0;; ++number) {
         std::string candidate = path + (".new" + std::to_string(number));
@@ -146,6 +164,12 @@ std::string HostProgramPath() {
     char path[1024];
     const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
     return length < sizeof path ? std::string(path, length) : std::string();
+}
+
+CalendarTime LocalTime() {
+    SYSTEMTIME local;
+    GetLocalTime(&local);
+    return {local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond};
 }
 
 int32_t CompareNames(const std::string& a, const std::string& b) {
