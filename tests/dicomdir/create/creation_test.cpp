@@ -1,10 +1,10 @@
 // A folder becomes a medium: scanned, judged, written, and read back.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -77,6 +77,13 @@ std::vector<PGX_Node*> ItemsOf(PGX_Node* root) {
     return items;
 }
 
+// The text with every digit as '#'.
+std::string Pattern(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '#');
+    return text;
+}
+
 // The first record of a type.
 PGX_Node* RecordOf(PGX_Node* root, const std::string& type) {
     for (PGX_Node* item : ItemsOf(root)) {
@@ -107,9 +114,9 @@ TEST_F(Creation, WritesTheMetaInformation) {
         return std::string(TextOf(Child(root.get(), 0x0002, element)).c_str());
     };
     EXPECT_EQ(uid(0x0002), "1.2.840.10008.1.3.10");
-    EXPECT_TRUE(std::regex_match(uid(0x0003),
-                                 std::regex("1\\.2\\.999\\.1\\.47\\.453\\.2865\\.\\d{14}\\.\\d+")))
-        << uid(0x0003);
+    const std::string prefix = "1.2.999.1.47.453.2865.";
+    EXPECT_EQ(uid(0x0003).substr(0, prefix.size()), prefix);
+    EXPECT_EQ(Pattern(uid(0x0003)).substr(prefix.size(), 16), "##############.#");
     EXPECT_EQ(uid(0x0010), "1.2.840.10008.1.2.1");
     EXPECT_EQ(uid(0x0012), "1.2.999.1.47.453.2865");
     EXPECT_EQ(uid(0x0013), "KIT_ZORVA_2865");
@@ -410,14 +417,11 @@ TEST_F(Creation, MakesUpMissingKeysOnDemand) {
     const auto key = [&](const char* type, uint16_t group, uint16_t element) {
         return TextOf(Child(RecordOf(root.get(), type), group, element));
     };
-    const auto matches = [](const std::string& text, const char* pattern) {
-        return std::regex_match(text, std::regex(pattern)) ? "" : text;
-    };
-    EXPECT_EQ(matches(key("PATIENT ", 0x0010, 0x0020), "ZORVA_PATID_\\d{6}"), "");
-    EXPECT_EQ(matches(key("STUDY ", 0x0020, 0x0010), "ZORVA_STID_\\d{5}"), "");
-    EXPECT_EQ(matches(key("STUDY ", 0x0008, 0x0020), "\\d{8}"), "");
-    EXPECT_EQ(matches(key("STUDY ", 0x0008, 0x0030), "\\d{6}"), "");
-    EXPECT_EQ(matches(key("SERIES", 0x0020, 0x0011), "\\d+ ?"), "");
+    EXPECT_EQ(Pattern(key("PATIENT ", 0x0010, 0x0020)), "ZORVA_PATID_######");
+    EXPECT_EQ(Pattern(key("STUDY ", 0x0020, 0x0010)), "ZORVA_STID_#####");
+    EXPECT_EQ(Pattern(key("STUDY ", 0x0008, 0x0020)), "########");
+    EXPECT_EQ(Pattern(key("STUDY ", 0x0008, 0x0030)), "######");
+    EXPECT_EQ(Pattern(key("SERIES", 0x0020, 0x0011))[0], '#');
 }
 
 TEST_F(Creation, LeavesKeysAloneThatAreThere) {
