@@ -29,6 +29,7 @@
 #define PGKIT_PGKIT_H
 
 #include "pgkit/dataset.h"
+#include "pgkit/dicomdir_creation.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/directory.h"
 #include "pgkit/directory_records.h"

@@ -1,5 +1,6 @@
 // The exported functions that open files and streams, and the quick test for a Part 10 file.
-#include <memory>
+#include "codec/open.h"
+
 #include <new>
 #include <optional>
 
@@ -8,7 +9,6 @@
 #include "codec/stream_reader.h"
 #include "dataset/node_ptr.h"
 #include "frame/diagnostics.h"
-#include "frame/text.h"
 #include "pgkit/dataset.h"
 #include "pgkit/node.h"
 #include "platform/platform.h"
@@ -41,19 +41,9 @@ PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t fla
     return root.release();
 }
 
-struct FileCloser {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-};
-
 PGX_Node* OpenFile(const char* path, uint32_t maxLoadLength, uint32_t flags) {
     try {
-        uint64_t size = 0;
-        std::unique_ptr<FILE, FileCloser> stream(platform::OpenForReading(path, size));
-        if (!stream) return nullptr;
-        StreamReader reader(stream.get(), size);
-        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
-        if (root != nullptr) static_cast<void>(stream.release());
-        return root;
+        return OpenDataSet(OpenInput(path), maxLoadLength, flags);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -79,6 +69,37 @@ PGX_Node* OpenStream(FILE* stream, uint32_t maxLoadLength, uint32_t flags) {
 
 }  // namespace
 
+InputFile OpenInput(const char* path) {
+    InputFile file;
+    file.stream.reset(platform::OpenForReading(path, file.size));
+    return file;
+}
+
+InputFile OpenToTest(const char* path) {
+    InputFile file = OpenInput(path);
+    if (file.stream == nullptr) {
+        PrintError("pgIsDicomFile : unable to open %s\n", path == nullptr ? "" : path);
+    }
+    return file;
+}
+
+bool IsDicomStream(const InputFile& file) {
+    StreamReader reader(file.stream.get(), file.size);
+    return SkipPreamble(reader);
+}
+
+PGX_Node* OpenDataSet(InputFile file, uint32_t maxLoadLength, uint32_t flags) {
+    if (file.stream == nullptr) return nullptr;
+    try {
+        StreamReader reader(file.stream.get(), file.size);
+        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
+        if (root != nullptr) static_cast<void>(file.stream.release());
+        return root;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 }  // namespace pgkit
 
 PGX_Node* pgOpenDataSetFile(const char* path, uint32_t maxLoadLength) {
@@ -98,14 +119,6 @@ PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength, uint32
 }
 
 int32_t pgIsDicomFile(const char* path) {
-    uint64_t size = 0;
-    FILE* stream = pgkit::platform::OpenForReading(path, size);
-    if (stream == nullptr) {
-        pgkit::PrintError("pgIsDicomFile : unable to open %s\n", path == nullptr ? "" : path);
-        return 0;
-    }
-    pgkit::StreamReader reader(stream, size);
-    const bool isDicom = pgkit::SkipPreamble(reader);
-    std::fclose(stream);
-    return isDicom ? 1 : 0;
+    const pgkit::InputFile file = pgkit::OpenToTest(path);
+    return file.stream != nullptr && pgkit::IsDicomStream(file) ? 1 : 0;
 }

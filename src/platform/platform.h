@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace pgkit::platform {
 
@@ -21,6 +22,8 @@ FILE* OpenForUpdate(const char* path);
 // Creates or truncates a file; null on failure.
 FILE* CreateBinary(const char* path);
 FILE* CreateText(const char* path);
+// Opens a text file, or creates it, for writing at its end; null on failure.
+FILE* AppendText(const char* path);
 
 // True for anything that the path names, directories included.
 bool PathExists(const char* path);
@@ -37,6 +40,16 @@ struct FileIdentity {
 };
 std::optional<FileIdentity> IdentityOf(FILE* stream);
 std::optional<FileIdentity> IdentityOf(const char* path);
+
+// What a directory holds: files and directories, hidden ones too, in the byte order of their names.
+// On POSIX a link counts as what it leads to, and what is neither (a pipe, a device, a link that
+// leads nowhere) is left out. Empty for a path that is no readable directory.
+struct DirectoryEntry {
+    std::string name;
+    bool isDirectory;
+    bool isLink;  // the way to it is not the only one: following it may lead in a circle
+};
+std::vector<DirectoryEntry> ListDirectory(const char* path);
 
 // A path in the directory of an existing file (of the file itself where the path is a link to it)
 // at which there is nothing yet.
@@ -58,6 +71,16 @@ uint64_t StreamSize(FILE* stream);
 // Full path of the host process's executable, with backslashes. Empty when it is not known or as
 // long as the buffer of 1024 bytes that the lookup of files beside it allows.
 std::string HostProgramPath();
+
+struct CalendarTime {
+    int year;
+    int month;  // from 1
+    int day;
+    int hour;
+    int minute;
+    int second;
+};
+CalendarTime LocalTime();
 
 // Compares two texts by the system's default locale, ignoring case, diacritics, symbols and
 // character width. Returns -1, 0 or 1; -2 on failure.

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <string_view>
 
@@ -92,6 +93,20 @@ std::string WithoutLinks(const std::string& path) {
     return resolved != nullptr ? resolved.get() : path;
 }
 
+// Most file systems say what an entry is; only links, and entries of the others, cost a look.
+std::optional<DirectoryEntry> Classify(const std::string& directory, const dirent& entry) {
+    DirectoryEntry known{entry.d_name, entry.d_type == DT_DIR, entry.d_type == DT_LNK};
+    if (entry.d_type == DT_REG || entry.d_type == DT_DIR) return known;
+    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return std::nullopt;
+    const std::string path = directory + "/" + known.name;
+    struct stat status;
+    known.isLink = ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    known.isDirectory = S_ISDIR(status.st_mode);
+    if (!known.isDirectory && !S_ISREG(status.st_mode)) return std::nullopt;
+    return known;
+}
+
 FILE* Unbuffered(FILE* stream) {
     if (stream != nullptr) std::setvbuf(stream, nullptr, _IONBF, 0);
     return stream;
@@ -145,6 +160,8 @@ FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
 
 FILE* CreateText(const char* path) { return Create(path, "w"); }
 
+FILE* AppendText(const char* path) { return Create(path, "a"); }
+
 bool PathExists(const char* path) {
     struct stat status;
     return StatPath(path, &status);
@@ -171,6 +188,21 @@ std::optional<FileIdentity> IdentityOf(const char* path) {
     struct stat status;
     if (!StatPath(path, &status)) return std::nullopt;
     return Identity(status);
+}
+
+std::vector<DirectoryEntry> ListDirectory(const char* path) {
+    std::vector<DirectoryEntry> entries;
+    const std::string directory = NativePath(path);
+    const std::unique_ptr<DIR, DirectoryCloser> listing(::opendir(directory.c_str()));
+    if (!listing) return entries;
+    while (const dirent* entry = ::readdir(listing.get())) {
+        const std::string name = entry->d_name;
+        if (name == "." || name == "..") continue;
+        if (const auto known = Classify(directory, *entry)) entries.push_back(*known);
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const DirectoryEntry& a, const DirectoryEntry& b) { return a.name < b.name; });
+    return entries;
 }
 
 std::string UnusedPathBeside(const char* path) {
@@ -223,6 +255,14 @@ std::string HostProgramPath() {
     std::string result(path, static_cast<size_t>(length));
     std::replace(result.begin(), result.end(), '/', '\\');
     return result;
+}
+
+CalendarTime LocalTime() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+            local.tm_hour,        local.tm_min,     local.tm_sec};
 }
 
 int32_t CompareNames(const std::string& a, const std::string& b) { return CollateNames(a, b); }

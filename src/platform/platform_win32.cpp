@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "platform/platform.h"
@@ -86,6 +87,8 @@ FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
 
 FILE* CreateText(const char* path) { return Create(path, "w"); }
 
+FILE* AppendText(const char* path) { return Create(path, "a"); }
+
 bool PathExists(const char* path) {
     return path != nullptr && GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
 }
@@ -115,6 +118,23 @@ std::optional<FileIdentity> IdentityOf(const char* path) {
     const std::unique_ptr<HANDLE, CloseFileHandle> handle(CreateFileA(
         path, 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     return Identity(handle.get());
+}
+
+std::vector<DirectoryEntry> ListDirectory(const char* path) {
+    std::vector<DirectoryEntry> entries;
+    WIN32_FIND_DATAA found;
+    const HANDLE search = FindFirstFileA((std::string(path) + "\\*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return entries;
+    do {
+        const std::string name = found.cFileName;
+        if (name == "." || name == "..") continue;
+        entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
+                           (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0});
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
+    std::sort(entries.begin(), entries.end(),
+              [](const DirectoryEntry& a, const DirectoryEntry& b) { return a.name < b.name; });
+    return entries;
 }
 
 std::string UnusedPathBeside(const char* path) {
@@ -162,6 +182,12 @@ std::string HostProgramPath() {
     char path[1024];
     const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
     return length < sizeof path ? std::string(path, length) : std::string();
+}
+
+CalendarTime LocalTime() {
+    SYSTEMTIME local;
+    GetLocalTime(&local);
+    return {local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond};
 }
 
 int32_t CompareNames(const std::string& a, const std::string& b) {

@@ -259,4 +259,53 @@ TEST(CompareNames, GivesTheOrder) {
     EXPECT_EQ(platform::CompareNames("", ""), 0);
 }
 
+// "name", with a slash behind directories.
+std::string NamesIn(const std::string& directory) {
+    std::string names;
+    for (const platform::DirectoryEntry& entry : platform::ListDirectory(directory.c_str()))
+        names += entry.name + (entry.isDirectory ? "/ " : " ");
+    return names;
+}
+
+TEST(PlatformDirectory, ListsItsEntriesInTheByteOrderOfTheirNames) {
+    const TempDir directory;
+    for (const char* name : {"b", "C", ".hidden", "a1"})
+        directory.Write(name, "");
+    fs::create_directories(directory.Path("a/inner"));
+    EXPECT_EQ(NamesIn(directory.Path(".")), ".hidden C a/ a1 b ");
+    EXPECT_EQ(NamesIn(directory.Path(".") + "\\a"), "inner/ ");
+}
+
+TEST(PlatformDirectory, IsEmptyWhereThereIsNone) {
+    const TempDir directory;
+    directory.Write("file", "");
+    EXPECT_EQ(NamesIn(directory.Path("missing")), "");
+    EXPECT_EQ(NamesIn(directory.Path("file")), "");
+}
+
+TEST(PlatformDirectory, TellsLinksAndWhatTheyLeadTo) {
+    const TempDir directory;
+    fs::create_directory(directory.Path("real"));
+    std::error_code error;
+    fs::create_directory_symlink(directory.Path("real"), directory.Path("link"), error);
+    if (error) GTEST_SKIP() << "no links here";
+    fs::create_symlink(directory.Path("nothing"), directory.Path("dangling"), error);
+    const auto entries = platform::ListDirectory(directory.Path(".").c_str());
+    ASSERT_EQ(entries.size(), 2u);
+    EXPECT_TRUE(entries[0].isLink && entries[0].isDirectory);
+    EXPECT_FALSE(entries[1].isLink);
+}
+
+TEST(PlatformFiles, AreAppendedTo) {
+    const TempDir directory;
+    const std::string path = directory.Path("list");
+    for (const char* text : {"first ", "second"}) {
+        const File file(platform::AppendText(path.c_str()));
+        ASSERT_NE(file, nullptr);
+        std::fputs(text, file.get());
+    }
+    EXPECT_EQ(LineOf(path), "first second");
+    EXPECT_EQ(platform::AppendText(directory.Path("missing/list").c_str()), nullptr);
+}
+
 }  // namespace

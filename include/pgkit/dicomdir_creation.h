@@ -1,0 +1,115 @@
+// pgkit: making a DICOMDIR: files are judged, sorted into a hierarchy, and written as records.
+//
+// A medium is a directory. Its DICOMDIR refers to the files below it by their paths relative to the
+// directory, and has a record for each of them under those of its series, study and patient.
+#ifndef PGKIT_DICOMDIR_CREATION_H
+#define PGKIT_DICOMDIR_CREATION_H
+
+#include <stdint.h>
+
+#if defined(__cplusplus)
+#include <cstddef>
+#endif
+
+#include "pgkit/export.h"
+#include "pgkit/list.h"
+
+// What became of a file.
+typedef enum PgAcceptanceCode {
+    PG_ACCEPTED = 0,
+    PG_INVALID_FILE_NAME = 1,      /* an argument of pgAddFile is null */
+    PG_NOT_DICOM_PART_10 = 2,      /* no "DICM" at offset 128, or the file cannot be read */
+    PG_NOT_A_DATA_SET = 3,         /* it cannot be decoded, or says nothing about its SOP class */
+    PG_IS_A_DICOMDIR = 4,          /* by its name or by its SOP class */
+    PG_PROFILE_REFUSES = 5,        /* the media application profile does not allow it */
+    PG_INSTANCE_KNOWN = 6,         /* the series has a file of this SOP Instance UID already */
+    PG_NO_SOP_INSTANCE_UID = 7,    /* (0008,0018) is missing or empty */
+    PG_NO_SERIES_INSTANCE_UID = 8, /* (0020,000E) is missing or empty */
+    PG_NO_STUDY_INSTANCE_UID = 9   /* (0020,000D) is missing or empty; comes before 8 */
+} PgAcceptanceCode;
+
+// Bits of PgDicomdirOptions::flags.
+typedef enum PgDicomdirFlags {
+    PG_DICOMDIR_SKIP_CHECKS = 0x1, /* neither "DICM" nor the profile is asked for */
+    PG_DICOMDIR_NO_RECURSION = 0x10,
+    PG_DICOMDIR_NO_LIST = 0x20 /* no acceptance list file */
+} PgDicomdirFlags;
+
+// Null in the place of options means all zero.
+typedef struct PgDicomdirOptions {
+    uint32_t iconSize;        /* edge of image icons in pixels; 0 or above 256: no icons */
+    uint32_t seriesIcons;     /* not 0: series get icons too */
+    uint32_t storeFileSize;   /* not 0: every file's record says its size */
+    uint32_t fillMissingKeys; /* not 0: missing keys are made up after a scan */
+    char fileSetId[20];       /* File-set ID; empty for the default */
+    uint32_t flags;           /* PgDicomdirFlags */
+} PgDicomdirOptions;
+
+#if defined(__cplusplus)
+// The layout is part of the interface.
+static_assert(sizeof(PgDicomdirOptions) == 40 && offsetof(PgDicomdirOptions, seriesIcons) == 4 &&
+              offsetof(PgDicomdirOptions, storeFileSize) == 8 &&
+              offsetof(PgDicomdirOptions, fillMissingKeys) == 12 &&
+              offsetof(PgDicomdirOptions, fileSetId) == 16 &&
+              offsetof(PgDicomdirOptions, flags) == 36);
+#endif
+
+PGKIT_BEGIN_C
+
+// Whether a media application profile, such as "STD-GEN-CD", allows a data set: 1 or 0. 56 profiles
+// of the standard and of this library are built in. Without a profile (null or empty) everything is
+// allowed; a profile that is unknown, or made for mail, allows nothing.
+//
+// Values are compared exactly, apart from blanks around them. Null counts as empty. For images a
+// modality that is null or empty (as pgDirAcceptDataset has it) fits every rule; for other objects
+// it fits those rules only that name no modality. The photometric interpretation matters for images
+// alone.
+PGKIT_API int32_t pgDirAcceptDataset(const char* transferSyntaxUid, const char* sopClassUid,
+                                     const char* photometricInterpretation, const char* profile);
+PGKIT_API int32_t pgDirAcceptDataset2(const char* transferSyntaxUid, const char* sopClassUid,
+                                      const char* photometricInterpretation, const char* modality,
+                                      const char* profile);
+
+// ---- Writing a DICOMDIR -------------------------------------------------------------------------
+
+// Told of every file of a scan, once it is judged.
+typedef struct PgDicomdirScanReason {
+    const char* fileName;     /* without its directory */
+    const char* subdirectory; /* below the scanned one, with backslashes; empty for that itself */
+    uint32_t acceptanceCode;  /* PgAcceptanceCode */
+    void* userData;
+} PgDicomdirScanReason;
+
+// Anything but 0 ends the scan; what it has found so far counts. While a scan runs, the hierarchy
+// must not be changed.
+typedef int32_t (*PgDicomdirScanCallback)(const PgDicomdirScanReason* reason);
+
+// Writes the DICOMDIR of a hierarchy, the list of its PGX_DicomDirPatientNode, to the file DICOMDIR
+// of a directory, and appends a line with code 0 for every leaf to the acceptance list file there,
+// dcmdir.lst. Records have the keys of their objects, also the empty ones, and refer to files by
+// referencedFileId; leaves of referencedDataSetSize 0 say no size. Without a File-set ID (null or
+// empty) it is "KIT_ZORVA_2865". The hierarchy is left as it is.
+//
+// Returns what PGX_Node::SaveDataSetAsEx returns: 0 when the DICOMDIR is written, 1 when it cannot
+// be created, also for a null list or directory, 5 when memory runs out.
+PGKIT_API uint32_t pgBuildDicomdir(PGX_List* patients, const char* directory);
+PGKIT_API uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory,
+                                     const char* fileSetId);
+
+// Makes the DICOMDIR of a directory: creates the acceptance list file, adds every file that the
+// profile (null or empty: none) allows, and writes the DICOMDIR. Files come in the byte order of
+// their names, those of a directory before those of its subdirectories. A directory that several
+// links lead to is visited by one of them.
+//
+// The plain form has no options. Patient ID, Study ID, Study Date and Time and Series Number are
+// made up, on demand, where they are empty. A trailing backslash of the directory is dropped.
+// Results are those of pgBuildDicomdir: files that are refused do not matter.
+PGKIT_API uint32_t pgCreateDicomdir(const char* directory, const char* profile,
+                                    PgDicomdirScanCallback callback, void* userData);
+PGKIT_API uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
+                                      const PgDicomdirOptions* options,
+                                      PgDicomdirScanCallback callback, void* userData);
+
+PGKIT_END_C
+
+#endif

@@ -1,0 +1,134 @@
+#include "dicomdir/create/dicomdir_build.h"
+
+#include <new>
+
+#include "codec/write_result.h"
+#include "dataset/node_ptr.h"
+#include "dicomdir/create/generated_values.h"
+#include "dicomdir/create/record_items.h"
+#include "dicomdir/record_list.h"
+#include "pgkit/dicomdir_creation.h"
+#include "pgkit/directory_records.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr std::string_view kImplementation = "KIT_ZORVA_2865";
+constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
+constexpr int32_t kWriteMode = PG_LITTLE_ENDIAN | PG_EXPLICIT_VR | PG_META;
+
+NodeTree NewFileSet(std::string_view fileSetId) {
+    NodeTree root(pgAllocateDataSetNode());
+    if (root == nullptr) throw std::bad_alloc();
+    PutBytes(*root, 0x0002, 0x0001, kMetaInformationVersion, sizeof kMetaInformationVersion);
+    PutText(*root, 0x0002, 0x0002, "1.2.840.10008.1.3.10");
+    PutText(*root, 0x0002, 0x0003, NewDicomdirUid());
+    PutText(*root, 0x0002, 0x0010, "1.2.840.10008.1.2.1");
+    PutText(*root, 0x0002, 0x0012, "1.2.999.1.47.453.2865");
+    PutText(*root, 0x0002, 0x0013, kImplementation);
+    PutText(*root, 0x0004, 0x1130, fileSetId.empty() ? kImplementation : fileSetId);
+    PutNumber<uint32_t>(*root, 0x0004, 0x1200, 0);
+    PutNumber<uint32_t>(*root, 0x0004, 0x1202, 0);
+    PutNumber<uint16_t>(*root, 0x0004, 0x1212, 0);
+    PutBytes(*root, 0x0004, 0x1220, nullptr, 0);
+    return root;
+}
+
+// The value becomes the position at which the target is written.
+void PointAt(PGX_Node& link, PGX_Node& target) {
+    link.offsetPending = 1;
+    link.offsetTarget = &target;
+}
+
+// The records of one level under one parent: each is linked from the one before, the first from the
+// parent.
+class RecordChain {
+  public:
+    explicit RecordChain(PGX_Node* firstLink) : link_(firstLink) {}
+    static RecordChain Below(PGX_Node& record) {
+        return RecordChain(record.FindNode(0x0004, kLowerLevelLink));
+    }
+
+    void Append(PGX_Node& record) {
+        PointAt(*link_, record);
+        link_ = record.FindNode(0x0004, kNextRecordLink);
+    }
+
+  private:
+    PGX_Node* link_;
+};
+
+class DirectoryWriter {
+  public:
+    DirectoryWriter(PGX_Node& root, const BuildRequest& request)
+        : root_(root), request_(request), end_(&root.FindNode(0x0004, 0x1220)->first) {}
+
+    void WritePatients(PGX_List& patients) {
+        RecordChain chain(root_.FindNode(0x0004, 0x1200));
+        for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+            PGX_Node& record = Append(NewPatientItem(patient), chain);
+            PointAt(*root_.FindNode(0x0004, 0x1202), record);
+            WriteStudies(patient, record);
+        }
+    }
+
+  private:
+    void WriteStudies(PGX_DicomDirPatientNode& patient, PGX_Node& parent) {
+        RecordChain chain = RecordChain::Below(parent);
+        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies))
+            WriteSeries(study, Append(NewStudyItem(study), chain));
+    }
+
+    void WriteSeries(PGX_DicomDirStudyNode& study, PGX_Node& parent) {
+        RecordChain chain = RecordChain::Below(parent);
+        for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series))
+            WriteLeaves(series, Append(NewSeriesItem(series), chain));
+    }
+
+    void WriteLeaves(PGX_DicomDirSeriesNode& series, PGX_Node& parent) {
+        RecordChain chain = RecordChain::Below(parent);
+        for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves)) {
+            Append(NewLeafItem(leaf, request_.wantsFileSizes), chain);
+            if (request_.list != nullptr) request_.list->Append(PG_ACCEPTED, leaf.fullPath);
+        }
+    }
+
+    // Puts an item at the end of the sequence, which owns it from then on.
+    PGX_Node& Append(NodeTree item, RecordChain& chain) {
+        PGX_Node& record = *item.release();
+        *end_ = &record;
+        end_ = &record.next;
+        chain.Append(record);
+        return record;
+    }
+
+    PGX_Node& root_;
+    const BuildRequest& request_;
+    PGX_Node** end_;
+};
+
+}  // namespace
+
+uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request) {
+    const NodeTree root = NewFileSet(request.fileSetId);
+    DirectoryWriter(*root, request).WritePatients(patients);
+    return root->SaveDataSetAsEx((request.directory + "\\DICOMDIR").c_str(), kWriteMode);
+}
+
+}  // namespace pgkit
+
+uint32_t pgBuildDicomdir(PGX_List* patients, const char* directory) {
+    return pgBuildDicomdirEx(patients, directory, nullptr);
+}
+
+uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory, const char* fileSetId) {
+    if (patients == nullptr || directory == nullptr) return pgkit::kCannotCreate;
+    try {
+        pgkit::AcceptanceList list(directory);
+        return pgkit::BuildDicomdir(
+            *patients, {directory, fileSetId == nullptr ? "" : fileSetId, false, &list});
+    } catch (const std::bad_alloc&) {
+        return pgkit::kOutOfMemory;
+    }
+}

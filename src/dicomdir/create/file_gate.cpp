@@ -1,0 +1,85 @@
+#include "dicomdir/create/file_gate.h"
+
+#include <string_view>
+#include <utility>
+
+#include "codec/open.h"
+#include "dicomdir/record_keys.h"
+#include "frame/text.h"
+#include "platform/platform.h"
+
+namespace pgkit {
+
+namespace {
+
+// Keys of the hierarchy are short: what is longer is rarely asked for and read then.
+constexpr uint32_t kLoadLimit = 64;
+
+// The Media Storage Directory class and those of its kind.
+constexpr std::string_view kDirectoryClassPrefix = "1.2.840.10008.1.3.10";
+
+bool IsDirectoryClass(std::string_view uid) { return uid.starts_with(kDirectoryClassPrefix); }
+
+PgAcceptanceCode Open(const char* path, bool skipChecks, OpenedDataSet& dataSet) {
+    InputFile file = skipChecks ? OpenInput(path) : OpenToTest(path);
+    if (!skipChecks) {
+        if (file.stream == nullptr || !IsDicomStream(file)) return PG_NOT_DICOM_PART_10;
+        if (!platform::Seek(file.stream.get(), 0)) return PG_NOT_A_DATA_SET;
+    }
+    dataSet.reset(OpenDataSet(std::move(file), kLoadLimit, PG_OPEN_SKIP_FRAGMENTS));
+    return dataSet != nullptr ? PG_ACCEPTED : PG_NOT_A_DATA_SET;
+}
+
+// The File Meta Information says what the file is. Some writers put a DICOMDIR's class there by
+// mistake: a caller who wants every file has the data set's own class instead.
+void ReadSopClass(PGX_Node& dataSet, bool skipChecks, char (&sopClass)[65]) {
+    char own[65];
+    ReadKey(dataSet, {0x0002, 0x0002}, sopClass);
+    ReadKey(dataSet, {0x0008, 0x0016}, own);
+    const bool isMistaken = skipChecks && IsDirectoryClass(sopClass) && own[0] != '\0';
+    if (sopClass[0] == '\0' || isMistaken) CopyToField(sopClass, own);
+}
+
+PgAcceptanceCode ReadIdentifiers(bool skipChecks, Candidate& candidate) {
+    PGX_Node& dataSet = *candidate.dataSet;
+    ReadSopClass(dataSet, skipChecks, candidate.sopClassUid);
+    if (candidate.sopClassUid[0] == '\0') return PG_NOT_A_DATA_SET;
+    if (IsDirectoryClass(candidate.sopClassUid)) return PG_IS_A_DICOMDIR;
+    ReadKey(dataSet, {0x0008, 0x0018}, candidate.instanceUid);
+    ReadKey(dataSet, {0x0020, 0x000D}, candidate.studyInstanceUid);
+    ReadKey(dataSet, {0x0020, 0x000E}, candidate.seriesInstanceUid);
+    ReadKey(dataSet, {0x0002, 0x0010}, candidate.transferSyntaxUid);
+    if (candidate.instanceUid[0] == '\0') return PG_NO_SOP_INSTANCE_UID;
+    if (candidate.studyInstanceUid[0] == '\0') return PG_NO_STUDY_INSTANCE_UID;
+    if (candidate.seriesInstanceUid[0] == '\0') return PG_NO_SERIES_INSTANCE_UID;
+    return PG_ACCEPTED;
+}
+
+bool IsAllowed(const Candidate& candidate, const char* profile) {
+    char photometricInterpretation[17];
+    char modality[17];
+    ReadKey(*candidate.dataSet, {0x0028, 0x0004}, photometricInterpretation, "no Photo. info");
+    ReadKey(*candidate.dataSet, {0x0008, 0x0060}, modality);
+    return pgDirAcceptDataset2(candidate.transferSyntaxUid, candidate.sopClassUid,
+                               photometricInterpretation, modality, profile) != 0;
+}
+
+PgAcceptanceCode Judge(const FileToAdd& file, const char* profile, bool skipChecks,
+                       Candidate& candidate) {
+    if (ToUpper(file.referencedName) == "DICOMDIR") return PG_IS_A_DICOMDIR;
+    PgAcceptanceCode code = Open(file.fullPath, skipChecks, candidate.dataSet);
+    if (code == PG_ACCEPTED) code = ReadIdentifiers(skipChecks, candidate);
+    if (code != PG_ACCEPTED) return code;
+    return skipChecks || IsAllowed(candidate, profile) ? PG_ACCEPTED : PG_PROFILE_REFUSES;
+}
+
+}  // namespace
+
+PgAcceptanceCode PassFileGate(const FileToAdd& file, const char* profile, bool skipChecks,
+                              Candidate& candidate) {
+    const PgAcceptanceCode code = Judge(file, profile, skipChecks, candidate);
+    if (code != PG_ACCEPTED) candidate.dataSet.reset();
+    return code;
+}
+
+}  // namespace pgkit

@@ -1,0 +1,130 @@
+#include "dicomdir/create/record_builder.h"
+
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "dicomdir/create/instance_keys.h"
+#include "dicomdir/create/leaf_builder.h"
+#include "dicomdir/record_list.h"
+#include "pgkit/dataset.h"
+
+namespace pgkit {
+
+namespace {
+
+int32_t SeriesNumberOf(const void* series) {
+    return LeadingInteger(static_cast<const PGX_DicomDirSeriesNode*>(series)->seriesNumber);
+}
+
+int32_t InstanceNumberOf(const void* leaf) {
+    return static_cast<const PGX_DicomDirLeafNode*>(leaf)->instanceNumber;
+}
+
+bool IsSamePatient(const PGX_DicomDirPatientNode& known, const PGX_DicomDirPatientNode& keys) {
+    return std::strcmp(known.patientId, keys.patientId) == 0 &&
+           pgComparePatientNames(known.patientsName, keys.patientsName, 0) == 0;
+}
+
+}  // namespace
+
+RecordBuilder::RecordBuilder(PGX_List& patients, std::string profile,
+                             const PgDicomdirOptions& options, AcceptanceList* refusals)
+    : patients_(patients),
+      profile_(std::move(profile)),
+      options_(options),
+      refusals_(refusals),
+      hasPatientIndex_(patients.count == 0) {}
+
+AddedRecords RecordBuilder::Add(const FileToAdd& file) {
+    try {
+        AddedRecords added = Place(file);
+        if (added.code != PG_ACCEPTED && refusals_ != nullptr) {
+            refusals_->Append(added.code, file.fullPath);
+        }
+        return added;
+    } catch (const std::bad_alloc&) {
+        return {PG_NOT_A_DATA_SET};
+    }
+}
+
+// Nothing is added before everything about the file is known.
+AddedRecords RecordBuilder::Place(const FileToAdd& file) {
+    Candidate candidate;
+    const bool skipChecks = (options_.flags & PG_DICOMDIR_SKIP_CHECKS) != 0;
+    const PgAcceptanceCode code = PassFileGate(file, profile_.c_str(), skipChecks, candidate);
+    if (code != PG_ACCEPTED) return {code};
+
+    PGX_Node& dataSet = *candidate.dataSet;
+    auto patient = NewPatient(dataSet);
+    AddedRecords added = FindParents(candidate, *patient);
+    if (added.series != nullptr &&
+        leaves_.Find(added.series->leaves, candidate.instanceUid) != nullptr) {
+        return {PG_INSTANCE_KNOWN};
+    }
+    auto leaf = NewLeaf(candidate, file, options_);
+    if (added.patient == nullptr) AddPatient(std::move(patient), added);
+    if (added.study == nullptr) AddStudy(dataSet, added);
+    if (added.series == nullptr) AddSeries(dataSet, added);
+    AddLeaf(std::move(leaf), added);
+    return added;
+}
+
+AddedRecords RecordBuilder::FindParents(const Candidate& candidate,
+                                        PGX_DicomDirPatientNode& patient) {
+    AddedRecords found;
+    found.patient = FindPatient(patient);
+    if (found.patient == nullptr) return found;
+    found.study = studies_.Find(found.patient->studies, candidate.studyInstanceUid);
+    if (found.study == nullptr) return found;
+    found.series = series_.Find(found.study->series, candidate.seriesInstanceUid);
+    return found;
+}
+
+// The first one in the list, which of several equal ones is the one that the index keeps.
+PGX_DicomDirPatientNode* RecordBuilder::FindPatient(PGX_DicomDirPatientNode& keys) {
+    if (!hasPatientIndex_ && !std::exchange(hasSearchedPatients_, true)) {
+        for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients_)) {
+            if (IsSamePatient(patient, keys)) return &patient;
+        }
+        return nullptr;
+    }
+    if (!std::exchange(hasPatientIndex_, true)) {
+        for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients_))
+            patientIndex_.insert(&patient);
+    }
+    const auto found = patientIndex_.find(&keys);
+    return found == patientIndex_.end() ? nullptr : *found;
+}
+
+void RecordBuilder::AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient,
+                               AddedRecords& added) {
+    patients_.AddTail(patient.get());
+    added.patient = patient.release();
+    if (hasPatientIndex_) patientIndex_.insert(added.patient);
+}
+
+void RecordBuilder::AddStudy(PGX_Node& dataSet, AddedRecords& added) {
+    auto study = NewStudy(dataSet);
+    PGX_List& siblings = added.patient->studies;
+    siblings.AddTail(study.get());
+    added.study = study.release();
+    studies_.Added(siblings, *added.study);
+}
+
+void RecordBuilder::AddSeries(PGX_Node& dataSet, AddedRecords& added) {
+    auto series = NewSeries(dataSet);
+    PGX_List& siblings = added.study->series;
+    orders_.try_emplace(&siblings, siblings, SeriesNumberOf).first->second.Insert(series.get());
+    added.series = series.release();
+    series_.Added(siblings, *added.series);
+}
+
+void RecordBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, AddedRecords& added) {
+    PGX_List& siblings = added.series->leaves;
+    orders_.try_emplace(&siblings, siblings, InstanceNumberOf).first->second.Insert(leaf.get());
+    added.leaf = leaf.release();
+    leaves_.Added(siblings, *added.leaf);
+}
+
+}  // namespace pgkit

@@ -1,0 +1,50 @@
+// A medium under construction: files are written to it and added to a hierarchy.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "dicomdir/create/record_builder.h"
+#include "pgkit/patient_list.h"
+#include "support/instance_file.h"
+
+namespace pgkit_test {
+
+class RecordBuilding : public testing::Test {
+  protected:
+    ~RecordBuilding() override { pgEmptyPatientList(&patients_); }
+
+    pgkit::RecordBuilder& Builder() {
+        if (builder_ == nullptr) {
+            builder_ = std::make_unique<pgkit::RecordBuilder>(patients_, profile_, options_,
+                                                              refusals_.get());
+        }
+        return *builder_;
+    }
+    // Later files are added by a new builder, as by a new operation.
+    void StartAnew() { builder_ = nullptr; }
+
+    pgkit::AddedRecords Add(const InstanceFile& file, const std::string& name = "FILE") {
+        const std::string path = directory_.Write(name, file.Data());
+        return Builder().Add({name.c_str(), path.c_str()});
+    }
+
+    // Gives files their own instance UIDs.
+    InstanceFile NextInstance() {
+        return InstanceFile().Instance("1.2.3.4." + std::to_string(++instances_));
+    }
+
+    TempDir directory_;
+    PGX_List patients_;
+    std::string profile_;
+    PgDicomdirOptions options_ = {};
+    std::unique_ptr<pgkit::AcceptanceList> refusals_;
+
+  private:
+    std::unique_ptr<pgkit::RecordBuilder> builder_;
+    int instances_ = 0;
+};
+
+}  // namespace pgkit_test
