@@ -35,7 +35,8 @@ typedef enum PgDicomdirFlags {
     PG_DICOMDIR_NO_LIST = 0x20 /* no acceptance list file */
 } PgDicomdirFlags;
 
-// Null in the place of options means all zero.
+// Null in the place of options means all zero. Icons are not made yet: the first two members are
+// accepted and have no effect.
 typedef struct PgDicomdirOptions {
     uint32_t iconSize;        /* edge of image icons in pixels; 0 or above 256: no icons */
     uint32_t seriesIcons;     /* not 0: series get icons too */
