@@ -12,6 +12,11 @@ constexpr bool kIsWindows = std::filesystem::path::preferred_separator == '\\';
 
 std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
 
+// The Windows command processor's own status when it could not start a program. No program under
+// test ends with it. Wine's gives it now and then on a busy machine for a program that is there.
+constexpr int kNotStarted = 9009;
+constexpr int kStartAttempts = 5;
+
 // std::system gives the exit status itself on Windows, elsewhere the status word of wait(): the
 // signal in the low seven bits, the exit status in the second byte.
 int ExitStatus(int status) {
@@ -42,7 +47,11 @@ Finished RunProgram(const std::string& path, const std::vector<std::string>& arg
         line += " " + Quoted(argument);
     line += " >" + Quoted(out) + " 2>" + Quoted(err);
     // The Windows command processor takes one pair of quotation marks off the whole line.
-    const int status = std::system((kIsWindows ? Quoted(line) : line).c_str());
+    if (kIsWindows) line = Quoted(line);
+    int status = std::system(line.c_str());
+    for (int attempt = 1; status == kNotStarted && kIsWindows && attempt < kStartAttempts;
+         ++attempt)
+        status = std::system(line.c_str());
     return {ExitStatus(status), BytesOf(out), TextOf(err)};
 }
 
