@@ -12,9 +12,7 @@ namespace {
 // Samples are swapped as the 16-bit words they lie in. Samples of 8 bits count as words only in
 // big-endian OW, where two of them stand exchanged in each word.
 bool SwapsWords(const PGX_Node& node) {
-    const bool otherOrder =
-        (node.endian == ET_BigEndian) != (pgkit::kHostByteOrder == pgkit::ByteOrder::Big);
-    if (!otherOrder) return false;
+    if (pgkit::IsHostOrder(node.endian)) return false;
     if (node.bitsAllocated == 8) return node.endian == ET_BigEndian && node.valueRep != VR_OB;
     return node.valueRep == VR_OW || node.valueRep == VR_OWOB;
 }

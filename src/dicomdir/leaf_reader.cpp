@@ -17,8 +17,6 @@ constexpr std::string_view kGrayscalePresentationState = "1.2.840.10008.5.1.4.1.
 constexpr std::string_view kMediaStorageDirectory = "1.2.840.10008.1.3.10";
 
 constexpr KeyTag kSopClassUid = {0x0004, 0x1510};
-constexpr KeyTag kContentDate = {0x0008, 0x0023};
-constexpr KeyTag kContentTime = {0x0008, 0x0033};
 constexpr KeyTag kReferencedSeriesSequence = {0x0008, 0x1115};
 constexpr KeyTag kConceptNameCodeSequence = {0x0040, 0xA043};
 constexpr KeyTag kContentSequence = {0x0040, 0xA730};
@@ -54,12 +52,6 @@ PGX_Node* CopySequence(PGX_Node& record, KeyTag tag) {
     return sequence == nullptr ? nullptr : sequence->DuplicateNode(1);
 }
 
-template <typename Leaf>
-void ReadContentDateAndTime(PGX_Node& record, Leaf& leaf) {
-    ReadKey(record, kContentDate, leaf.contentDate);
-    ReadKey(record, kContentTime, leaf.contentTime);
-}
-
 void ReadFields(PGX_Node& record, PGX_DicomDirImageNode& image) {
     image.rows = ReadUnsignedShortKey(record, {0x0028, 0x0010});
     image.columns = ReadUnsignedShortKey(record, {0x0028, 0x0011});
@@ -86,19 +78,13 @@ void ReadFields(PGX_Node& record, PGX_DicomDirKeyObjectNode& object) {
 }
 
 void ReadFields(PGX_Node& record, PGX_DicomDirPresentationNode& state) {
-    ReadKey(record, {0x0070, 0x0082}, state.creationDate);
-    ReadKey(record, {0x0070, 0x0083}, state.creationTime);
-    ReadKey(record, {0x0070, 0x0084}, state.contentCreatorsName);
-    ReadKey(record, {0x0070, 0x0080}, state.contentLabel);
-    ReadKey(record, {0x0070, 0x0081}, state.contentDescription);
+    ReadPresentationKeys(record, state);
     state.referencedSeriesSequence = CopySequence(record, kReferencedSeriesSequence);
 }
 
 void ReadFields(PGX_Node& record, PGX_DicomDirEncapsulatedDocNode& document) {
-    ReadContentDateAndTime(record, document);
+    ReadDocumentKeys(record, document);
     document.conceptNameCodeSequence = CopySequence(record, kConceptNameCodeSequence);
-    ReadKey(record, {0x0042, 0x0010}, document.documentTitle);
-    ReadKey(record, {0x0042, 0x0012}, document.mimeType);
 }
 
 void ReadFields(PGX_Node& record, PGX_DicomDirWaveformNode& waveform) {

@@ -101,6 +101,20 @@ void ReadSeriesKeys(PGX_Node& record, PGX_DicomDirSeriesNode& series) {
     series.record = &record;
 }
 
+void ReadPresentationKeys(PGX_Node& source, PGX_DicomDirPresentationNode& presentation) {
+    ReadKey(source, {0x0070, 0x0082}, presentation.creationDate);
+    ReadKey(source, {0x0070, 0x0083}, presentation.creationTime);
+    ReadKey(source, {0x0070, 0x0084}, presentation.contentCreatorsName);
+    ReadKey(source, {0x0070, 0x0080}, presentation.contentLabel);
+    ReadKey(source, {0x0070, 0x0081}, presentation.contentDescription);
+}
+
+void ReadDocumentKeys(PGX_Node& source, PGX_DicomDirEncapsulatedDocNode& document) {
+    ReadContentDateAndTime(source, document);
+    ReadKey(source, {0x0042, 0x0010}, document.documentTitle);
+    ReadKey(source, {0x0042, 0x0012}, document.mimeType);
+}
+
 void* ReadIcon(PGX_Node& record) {
     PGX_Node* sequence = record.FindNode(0x0088, 0x0200);
     if (sequence == nullptr || sequence->first == nullptr) return nullptr;

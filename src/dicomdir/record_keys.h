@@ -53,6 +53,15 @@ void ReadPatientKeys(PGX_Node& record, PGX_DicomDirPatientNode& patient);
 void ReadStudyKeys(PGX_Node& record, PGX_DicomDirStudyNode& study);
 void ReadSeriesKeys(PGX_Node& record, PGX_DicomDirSeriesNode& series);
 
+// Keys that a record has from its instance: the same elements in both.
+template <typename Leaf>
+void ReadContentDateAndTime(PGX_Node& source, Leaf& leaf) {
+    ReadKey(source, {0x0008, 0x0023}, leaf.contentDate);
+    ReadKey(source, {0x0008, 0x0033}, leaf.contentTime);
+}
+void ReadPresentationKeys(PGX_Node& source, PGX_DicomDirPresentationNode& presentation);
+void ReadDocumentKeys(PGX_Node& source, PGX_DicomDirEncapsulatedDocNode& document);
+
 // A bitmap of the record's Icon Image Sequence, null when it has none that can be shown.
 void* ReadIcon(PGX_Node& record);
 

@@ -23,14 +23,8 @@ PGX_Node* CopyOf(PGX_Node& dataSet, uint16_t group, uint16_t element) {
 }
 
 template <typename Leaf>
-void ReadContentTimes(PGX_Node& dataSet, Leaf& leaf) {
-    ReadKey(dataSet, {0x0008, 0x0023}, leaf.contentDate);
-    ReadKey(dataSet, {0x0008, 0x0033}, leaf.contentTime);
-}
-
-template <typename Leaf>
 void ReadContent(PGX_Node& dataSet, Leaf& leaf) {
-    ReadContentTimes(dataSet, leaf);
+    ReadContentDateAndTime(dataSet, leaf);
     leaf.conceptNameCodeSequence = CopyOf(dataSet, 0x0040, 0xA043);
     leaf.contentSequence = CopyConceptModifiers(dataSet.FindNode(0x0040, 0xA730)).release();
 }
@@ -62,22 +56,16 @@ void ReadKeys(PGX_Node& dataSet, PGX_DicomDirKeyObjectNode& object) {
 }
 
 void ReadKeys(PGX_Node& dataSet, PGX_DicomDirPresentationNode& presentation) {
-    ReadKey(dataSet, {0x0070, 0x0082}, presentation.creationDate);
-    ReadKey(dataSet, {0x0070, 0x0083}, presentation.creationTime);
-    ReadKey(dataSet, {0x0070, 0x0084}, presentation.contentCreatorsName);
-    ReadKey(dataSet, {0x0070, 0x0080}, presentation.contentLabel);
-    ReadKey(dataSet, {0x0070, 0x0081}, presentation.contentDescription);
+    ReadPresentationKeys(dataSet, presentation);
     presentation.referencedSeriesSequence = CopyOf(dataSet, 0x0008, 0x1115);
 }
 
 void ReadKeys(PGX_Node& dataSet, PGX_DicomDirWaveformNode& waveform) {
-    ReadContentTimes(dataSet, waveform);
+    ReadContentDateAndTime(dataSet, waveform);
 }
 
 void ReadKeys(PGX_Node& dataSet, PGX_DicomDirEncapsulatedDocNode& document) {
-    ReadContentTimes(dataSet, document);
-    ReadKey(dataSet, {0x0042, 0x0010}, document.documentTitle);
-    ReadKey(dataSet, {0x0042, 0x0012}, document.mimeType);
+    ReadDocumentKeys(dataSet, document);
     document.conceptNameCodeSequence = CopyOf(dataSet, 0x0040, 0xA043);
 }
 
@@ -89,7 +77,9 @@ void ReadKeys(PGX_Node& dataSet, PGX_DicomDirImageNode& image) {
     ReadKey(dataSet, {0x0050, 0x0004}, image.calibrationImage);
 }
 
-void ReadKeys(PGX_Node& dataSet, PGX_DicomDirRawDataNode& data) { ReadContentTimes(dataSet, data); }
+void ReadKeys(PGX_Node& dataSet, PGX_DicomDirRawDataNode& data) {
+    ReadContentDateAndTime(dataSet, data);
+}
 
 template <typename Leaf>
 std::unique_ptr<PGX_DicomDirLeafNode> NewLeafOf(PGX_Node& dataSet) {
