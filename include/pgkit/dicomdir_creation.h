@@ -17,7 +17,7 @@
 // What became of a file.
 typedef enum PgAcceptanceCode {
     PG_ACCEPTED = 0,
-    PG_INVALID_FILE_NAME = 1,      /* an argument of pgAddFile is null */
+    PG_INVALID_FILE_NAME = 1,      /* null, or (pgAddFile) not in the directory */
     PG_NOT_DICOM_PART_10 = 2,      /* no "DICM" at offset 128, or the file cannot be read */
     PG_NOT_A_DATA_SET = 3,         /* it cannot be decoded, or says nothing about its SOP class */
     PG_IS_A_DICOMDIR = 4,          /* by its name or by its SOP class */
@@ -110,6 +110,69 @@ PGKIT_API uint32_t pgCreateDicomdir(const char* directory, const char* profile,
 PGKIT_API uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
                                       const PgDicomdirOptions* options,
                                       PgDicomdirScanCallback callback, void* userData);
+
+// ---- Writing a DICOMDIR file by file ------------------------------------------------------------
+
+// Offshore creation: the files may lie anywhere, also apart from the DICOMDIR, and the caller says
+// under which names it refers to them. Start, add files one by one, and end; an end without files
+// writes an empty DICOMDIR. A handle belongs to the library and ends with its creation, which is
+// the only way to free it.
+//
+//   void* creation = pgStartCreateOffshoreDicomdir("C:\\MEDIA", NULL, NULL);
+//   pgAddFileToOffshoreDicomdir(creation, "ST1\\IM1", "D:\\archive\\4711.dcm");
+//   uint32_t result = pgEndCreateOffshoreDicomdir(creation);
+
+// Begins the DICOMDIR of a directory (at most 511 characters count, a trailing backslash is
+// dropped) and creates its acceptance list file, unless the options want none. The options are
+// copied. The profile is not read: every readable DICOM file is accepted. Null for a null directory
+// and when memory runs out.
+PGKIT_API void* pgStartCreateOffshoreDicomdir(const char* directory, const char* profile,
+                                              const PgDicomdirOptions* options);
+
+// Adds the file fullPath; referencedName is what the DICOMDIR calls it: its path below the
+// directory that the files will be in, components separated by backslashes. Returns a
+// PgAcceptanceCode, 1 also when one of the names is null; refused files are listed in the
+// acceptance list file, by their full paths where they are outside the directory. 0xFFFFFFFF for a
+// null handle.
+PGKIT_API uint32_t pgAddFileToOffshoreDicomdir(void* handle, const char* referencedName,
+                                               const char* fullPath);
+
+// Writes the DICOMDIR as pgBuildDicomdirEx does, with the options' File-set ID, and frees the
+// handle, whatever the result: that of pgBuildDicomdirEx, 0xFFFFFFFF for a null handle. Missing
+// keys are not filled, and with PG_DICOMDIR_NO_LIST accepted files are not listed either.
+PGKIT_API uint32_t pgEndCreateOffshoreDicomdir(void* handle);
+
+// ---- Hierarchies of files, without a DICOMDIR ---------------------------------------------------
+
+// Adds one file of a directory to a hierarchy of the caller's, which pgBuildDicomdirEx may write
+// later. The full path begins with the directory; slashes count as backslashes, either may end the
+// directory, and letters compare without case. The record refers to the file by what follows. Of
+// the options the first three members and the flags count; a refused file gets a line in the
+// acceptance list file of the directory, which is not started anew.
+//
+// Returns a PgAcceptanceCode, 1 for a null list, directory or path and for a path that does not
+// lead into the directory. Every call looks through the lists of the hierarchy; many files are
+// added faster by one scan or one offshore creation.
+PGKIT_API uint32_t pgAddFile(PGX_List* patients, const char* directory, const char* fullPath,
+                             const char* profile, const PgDicomdirOptions* options);
+
+// Scans a directory as pgCreateDicomdirEx does, with the same profile, options and callback, but
+// writes no DICOMDIR: the files join the hierarchy of the caller's list. The acceptance list file
+// is started anew unless the options want none. Missing keys are filled, on demand, in the whole
+// list.
+//
+// Returns the number of patients in the list, also of those that were there before; a null
+// directory adds none, and a null list gives 0.
+PGKIT_API int32_t pgBrowseDisk(const char* directory, const char* profile,
+                               const PgDicomdirOptions* options, PGX_List* patients,
+                               PgDicomdirScanCallback callback, void* userData);
+
+// The same into a new list, for the caller to free with pgEmptyPatientList and pgKitListDelete (or
+// delete). The record pointers of all objects are null. Null for a null directory and when memory
+// runs out; a directory that cannot be read gives an empty list.
+PGKIT_API PGX_List* pgBrowsePatientListEx(const char* directory, const char* profile,
+                                          const PgDicomdirOptions* options,
+                                          PgDicomdirScanCallback callback, void* userData);
 
 PGKIT_END_C
 

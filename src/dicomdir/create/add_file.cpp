@@ -1,0 +1,65 @@
+// One file of a medium joins a hierarchy of the caller's.
+#include <algorithm>
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "dicomdir/create/acceptance_list.h"
+#include "dicomdir/create/creation_options.h"
+#include "dicomdir/create/record_builder.h"
+#include "frame/text.h"
+#include "pgkit/dicomdir_creation.h"
+
+namespace pgkit {
+
+namespace {
+
+// A character as paths compare: separators and letters of either kind are alike.
+char Folded(char c) { return c == '/' ? '\\' : ToUpper(c); }
+
+bool IsSeparator(char c) { return Folded(c) == '\\'; }
+
+std::string_view WithoutTrailingSeparator(std::string_view directory) {
+    if (!directory.empty() && IsSeparator(directory.back())) directory.remove_suffix(1);
+    return directory;
+}
+
+// What follows the directory and a separator, with backslashes; empty for a path that is not in it.
+std::string PathBelow(std::string_view directory, std::string_view path) {
+    const bool isBelow = path.size() > directory.size() && IsSeparator(path[directory.size()]) &&
+                         std::ranges::equal(directory, path.substr(0, directory.size()),
+                                            [](char a, char b) { return Folded(a) == Folded(b); });
+    if (!isBelow) return "";
+    std::string name(path.substr(directory.size() + 1));
+    std::ranges::replace(name, '/', '\\');
+    return name;
+}
+
+PgAcceptanceCode AddFile(PGX_List& patients, std::string_view directory, std::string_view path,
+                         std::string_view profile, const PgDicomdirOptions& options) {
+    const std::string name = PathBelow(directory, path);
+    if (name.empty()) return PG_INVALID_FILE_NAME;
+    const std::string medium(directory);
+    const std::string fullPath = medium + "\\" + name;
+    AcceptanceList list(medium);
+    RecordBuilder builder(patients, std::string(profile), options,
+                          WantsList(options) ? &list : nullptr);
+    return builder.Add({name.c_str(), fullPath.c_str()}).code;
+}
+
+}  // namespace
+
+}  // namespace pgkit
+
+uint32_t pgAddFile(PGX_List* patients, const char* directory, const char* fullPath,
+                   const char* profile, const PgDicomdirOptions* options) {
+    if (patients == nullptr || directory == nullptr || fullPath == nullptr) {
+        return PG_INVALID_FILE_NAME;
+    }
+    try {
+        return pgkit::AddFile(*patients, pgkit::WithoutTrailingSeparator(directory), fullPath,
+                              pgkit::OrEmpty(profile), pgkit::OptionsOrDefault(options));
+    } catch (const std::bad_alloc&) {
+        return PG_NOT_A_DATA_SET;
+    }
+}
