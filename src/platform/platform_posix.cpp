@@ -48,9 +48,22 @@ std::optional<std::string> FindIgnoringCase(const std::string& directory, const 
     return found;
 }
 
-// Follows the path as far as it exists, each component as written or else without regard to case;
-// from the first component that does not exist on it is kept as written.
-std::string ResolveIgnoringCase(const std::string& path) {
+// The entry that a component of a path means where there is none as written: one of another case or
+// else, as on Windows, the one without the blanks at its end. Names that come from data sets are
+// padded with a blank.
+std::optional<std::string> FindEntry(const std::string& directory, const std::string& name,
+                                     const std::string& slash) {
+    const auto found = FindIgnoringCase(directory, name, slash);
+    if (found || !name.ends_with(' ')) return found;
+    const std::string unpadded = name.substr(0, name.find_last_not_of(' ') + 1);
+    if (unpadded.empty()) return std::nullopt;
+    if (HasEntry(directory, unpadded, slash)) return unpadded;
+    return FindIgnoringCase(directory, unpadded, slash);
+}
+
+// Follows the path as far as it exists, each component as written or else as the entry that it
+// means; from the first component that does not exist on it is kept as written.
+std::string ResolveByEntries(const std::string& path) {
     std::string resolved;
     size_t start = 0;
     while (start < path.size()) {
@@ -58,7 +71,7 @@ std::string ResolveIgnoringCase(const std::string& path) {
         std::string name = path.substr(start, end - start);
         const std::string slash = path.substr(end, 1);
         if (!name.empty() && !HasEntry(resolved, name, slash)) {
-            const auto found = FindIgnoringCase(resolved, name, slash);
+            const auto found = FindEntry(resolved, name, slash);
             if (!found) return resolved + path.substr(start);
             name = *found;
         }
@@ -76,7 +89,7 @@ std::string WithSlashes(const char* path) {
 
 std::string NativePath(const char* path) {
     std::string result = WithSlashes(path);
-    return Exists(result) ? result : ResolveIgnoringCase(result);
+    return Exists(result) ? result : ResolveByEntries(result);
 }
 
 bool StatPath(const char* path, struct stat* status) {
@@ -117,7 +130,7 @@ int OpenDescriptor(const char* path, int flags) {
     const std::string asWritten = WithSlashes(path);
     const int descriptor = ::open(asWritten.c_str(), flags);
     if (descriptor >= 0 || (errno != ENOENT && errno != ENOTDIR)) return descriptor;
-    return ::open(ResolveIgnoringCase(asWritten).c_str(), flags);
+    return ::open(ResolveByEntries(asWritten).c_str(), flags);
 }
 
 // A pipe is not waited for, and closed again like everything that is no regular file: a directory

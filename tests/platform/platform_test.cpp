@@ -94,6 +94,14 @@ TEST_F(Platform, OfSeveralOtherCasesTheFirstInByteOrderIsFound) {
     EXPECT_EQ(LineOf(Path("abC")), "abC");
 }
 
+TEST_F(Platform, BlanksAtTheEndOfAPathDoNotCount) {
+    EXPECT_EQ(LineOf(Path("Disc\\Images\\Im0001.dcm ")), "here");
+    EXPECT_EQ(LineOf(Path("DISC\\IMAGES\\IM0001.DCM ")), "here");
+    EXPECT_EQ(platform::FileSize(Path("DISC\\IMAGES\\IM0001.DCM  ").c_str()), 4u);
+    EXPECT_FALSE(platform::PathExists(Path("Disc\\Images\\Im0002.dcm ").c_str()));
+    EXPECT_FALSE(platform::PathExists(Path("Disc\\Images\\ Im0001.dcm").c_str()));
+}
+
 TEST_F(Platform, RelativePathsStartInTheCurrentDirectory) {
     const fs::path before = fs::current_path();
     fs::current_path(directory_.Path(""));

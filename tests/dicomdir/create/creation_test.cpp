@@ -3,11 +3,10 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "dicomdir/create/scan_fixture.h"
 #include "pgkit/pgkit.h"
 #include "support/captured.h"
 #include "support/instance_file.h"
@@ -17,65 +16,12 @@ namespace {
 
 using namespace pgkit_test;
 
-std::string TextFile(const std::string& path) {
-    std::ifstream file(path);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-class Creation : public testing::Test {
+class Creation : public ScanTest {
   protected:
-    std::string Directory() const { return directory_.Path("MEDIUM"); }
-    void SetUp() override { std::filesystem::create_directory(Directory()); }
-
-    void Write(const std::string& name, const InstanceFile& file) { Write(name, file.Data()); }
-    void Write(const std::string& name, const Bytes& content) {
-        const std::filesystem::path path = std::filesystem::path("MEDIUM") / name;
-        std::filesystem::create_directories(
-            std::filesystem::path(directory_.Path(path.string())).parent_path());
-        directory_.Write(path.string(), content);
-    }
-
     uint32_t Create(const char* profile = "") {
-        return pgCreateDicomdirEx(Directory().c_str(), profile, &options_, Record, this);
-    }
-
-    // The list file behind its header; "no list" when there is none.
-    std::string ListLines() {
-        const std::string text = TextFile(directory_.Path("MEDIUM/dcmdir.lst"));
-        const size_t header = text.find("\n\n");
-        return header == std::string::npos ? "no list" : text.substr(header + 2);
-    }
-
-    // The written DICOMDIR.
-    DataSet Open() {
-        return DataSet(pgOpenDataSetFile(directory_.Path("MEDIUM/DICOMDIR").c_str(), kLoadAll));
-    }
-
-    // What the callback has seen: "NAME SUBDIRECTORY CODE;".
-    std::string seen_;
-    size_t stopAfter_ = SIZE_MAX;
-    PgDicomdirOptions options_ = {};
-    TempDir directory_;
-
-  private:
-    static int32_t Record(const PgDicomdirScanReason* reason) {
-        auto& self = *static_cast<Creation*>(reason->userData);
-        self.seen_ += std::string(reason->fileName) + "|" + reason->subdirectory + "|" +
-                      std::to_string(reason->acceptanceCode) + ";";
-        return --self.stopAfter_ == 0 ? 7 : 0;
+        return pgCreateDicomdirEx(Directory().c_str(), profile, &options_, Note, this);
     }
 };
-
-InstanceFile Instance(int number) {
-    return InstanceFile().Instance("1.2.3.4." + std::to_string(number)).InstanceNumber(number);
-}
-
-std::vector<PGX_Node*> ItemsOf(PGX_Node* root) {
-    std::vector<PGX_Node*> items;
-    for (PGX_Node* item = Child(root, 0x0004, 0x1220)->first; item != nullptr; item = item->next)
-        items.push_back(item);
-    return items;
-}
 
 // The text with every digit as '#'.
 std::string Pattern(std::string text) {
@@ -86,7 +32,7 @@ std::string Pattern(std::string text) {
 
 // The first record of a type.
 PGX_Node* RecordOf(PGX_Node* root, const std::string& type) {
-    for (PGX_Node* item : ItemsOf(root)) {
+    for (PGX_Node* item : RecordsOf(root)) {
         if (TextOf(Child(item, 0x0004, 0x1430)) == type) return item;
     }
     ADD_FAILURE() << "no record " << type;
@@ -103,7 +49,7 @@ TEST_F(Creation, OfAnEmptyDirectoryGivesADicomdirWithoutRecords) {
     EXPECT_EQ(Child(root.get(), 0x0004, 0x1200)->GetULValue(), 0u);
     EXPECT_EQ(Child(root.get(), 0x0004, 0x1202)->GetULValue(), 0u);
     EXPECT_EQ(Child(root.get(), 0x0004, 0x1212)->GetUSValue(), 0u);
-    EXPECT_TRUE(ItemsOf(root.get()).empty());
+    EXPECT_TRUE(RecordsOf(root.get()).empty());
 }
 
 TEST_F(Creation, WritesTheMetaInformation) {
@@ -120,7 +66,7 @@ TEST_F(Creation, WritesTheMetaInformation) {
     EXPECT_EQ(uid(0x0010), "1.2.840.10008.1.2.1");
     EXPECT_EQ(uid(0x0012), "1.2.999.1.47.453.2865");
     EXPECT_EQ(uid(0x0013), "KIT_ZORVA_2865");
-    EXPECT_EQ(pgIsDicomFile(directory_.Path("MEDIUM/DICOMDIR").c_str()), 1);
+    EXPECT_EQ(pgIsDicomFile(medium_.Path("DICOMDIR").c_str()), 1);
 }
 
 TEST_F(Creation, NumbersItsDicomdirs) {
@@ -156,7 +102,7 @@ TEST_F(Creation, LinksTheRecords) {
     Write("C", Instance(3).Patient("ID2", "ROE^JANE"));
     EXPECT_EQ(Create(), 0u);
     const DataSet root = Open();
-    const std::vector<PGX_Node*> items = ItemsOf(root.get());
+    const std::vector<PGX_Node*> items = RecordsOf(root.get());
     ASSERT_EQ(items.size(), 9u);
     // An item's position is that of its first element; links lead to its tag.
     const auto offset = [&](size_t item) { return items[item]->fileOffset - 8; };
@@ -294,7 +240,7 @@ TEST_F(Creation, IsReadBackAsTheSameHierarchy) {
     std::string hierarchy;
     PGX_List* patients = nullptr;
     const Printed printed = CapturePrinted(
-        [&] { patients = pgGetPatientListFromFile(directory_.Path("MEDIUM/DICOMDIR").c_str()); });
+        [&] { patients = pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str()); });
     ASSERT_NE(patients, nullptr);
     EXPECT_EQ(printed.out, "Patient created DOE^JOHN\nPatient created ROE^JANE\n");
     EXPECT_EQ(printed.err, "");
@@ -321,9 +267,9 @@ TEST_F(Creation, IsReadBackAsTheSameHierarchy) {
               "ID1(1.2.3(1.2.3.4(S1\\IM1 S1\\IM2 S1\\IM3 S1\\IM4 S1\\IM5 )1.2.3.5(S2\\IM1 ))"
               "1.2.9(1.2.9.1(S3\\IM1 )))ID2(1.2.3(1.2.3.4(S4\\IM1 )))");
     // Written again from what was read it is the same directory.
-    EXPECT_EQ(pgBuildDicomdir(patients, directory_.Path(".").c_str()), 0u);
+    EXPECT_EQ(pgBuildDicomdir(patients, outside_.Path(".").c_str()), 0u);
     const DataSet first = Open();
-    const DataSet second(pgOpenDataSetFile(directory_.Path("DICOMDIR").c_str(), kLoadAll));
+    const DataSet second(pgOpenDataSetFile(outside_.Path("DICOMDIR").c_str(), kLoadAll));
     EXPECT_EQ(Describe(second.get()), Describe(first.get()));
     pgEmptyPatientList(patients);
     delete patients;
@@ -352,13 +298,13 @@ TEST_F(Creation, StopsWhenTheCallbackSaysSoAndWritesWhatItHas) {
     options_.flags = PG_DICOMDIR_NO_LIST;
     EXPECT_EQ(Create(), 0u);
     EXPECT_EQ(seen_, "A||0;");
-    EXPECT_EQ(ItemsOf(Open().get()).size(), 4u);
+    EXPECT_EQ(RecordsOf(Open().get()).size(), 4u);
 }
 
 TEST_F(Creation, NeedsNoCallbackAndNoOptions) {
     Write("A", InstanceFile());
     EXPECT_EQ(pgCreateDicomdir(Directory().c_str(), nullptr, nullptr, nullptr), 0u);
-    EXPECT_EQ(ItemsOf(Open().get()).size(), 4u);
+    EXPECT_EQ(RecordsOf(Open().get()).size(), 4u);
     EXPECT_EQ(ListLines(), "2\tdcmdir.lst\n0\tA\n");
 }
 
@@ -386,7 +332,7 @@ TEST_F(Creation, WritesNoListOnDemand) {
     options_.flags = PG_DICOMDIR_NO_LIST;
     Create();
     EXPECT_EQ(ListLines(), "no list");
-    EXPECT_FALSE(std::filesystem::exists(directory_.Path("MEDIUM/dcmdir.lst")));
+    EXPECT_FALSE(std::filesystem::exists(medium_.Path("dcmdir.lst")));
 }
 
 TEST_F(Creation, DropsOneTrailingBackslash) {
@@ -397,7 +343,7 @@ TEST_F(Creation, DropsOneTrailingBackslash) {
 }
 
 TEST_F(Creation, FailsWhereItCannotWrite) {
-    const std::string missing = directory_.Path("missing");
+    const std::string missing = outside_.Path("missing");
     uint32_t result = 0;
     const Printed printed =
         CapturePrinted([&] { result = pgCreateDicomdir(missing.c_str(), "", nullptr, nullptr); });
@@ -442,8 +388,7 @@ TEST_F(Creation, LeavesKeysAloneThatAreThere) {
 TEST_F(Creation, VisitsADirectoryThatALinkLeadsBackToOnce) {
     Write("SUB/A", InstanceFile());
     std::error_code error;
-    std::filesystem::create_directory_symlink(Directory(), directory_.Path("MEDIUM/SUB/LOOP"),
-                                              error);
+    std::filesystem::create_directory_symlink(Directory(), medium_.Path("SUB/LOOP"), error);
     if (error) GTEST_SKIP() << "no links here";
     options_.flags = PG_DICOMDIR_NO_LIST;
     EXPECT_EQ(Create(), 0u);
