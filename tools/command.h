@@ -24,7 +24,9 @@ struct Command {
     int (*run)(const Arguments& arguments);
 };
 
+extern const Command kCheckCommand;
 extern const Command kDumpCommand;
+extern const Command kMkdirCommand;
 extern const Command kModalityCommand;
 extern const Command kSaveCommand;
 extern const Command kSetCommand;

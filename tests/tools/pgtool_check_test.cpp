@@ -1,0 +1,79 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "support/instance_file.h"
+#include "support/process.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+using namespace pgkit_test;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class PgtoolCheck : public testing::Test {
+  protected:
+    std::string Write(const std::string& name, const InstanceFile& file) {
+        return directory_.Write(name, file.Data());
+    }
+    Finished Check(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "check");
+        return RunProgram(PGKIT_PGTOOL, arguments);
+    }
+
+    TempDir directory_;
+};
+
+InstanceFile Instance(int number) {
+    return InstanceFile().Instance("1.2.3.4." + std::to_string(number)).InstanceNumber(number);
+}
+
+TEST_F(PgtoolCheck, TellsWhatBecomesOfEachFile) {
+    const std::string a = Write("A", Instance(1));
+    const std::string b = Write("B", Instance(2).TransferSyntax("1.2.840.10008.1.2.4.50"));
+    const Finished run = Check({a, b, "--profile", "STD-GEN-CD"});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.out,
+              a + ": 0 Dicom file accepted\n" + b + ": 5 Profile restriction don't match file\n");
+    EXPECT_THAT(run.err, IsEmpty());
+}
+
+TEST_F(PgtoolCheck, SucceedsWhenAllFilesAreAccepted) {
+    const std::string a = Write("A", Instance(1));
+    const std::string b = Write("B", Instance(2));
+    EXPECT_EQ(Check({a, b, "--profile", "STD-GEN-CD"}).exitStatus, 0);
+    EXPECT_EQ(Check({a, b}).exitStatus, 0);
+}
+
+TEST_F(PgtoolCheck, KnowsAnInstanceThatCameBefore) {
+    const std::string a = Write("A", Instance(1));
+    const std::string b = Write("B", Instance(1));
+    const Finished run = Check({a, b});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.out, HasSubstr(b + ": 6 SOPInstanceUID already found and registered\n"));
+}
+
+TEST_F(PgtoolCheck, WritesNothing) {
+    const std::string text = directory_.Write("TEXT", "no DICOM at all");
+    EXPECT_EQ(Check({text}).out, text + ": 2 File is not DICOM Part 10 compliant\n");
+    EXPECT_FALSE(std::filesystem::exists(directory_.Path("dcmdir.lst")));
+}
+
+TEST_F(PgtoolCheck, ReportsMissingFilesAsUnreadable) {
+    const std::string missing = directory_.Path("missing");
+    const Finished run = Check({missing});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.out, missing + ": 2 File is not DICOM Part 10 compliant\n");
+    EXPECT_THAT(run.err, HasSubstr("unable to open"));
+}
+
+TEST_F(PgtoolCheck, NeedsAFile) {
+    EXPECT_EQ(Check({}).exitStatus, 2);
+    EXPECT_EQ(Check({"--profile", "STD-GEN-CD"}).exitStatus, 2);
+}
+
+}  // namespace

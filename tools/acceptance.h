@@ -1,0 +1,28 @@
+// What the library's acceptance codes mean to a user.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace pgtool {
+
+constexpr uint32_t kAcceptanceCodes = 10;
+
+// The code with its text: "0 Dicom file accepted".
+std::string DescribeAcceptance(uint32_t code);
+
+// How many files got which code.
+class AcceptanceSummary {
+  public:
+    void Count(uint32_t code);
+    uint32_t Files() const { return files_; }
+    // A line on the standard output for every code that occurred: "0 Dicom file accepted: 12".
+    void Print() const;
+
+  private:
+    std::array<uint32_t, kAcceptanceCodes> counts_ = {};
+    uint32_t files_ = 0;
+};
+
+}  // namespace pgtool

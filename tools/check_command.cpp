@@ -1,0 +1,68 @@
+// pgtool check: whether files may be on a medium.
+#include <cstdio>
+#include <string>
+
+#include "acceptance.h"
+#include "command.h"
+#include "library_path.h"
+#include "options.h"
+#include "pgkit/dicomdir_creation.h"
+#include "pgkit/patient_list.h"
+#include "standard_streams.h"
+
+namespace pgtool {
+
+namespace {
+
+// The files so far, as one medium would hold them.
+class Medium {
+  public:
+    explicit Medium(const std::string& profile) : profile_(profile) {
+        options_.flags = PG_DICOMDIR_NO_LIST;
+    }
+    ~Medium() { pgEmptyPatientList(&patients_); }
+    Medium(const Medium&) = delete;
+    Medium& operator=(const Medium&) = delete;
+
+    uint32_t Add(const std::string& file) {
+        const DivertedOutput diverted;
+        const std::string path = LibraryPath(file);
+        const std::string directory = path.substr(0, path.rfind('\\'));
+        return pgAddFile(&patients_, directory.c_str(), path.c_str(), profile_.c_str(), &options_);
+    }
+
+  private:
+    std::string profile_;
+    PgDicomdirOptions options_ = {};
+    PGX_List patients_;
+};
+
+int Check(const Arguments& arguments) {
+    std::string profile;
+    Arguments files;
+    const std::string complaint = ParseOptions(arguments, {{"--profile", &profile}}, &files);
+    if (!complaint.empty()) return Misuse(kCheckCommand, complaint);
+    if (files.empty()) return Misuse(kCheckCommand, "a file is expected");
+
+    Medium medium(profile);
+    int status = kDone;
+    for (const std::string& file : files) {
+        const uint32_t code = medium.Add(file);
+        std::printf("%s: %s\n", file.c_str(), DescribeAcceptance(code).c_str());
+        if (code != PG_ACCEPTED) status = kFailed;
+    }
+    return status;
+}
+
+}  // namespace
+
+const Command kCheckCommand = {
+    "check", "check FILE... [--profile NAME]", "tell whether files may be on a medium",
+    "Prints a line for each: the file, its acceptance code, and what that means. The files\n"
+    "are judged together, as those of one medium: an instance that came before is refused.\n"
+    "  --profile NAME  the media application profile, such as STD-GEN-CD; without one\n"
+    "                  every DICOM file with the identifiers of a DICOMDIR is accepted\n"
+    "Exit status 0 means that all files are accepted.\n",
+    Check};
+
+}  // namespace pgtool

@@ -1,0 +1,201 @@
+// pgtool mkdir: the DICOMDIR of a directory.
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "acceptance.h"
+#include "command.h"
+#include "data_set.h"
+#include "library_path.h"
+#include "options.h"
+#include "pgkit/dicomdir_creation.h"
+#include "standard_streams.h"
+
+namespace pgtool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint32_t kMaxIcon = 256;
+constexpr size_t kMaxFileSetId = 16;  // that of its VR
+
+// A line on the terminal that counts the files; nothing where nobody looks.
+class Progress {
+  public:
+    Progress() : isShown_(StandardErrorIsTerminal()) {}
+    ~Progress() {
+        if (isShown_) std::fputs("\r                    \r", stderr);
+    }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void Show(uint32_t files) const {
+        if (isShown_) std::fprintf(stderr, "\r%u files", files);
+    }
+
+  private:
+    bool isShown_;
+};
+
+struct Judged {
+    AcceptanceSummary summary;
+    Progress progress;
+
+    void Count(uint32_t code) {
+        summary.Count(code);
+        progress.Show(summary.Files());
+    }
+};
+
+int32_t CountFile(const PgDicomdirScanReason* reason) {
+    static_cast<Judged*>(reason->userData)->Count(reason->acceptanceCode);
+    return 0;
+}
+
+struct Request {
+    std::string directory;
+    std::string profile;
+    std::string fileSetId;
+    std::string offshore;  // where the files are; empty for the directory itself
+    PgDicomdirOptions options = {};
+};
+
+// The files below a directory in the byte order of their paths, which are relative to it.
+std::vector<std::string> FilesBelow(const std::string& directory, bool descends,
+                                    std::error_code& error) {
+    std::vector<std::string> files;
+    fs::recursive_directory_iterator entry(directory, fs::directory_options::skip_permission_denied,
+                                           error);
+    while (!error && entry != fs::recursive_directory_iterator()) {
+        std::error_code unknown;
+        if (entry->is_regular_file(unknown)) {
+            files.push_back(entry->path().lexically_relative(directory).generic_string());
+        }
+        if (!descends) entry.disable_recursion_pending();
+        entry.increment(error);
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+uint32_t CreateOffshore(const Request& request, const std::vector<std::string>& files,
+                        Judged& judged) {
+    void* const creation = pgStartCreateOffshoreDicomdir(LibraryPath(request.directory).c_str(),
+                                                         nullptr, &request.options);
+    std::string directory = LibraryPath(request.offshore);
+    if (directory.ends_with('\\')) directory.pop_back();
+    for (std::string name : files) {
+        std::replace(name.begin(), name.end(), '/', '\\');
+        const std::string path = directory + "\\" + name;
+        judged.Count(pgAddFileToOffshoreDicomdir(creation, name.c_str(), path.c_str()));
+    }
+    return pgEndCreateOffshoreDicomdir(creation);
+}
+
+uint32_t CreateInPlace(const Request& request, Judged& judged) {
+    return pgCreateDicomdirEx(LibraryPath(request.directory).c_str(), request.profile.c_str(),
+                              &request.options, CountFile, &judged);
+}
+
+int Create(const Request& request) {
+    const bool isOffshore = !request.offshore.empty();
+    std::vector<std::string> files;
+    if (isOffshore) {
+        std::error_code error;
+        files = FilesBelow(request.offshore,
+                           (request.options.flags & PG_DICOMDIR_NO_RECURSION) == 0, error);
+        if (error) return Fail(kMkdirCommand, "cannot read the directory " + request.offshore);
+    }
+    AcceptanceSummary summary;
+    uint32_t result = 0;
+    {
+        const DivertedOutput diverted;
+        Judged judged;
+        result =
+            isOffshore ? CreateOffshore(request, files, judged) : CreateInPlace(request, judged);
+        summary = judged.summary;
+    }
+    summary.Print();
+    if (result == 0) return kDone;
+    return Fail(kMkdirCommand, request.directory + "/DICOMDIR: " + DescribeSaveResult(result));
+}
+
+// Why a request cannot be fulfilled; empty when it can.
+std::string ComplaintAbout(const Request& request) {
+    if (request.options.iconSize > kMaxIcon) return "--icons: at most 256 pixels";
+    if (request.options.seriesIcons != 0 && request.options.iconSize == 0) {
+        return "--series-icons needs --icons";
+    }
+    if (request.fileSetId.size() > kMaxFileSetId) return "--file-set-id: at most 16 characters";
+    if (request.offshore.empty()) return "";
+    if (!request.profile.empty()) return "--offshore knows no --profile";
+    return request.options.fillMissingKeys != 0 ? "--offshore knows no --fill-missing" : "";
+}
+
+// Reads the command line; gives the complaint about it, or an empty text.
+std::string ReadRequest(const Arguments& arguments, Request& request) {
+    bool seriesIcons = false;
+    bool fileSize = false;
+    bool fillMissing = false;
+    bool noRecurse = false;
+    bool noList = false;
+    Arguments directories;
+    const std::string complaint = ParseOptions(arguments,
+                                               {{"--profile", &request.profile},
+                                                {"--icons", &request.options.iconSize},
+                                                {"--series-icons", &seriesIcons},
+                                                {"--file-size", &fileSize},
+                                                {"--fill-missing", &fillMissing},
+                                                {"--file-set-id", &request.fileSetId},
+                                                {"--no-recurse", &noRecurse},
+                                                {"--no-list", &noList},
+                                                {"--offshore", &request.offshore}},
+                                               &directories);
+    if (!complaint.empty()) return complaint;
+    if (directories.size() != 1 || directories[0].empty()) return "a directory is expected";
+    request.directory = directories[0];
+    request.fileSetId.copy(request.options.fileSetId, kMaxFileSetId);
+    request.options.seriesIcons = seriesIcons;
+    request.options.storeFileSize = fileSize;
+    request.options.fillMissingKeys = fillMissing;
+    if (noRecurse) request.options.flags |= PG_DICOMDIR_NO_RECURSION;
+    if (noList) request.options.flags |= PG_DICOMDIR_NO_LIST;
+    return ComplaintAbout(request);
+}
+
+int Mkdir(const Arguments& arguments) {
+    Request request;
+    const std::string complaint = ReadRequest(arguments, request);
+    return complaint.empty() ? Create(request) : Misuse(kMkdirCommand, complaint);
+}
+
+}  // namespace
+
+const Command kMkdirCommand = {
+    "mkdir",
+    "mkdir DIR [--profile NAME] [--icons N] [--series-icons] [--file-size]\n"
+    "             [--fill-missing] [--file-set-id ID] [--no-recurse] [--no-list]\n"
+    "             [--offshore FILES]",
+    "make the DICOMDIR of a directory",
+    "Writes DIR/DICOMDIR with a record for every accepted file below DIR, and lists what\n"
+    "became of each file in DIR/dcmdir.lst. Prints a line for each acceptance code that\n"
+    "occurred: the code, its meaning, and the number of files.\n"
+    "  --profile NAME    accept what this media application profile allows, such as\n"
+    "                    STD-GEN-CD; without it every DICOM file\n"
+    "  --icons N         images have icons of at most N pixels in square, up to 256\n"
+    "  --series-icons    series have the icon of an image, too\n"
+    "  --file-size       records say how large their files are\n"
+    "  --fill-missing    make up patient IDs, study IDs, dates and times, and series\n"
+    "                    numbers where they are empty\n"
+    "  --file-set-id ID  up to 16 characters\n"
+    "  --no-recurse      stay out of subdirectories\n"
+    "  --no-list         write no dcmdir.lst\n"
+    "  --offshore FILES  the files are below the directory FILES; DIR gets the DICOMDIR,\n"
+    "                    which refers to them by their paths below FILES\n",
+    Mkdir};
+
+}  // namespace pgtool
