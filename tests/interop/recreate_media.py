@@ -179,10 +179,15 @@ class Medium:
         output = run(["dciodvfy", str(self.path)]).stderr.decode(errors="replace")
         if "BasicDirectory" not in output:
             raise Complaint(output)
-        for line in output.splitlines():
+        lines = output.splitlines()
+        others = [line for line in lines if not is_found_name(line, self.folder)]
+        if len(others) < len(lines):
+            others.remove("Error - Dicom dataset contains invalid data values for "
+                          "Value Representations")
+        for line in others:
             extra = re.match(r"Warning - Attribute is not present in standard DICOM IOD - "
                              r"\(\S+\) .. (.*?) ?$", line)
-            is_known = (is_found_name(line, self.folder) or line == "BasicDirectory" or "Standard Extended SOP Class" in line
+            is_known = (line == "BasicDirectory" or "Standard Extended SOP Class" in line
                         or "Value dubious for this VR" in line
                         or extra and extra[1] in EXTRA_KEYS)
             if not is_known:

@@ -32,7 +32,8 @@ std::string PathBelow(std::string_view directory, std::string_view path) {
     if (!isBelow) return "";
     std::string name(path.substr(directory.size() + 1));
     std::ranges::replace(name, '/', '\\');
-    return name;
+    // A second separator in front of a bare name does not count.
+    return name.rfind('\\') == 0 ? name.substr(1) : name;
 }
 
 PgAcceptanceCode AddFile(PGX_List& patients, std::string_view directory, std::string_view path,

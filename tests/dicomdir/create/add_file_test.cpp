@@ -59,6 +59,13 @@ TEST_F(AddFile, TakesSlashesForBackslashes) {
     EXPECT_EQ(Leaf().fullPath, Directory() + "\\ST1\\SE1\\IM1");
 }
 
+TEST_F(AddFile, DropsASecondSeparatorInFrontOfABareName) {
+    Write("IM1", Instance(1));
+    EXPECT_EQ(Add(Directory() + "\\/IM1"), 0u);
+    EXPECT_STREQ(Leaf().referencedFileId, "IM1");
+    EXPECT_EQ(Leaf().fullPath, Directory() + "\\IM1");
+}
+
 TEST_F(AddFile, ToleratesADirectoryThatEndsWithASeparator) {
     Write("SUB/IM1", Instance(1));
     for (const char* separator : {"\\", "/"}) {
