@@ -1,8 +1,8 @@
 // Every call to the operating system, behind one face for Windows and POSIX.
 //
 // Paths keep their backslashes up to here. The POSIX side turns them into slashes and, when the
-// path does not exist as written, looks it up again without regard to case and to blanks at the end,
-// component by component.
+// path does not exist as written, looks it up again component by component, without regard to case
+// and to blanks at the end.
 #pragma once
 
 #include <cstddef>

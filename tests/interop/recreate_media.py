@@ -48,11 +48,15 @@ EXTRA_KEYS = {"Rows", "Columns", "Number of Frames", "Patient's Sex", "Patient's
               "Institution Address", "Institution Name", "Image Type"}
 
 
-def is_found_name(line, folder):
-    """Whether a complaint is about a name that a file of the medium has; it is kept as found."""
+def is_about_name(line, folder):
+    """Whether a complaint is about a name or a depth that no medium may have, and that a file of
+    this one has: files are referred to as they are found."""
     name = re.search(r"\(0x0004,0x1500\) CS Referenced File ID  CS \[\d\] = <(.*)>", line)
-    return name is not None and any(folder.rglob(name[1])) \
-        and not re.fullmatch(r"[A-Z0-9_ ]*", name[1])
+    if name:
+        return any(folder.rglob(name[1])) and not re.fullmatch(r"[A-Z0-9_ ]*", name[1])
+    is_about_depth = re.search(r"Bad attribute Value Multiplicity .*<ReferencedFileID>", line)
+    return bool(is_about_depth) and any(len(path.relative_to(folder).parts) > 8
+                                        for path in folder.rglob("*"))
 
 
 class Complaint(Exception):
@@ -180,10 +184,10 @@ class Medium:
         if "BasicDirectory" not in output:
             raise Complaint(output)
         lines = output.splitlines()
-        others = [line for line in lines if not is_found_name(line, self.folder)]
-        if len(others) < len(lines):
-            others.remove("Error - Dicom dataset contains invalid data values for "
-                          "Value Representations")
+        others = [line for line in lines if not is_about_name(line, self.folder)]
+        summary = "Error - Dicom dataset contains invalid data values for Value Representations"
+        if len(others) < len(lines) and summary in others:
+            others.remove(summary)
         for line in others:
             extra = re.match(r"Warning - Attribute is not present in standard DICOM IOD - "
                              r"\(\S+\) .. (.*?) ?$", line)
