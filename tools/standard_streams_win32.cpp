@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <windows.h>
 
 #include <cstdio>
 
@@ -16,7 +17,11 @@ constexpr int kStandardError = 2;
 
 void MakeStandardOutputBinary() { _setmode(kStandardOutput, _O_BINARY); }
 
-bool StandardErrorIsTerminal() { return _isatty(kStandardError) != 0; }
+// The C library also counts the null device, and what a parent process had for a stream.
+bool StandardErrorIsTerminal() {
+    DWORD mode;
+    return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
 
 DivertedOutput::DivertedOutput() {
     std::fflush(stdout);
