@@ -7,9 +7,9 @@
 namespace pgkit::platform {
 
 // Null when there is none, or none that can be loaded; nothing is shown to the user.
-void* LoadModule(const char* name);
+void* OpenModule(const char* name);
 // Null is allowed.
-void FreeModule(void* module);
+void CloseModule(void* module);
 
 using ModuleFunction = void (*)();
 // An exported function; null for a null module and when it has none of this name.

@@ -31,14 +31,14 @@ void* LoadFrom(std::string directory, const std::string& file) {
 
 }  // namespace
 
-void* LoadModule(const char* name) {
+void* OpenModule(const char* name) {
     const std::string file = std::string(name) + ".so";
     void* module = LoadFrom(DirectoryOf(HostProgramPath()), file);
     if (module == nullptr) module = LoadFrom(DirectoryOf(OwnPath()), file);
     return module != nullptr ? module : ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
-void FreeModule(void* module) {
+void CloseModule(void* module) {
     if (module != nullptr) ::dlclose(module);
 }
 

@@ -43,14 +43,14 @@ HMODULE LoadBesideThis(const std::string& file) {
 
 }  // namespace
 
-void* LoadModule(const char* name) {
+void* OpenModule(const char* name) {
     const WithoutErrorBoxes quiet;
     const std::string file = std::string(name) + ".dll";
     const HMODULE module = LoadLibraryExA(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     return module != nullptr ? module : LoadBesideThis(file);
 }
 
-void FreeModule(void* module) {
+void CloseModule(void* module) {
     if (module != nullptr) FreeLibrary(static_cast<HMODULE>(module));
 }
 

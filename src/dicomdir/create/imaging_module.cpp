@@ -5,7 +5,7 @@
 namespace pgkit {
 
 ImagingModule::ImagingModule()
-    : module_(platform::LoadModule("pgview32")),
+    : module_(platform::OpenModule("pgview32")),
       allocateImage(Find<decltype(vwImaAllocEmptyDicomImage)>("vwImaAllocEmptyDicomImage")),
       freeImage(Find<decltype(vwImaFreeDicomImage)>("vwImaFreeDicomImage")),
       load(Find<decltype(vwImaLoadFrom)>("vwImaLoadFrom")),
@@ -14,7 +14,7 @@ ImagingModule::ImagingModule()
       newFrameBitmap(Find<decltype(vwImaGetHDib)>("vwImaGetHDib")),
       newZoomedBitmap(Find<decltype(vwDuplicateZoomDib)>("vwDuplicateZoomDib")) {}
 
-ImagingModule::~ImagingModule() { platform::FreeModule(module_); }
+ImagingModule::~ImagingModule() { platform::CloseModule(module_); }
 
 bool ImagingModule::IsUsable() const {
     return allocateImage != nullptr && freeImage != nullptr && load != nullptr &&
