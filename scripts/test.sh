@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test: natively, with sanitizers and, for Windows, under Wine;
-# then the comparison with an independent reader. The last line sums all of them up:
+# then the comparisons with an independent reader. The last line sums all of them up:
 # "N passed, M failed". When PGKIT_SAMPLES names a directory of DICOM files they are read too.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -103,6 +103,9 @@ start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
     "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
     "$root/build/windows-x64/bin/pgtool.exe"
 wait
+start icons tests/interop/compare_icons.py build/native/bin/creation_probe \
+    "$root/scripts/wine.sh" "$root/build/windows-x64/bin/creation_probe.exe"
+wait
 
 for preset in native native-sanitize windows-x64; do
     for program in "${programs[@]}"; do
@@ -112,4 +115,5 @@ done
 count_status format
 count_summary exports
 count_summary interop
+count_summary icons
 finish
