@@ -39,7 +39,8 @@ SECONDS = 60
 RLE_LOSSLESS = "1.2.840.10008.1.2.5"
 # A private syntax: everything is little endian but the words of the pixels.
 BIG_ENDIAN_PIXELS = "1.2.840.113619.5.2"
-NATIVE = {"1.2.840.10008.1.2", "1.2.840.10008.1.2.1", "1.2.840.10008.1.2.2", BIG_ENDIAN_PIXELS}
+# The empty one is that of a bare data set.
+NATIVE = {"", "1.2.840.10008.1.2", "1.2.840.10008.1.2.1", "1.2.840.10008.1.2.2", BIG_ENDIAN_PIXELS}
 
 
 def unpack_bits(segment, size):

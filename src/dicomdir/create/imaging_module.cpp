@@ -12,7 +12,8 @@ ImagingModule::ImagingModule()
       isGrayscale(Find<decltype(vwImaIsGrayscaleImage)>("vwImaIsGrayscaleImage")),
       countFrames(Find<decltype(vwImaGetNumber)>("vwImaGetNumber")),
       newFrameBitmap(Find<decltype(vwImaGetHDib)>("vwImaGetHDib")),
-      newZoomedBitmap(Find<decltype(vwDuplicateZoomDib)>("vwDuplicateZoomDib")) {}
+      newZoomedBitmap(Find<decltype(vwDuplicateZoomDib)>("vwDuplicateZoomDib")),
+      writeBitmap(Find<decltype(vwWriteDib)>("vwWriteDib")) {}
 
 ImagingModule::~ImagingModule() { platform::CloseModule(module_); }
 

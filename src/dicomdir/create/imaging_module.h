@@ -13,7 +13,7 @@ class ImagingModule {
     ImagingModule(const ImagingModule&) = delete;
     ImagingModule& operator=(const ImagingModule&) = delete;
 
-    // Whether the module is there and has all of the functions.
+    // Whether the module is there and has all that it takes to make an icon.
     bool IsUsable() const;
 
   private:
@@ -30,6 +30,7 @@ class ImagingModule {
     decltype(vwImaGetNumber)* const countFrames;
     decltype(vwImaGetHDib)* const newFrameBitmap;
     decltype(vwDuplicateZoomDib)* const newZoomedBitmap;
+    decltype(vwWriteDib)* const writeBitmap;  // for debugging; may be null
 };
 
 }  // namespace pgkit
