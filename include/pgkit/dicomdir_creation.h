@@ -99,10 +99,12 @@ typedef int32_t (*PgDicomdirScanCallback)(const PgDicomdirScanReason* reason);
 // Writes the DICOMDIR of a hierarchy, the list of its PGX_DicomDirPatientNode, to the file DICOMDIR
 // of a directory, and appends a line with code 0 for every leaf to the acceptance list file there,
 // dcmdir.lst. Records have the keys of their objects, also the empty ones, and refer to files by
-// referencedFileId; leaves of referencedDataSetSize 0 say no size. The icons of images and series
-// are written as Icon Image Sequence (0088,0200), in MONOCHROME2, when they are uncompressed bitmaps
-// of grays with 1, 4 or 8 bits for each pixel and the bottom row first; others are left out. Without a File-set ID (null or
+// referencedFileId; leaves of referencedDataSetSize 0 say no size. Without a File-set ID (null or
 // empty) it is "KIT_ZORVA_2865". The hierarchy is left as it is.
+//
+// Icons of images and series are written as Icon Image Sequence (0088,0200), in MONOCHROME2, when
+// they are uncompressed bitmaps of grays with 1, 4 or 8 bits for each pixel and the bottom row
+// first. Others are left out.
 //
 // Returns what PGX_Node::SaveDataSetAsEx returns: 0 when the DICOMDIR is written, 1 when it cannot
 // be created, also for a null list or directory, 5 when memory runs out.
