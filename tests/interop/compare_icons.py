@@ -19,7 +19,6 @@ then the mean of the area that each pixel of the icon covers. Three kinds of che
 The last line is "N passed, M failed"; the exit status tells the same.
 """
 
-import concurrent.futures
 import os
 import pathlib
 import shutil
@@ -30,6 +29,10 @@ import tempfile
 import warnings
 
 import pydicom
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+
+from check_run import files_below, run_checks  # noqa: E402
 
 DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
 EDGES = [64, 33, 256]
@@ -249,9 +252,8 @@ def check_windows(probe, command, path, edge):
 
 def images_of(root, probe):
     """Yields (name, path, image) for every file below root that becomes an image record."""
-    for path in sorted(path for path in root.rglob("*") if path.is_file()):
-        name = path.relative_to(root).as_posix()
-        if path.suffix in (".md", ".tsv") or name.startswith(("LICENSES/", "bad/")):
+    for name, path in files_below(root):
+        if name.startswith("bad/"):
             continue
         if written_icon([probe], path, 0)[0] is not None:
             yield name, path, pydicom.dcmread(path)
@@ -272,21 +274,7 @@ def main():
     samples = os.environ.get("PGKIT_SAMPLES")
     if samples:
         checks += checks_of(pathlib.Path(samples).resolve(), probe, None)
-
-    failed = 0
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = [(kind, name, pool.submit(function, *arguments))
-                   for kind, name, function, arguments in checks]
-        for kind, name, result in results:
-            try:
-                complaint = result.result()
-            except Exception as error:
-                complaint = f"{type(error).__name__}: {error}"
-            failed += complaint is not None
-            print(f"{'FAILED' if complaint else 'ok':6} {kind:7} {name}"
-                  + (f"\n       {complaint}" if complaint else ""))
-    print(f"{len(checks) - failed} passed, {failed} failed")
-    return 1 if failed or not checks else 0
+    return run_checks(checks)
 
 
 if __name__ == "__main__":

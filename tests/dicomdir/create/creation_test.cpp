@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "dicomdir/create/medium.h"
 #include "pgkit/pgkit.h"
 #include "support/captured.h"
 #include "support/instance_file.h"
@@ -68,13 +69,6 @@ class Creation : public testing::Test {
 
 InstanceFile Instance(int number) {
     return InstanceFile().Instance("1.2.3.4." + std::to_string(number)).InstanceNumber(number);
-}
-
-std::vector<PGX_Node*> ItemsOf(PGX_Node* root) {
-    std::vector<PGX_Node*> items;
-    for (PGX_Node* item = Child(root, 0x0004, 0x1220)->first; item != nullptr; item = item->next)
-        items.push_back(item);
-    return items;
 }
 
 // The text with every digit as '#'.

@@ -39,7 +39,7 @@ class HostileMedia : public testing::Test {
         return result;
     }
 
-    size_t CountRecords() { return RecordsOf(medium_.Open().get()).size(); }
+    size_t CountRecords() { return ItemsOf(medium_.Open().get()).size(); }
 
     bool LinkDirectory(const std::string& target, const std::string& name) {
         std::error_code error;
@@ -334,7 +334,7 @@ TEST_F(HostileMedia, PathsMayBeLongerThanTheFieldsOfALeaf) {
     EXPECT_EQ(Create(), 0u);
     EXPECT_TRUE(seen_.ends_with("DIRECTORY9|0;")) << seen_;
     const DataSet root = medium_.Open();
-    EXPECT_EQ(Child(RecordsOf(root.get()).at(3), 0x0004, 0x1500)->length,
+    EXPECT_EQ(Child(ItemsOf(root.get()).at(3), 0x0004, 0x1500)->length,
               260u);  // 259 characters, made even
 }
 

@@ -77,7 +77,7 @@ class IconCreation : public testing::Test {
         return IconPixels(ImageRecord(Create().get(), "IMAGE"));
     }
 
-    PGX_Node* SeriesRecord(PGX_Node* dicomdir) { return RecordsOf(dicomdir).at(2); }
+    PGX_Node* SeriesRecord(PGX_Node* dicomdir) { return ItemsOf(dicomdir).at(2); }
 
     Medium medium_;
     PgDicomdirOptions options_ = {};
@@ -241,7 +241,7 @@ TEST_F(IconCreation, GivesEverySeriesItsOwn) {
     medium_.Write("B", PlainImage(2, 2, 2, 60).Series("1.2.3.5").Set(0x0020, 0x0011, "IS", "2"));
     const DataSet root = Create();
     std::vector<Bytes> icons;
-    for (PGX_Node* record : RecordsOf(root.get())) {
+    for (PGX_Node* record : ItemsOf(root.get())) {
         if (TextOf(Child(record, 0x0004, 0x1430)) == "SERIES") icons.push_back(IconPixels(record));
     }
     EXPECT_EQ(icons, (std::vector<Bytes>{Bytes(4, 50), Bytes(4, 60)}));
@@ -252,7 +252,7 @@ class IconsOfAnotherDicomdir : public IconCreation {
   protected:
     // Photometric interpretation of all icons.
     void Turn(PGX_Node* dicomdir, const char* interpretation) {
-        for (PGX_Node* record : RecordsOf(dicomdir)) {
+        for (PGX_Node* record : ItemsOf(dicomdir)) {
             if (PGX_Node* const icon = IconOf(record)) {
                 icon->AddOrReplaceNode(0x0028, 0x0004, interpretation,
                                        static_cast<uint32_t>(std::strlen(interpretation)));

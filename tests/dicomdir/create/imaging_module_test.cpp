@@ -72,8 +72,8 @@ TEST_F(ImagingModule, IsLookedForBesideTheHost) {
 TEST_F(ImagingModule, IsNotNeeded) {
     medium_.Write("IMAGE", Image(1));
     const DataSet root = Create();
-    ASSERT_EQ(RecordsOf(root.get()).size(), 4u);
-    for (PGX_Node* record : RecordsOf(root.get()))
+    ASSERT_EQ(ItemsOf(root.get()).size(), 4u);
+    for (PGX_Node* record : ItemsOf(root.get()))
         EXPECT_EQ(record->FindNode(0x0088, 0x0200), nullptr);
 }
 

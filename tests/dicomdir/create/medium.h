@@ -38,7 +38,7 @@ class Medium {
 };
 
 // The directory records, as they stand in the file.
-inline std::vector<PGX_Node*> RecordsOf(PGX_Node* dicomdir) {
+inline std::vector<PGX_Node*> ItemsOf(PGX_Node* dicomdir) {
     std::vector<PGX_Node*> records;
     for (PGX_Node* item = Child(dicomdir, 0x0004, 0x1220)->first; item != nullptr;
          item = item->next)
@@ -48,7 +48,7 @@ inline std::vector<PGX_Node*> RecordsOf(PGX_Node* dicomdir) {
 
 // The record of the image in a file; a test failure when there is none.
 inline PGX_Node* ImageRecord(PGX_Node* dicomdir, const std::string& fileId) {
-    for (PGX_Node* record : RecordsOf(dicomdir)) {
+    for (PGX_Node* record : ItemsOf(dicomdir)) {
         PGX_Node* const id = record->FindNode(0x0004, 0x1500);
         std::string text = id == nullptr ? "" : TextOf(id);
         if (text.ends_with(' ')) text.pop_back();
