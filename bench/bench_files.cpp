@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <random>
+#include <utility>
 
 namespace pgkit_bench {
 
@@ -107,7 +109,14 @@ std::string CodeSequence() {
     return Encoder(Encoding::kExplicit).Item(code.Bytes()).Bytes();
 }
 
-std::string CtImage(int number) {
+struct CtKeys {
+    int number;
+    int series = 106;
+    size_t pixelBytes = 32768;
+};
+
+std::string CtImage(const CtKeys& keys) {
+    const int number = keys.number;
     const std::string uid = "1.2.826.0.1.3680043.2.1143.107." + std::to_string(number);
     const std::string us512("\0\2", 2);
     Encoder image(Encoding::kExplicit);
@@ -130,7 +139,9 @@ std::string CtImage(int number) {
         image.Element(0x0018, static_cast<uint16_t>(0x1100 + 16 * i), "DS", "123.456");
     }
     image.Element(0x0020, 0x000D, "UI", "1.2.826.0.1.3680043.2.1143.105")
-        .Element(0x0020, 0x000E, "UI", "1.2.826.0.1.3680043.2.1143.106")
+        .Element(0x0020, 0x000E, "UI", "1.2.826.0.1.3680043.2.1143." + std::to_string(keys.series))
+        .Element(0x0020, 0x0010, "SH", "STUDY1")
+        .Element(0x0020, 0x0011, "IS", std::to_string(keys.series))
         .Element(0x0020, 0x0013, "IS", std::to_string(number))
         .Element(0x0020, 0x0037, "DS", "1\\0\\0\\0\\1\\0");
     for (uint16_t i = 0; i < 12; ++i) {
@@ -139,7 +150,7 @@ std::string CtImage(int number) {
     for (uint16_t i = 0; i < 15; ++i) {
         image.Element(0x0040, static_cast<uint16_t>(0x0240 + i), "LO", "Procedure step text");
     }
-    image.Element(0x7FE0, 0x0010, "OW", std::string(32768, '\x55'));
+    image.Element(0x7FE0, 0x0010, "OW", std::string(keys.pixelBytes, '\x55'));
     return image.Bytes();
 }
 
@@ -183,9 +194,39 @@ std::vector<std::string> WriteSmallFiles() {
     std::vector<std::string> paths;
     for (int i = 0; i < kSmallFileCount; ++i) {
         paths.push_back(WorkDirectory().Write("IM" + std::to_string(i),
-                                              Part10("1.2.840.10008.1.2.1", CtImage(i))));
+                                              Part10("1.2.840.10008.1.2.1", CtImage({i}))));
     }
     return paths;
+}
+
+constexpr int kFilesPerDirectory = 1000;
+constexpr int kFilesPerSeries = 10;
+
+// As media demand: eight characters at most, in capitals.
+std::string FileId(char letter, int number) {
+    std::string digits = std::to_string(number);
+    return letter + std::string(7 - digits.size(), '0') + digits;
+}
+
+std::string MediumFile(int number, MediumShape shape) {
+    constexpr size_t kPixelBytes = 2048;
+    if (shape == MediumShape::kNoDicom) return std::string(kPixelBytes, 'x');
+    const int series = shape == MediumShape::kManySeries ? 1000 + number / kFilesPerSeries : 106;
+    return Part10("1.2.840.10008.1.2.1", CtImage({number, series, kPixelBytes}));
+}
+
+Medium WriteMedium(int fileCount, MediumShape shape) {
+    const std::string name =
+        "MEDIUM" + std::to_string(static_cast<int>(shape)) + "_" + std::to_string(fileCount);
+    Medium medium{WorkDirectory().Path(name), {}};
+    for (int i = 0; i < fileCount; ++i) {
+        const std::string directory = FileId('D', i / kFilesPerDirectory);
+        const fs::path path = fs::path(medium.directory) / directory;
+        if (i % kFilesPerDirectory == 0) fs::create_directories(path);
+        medium.files.push_back(directory + "/" + FileId('I', i));
+        std::ofstream(path / FileId('I', i), std::ios::binary) << MediumFile(i, shape);
+    }
+    return medium;
 }
 
 }  // namespace
@@ -210,6 +251,13 @@ const std::string& BigImplicitFile() {
 const std::string& LargeImageFile() {
     static const std::string path = WriteLargeImage();
     return path;
+}
+
+const Medium& MediumOf(int fileCount, MediumShape shape) {
+    static std::map<std::pair<int, MediumShape>, Medium> media;
+    const auto [medium, isNew] = media.try_emplace({fileCount, shape});
+    if (isNew) medium->second = WriteMedium(fileCount, shape);
+    return medium->second;
 }
 
 std::string OutputPath() { return WorkDirectory().Path("output"); }

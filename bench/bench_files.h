@@ -18,6 +18,15 @@ const std::string& BigImplicitFile();
 // One image with 1 GiB of pixels, in explicit VR little endian.
 const std::string& LargeImageFile();
 
+// A directory of small files, 1,000 of them in each subdirectory: CT images of one series, the same
+// with ten images in a series, or files that are no DICOM.
+enum class MediumShape { kOneSeries, kManySeries, kNoDicom };
+struct Medium {
+    std::string directory;
+    std::vector<std::string> files;  // relative paths
+};
+const Medium& MediumOf(int fileCount, MediumShape shape);
+
 // A path in the same directory for output.
 std::string OutputPath();
 

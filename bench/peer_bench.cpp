@@ -1,6 +1,7 @@
 // The same files through DCMTK, in its own way of leaving long values in the file.
 #include <benchmark/benchmark.h>
 #include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dcddirif.h>
 #include <dcmtk/dcmdata/dctk.h>
 
 #include <algorithm>
@@ -96,6 +97,52 @@ void ValueRepresentationPeer(benchmark::State& state) {
     }
 }
 BENCHMARK(ValueRepresentationPeer)->Name("lookup, VR of a tag/DCMTK");
+
+// Every file is compared with all that are there, so the time of one grows with their number.
+void CreatePeer(benchmark::State& state, int fileCount, MediumShape shape) {
+    OFLog::configure(OFLogger::OFF_LOG_LEVEL);
+    const Medium& medium = MediumOf(fileCount, shape);
+    for (auto _ : state) {
+        DicomDirInterface directory;
+        directory.disableConsistencyCheck();
+        directory.createNewDicomDir(DicomDirInterface::AP_GeneralPurpose, OutputPath().c_str(),
+                                    "BENCH");
+        for (const std::string& file : medium.files) {
+            if (directory.addDicomFile(file.c_str(), medium.directory.c_str()).bad()) {
+                return state.SkipWithError("cannot add a file");
+            }
+        }
+        if (directory.writeDicomDir().bad()) return state.SkipWithError("cannot write");
+    }
+}
+
+void Create100OneSeries(benchmark::State& state) {
+    CreatePeer(state, 100, MediumShape::kOneSeries);
+}
+BENCHMARK(Create100OneSeries)
+    ->Name("create, 100 files, one series/DCMTK")
+    ->Unit(benchmark::kMillisecond);
+
+void Create1000OneSeries(benchmark::State& state) {
+    CreatePeer(state, 1000, MediumShape::kOneSeries);
+}
+BENCHMARK(Create1000OneSeries)
+    ->Name("create, 1000 files, one series/DCMTK")
+    ->Unit(benchmark::kMillisecond);
+
+void Create100ManySeries(benchmark::State& state) {
+    CreatePeer(state, 100, MediumShape::kManySeries);
+}
+BENCHMARK(Create100ManySeries)
+    ->Name("create, 100 files, many series/DCMTK")
+    ->Unit(benchmark::kMillisecond);
+
+void Create1000ManySeries(benchmark::State& state) {
+    CreatePeer(state, 1000, MediumShape::kManySeries);
+}
+BENCHMARK(Create1000ManySeries)
+    ->Name("create, 1000 files, many series/DCMTK")
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -105,6 +105,9 @@ start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
 start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/pgtool.exe"
 wait
+start icons tests/interop/compare_icons.py build/native/bin/creation_probe \
+    "$root/scripts/wine.sh" "$root/build/windows-x64/bin/creation_probe.exe"
+wait
 
 for preset in native native-sanitize windows-x64; do
     for program in "${programs[@]}"; do
@@ -115,4 +118,5 @@ count_status format
 count_summary exports
 count_summary interop
 count_summary media
+count_summary icons
 finish

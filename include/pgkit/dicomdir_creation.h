@@ -35,10 +35,21 @@ typedef enum PgDicomdirFlags {
     PG_DICOMDIR_NO_LIST = 0x20 /* no acceptance list file */
 } PgDicomdirFlags;
 
-// Null in the place of options means all zero. Icons are not made yet: the first two members are
-// accepted and have no effect.
+// Null in the place of options means all zero.
+//
+// Icons are small grayscale pictures in the records: of every image that the imaging module
+// (pgkit/imaging.h) can make a bitmap of, and on demand of every series, which shows the first of
+// its images that was given one. The module is looked for when an icon is made: beside the host
+// program, beside this library, and where the system keeps its own, never in the current directory.
+// Without it, and for images in colours or in compressions that it does not decode, there is no
+// icon; nothing else changes and nothing is printed.
+//
+// An icon shows the frame one third into the image (index number of frames / 3) fitted into a
+// square: its height is the smaller one of the edge and of what the proportion gives for a width of
+// the edge, rounded down; the width follows from the height, rounded down. An image so wide that
+// nothing is left of its height gets no icon.
 typedef struct PgDicomdirOptions {
-    uint32_t iconSize;        /* edge of image icons in pixels; 0 or above 256: no icons */
+    uint32_t iconSize;        /* edge of the square in pixels; 0 or above 256: no icons */
     uint32_t seriesIcons;     /* not 0: series get icons too */
     uint32_t storeFileSize;   /* not 0: every file's record says its size */
     uint32_t fillMissingKeys; /* not 0: missing keys are made up after a scan */
@@ -90,6 +101,10 @@ typedef int32_t (*PgDicomdirScanCallback)(const PgDicomdirScanReason* reason);
 // dcmdir.lst. Records have the keys of their objects, also the empty ones, and refer to files by
 // referencedFileId; leaves of referencedDataSetSize 0 say no size. Without a File-set ID (null or
 // empty) it is "KIT_ZORVA_2865". The hierarchy is left as it is.
+//
+// Icons of images and series are written as Icon Image Sequence (0088,0200), in MONOCHROME2, when
+// they are uncompressed bitmaps of grays with 1, 4 or 8 bits for each pixel and the bottom row
+// first. Others are left out.
 //
 // Returns what PGX_Node::SaveDataSetAsEx returns: 0 when the DICOMDIR is written, 1 when it cannot
 // be created, also for a null list or directory, 5 when memory runs out.

@@ -41,6 +41,18 @@ PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t fla
     return root.release();
 }
 
+// The tree owns the stream from then on; without one it stays where it is.
+PGX_Node* ParseFile(StreamReader& reader, platform::FileHandle& stream, uint32_t maxLoadLength,
+                    uint32_t flags) {
+    try {
+        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
+        if (root != nullptr) static_cast<void>(stream.release());
+        return root;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 PGX_Node* OpenFile(const char* path, uint32_t maxLoadLength, uint32_t flags) {
     try {
         return OpenDataSet(OpenInput(path), maxLoadLength, flags);
@@ -83,21 +95,20 @@ InputFile OpenToTest(const char* path) {
     return file;
 }
 
-bool IsDicomStream(const InputFile& file) {
-    StreamReader reader(file.stream.get(), file.size);
-    return SkipPreamble(reader);
-}
-
 PGX_Node* OpenDataSet(InputFile file, uint32_t maxLoadLength, uint32_t flags) {
     if (file.stream == nullptr) return nullptr;
-    try {
-        StreamReader reader(file.stream.get(), file.size);
-        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
-        if (root != nullptr) static_cast<void>(file.stream.release());
-        return root;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    StreamReader reader(file.stream.get(), file.size);
+    return ParseFile(reader, file.stream, maxLoadLength, flags);
+}
+
+PGX_Node* OpenIfDicom(InputFile file, uint32_t maxLoadLength, uint32_t flags, bool& isDicom) {
+    isDicom = false;
+    if (file.stream == nullptr) return nullptr;
+    StreamReader reader(file.stream.get(), file.size);
+    isDicom = SkipPreamble(reader);
+    if (!isDicom) return nullptr;
+    reader.Seek(0);
+    return ParseFile(reader, file.stream, maxLoadLength, flags);
 }
 
 }  // namespace pgkit
@@ -120,5 +131,7 @@ PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength, uint32
 
 int32_t pgIsDicomFile(const char* path) {
     const pgkit::InputFile file = pgkit::OpenToTest(path);
-    return file.stream != nullptr && pgkit::IsDicomStream(file) ? 1 : 0;
+    if (file.stream == nullptr) return 0;
+    pgkit::StreamReader reader(file.stream.get(), file.size);
+    return pgkit::SkipPreamble(reader) ? 1 : 0;
 }

@@ -20,10 +20,11 @@ InputFile OpenInput(const char* path);
 // pgIsDicomFile.
 InputFile OpenToTest(const char* path);
 
-// Whether "DICM" stands 128 bytes behind the stream's position, which is arbitrary afterwards.
-bool IsDicomStream(const InputFile& file);
-
 // pgOpenDataSetFileEx on an open file, which is closed whenever there is no tree that owns it.
 PGX_Node* OpenDataSet(InputFile file, uint32_t maxLoadLength, uint32_t flags);
+
+// The same for a file that is opened only when it has "DICM" at offset 128, which costs no read of
+// its own. Without it there is no tree, and isDicom says why.
+PGX_Node* OpenIfDicom(InputFile file, uint32_t maxLoadLength, uint32_t flags, bool& isDicom);
 
 }  // namespace pgkit

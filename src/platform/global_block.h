@@ -15,6 +15,9 @@ void* AllocateGlobalBlock(size_t size);
 uint8_t* LockGlobalBlock(void* handle);
 void UnlockGlobalBlock(void* handle);
 
+// The size of a block, which may be a little more than was asked for; 0 for a null or stale handle.
+size_t GlobalBlockSize(void* handle);
+
 // Null is allowed.
 void FreeGlobalBlock(void* handle);
 

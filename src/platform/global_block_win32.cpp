@@ -14,6 +14,8 @@ void UnlockGlobalBlock(void* handle) {
     if (handle != nullptr) GlobalUnlock(handle);
 }
 
+size_t GlobalBlockSize(void* handle) { return handle == nullptr ? 0 : GlobalSize(handle); }
+
 void FreeGlobalBlock(void* handle) {
     if (handle != nullptr) GlobalFree(handle);
 }

@@ -20,7 +20,7 @@ FILE* OpenForReading(const char* path);
 // The same; size receives the length of the file.
 FILE* OpenForReading(const char* path, uint64_t& size);
 FILE* OpenForUpdate(const char* path);
-// Creates or truncates a file; null on failure.
+// Creates or truncates a file; null on failure, also for a pipe that nobody reads.
 FILE* CreateBinary(const char* path);
 FILE* CreateText(const char* path);
 // Opens a text file, or creates it, for writing at its end; null on failure.

@@ -149,8 +149,17 @@ FILE* OpenRegular(const char* path, int access, const char* mode, uint64_t& size
     return Unbuffered(stream);
 }
 
-FILE* Create(const char* path, const char* mode) {
-    return path == nullptr ? nullptr : std::fopen(NativePath(path).c_str(), mode);
+// A pipe that nobody reads fails at once instead of waiting; one that is read is written to as
+// usual.
+FILE* Create(const char* path, int disposition, const char* mode) {
+    if (path == nullptr) return nullptr;
+    const int flags = O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | disposition;
+    const int descriptor = ::open(NativePath(path).c_str(), flags, 0666);
+    if (descriptor < 0) return nullptr;
+    ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
+    FILE* stream = ::fdopen(descriptor, mode);
+    if (stream == nullptr) ::close(descriptor);
+    return stream;
 }
 
 }  // namespace
@@ -169,11 +178,11 @@ FILE* OpenForUpdate(const char* path) {
     return OpenRegular(path, O_RDWR, "r+b", size);
 }
 
-FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
+FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, O_TRUNC, "wb")); }
 
-FILE* CreateText(const char* path) { return Create(path, "w"); }
+FILE* CreateText(const char* path) { return Create(path, O_TRUNC, "w"); }
 
-FILE* AppendText(const char* path) { return Create(path, "a"); }
+FILE* AppendText(const char* path) { return Create(path, O_APPEND, "a"); }
 
 bool PathExists(const char* path) {
     struct stat status;

@@ -20,6 +20,13 @@ TEST(GlobalBlock, IsZeroedAndKeepsItsBytes) {
     platform::FreeGlobalBlock(handle);
 }
 
+TEST(GlobalBlock, KnowsItsSize) {
+    void* handle = platform::AllocateGlobalBlock(1000);
+    EXPECT_GE(platform::GlobalBlockSize(handle), 1000u);
+    EXPECT_LT(platform::GlobalBlockSize(handle), 1100u);
+    platform::FreeGlobalBlock(handle);
+}
+
 TEST(GlobalBlock, OfSizeZeroExists) {
     void* handle = platform::AllocateGlobalBlock(0);
     EXPECT_NE(handle, nullptr);
@@ -28,6 +35,7 @@ TEST(GlobalBlock, OfSizeZeroExists) {
 
 TEST(GlobalBlock, NullIsTolerated) {
     EXPECT_EQ(platform::LockGlobalBlock(nullptr), nullptr);
+    EXPECT_EQ(platform::GlobalBlockSize(nullptr), 0u);
     platform::UnlockGlobalBlock(nullptr);
     platform::FreeGlobalBlock(nullptr);
 }

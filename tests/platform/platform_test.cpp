@@ -157,6 +157,9 @@ TEST_F(Platform, PipesAreNoFilesAndAreNotWaitedFor) {
     if (std::system(command.c_str()) != 0) GTEST_SKIP() << "no pipes in directories here";
     EXPECT_EQ(platform::OpenForReading(path.c_str()), nullptr);
     EXPECT_EQ(platform::OpenForUpdate(path.c_str()), nullptr);
+    EXPECT_EQ(platform::CreateBinary(path.c_str()), nullptr);
+    EXPECT_EQ(platform::CreateText(path.c_str()), nullptr);
+    EXPECT_EQ(platform::AppendText(path.c_str()), nullptr);
 }
 
 TEST_F(Platform, OpeningTellsTheSize) {

@@ -1,12 +1,10 @@
 #include "dicomdir/create/file_gate.h"
 
 #include <string_view>
-#include <utility>
 
 #include "codec/open.h"
 #include "dicomdir/record_keys.h"
 #include "frame/text.h"
-#include "platform/platform.h"
 
 namespace pgkit {
 
@@ -21,12 +19,14 @@ constexpr std::string_view kDirectoryClassPrefix = "1.2.840.10008.1.3.10";
 bool IsDirectoryClass(std::string_view uid) { return uid.starts_with(kDirectoryClassPrefix); }
 
 PgAcceptanceCode Open(const char* path, bool skipChecks, OpenedDataSet& dataSet) {
-    InputFile file = skipChecks ? OpenInput(path) : OpenToTest(path);
-    if (!skipChecks) {
-        if (file.stream == nullptr || !IsDicomStream(file)) return PG_NOT_DICOM_PART_10;
-        if (!platform::Seek(file.stream.get(), 0)) return PG_NOT_A_DATA_SET;
+    constexpr uint32_t kFlags = PG_OPEN_SKIP_FRAGMENTS;
+    if (skipChecks) {
+        dataSet.reset(OpenDataSet(OpenInput(path), kLoadLimit, kFlags));
+    } else {
+        bool isDicom;
+        dataSet.reset(OpenIfDicom(OpenToTest(path), kLoadLimit, kFlags, isDicom));
+        if (!isDicom) return PG_NOT_DICOM_PART_10;
     }
-    dataSet.reset(OpenDataSet(std::move(file), kLoadLimit, PG_OPEN_SKIP_FRAGMENTS));
     return dataSet != nullptr ? PG_ACCEPTED : PG_NOT_A_DATA_SET;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "dicomdir/create/icon_making.h"
 #include "dicomdir/create/instance_keys.h"
 #include "dicomdir/create/sequence_copy.h"
 #include "dicomdir/record_keys.h"
@@ -107,6 +108,11 @@ int32_t FileSizeField(PGX_Node& dataSet) {
 
 }  // namespace
 
+PGX_DicomDirImageNode* ImageOf(PGX_DicomDirLeafNode* leaf) {
+    const bool isImage = leaf->leafType == PG_LEAF_IMAGE;
+    return isImage ? static_cast<PGX_DicomDirImageNode*>(leaf) : nullptr;
+}
+
 std::unique_ptr<PGX_DicomDirLeafNode> NewLeaf(const Candidate& candidate, const FileToAdd& file,
                                               const PgDicomdirOptions& options) {
     PGX_Node& dataSet = *candidate.dataSet;
@@ -118,6 +124,9 @@ std::unique_ptr<PGX_DicomDirLeafNode> NewLeaf(const Candidate& candidate, const 
     CopyToField(leaf->sopClassUid, candidate.sopClassUid);
     CopyToField(leaf->transferSyntaxUid, candidate.transferSyntaxUid);
     ReadInstanceCharacterSet(dataSet, leaf->specificCharacterSet);
+    if (PGX_DicomDirImageNode* const image = ImageOf(leaf.get())) {
+        image->icon = NewImageIcon(file.fullPath, options.iconSize).release();
+    }
     if (options.storeFileSize != 0) leaf->referencedDataSetSize = FileSizeField(dataSet);
     return leaf;
 }

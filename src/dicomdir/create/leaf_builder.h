@@ -9,8 +9,12 @@
 
 namespace pgkit {
 
-// Every SOP class gives a leaf: what is nothing else becomes an image.
+// Every SOP class gives a leaf: what is nothing else becomes an image. Images get an icon when the
+// options ask for one and it can be made.
 std::unique_ptr<PGX_DicomDirLeafNode> NewLeaf(const Candidate& candidate, const FileToAdd& file,
                                               const PgDicomdirOptions& options);
+
+// The leaf as an image; null when it is none.
+PGX_DicomDirImageNode* ImageOf(PGX_DicomDirLeafNode* leaf);
 
 }  // namespace pgkit

@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "dicomdir/create/icon_making.h"
 #include "dicomdir/create/instance_keys.h"
 #include "dicomdir/create/leaf_builder.h"
 #include "dicomdir/record_list.h"
@@ -67,6 +68,7 @@ AddedRecords RecordBuilder::Place(const FileToAdd& file) {
     if (added.study == nullptr) AddStudy(dataSet, added);
     if (added.series == nullptr) AddSeries(dataSet, added);
     AddLeaf(std::move(leaf), added);
+    AddSeriesIcon(*added.series, *added.leaf);
     return added;
 }
 
@@ -125,6 +127,13 @@ void RecordBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, AddedRec
     orders_.try_emplace(&siblings, siblings, InstanceNumberOf).first->second.Insert(leaf.get());
     added.leaf = leaf.release();
     leaves_.Added(siblings, *added.leaf);
+}
+
+// A series looks like the first of its images that has an icon.
+void RecordBuilder::AddSeriesIcon(PGX_DicomDirSeriesNode& series, PGX_DicomDirLeafNode& leaf) {
+    const PGX_DicomDirImageNode* const image = ImageOf(&leaf);
+    if (options_.seriesIcons == 0 || series.icon != nullptr || image == nullptr) return;
+    series.icon = CopyOfIcon(image->icon).release();
 }
 
 }  // namespace pgkit

@@ -3,6 +3,7 @@
 #include <new>
 #include <string>
 
+#include "dicomdir/create/icon_item.h"
 #include "dicomdir/create/sequence_copy.h"
 
 namespace pgkit {
@@ -24,6 +25,13 @@ NodeTree NewItem(const char* recordType) {
 void PutCopy(PGX_Node& item, PGX_Node* sequence) {
     NodeTree copy = CopyForRecord(sequence);
     if (copy != nullptr) item.InsertNode(copy.release());
+}
+
+void PutIcon(PGX_Node& item, void* bitmap) {
+    NodeTree icon = NewIconItem(bitmap);
+    if (icon == nullptr) return;
+    PutBytes(item, 0x0088, 0x0200, nullptr, 0);
+    item.FindNode(0x0088, 0x0200)->SeqAddHead(icon.release());
 }
 
 template <typename Leaf>
@@ -75,6 +83,7 @@ void PutKeys(PGX_Node& item, const PGX_DicomDirImageNode& image) {
     PutNumber(item, 0x0028, 0x0010, static_cast<uint16_t>(image.rows));
     PutNumber(item, 0x0028, 0x0011, static_cast<uint16_t>(image.columns));
     PutText(item, 0x0028, 0x0008, std::to_string(image.numberOfFrames));
+    PutIcon(item, image.icon);
 }
 
 void PutKeys(PGX_Node& item, const PGX_DicomDirRawDataNode& data) { PutContentTimes(item, data); }
@@ -148,6 +157,7 @@ NodeTree NewSeriesItem(const PGX_DicomDirSeriesNode& series) {
     PutText(*item, 0x0008, 0x1050, series.performingPhysiciansName);
     PutText(*item, 0x0020, 0x000E, series.seriesInstanceUid);
     PutText(*item, 0x0020, 0x0011, series.seriesNumber);
+    PutIcon(*item, series.icon);
     return item;
 }
 

@@ -1,0 +1,77 @@
+#include "dicomdir/create/icon_making.h"
+
+#include <cstring>
+
+#include "dicomdir/create/imaging_module.h"
+
+namespace pgkit {
+
+namespace {
+
+constexpr uint32_t kLongestEdge = 256;
+
+// An image of the module.
+class LoadedImage {
+  public:
+    LoadedImage(const ImagingModule& module, const char* path)
+        : module_(module), image_(module.allocateImage()) {
+        isLoaded_ = image_ != nullptr && module.load(image_, path) != 0;
+    }
+    ~LoadedImage() {
+        if (image_ != nullptr) module_.freeImage(image_);
+    }
+    LoadedImage(const LoadedImage&) = delete;
+    LoadedImage& operator=(const LoadedImage&) = delete;
+
+    // One that stands for all; nothing for an image in colours.
+    BitmapHandle TypicalFrame() const {
+        if (!isLoaded_ || module_.isGrayscale(image_) == 0) return nullptr;
+        const auto frameCount = static_cast<uint16_t>(module_.countFrames(image_));
+        return BitmapHandle(module_.newFrameBitmap(image_, frameCount / 3u));
+    }
+
+  private:
+    const ImagingModule& module_;
+    void* image_;
+    bool isLoaded_;
+};
+
+// 0 when the icon would have no height.
+double FittingZoom(const BitmapHeader& bitmap, uint32_t edge) {
+    const uint64_t height = uint64_t{bitmap.height} * edge / bitmap.width;
+    const uint64_t iconHeight = height <= edge ? height : edge;
+    return static_cast<double>(iconHeight) / static_cast<double>(bitmap.height);
+}
+
+BitmapHandle ZoomedToFit(const ImagingModule& module, void* bitmap, uint32_t edge) {
+    double zoom = 0;
+    {
+        const ReceivedBitmap received(bitmap);
+        if (received.Header()) zoom = FittingZoom(*received.Header(), edge);
+    }
+    return BitmapHandle(zoom > 0 ? module.newZoomedBitmap(bitmap, zoom) : nullptr);
+}
+
+}  // namespace
+
+BitmapHandle NewImageIcon(const char* path, uint32_t edge) {
+    if (edge == 0 || edge > kLongestEdge) return nullptr;
+    const ImagingModule module;
+    if (!module.IsUsable()) return nullptr;
+    const BitmapHandle frame = LoadedImage(module, path).TypicalFrame();
+    return frame == nullptr ? nullptr : ZoomedToFit(module, frame.get(), edge);
+}
+
+BitmapHandle CopyOfIcon(void* bitmap) {
+    const ReceivedBitmap original(bitmap);
+    if (original.Bytes() == nullptr) return nullptr;
+    BitmapHandle copy(platform::AllocateGlobalBlock(original.Size()));
+    if (uint8_t* const bytes = platform::LockGlobalBlock(copy.get())) {
+        std::memcpy(bytes, original.Bytes(), original.Size());
+        platform::UnlockGlobalBlock(copy.get());
+        return copy;
+    }
+    return nullptr;
+}
+
+}  // namespace pgkit

@@ -1,0 +1,18 @@
+// Icons of images, which the imaging module makes, if there is one. Whatever goes wrong means only
+// that there is no icon.
+#pragma once
+
+#include <cstdint>
+
+#include "dicomdir/create/received_bitmap.h"
+
+namespace pgkit {
+
+// A bitmap of the frame one third into a grayscale image that fits into a square of this edge. None
+// for an edge of 0 or above 256.
+BitmapHandle NewImageIcon(const char* path, uint32_t edge);
+
+// Another one with the same bytes.
+BitmapHandle CopyOfIcon(void* bitmap);
+
+}  // namespace pgkit

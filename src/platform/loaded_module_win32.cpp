@@ -1,0 +1,62 @@
+#include <windows.h>
+
+#include <string>
+
+#include "platform/loaded_module.h"
+
+namespace pgkit::platform {
+
+namespace {
+
+// Damaged modules, and those for other processors, would otherwise be shown to the user.
+class WithoutErrorBoxes {
+  public:
+    WithoutErrorBoxes() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &before_); }
+    ~WithoutErrorBoxes() { SetThreadErrorMode(before_, nullptr); }
+    WithoutErrorBoxes(const WithoutErrorBoxes&) = delete;
+    WithoutErrorBoxes& operator=(const WithoutErrorBoxes&) = delete;
+
+  private:
+    DWORD before_ = 0;
+};
+
+// The directory of this library, with the backslash at its end; empty when it is not known.
+std::string OwnDirectory() {
+    static const char inThisModule = 0;
+    HMODULE module = nullptr;
+    char path[1024];
+    constexpr DWORD kByAddress =
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    if (!GetModuleHandleExA(kByAddress, &inThisModule, &module)) return std::string();
+    const DWORD length = GetModuleFileNameA(module, path, sizeof path);
+    if (length >= sizeof path) return std::string();
+    const std::string own(path, length);
+    return own.substr(0, own.rfind('\\') + 1);
+}
+
+HMODULE LoadBesideThis(const std::string& file) {
+    const std::string directory = OwnDirectory();
+    if (directory.empty()) return nullptr;
+    return LoadLibraryExA((directory + file).c_str(), nullptr,
+                          LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+}
+
+}  // namespace
+
+void* OpenModule(const char* name) {
+    const WithoutErrorBoxes quiet;
+    const std::string file = std::string(name) + ".dll";
+    const HMODULE module = LoadLibraryExA(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    return module != nullptr ? module : LoadBesideThis(file);
+}
+
+void CloseModule(void* module) {
+    if (module != nullptr) FreeLibrary(static_cast<HMODULE>(module));
+}
+
+ModuleFunction FindFunction(void* module, const char* name) {
+    if (module == nullptr) return nullptr;
+    return reinterpret_cast<ModuleFunction>(GetProcAddress(static_cast<HMODULE>(module), name));
+}
+
+}  // namespace pgkit::platform

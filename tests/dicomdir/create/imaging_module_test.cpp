@@ -1,0 +1,155 @@
+// The imaging module at run time: there, missing, or broken. Each test runs a host of its own, from
+// a directory of its own that has the modules of the test's choice.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "dicomdir/create/medium.h"
+#include "support/process.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace pgkit_test;
+
+InstanceFile Image(int number) {
+    return InstanceFile()
+        .Instance("1.2.3.4." + std::to_string(number))
+        .SetUS(0x0028, 0x0010, 4)
+        .SetUS(0x0028, 0x0011, 8)
+        .SetUS(0x0028, 0x0100, 8)
+        .Set(0x7FE0, 0x0010, "OB", std::string(32, '\x40'));
+}
+
+class ImagingModule : public testing::Test {
+  protected:
+    void SetUp() override {
+        host_ = Copy(PGKIT_TEST_CREATION_PROBE);
+        Copy(PGKIT_TEST_MODULE);
+    }
+
+    // Puts a file beside the host, under the name that the module has.
+    void InstallAs(const fs::path& directory, const char* module) const {
+        fs::create_directories(directory);
+        fs::copy_file(module, directory / fs::path(PGKIT_TEST_IMAGING_MODULE).filename());
+    }
+    void Install(const char* module) const { InstallAs(host_.parent_path(), module); }
+
+    // Makes the DICOMDIR; nobody says anything.
+    DataSet Create(const std::string& edge = "16") const {
+        const Finished run = RunProgram(host_.string(), {medium_.Directory(), edge});
+        EXPECT_EQ(run.exitStatus, 0);
+        EXPECT_EQ(run.out + run.err, "");
+        return medium_.Open();
+    }
+
+    std::string SizeWith(const std::string& name) {
+        medium_.Write(name, Image(++images_));
+        return IconSize(ImageRecord(Create().get(), name));
+    }
+
+    Medium medium_;
+    TempDir programs_;
+    fs::path host_;
+
+  private:
+    fs::path Copy(const fs::path& file) const {
+        const fs::path copy = programs_.Path(file.filename().string());
+        fs::copy_file(file, copy);
+        return copy;
+    }
+
+    int images_ = 0;
+};
+
+TEST_F(ImagingModule, IsLookedForBesideTheHost) {
+    Install(PGKIT_TEST_IMAGING_MODULE);
+    EXPECT_EQ(SizeWith("IMAGE"), "16x8");
+}
+
+TEST_F(ImagingModule, IsNotNeeded) {
+    medium_.Write("IMAGE", Image(1));
+    const DataSet root = Create();
+    ASSERT_EQ(RecordsOf(root.get()).size(), 4u);
+    for (PGX_Node* record : RecordsOf(root.get()))
+        EXPECT_EQ(record->FindNode(0x0088, 0x0200), nullptr);
+}
+
+TEST_F(ImagingModule, ChangesNothingElse) {
+    medium_.Write("IMAGE", Image(1));
+    const std::string without = Describe(Create().get());
+    Install(PGKIT_TEST_IMAGING_MODULE);
+    EXPECT_NE(Describe(Create().get()), without);
+    EXPECT_EQ(Describe(Create("0").get()), without);
+}
+
+// It may be a disc of anyone's making.
+TEST_F(ImagingModule, IsNotLookedForInTheCurrentDirectory) {
+    const fs::path elsewhere = programs_.Path("elsewhere");
+    InstallAs(elsewhere, PGKIT_TEST_IMAGING_MODULE);
+    const fs::path before = fs::current_path();
+    fs::current_path(elsewhere);
+    EXPECT_EQ(SizeWith("IMAGE"), "none");
+    fs::current_path(before);
+}
+
+TEST_F(ImagingModule, MayBeNoModuleAtAll) {
+    programs_.Write(fs::path(PGKIT_TEST_IMAGING_MODULE).filename().string(), "not a module");
+    EXPECT_EQ(SizeWith("IMAGE"), "none");
+}
+
+TEST_F(ImagingModule, MayBeADirectory) {
+    fs::create_directory(host_.parent_path() / fs::path(PGKIT_TEST_IMAGING_MODULE).filename());
+    EXPECT_EQ(SizeWith("IMAGE"), "none");
+}
+
+TEST_F(ImagingModule, MayLackTheFunctions) {
+    Install(PGKIT_TEST_MODULE);
+    EXPECT_EQ(SizeWith("IMAGE"), "none");
+}
+
+TEST_F(ImagingModule, MayGiveNoBitmap) {
+    Install(PGKIT_TEST_BROKEN_IMAGING);
+    EXPECT_EQ(SizeWith("GOOD"), "8x1");
+    EXPECT_EQ(SizeWith("NOLOAD"), "none");
+    EXPECT_EQ(SizeWith("COLOUR"), "none");
+    EXPECT_EQ(SizeWith("FRAME-NULL"), "none");
+    EXPECT_EQ(SizeWith("ZOOM-NULL"), "none");
+}
+
+TEST_F(ImagingModule, MayGiveBrokenBitmaps) {
+    Install(PGKIT_TEST_BROKEN_IMAGING);
+    const char* const faults[] = {"SHORT",    "EMPTY",     "HEADER",   "HUGE",
+                                  "GIGANTIC", "NOWIDTH",   "NOHEIGHT", "NEGATIVE",
+                                  "BIGTABLE", "BIGHEADER", "DEPTH"};
+    int number = 0;
+    for (const std::string fault : faults) {
+        medium_.Write("FRAME-" + fault, Image(++number));
+        medium_.Write("ZOOM-" + fault, Image(++number));
+    }
+    const DataSet root = Create();
+    for (const std::string fault : faults) {
+        EXPECT_EQ(IconSize(ImageRecord(root.get(), "FRAME-" + fault)), "none") << fault;
+        EXPECT_EQ(IconSize(ImageRecord(root.get(), "ZOOM-" + fault)), "none") << fault;
+    }
+}
+
+TEST_F(ImagingModule, IsAskedForAThirdOfTheLow16BitsOfTheFrames) {
+    Install(PGKIT_TEST_BROKEN_IMAGING);
+    medium_.Write("FRAMES", Image(1));
+    EXPECT_EQ(IconPixels(ImageRecord(Create().get(), "FRAMES")), Bytes(8, 2));
+}
+
+TEST_F(ImagingModule, IsGivenTheRatioOfTheHeights) {
+    Install(PGKIT_TEST_BROKEN_IMAGING);
+    medium_.Write("ZOOM", Image(1));
+    const Bytes pixels = IconPixels(ImageRecord(Create("20").get(), "ZOOM"));
+    double zoom = 0;
+    ASSERT_EQ(pixels.size(), sizeof zoom);
+    std::memcpy(&zoom, pixels.data(), sizeof zoom);
+    EXPECT_EQ(zoom, 2.0);  // 8 by 1 becomes 16 by 2, and not 20 by 2.5
+}
+
+}  // namespace
