@@ -1,16 +1,17 @@
 // pgtool: pgkit at the command line.
 #include <cstdio>
 
-#include "binary_output.h"
 #include "command.h"
 #include "pgkit/version.h"
+#include "standard_streams.h"
 
 namespace pgtool {
 
 namespace {
 
-constexpr const Command* kCommands[] = {&kDumpCommand, &kSaveCommand, &kSetCommand,
-                                        &kTagsCommand, &kUidCommand,  &kModalityCommand};
+constexpr const Command* kCommands[] = {&kBrowseCommand,  &kDumpCommand, &kSaveCommand,
+                                        &kSetCommand,     &kTagsCommand, &kUidCommand,
+                                        &kModalityCommand};
 
 const Command* FindCommand(const std::string& name) {
     for (const Command* command : kCommands) {

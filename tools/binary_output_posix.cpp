@@ -1,4 +1,0 @@
-#include "binary_output.h"
-
-// Streams have no text mode here.
-void pgtool::MakeStandardOutputBinary() {}

@@ -1,0 +1,26 @@
+#include "standard_streams.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace pgtool {
+
+// Streams have no text mode here.
+void MakeStandardOutputBinary() {}
+
+bool StandardErrorIsTerminal() { return isatty(STDERR_FILENO) != 0; }
+
+DivertedOutput::DivertedOutput() {
+    std::fflush(stdout);
+    output_ = dup(STDOUT_FILENO);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+DivertedOutput::~DivertedOutput() {
+    std::fflush(stdout);
+    dup2(output_, STDOUT_FILENO);
+    close(output_);
+}
+
+}  // namespace pgtool
