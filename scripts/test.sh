@@ -102,6 +102,9 @@ wait
 start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
     "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
     "$root/build/windows-x64/bin/pgtool.exe"
+start directories tests/interop/compare_directories.py "$root/build/native/bin/pgtool" \
+    "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
+    "$root/build/windows-x64/bin/pgtool.exe"
 wait
 
 for preset in native native-sanitize windows-x64; do
@@ -112,4 +115,5 @@ done
 count_status format
 count_summary exports
 count_summary interop
+count_summary directories
 finish
