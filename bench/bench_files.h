@@ -18,6 +18,9 @@ const std::string& BigImplicitFile();
 // One image with 1 GiB of pixels, in explicit VR little endian.
 const std::string& LargeImageFile();
 
+// Writes a file into the same directory and returns its path.
+std::string WriteFile(const std::string& name, const std::string& content);
+
 // A path in the same directory for output.
 std::string OutputPath();
 
