@@ -76,9 +76,7 @@ BENCHMARK_CAPTURE(BrowsePeer, , 10'000, RecordOrder::kBackwards)
 BENCHMARK_CAPTURE(BrowsePeer, , 200'000, RecordOrder::kForwards)
     ->Name("browse, 200,000 records/DCMTK")
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BrowsePeer, , 200'000, RecordOrder::kBackwards)
-    ->Name("browse, 200,000 backwards/DCMTK")
-    ->Unit(benchmark::kMillisecond);
+// 200,000 backwards would take minutes: the time grows with the square of the number.
 
 }  // namespace
 
