@@ -165,7 +165,7 @@ class Hierarchy:
         return self.descend(record, patient["studies"], node, "series", self.add_series)
 
     def add_series(self, record, study):
-        if read_text(record, RECORD_TYPE, 64, False, "").rstrip(" ") != "SERIES":
+        if read_text(record, RECORD_TYPE, 64, False, "") != "SERIES":
             return True
         node = self.find_or_append(study["series"], {**read_keys(record, SERIES), "leaves": []},
                                    ["seriesInstanceUid"])
