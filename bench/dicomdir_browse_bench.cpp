@@ -27,18 +27,7 @@ void BrowseFloor(benchmark::State& state, uint32_t records, RecordOrder order) {
     }
     CountRecords(state, records);
 }
-BENCHMARK_CAPTURE(BrowseFloor, , 10'000, RecordOrder::kForwards)
-    ->Name("browse, 10,000 records/floor")
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BrowseFloor, , 10'000, RecordOrder::kBackwards)
-    ->Name("browse, 10,000 backwards/floor")
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BrowseFloor, , 200'000, RecordOrder::kForwards)
-    ->Name("browse, 200,000 records/floor")
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BrowseFloor, , 200'000, RecordOrder::kBackwards)
-    ->Name("browse, 200,000 backwards/floor")
-    ->Unit(benchmark::kMillisecond);
+const bool kFloorIsRegistered = RegisterBrowse("floor", BrowseFloor);
 
 void BrowsePgkit(benchmark::State& state, uint32_t records, RecordOrder order) {
     const std::string& path = DirectoryFile(records, order);
@@ -54,18 +43,7 @@ void BrowsePgkit(benchmark::State& state, uint32_t records, RecordOrder order) {
     }
     CountRecords(state, records);
 }
-BENCHMARK_CAPTURE(BrowsePgkit, , 10'000, RecordOrder::kForwards)
-    ->Name("browse, 10,000 records/pgkit")
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BrowsePgkit, , 10'000, RecordOrder::kBackwards)
-    ->Name("browse, 10,000 backwards/pgkit")
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BrowsePgkit, , 200'000, RecordOrder::kForwards)
-    ->Name("browse, 200,000 records/pgkit")
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BrowsePgkit, , 200'000, RecordOrder::kBackwards)
-    ->Name("browse, 200,000 backwards/pgkit")
-    ->Unit(benchmark::kMillisecond);
+const bool kPgkitIsRegistered = RegisterBrowse("pgkit", BrowsePgkit);
 
 }  // namespace
 

@@ -177,4 +177,19 @@ void CountRecords(benchmark::State& state, uint32_t records) {
         Counter(records, Counter::kIsIterationInvariantRate | Counter::kInvert);
 }
 
+bool RegisterBrowse(const char* who, BrowseRun run, uint32_t mostBackwards) {
+    for (const uint32_t thousands : {10u, 200u}) {
+        const uint32_t records = thousands * 1000;
+        for (const RecordOrder order : {RecordOrder::kForwards, RecordOrder::kBackwards}) {
+            const bool isForwards = order == RecordOrder::kForwards;
+            if (!isForwards && records > mostBackwards) continue;
+            const std::string name = "browse, " + std::to_string(thousands) + ",000 " +
+                                     (isForwards ? "records/" : "backwards/") + who;
+            benchmark::RegisterBenchmark(name.c_str(), run, records, order)
+                ->Unit(benchmark::kMillisecond);
+        }
+    }
+    return true;
+}
+
 }  // namespace pgkit_bench

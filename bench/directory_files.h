@@ -19,4 +19,9 @@ const std::string& DirectoryFile(uint32_t records, RecordOrder order);
 // Makes the run report the time for one record too.
 void CountRecords(benchmark::State& state, uint32_t records);
 
+// Registers the runs of one reader over directories of all sizes and orders, apart from those with
+// more than so many records backwards.
+using BrowseRun = void (*)(benchmark::State& state, uint32_t records, RecordOrder order);
+bool RegisterBrowse(const char* who, BrowseRun run, uint32_t mostBackwards = 0xFFFFFFFF);
+
 }  // namespace pgkit_bench

@@ -17,7 +17,6 @@ all files below it. Three kinds of checks, a line each:
 The last line is "N passed, M failed"; the exit status tells the same.
 """
 
-import concurrent.futures
 import os
 import pathlib
 import subprocess
@@ -26,6 +25,7 @@ import warnings
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
+from check_runner import run_checks  # noqa: E402
 from dump_text import DumpReader  # noqa: E402
 from raw_elements import read_raw  # noqa: E402
 
@@ -141,20 +141,7 @@ def main():
     if samples:
         checks += checks_of(pathlib.Path(samples).resolve(), tool, sanitized, None)
 
-    failed = 0
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = [(kind, name, pool.submit(function, *arguments))
-                   for kind, name, function, arguments in checks]
-        for kind, name, result in results:
-            try:
-                complaint = result.result()
-            except Exception as error:  # the other reader may fail in its own ways
-                complaint = f"{type(error).__name__}: {error}"
-            failed += complaint is not None
-            print(f"{'FAILED' if complaint else 'ok':6} {kind:7} {name}"
-                  + (f"\n       {complaint}" if complaint else ""))
-    print(f"{len(checks) - failed} passed, {failed} failed")
-    return 1 if failed or not checks else 0
+    return run_checks(checks)
 
 
 if __name__ == "__main__":
