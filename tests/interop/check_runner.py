@@ -2,6 +2,8 @@
 
 import concurrent.futures
 import os
+import pathlib
+import sys
 
 
 def run_checks(checks):
@@ -23,3 +25,18 @@ def run_checks(checks):
                   + (f"\n       {complaint}" if complaint else ""))
     print(f"{len(checks) - failed} passed, {failed} failed")
     return 1 if failed or not checks else 0
+
+
+def run_comparison(data, checks_of):
+    """Runs the checks of a directory of test data, which becomes the current one, and of the samples.
+
+    checks_of(root, tool, sanitized_tool, windows_command) gives the checks of all files below root;
+    the tools are those of the command line. Returns the exit status.
+    """
+    tool, sanitized, windows = sys.argv[1], sys.argv[2], sys.argv[3:]
+    os.chdir(data)
+    checks = list(checks_of(data, tool, sanitized, windows))
+    samples = os.environ.get("PGKIT_SAMPLES")
+    if samples:
+        checks += checks_of(pathlib.Path(samples).resolve(), tool, sanitized, None)
+    return run_checks(checks)

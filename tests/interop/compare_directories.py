@@ -24,7 +24,7 @@ import warnings
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
-from check_runner import run_checks  # noqa: E402
+from check_runner import run_comparison  # noqa: E402
 from directory_records import DIRECTORY_CLASS, Hierarchy  # noqa: E402
 
 DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
@@ -129,17 +129,6 @@ def checks_of(root, tool, sanitized, windows):
             yield "windows", path, check_alike, (tool, windows, path)
 
 
-def main():
-    tool, sanitized, windows = sys.argv[1], sys.argv[2], sys.argv[3:]
-    os.chdir(DATA)
-    checks = list(checks_of(DATA, tool, sanitized, windows))
-    samples = os.environ.get("PGKIT_SAMPLES")
-    if samples:
-        checks += checks_of(pathlib.Path(samples).resolve(), tool, sanitized, None)
-
-    return run_checks(checks)
-
-
 if __name__ == "__main__":
     warnings.simplefilter("ignore")  # pydicom comments on unusual values; they are compared raw
-    sys.exit(main())
+    sys.exit(run_comparison(DATA, checks_of))
