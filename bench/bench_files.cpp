@@ -7,12 +7,15 @@
 #include <random>
 #include <utility>
 
+#include "encoder.h"
+
 namespace pgkit_bench {
 
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kCtImage = "1.2.840.10008.5.1.4.1.1.2";
 constexpr int kSmallFileCount = 1000;
 constexpr int kBigItemCount = 10000;
 constexpr int kBigItemElements = 100;
@@ -41,64 +44,6 @@ class Directory {
 const Directory& WorkDirectory() {
     static const Directory directory;
     return directory;
-}
-
-enum class Encoding { kExplicit, kImplicit };
-
-// Little endian data sets, element by element.
-class Encoder {
-  public:
-    explicit Encoder(Encoding encoding) : encoding_(encoding) {}
-
-    Encoder& Element(uint16_t group, uint16_t element, const char* vr, std::string value) {
-        if (value.size() % 2 != 0) value += std::string(vr) == "UI" ? '\0' : ' ';
-        Number(group, 2);
-        Number(element, 2);
-        const uint32_t length = static_cast<uint32_t>(value.size());
-        const bool isLong = std::string("OB OW SQ UN UT").find(vr) != std::string::npos;
-        if (encoding_ == Encoding::kExplicit) {
-            bytes_ += vr;
-            if (isLong) Number(0, 2);
-            Number(length, isLong ? 4 : 2);
-        } else {
-            Number(length, 4);
-        }
-        bytes_ += value;
-        return *this;
-    }
-
-    Encoder& Item(const std::string& content) {
-        Number(0xFFFE, 2);
-        Number(0xE000, 2);
-        Number(static_cast<uint32_t>(content.size()), 4);
-        bytes_ += content;
-        return *this;
-    }
-
-    void Number(uint32_t number, int size) {
-        for (int i = 0; i < size; ++i)
-            bytes_ += static_cast<char>(number >> (8 * i) & 0xFF);
-    }
-
-    const std::string& Bytes() const { return bytes_; }
-
-  private:
-    Encoding encoding_;
-    std::string bytes_;
-};
-
-std::string Part10(const std::string& transferSyntax, const std::string& dataSet) {
-    Encoder meta(Encoding::kExplicit);
-    meta.Element(0x0002, 0x0001, "OB", std::string("\0\1", 2))
-        .Element(0x0002, 0x0002, "UI", "1.2.840.10008.5.1.4.1.1.2")
-        .Element(0x0002, 0x0003, "UI", "1.2.826.0.1.3680043.2.1143.1")
-        .Element(0x0002, 0x0010, "UI", transferSyntax)
-        .Element(0x0002, 0x0012, "UI", "1.2.826.0.1.3680043.2.1143");
-    Encoder length(Encoding::kExplicit);
-    Encoder value(Encoding::kExplicit);
-    value.Number(static_cast<uint32_t>(meta.Bytes().size()), 4);
-    length.Element(0x0002, 0x0000, "UL", value.Bytes());
-    return std::string(128, '\0') + "DICM" + length.Bytes() + meta.Bytes() + dataSet;
 }
 
 std::string CodeSequence() {
@@ -182,7 +127,7 @@ std::string WriteLargeImage() {
     header.Number(0, 2);
     header.Number(kPiece * kPieces, 4);
     const std::string path = WorkDirectory().Write(
-        "LARGE", Part10("1.2.840.10008.1.2.1", image.Bytes() + header.Bytes()));
+        "LARGE", Part10(kCtImage, "1.2.840.10008.1.2.1", image.Bytes() + header.Bytes()));
     std::ofstream stream(path, std::ios::binary | std::ios::app);
     const std::string piece(kPiece, '\x55');
     for (uint32_t i = 0; i < kPieces; ++i)
@@ -194,7 +139,7 @@ std::vector<std::string> WriteSmallFiles() {
     std::vector<std::string> paths;
     for (int i = 0; i < kSmallFileCount; ++i) {
         paths.push_back(WorkDirectory().Write("IM" + std::to_string(i),
-                                              Part10("1.2.840.10008.1.2.1", CtImage({i}))));
+                                              Part10(kCtImage, "1.2.840.10008.1.2.1", CtImage({i}))));
     }
     return paths;
 }
@@ -212,7 +157,7 @@ std::string MediumFile(int number, MediumShape shape) {
     constexpr size_t kPixelBytes = 2048;
     if (shape == MediumShape::kNoDicom) return std::string(kPixelBytes, 'x');
     const int series = shape == MediumShape::kManySeries ? 1000 + number / kFilesPerSeries : 106;
-    return Part10("1.2.840.10008.1.2.1", CtImage({number, series, kPixelBytes}));
+    return Part10(kCtImage, "1.2.840.10008.1.2.1", CtImage({number, series, kPixelBytes}));
 }
 
 Medium WriteMedium(int fileCount, MediumShape shape) {
@@ -238,13 +183,13 @@ const std::vector<std::string>& SmallFiles() {
 
 const std::string& BigExplicitFile() {
     static const std::string path = WorkDirectory().Write(
-        "EXPLICIT", Part10("1.2.840.10008.1.2.1", BigDataSet(Encoding::kExplicit)));
+        "EXPLICIT", Part10(kCtImage, "1.2.840.10008.1.2.1", BigDataSet(Encoding::kExplicit)));
     return path;
 }
 
 const std::string& BigImplicitFile() {
     static const std::string path = WorkDirectory().Write(
-        "IMPLICIT", Part10("1.2.840.10008.1.2", BigDataSet(Encoding::kImplicit)));
+        "IMPLICIT", Part10(kCtImage, "1.2.840.10008.1.2", BigDataSet(Encoding::kImplicit)));
     return path;
 }
 
@@ -258,6 +203,10 @@ const Medium& MediumOf(int fileCount, MediumShape shape) {
     const auto [medium, isNew] = media.try_emplace({fileCount, shape});
     if (isNew) medium->second = WriteMedium(fileCount, shape);
     return medium->second;
+}
+
+std::string WriteFile(const std::string& name, const std::string& content) {
+    return WorkDirectory().Write(name, content);
 }
 
 std::string OutputPath() { return WorkDirectory().Path("output"); }

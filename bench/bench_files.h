@@ -27,6 +27,9 @@ struct Medium {
 };
 const Medium& MediumOf(int fileCount, MediumShape shape);
 
+// Writes a file into the same directory and returns its path.
+std::string WriteFile(const std::string& name, const std::string& content);
+
 // A path in the same directory for output.
 std::string OutputPath();
 

@@ -107,6 +107,9 @@ start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" \
 wait
 start icons tests/interop/compare_icons.py build/native/bin/creation_probe \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/creation_probe.exe"
+start directories tests/interop/compare_directories.py "$root/build/native/bin/pgtool" \
+    "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
+    "$root/build/windows-x64/bin/pgtool.exe"
 wait
 
 for preset in native native-sanitize windows-x64; do
@@ -119,4 +122,5 @@ count_summary exports
 count_summary interop
 count_summary media
 count_summary icons
+count_summary directories
 finish

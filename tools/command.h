@@ -24,6 +24,7 @@ struct Command {
     int (*run)(const Arguments& arguments);
 };
 
+extern const Command kBrowseCommand;
 extern const Command kCheckCommand;
 extern const Command kDumpCommand;
 extern const Command kMkdirCommand;

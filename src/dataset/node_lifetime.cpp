@@ -1,6 +1,7 @@
 // Allocation and release of nodes and trees.
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #include "dataset/node_memory.h"
 #include "pgkit/dataset.h"
@@ -34,21 +35,20 @@ void pgFreeNode(PGX_Node* node) { delete node; }
 
 // Children go before their parent, without recursion and without memory of its own, however deep
 // the tree: a node with children is put back behind them and comes up again when they are gone.
+// Siblings go from the last to the first, so that a tree goes in the opposite of the order in which
+// it was read: allocators hand out first what they got back last, and the next tree that is read
+// lies in memory in its own order again.
 void pgFreeNodeHierarchy(PGX_Node* node) {
     while (node != nullptr) {
-        PGX_Node* children = node->first;
-        if (children == nullptr) {
+        if (node->first == nullptr) {
             PGX_Node* following = node->next;
             delete node;
             node = following;
             continue;
         }
-        PGX_Node* lastChild = children;
-        while (lastChild->next != nullptr)
-            lastChild = lastChild->next;
-        lastChild->next = node;
-        node->first = nullptr;
-        node = children;
+        PGX_Node* child = std::exchange(node->first, nullptr);
+        while (child != nullptr)
+            node = std::exchange(child, std::exchange(child->next, node));
     }
 }
 

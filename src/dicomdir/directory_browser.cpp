@@ -209,6 +209,7 @@ PGX_DicomDirSeriesNode& DirectoryBrowser::FindOrAddSeries(PGX_Node& record,
 
 void DirectoryBrowser::ReportLeaf(PGX_DicomDirLeafNode& leaf) {
     const int32_t count = ++directory_.leafCount;
+    if (directory_.callback == nullptr) return;
     char message[64];
     std::snprintf(message, sizeof message, "%d image%s found", count, count < 2 ? "" : "s");
     PGX_DicomDirCallbackReason reason = {0, leaf.fullPath};

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory_resource>
 #include <optional>
 #include <unordered_map>
 
@@ -58,7 +59,8 @@ class DirectoryBrowser {
     PatientIndex patients_;
     ChildIndex<PGX_DicomDirStudyNode> studies_;
     ChildIndex<PGX_DicomDirSeriesNode> series_;
-    ChildSet leaves_;
+    std::pmr::monotonic_buffer_resource leafMemory_;
+    ChildSet leaves_{&leafMemory_};  // there are as many as records, and none goes again
     std::unordered_map<const PGX_DicomDirSeriesNode*, LeafOrder> leafOrders_;
 };
 

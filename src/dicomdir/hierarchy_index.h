@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory_resource>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -37,7 +38,7 @@ struct ChildKeyHash {
 
 template <typename Child>
 using ChildIndex = std::unordered_map<ChildKey, Child*, ChildKeyHash>;
-using ChildSet = std::unordered_set<ChildKey, ChildKeyHash>;
+using ChildSet = std::pmr::unordered_set<ChildKey, ChildKeyHash>;
 
 // Appends objects to lists and can take them out again without a walk.
 class CellIndex {

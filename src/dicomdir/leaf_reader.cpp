@@ -132,10 +132,12 @@ void ReadFileId(PGX_Node& record, const char* folder, PGX_DicomDirLeafNode& leaf
     std::string_view fileId(buffer);
     if (fileId.starts_with('\\')) fileId.remove_prefix(1);
     CopyToField(leaf.referencedFileId, fileId);
-    std::string path(folder);
-    path += '\\';
-    path += fileId;
-    CopyToField(leaf.fullPath, ToUpper(path));
+    std::string path;
+    path.reserve(sizeof buffer + sizeof leaf.fullPath);
+    path.append(folder).append("\\").append(fileId);
+    CopyToField(leaf.fullPath, path);
+    for (char& c : leaf.fullPath)
+        c = ToUpper(c);
 }
 
 bool IsMarked(PGX_Node& record) {

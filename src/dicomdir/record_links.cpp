@@ -23,8 +23,8 @@ uint32_t OffsetOf(PGX_Node* offsetElement) {
 }
 
 // Targets are looked for among the records from a number on.
-bool ResolveLink(const RecordTable& records, PGX_Node* offsetElement, RecordNumber from) {
-    const uint32_t offset = OffsetOf(offsetElement);
+bool ResolveLink(const RecordTable& records, PGX_Node* offsetElement, uint32_t offset,
+                 RecordNumber from) {
     if (offset == 0) {
         Mark(offsetElement, nullptr);
         return true;
@@ -38,14 +38,14 @@ bool ResolveLink(const RecordTable& records, PGX_Node* offsetElement, RecordNumb
 // A sound directory needs no look behind a record unless a link points back.
 bool ResolveRecord(const RecordTable& records, RecordNumber number) {
     const DirectoryRecord& record = records[number];
-    const auto pointsBack = [&](PGX_Node* offsetElement) {
-        const uint32_t offset = OffsetOf(offsetElement);
+    const uint32_t next = OffsetOf(record.nextRecord);
+    const uint32_t lower = OffsetOf(record.lowerLevel);
+    const auto pointsBack = [&](uint32_t offset) {
         return offset != 0 && offset < record.item->fileOffset;
     };
-    const bool fromFirst = pointsBack(record.nextRecord) || pointsBack(record.lowerLevel);
-    const RecordNumber from = fromFirst ? 0 : number + 1;
-    const bool nextResolved = ResolveLink(records, record.nextRecord, from);
-    return ResolveLink(records, record.lowerLevel, from) && nextResolved;
+    const RecordNumber from = pointsBack(next) || pointsBack(lower) ? 0 : number + 1;
+    const bool nextResolved = ResolveLink(records, record.nextRecord, next, from);
+    return ResolveLink(records, record.lowerLevel, lower, from) && nextResolved;
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "dicomdir/record_table.h"
 
+#include <algorithm>
+
 #include "dataset/node_memory.h"
 #include "platform/platform.h"
 
@@ -17,18 +19,22 @@ RecordTable::RecordTable(PGX_Node* firstItem) {
     if (firstItem->file != nullptr) fileSize_ = platform::StreamSize(firstItem->file);
     for (PGX_Node* item = firstItem; item != nullptr; item = item->next)
         records_.push_back({item, item->FindNode(0x0004, 0x1400), item->FindNode(0x0004, 0x1420)});
-    byPosition_.reserve(records_.size());
+    positions_.reserve(records_.size());
     for (RecordNumber number = 0; number < records_.size(); ++number) {
         const uint32_t position = records_[number].item->fileOffset;
-        if (position != kUnreadablePosition) byPosition_.try_emplace(position, number);
+        if (position != kUnreadablePosition) positions_.push_back({position, number});
+    }
+    if (!std::ranges::is_sorted(positions_, {}, &Position::position)) {
+        std::ranges::stable_sort(positions_, {}, &Position::position);
     }
 }
 
 // The sum wraps, as offsets are 32 bits wide.
 std::optional<RecordNumber> RecordTable::FindOffset(uint32_t offset) const {
-    const auto found = byPosition_.find(offset + kItemHeaderSize);
-    if (found == byPosition_.end()) return std::nullopt;
-    return found->second;
+    const uint32_t position = offset + kItemHeaderSize;
+    const auto found = std::ranges::lower_bound(positions_, position, {}, &Position::position);
+    if (found == positions_.end() || found->position != position) return std::nullopt;
+    return found->number;
 }
 
 std::optional<RecordNumber> RecordTable::Find(const PGX_Node& item) const {

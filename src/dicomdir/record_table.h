@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include "pgkit/node.h"
@@ -38,8 +37,14 @@ class RecordTable {
     uint64_t Extent(RecordNumber number) const;
 
   private:
+    // Where the first element of a record stands.
+    struct Position {
+        uint32_t position;
+        RecordNumber number;
+    };
+
     std::vector<DirectoryRecord> records_;
-    std::unordered_map<uint32_t, RecordNumber> byPosition_;
+    std::vector<Position> positions_;  // ascending, those of equal records in file order
     uint64_t fileSize_ = 0;
 };
 

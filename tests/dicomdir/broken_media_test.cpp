@@ -13,6 +13,7 @@ namespace {
 using pgkit_test::BrowsedDirectory;
 using pgkit_test::Bytes;
 using pgkit_test::DirectoryBuilder;
+using pgkit_test::DirectoryRecordSpec;
 using pgkit_test::StreamBuilder;
 
 // Records: 0 patient P, 1 study S, 2 series E, 3 and 4 images.
@@ -174,6 +175,82 @@ TEST(BrokenFile, SequenceThatIsNone) {
     EXPECT_EQ(browsed.Outline(), "");
     EXPECT_EQ(browsed.Output(),
               "DICOMDIR parsing error: First patient not found (firstPatientOffset + 8 = 108)\n");
+}
+
+// Chains that lead from level to level through each other's records.
+TEST(Circles, ThroughAllLevelsEndEverywhere) {
+    DirectoryBuilder directory = OnePatient();
+    directory[0].next = 1;
+    directory[1].next = 2;
+    directory[2].next = 3;
+    directory[3].next = 4;
+    directory[4].next = 0;
+    BrowsedDirectory browsed(directory);
+    EXPECT_STREQ(browsed.Patient().patientId, "P");
+    EXPECT_LE(browsed->leafCount, 5 * 4);
+}
+
+TEST(BrokenFile, OffsetsOfZeroEverywhereLeaveThePatientAlone) {
+    DirectoryBuilder directory = OnePatient();
+    for (size_t i = 0; i < directory.Count(); ++i)
+        directory[i].nextOffset = directory[i].lowerOffset = 0;
+    BrowsedDirectory browsed(directory);
+    EXPECT_EQ(browsed.Outline(), "P()");
+    EXPECT_EQ(browsed.Messages(), "DICOMDIR parsing error: Patient without Study\n");
+}
+
+// As of a file whose records were moved: the head grew, and nobody adjusted the offsets.
+TEST(BrokenFile, OffsetsThatAreAllShiftedLeadNowhere) {
+    for (const uint32_t shift : {2u, 8u, 0u - 8u}) {
+        DirectoryBuilder directory = OnePatient();
+        for (size_t i = 0; i < directory.Count(); ++i) {
+            DirectoryRecordSpec& record = directory[i];
+            if (record.next) record.nextOffset = directory.OffsetOf(*record.next) + shift;
+            if (record.lower) record.lowerOffset = directory.OffsetOf(*record.lower) + shift;
+        }
+        const uint32_t study = *directory[0].lowerOffset;
+        BrowsedDirectory browsed(directory);
+        EXPECT_EQ(browsed.Outline(), "P()");
+        EXPECT_EQ(browsed.Messages(),
+                  "DICOMDIR resolve error : Item not found \n"
+                  "DICOMDIR parsing error: First Study item not found at " +
+                      std::to_string(study) +
+                      "\n"
+                      "DICOMDIR parsing error: Patient without Study\n");
+    }
+}
+
+TEST(BrokenFile, RootOffsetsThatLeadNowhereGiveAnEmptyList) {
+    for (const uint32_t offset : {0u, 1u, 200u, 0x7FFFFFFFu, 0xFFFFFFF8u, 0xFFFFFFFFu}) {
+        DirectoryBuilder directory = OnePatient();
+        directory.rootOffset = offset;
+        BrowsedDirectory browsed(directory);
+        EXPECT_EQ(browsed.Outline(), "");
+        EXPECT_EQ(browsed.Messages(),
+                  "DICOMDIR parsing error: First patient not found (firstPatientOffset + 8 = " +
+                      std::to_string(offset + 8) + ")\n");
+    }
+}
+
+TEST(BrokenFile, KeysOf64KiBAreCutOnEveryLevel) {
+    const std::string key(0xFFFE, 'K');
+    DirectoryBuilder directory = OnePatient();
+    directory[0].Set(0x0010, 0x0020, "LO", key).Set(0x0010, 0x0010, "PN", key);
+    directory[1].Set(0x0020, 0x000D, "UI", key).Set(0x0008, 0x1030, "LO", key);
+    directory[2].Set(0x0020, 0x000E, "UI", key).Set(0x0008, 0x0081, "ST", key);
+    directory[3].Set(0x0004, 0x1511, "UI", key).Set(0x0004, 0x1500, "CS", key);
+    for (const uint32_t loadLimit : {0u, 0x20000u}) {
+        BrowsedDirectory browsed(directory.Build(), loadLimit);
+        EXPECT_EQ(browsed.Patient().patientId, std::string(64, 'K'));
+        EXPECT_EQ(browsed.Patient().patientsName, std::string(194, 'K'));
+        EXPECT_EQ(browsed.Study().studyInstanceUid, std::string(64, 'K'));
+        EXPECT_EQ(browsed.Study().studyDescription, std::string(64, 'K'));
+        EXPECT_EQ(browsed.Series().seriesInstanceUid, std::string(64, 'K'));
+        EXPECT_EQ(browsed.Series().institutionAddress, std::string(1024, 'K'));
+        EXPECT_EQ(browsed.Leaf().instanceUid, std::string(64, 'K'));
+        EXPECT_EQ(browsed.Leaf().referencedFileId, std::string(259, 'K'));
+        EXPECT_EQ(std::string(browsed.Leaf().fullPath).size(), 259u);
+    }
 }
 
 TEST(BrokenFile, EmptyItems) {

@@ -137,6 +137,17 @@ TEST(GrayIcon, RowsAreFilledUpToFourBytes) {
     }
 }
 
+TEST(GrayIcon, WideSamplesOfMonochrome1KeepTheirValuesAndInvertTheTable) {
+    const Bitmap bitmap(Icon{.photometricInterpretation = "MONOCHROME1",
+                             .columns = 3,
+                             .bitsAllocated = 16,
+                             .highBit = 11,
+                             .pixels = {0xF0, 0x0F, 0x00, 0x08, 0x00, 0x00}});
+    ASSERT_TRUE(bitmap.Exists());
+    EXPECT_EQ(bitmap.Part(40, 4), (Bytes{255, 255, 255, 0}));
+    EXPECT_EQ(bitmap.Rows(), (Bytes{0xFF, 0x80, 0, 0}));
+}
+
 TEST(GrayIcon, PhotometricInterpretationIsToldByItsBeginning) {
     for (const char* text : {"MONOCHROME2 ", "MONOCHROME", "MONOCHROME3"}) {
         const Bitmap bitmap(Icon{.photometricInterpretation = text, .pixels = {1, 2, 3, 4}});
@@ -208,6 +219,18 @@ TEST(RgbIcon, PixelsAreBlueGreenRedFromTheBottomUp) {
         .photometricInterpretation = "RGB", .rows = 2, .columns = 1, .pixels = {1, 2, 3, 4, 5, 6}});
     ASSERT_TRUE(bitmap.Exists());
     EXPECT_EQ(bitmap.Rows(), (Bytes{6, 5, 4, 0, 3, 2, 1, 0}));
+}
+
+TEST(RgbIcon, RowsAreFilledUpToFourBytes) {
+    const Bitmap bitmap(Icon{.photometricInterpretation = "RGB",
+                             .rows = 2,
+                             .columns = 3,
+                             .pixels = {1, 2, 3, 4, 5, 6, 7, 8, 9,  //
+                                        11, 12, 13, 14, 15, 16, 17, 18, 19}});
+    ASSERT_TRUE(bitmap.Exists());
+    EXPECT_EQ(bitmap.U32(20), 24u);
+    EXPECT_EQ(bitmap.Rows(), (Bytes{13, 12, 11, 16, 15, 14, 19, 18, 17, 0, 0, 0,  //
+                                    3,  2,  1,  6,  5,  4,  9,  8,  7,  0, 0, 0}));
 }
 
 TEST(RgbIcon, SamplesMayLieInPlanes) {

@@ -134,6 +134,18 @@ TEST(RecordLinks, AreResolvedAnewByEachBrowse) {
     EXPECT_EQ(NextOf(Item(browsed, 5))->offsetPending, 0u);
 }
 
+// Such items stand at no position of the file, whatever their place among the others.
+TEST(RecordLinks, PassOverItemsThatWereAddedInMemory) {
+    BrowsedDirectory browsed(TwoPatients());
+    PGX_Node* sequence = browsed->dataSet->FindNode(0x0004, 0x1220);
+    sequence->SeqAddTail(pgAllocateDataSetNode());
+    PGX_Node* inserted = pgAllocateDataSetNode();
+    inserted->next = sequence->first->next;
+    sequence->first->next = inserted;
+    pgkit_test::CapturePrinted([&] { browsed->Browse(nullptr, nullptr); });
+    EXPECT_EQ(browsed.Outline(), kWhole);
+}
+
 class DamagedLink : public testing::TestWithParam<uint32_t> {};
 
 // Offsets at which no record begins, in the place of a next record and of a lower level.

@@ -32,7 +32,7 @@ import pydicom
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
-from check_run import files_below, run_checks  # noqa: E402
+from check_runner import files_below, run_checks  # noqa: E402
 
 DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
 EDGES = [64, 33, 256]

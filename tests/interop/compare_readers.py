@@ -25,7 +25,7 @@ import warnings
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
-from check_run import files_below, run_checks  # noqa: E402
+from check_runner import files_below, run_comparison  # noqa: E402
 from dump_text import DumpReader  # noqa: E402
 from raw_elements import read_raw  # noqa: E402
 
@@ -129,16 +129,6 @@ def checks_of(root, tool, sanitized, windows):
             yield "same", name, check_same, (tool, path)
 
 
-def main():
-    tool, sanitized, windows = sys.argv[1], sys.argv[2], sys.argv[3:]
-    os.chdir(DATA)
-    checks = list(checks_of(DATA, tool, sanitized, windows))
-    samples = os.environ.get("PGKIT_SAMPLES")
-    if samples:
-        checks += checks_of(pathlib.Path(samples).resolve(), tool, sanitized, None)
-    return run_checks(checks)
-
-
 if __name__ == "__main__":
     warnings.simplefilter("ignore")  # pydicom comments on unusual values; they are compared raw
-    sys.exit(main())
+    sys.exit(run_comparison(DATA, checks_of))

@@ -80,14 +80,21 @@ def encoding_of(stream, meta):
     return not start[4:6].isalpha(), start[0] == 0 and start[1] != 0
 
 
+def read_head(stream):
+    """Reads up to the data set: (meta group, implicit VR, big endian).
+
+    Not with dcmread(), which follows the links of a media directory, also those of a cycle.
+    """
+    if filereader.read_preamble(stream, force=True) is None:
+        stream.seek(0)
+    meta = filereader.read_dataset(stream, is_implicit_VR=False, is_little_endian=True,
+                                   stop_when=lambda tag, vr, length: tag.group != 2)
+    return (meta, *encoding_of(stream, meta))
+
+
 def read_raw(path):
-    # Not with dcmread(), which follows the links of a media directory, also those of a cycle.
     with open(path, "rb") as stream:
-        if filereader.read_preamble(stream, force=True) is None:
-            stream.seek(0)
-        meta = filereader.read_dataset(stream, is_implicit_VR=False, is_little_endian=True,
-                                       stop_when=lambda tag, vr, length: tag.group != 2)
-        is_implicit, is_big_endian = encoding_of(stream, meta)
+        meta, is_implicit, is_big_endian = read_head(stream)
         elements = convert(meta)
         elements += convert(filereader.read_dataset(stream, is_implicit, not is_big_endian))
         return DataSet(elements, len(meta) == 0, is_implicit, is_big_endian)

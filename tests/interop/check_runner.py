@@ -1,7 +1,9 @@
-"""Runs the checks of a comparison, several at a time, and prints a line for each."""
+"""Runs independent checks side by side and reports them."""
 
 import concurrent.futures
 import os
+import pathlib
+import sys
 
 
 def files_below(root):
@@ -13,8 +15,10 @@ def files_below(root):
 
 
 def run_checks(checks):
-    """Takes (kind, name, function, arguments); the function gives a complaint, or None when all is
-    well. The last line is "N passed, M failed"; the result is the exit status."""
+    """Checks are (kind, name, function, arguments); a function returns a complaint or None.
+
+    Prints a line each and at the end "N passed, M failed"; returns the exit status.
+    """
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         results = [(kind, name, pool.submit(function, *arguments))
@@ -29,3 +33,18 @@ def run_checks(checks):
                   + (f"\n       {complaint}" if complaint else ""))
     print(f"{len(checks) - failed} passed, {failed} failed")
     return 1 if failed or not checks else 0
+
+
+def run_comparison(data, checks_of):
+    """Runs the checks of a directory of test data, which becomes the current one, and of the samples.
+
+    checks_of(root, tool, sanitized_tool, windows_command) gives the checks of all files below root;
+    the tools are those of the command line. Returns the exit status.
+    """
+    tool, sanitized, windows = sys.argv[1], sys.argv[2], sys.argv[3:]
+    os.chdir(data)
+    checks = list(checks_of(data, tool, sanitized, windows))
+    samples = os.environ.get("PGKIT_SAMPLES")
+    if samples:
+        checks += checks_of(pathlib.Path(samples).resolve(), tool, sanitized, None)
+    return run_checks(checks)

@@ -1,0 +1,143 @@
+// Directories that are browsed, changed and written again: their links lead to the same records,
+// wherever these stand then.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/browsed_directory.h"
+#include "support/directory_builder.h"
+#include "support/tree.h"
+
+namespace {
+
+using pgkit_test::BrowsedDirectory;
+using pgkit_test::Bytes;
+using pgkit_test::CapturePrinted;
+using pgkit_test::DirectoryBuilder;
+using pgkit_test::ReadFile;
+using pgkit_test::TempDir;
+using pgkit_test::TestData;
+
+constexpr int32_t kExplicit = PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
+constexpr int32_t kWithDelimiters = kExplicit | PG_UNDEFINED_LENGTHS;
+constexpr int32_t kImplicit = PG_META | PG_IMPLICIT_VR | PG_LITTLE_ENDIAN;
+
+// Records: 0 P, 1 S, 2 E, 3 to 5 images, 6 Q, ...
+DirectoryBuilder TwoPatients() {
+    DirectoryBuilder directory;
+    size_t series =
+        directory.Series(directory.Study(directory.Patient("P", "DOE"), "S"), "E", "CT");
+    for (int i = 1; i <= 3; ++i)
+        directory.Image(series, std::to_string(i), i);
+    series = directory.Series(directory.Study(directory.Patient("Q", "ROE"), "T"), "F", "CT");
+    directory.Image(series, "4", 1);
+    return directory;
+}
+
+PGX_Node* Sequence(BrowsedDirectory& browsed) { return browsed->dataSet->FindNode(0x0004, 0x1220); }
+
+PGX_Node* Item(BrowsedDirectory& browsed, int index) {
+    PGX_Node* item = Sequence(browsed)->first;
+    while (index-- > 0)
+        item = item->next;
+    return item;
+}
+
+void Link(PGX_Node* offsetElement, PGX_Node* target) {
+    offsetElement->offsetPending = 1;
+    offsetElement->offsetTarget = target;
+}
+
+class SavedDirectory : public testing::Test {
+  protected:
+    // The browse leaves the offset of the first record to whoever saves the tree.
+    Bytes Save(BrowsedDirectory& browsed, int32_t mode, PGX_Node* firstRecord) {
+        Link(browsed->dataSet->FindNode(0x0004, 0x1200), firstRecord);
+        EXPECT_EQ(browsed->dataSet->SaveDataSetAsEx(path_.c_str(), mode), 0u);
+        return ReadFile(path_);
+    }
+    Bytes Save(BrowsedDirectory& browsed, int32_t mode) {
+        return Save(browsed, mode, Item(browsed, 0));
+    }
+
+    TempDir files_;
+    const std::string path_ = files_.Path("SAVED");
+};
+
+TEST_F(SavedDirectory, BrowsesBackEqualInEveryLittleEndianEncoding) {
+    for (const int32_t mode : {kExplicit, kImplicit, kWithDelimiters}) {
+        BrowsedDirectory browsed(TwoPatients());
+        BrowsedDirectory saved(Save(browsed, mode));
+        EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
+        EXPECT_EQ(saved.Messages(), "") << mode;
+    }
+}
+
+TEST_F(SavedDirectory, HasOffsetsThatDifferWhenTheRecordsMoved) {
+    BrowsedDirectory browsed(TwoPatients());
+    Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
+    BrowsedDirectory saved(Save(browsed, kExplicit));
+    EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))");
+    EXPECT_EQ(saved.Messages(), "");
+    PGX_Node* lower = Item(saved, 0)->FindNode(0x0004, 0x1420);
+    EXPECT_EQ(lower->GetULValue() + 8, Item(saved, 1)->fileOffset);
+}
+
+TEST_F(SavedDirectory, MayLeaveOutARecordThatIsLinkedNoMore) {
+    BrowsedDirectory browsed(TwoPatients());
+    Link(Item(browsed, 3)->FindNode(0x0004, 0x1400), Item(browsed, 5));
+    Sequence(browsed)->RemoveNode(Item(browsed, 4));
+    BrowsedDirectory saved(Save(browsed, kExplicit));
+    EXPECT_EQ(saved.Outline(), "P(S(E(1 3))) Q(T(F(4)))");
+    EXPECT_EQ(saved.Messages(), "");
+}
+
+TEST_F(SavedDirectory, MayBeginWithAnotherPatient) {
+    BrowsedDirectory browsed(TwoPatients());
+    BrowsedDirectory saved(Save(browsed, kExplicit, Item(browsed, 6)));
+    EXPECT_EQ(saved.Outline(), "Q(T(F(4)))");
+}
+
+// What is removed from the hierarchy is not removed from the tree.
+TEST_F(SavedDirectory, KeepsTheRecordsOfRemovedObjects) {
+    BrowsedDirectory browsed(TwoPatients());
+    pgRemoveLeaf(browsed->GetPatientList(), &browsed.Leaf(1));
+    EXPECT_EQ(browsed.Outline(), "P(S(E(1 3))) Q(T(F(4)))");
+    BrowsedDirectory saved(Save(browsed, kExplicit));
+    EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))");
+}
+
+class RealDirectory : public SavedDirectory {
+  protected:
+    BrowsedDirectory browsed_{ReadFile(TestData("dicomdir/DICOMDIR_implicit"))};
+};
+
+TEST_F(RealDirectory, InImplicitVrIsBrowsed) {
+    EXPECT_EQ(browsed_->IsDicomDir(), 1);
+    EXPECT_EQ(browsed_.Messages(), "");
+    EXPECT_EQ(browsed_->leafCount, 31);
+    ASSERT_EQ(browsed_->GetPatientList()->GetCount(), 2);
+    EXPECT_STREQ(browsed_.Patient().patientId, "77654033");
+    EXPECT_STREQ(browsed_.Patient().patientsName, "Doe^Archibald");
+    ASSERT_EQ(browsed_.Patient().studies.GetCount(), 2);
+    EXPECT_STREQ(browsed_.Study().studyDate, "20010101");
+    EXPECT_STREQ(browsed_.Study().studyDescription, "XR C Spine Comp Min 4 Views");
+    EXPECT_STREQ(browsed_.Study().modality, "CR");
+    EXPECT_STREQ(browsed_.Series().seriesNumber, "1");
+    EXPECT_EQ(browsed_.Patient(1).studies.GetCount(), 4);
+    EXPECT_EQ(browsed_.Leaf().leafType, PG_LEAF_IMAGE);
+    EXPECT_STREQ(browsed_.Leaf().sopClassUid, "1.2.840.10008.5.1.4.1.1.1");
+    EXPECT_STREQ(browsed_.Leaf().transferSyntaxUid, "1.2.840.10008.1.2.1");
+}
+
+TEST_F(RealDirectory, BrowsesBackEqualWhenItIsSaved) {
+    for (const int32_t mode : {kImplicit, kExplicit}) {
+        BrowsedDirectory saved(Save(browsed_, mode));
+        EXPECT_EQ(saved.Outline(), browsed_.Outline()) << mode;
+        EXPECT_EQ(saved.Messages(), "") << mode;
+        // Saving puts the offsets into the tree and takes the marks off.
+        CapturePrinted([&] { browsed_->Browse(nullptr, nullptr); });
+    }
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+// pgtool browse: what a medium holds, by its DICOMDIR.
+#include <chrono>
+#include <cstdio>
+
+#include "command.h"
+#include "data_set.h"
+#include "hierarchy_output.h"
+#include "library_path.h"
+#include "medium.h"
+#include "options.h"
+#include "pgkit/pgkit.h"
+#include "standard_streams.h"
+
+namespace pgtool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Keys and icons are shorter.
+constexpr uint32_t kLoadLimit = 0x20000;
+
+constexpr std::chrono::milliseconds kProgressInterval{100};
+
+// The progress line: the next one, or whatever else is printed, overwrites it.
+struct Progress {
+    Clock::time_point next = Clock::now();
+
+    void Show(const char* message) {
+        const Clock::time_point now = Clock::now();
+        if (now < next) return;
+        next = now + kProgressInterval;
+        Rewrite(message);
+    }
+    static void Rewrite(const char* message) {
+        std::fprintf(stderr, "\r%-30s\r", message);
+        std::fflush(stderr);
+    }
+};
+
+int32_t ShowProgress(PGX_DicomDirCallbackReason*, const char* message, void* progress) {
+    static_cast<Progress*>(progress)->Show(message);
+    return 0;
+}
+
+bool Open(PGX_DicomDir& directory, const std::string& path) {
+    const DivertedOutput messagesToStandardError;
+    return directory.OpenDicomDir(LibraryPath(path).c_str(), kLoadLimit) != 0;
+}
+
+PGX_List* BrowseOpen(PGX_DicomDir& directory) {
+    const DivertedOutput messagesToStandardError;
+    if (!StandardErrorIsTerminal()) return directory.Browse(nullptr, nullptr);
+    Progress progress;
+    PGX_List* patients = directory.Browse(ShowProgress, &progress);
+    Progress::Rewrite("");
+    return patients;
+}
+
+int Browse(const Arguments& arguments) {
+    bool asJson = false;
+    Arguments paths;
+    const std::string complaint = ParseOptions(arguments, {{"--json", &asJson}}, &paths);
+    if (!complaint.empty()) return Misuse(kBrowseCommand, complaint);
+    if (paths.size() != 1) return Misuse(kBrowseCommand, "exactly one DICOMDIR is expected");
+
+    const std::string path = DirectoryFileOf(paths[0]);
+    PGX_DicomDir directory;
+    if (!Open(directory, path)) return Fail(kBrowseCommand, CannotOpen(path));
+    if (directory.IsDicomDir() == 0) return Fail(kBrowseCommand, path + " is not a DICOMDIR");
+    PGX_List* patients = BrowseOpen(directory);
+    Medium medium(path);
+    if (asJson) {
+        PrintJson(*patients, medium);
+    } else {
+        PrintTree(*patients, medium);
+    }
+    return kDone;
+}
+
+}  // namespace
+
+const Command kBrowseCommand = {
+    "browse", "browse DICOMDIR|DIRECTORY [--json]", "list what a DICOMDIR refers to",
+    "Prints the patients, studies, series and instances that a DICOMDIR, or the one in a\n"
+    "directory, refers to, as a tree with their numbers at the end. A file is missing when\n"
+    "the directory of the DICOMDIR has none of that name; case does not matter, nor do\n"
+    "blanks around the name. What the library reports about the DICOMDIR goes to the\n"
+    "standard error stream. Missing files and damaged directories do not fail the command.\n"
+    "  --json  print the same as JSON in UTF-8: the members are named as the fields of the\n"
+    "          library's objects. Texts of the character set ISO_IR 192 are taken as UTF-8,\n"
+    "          of all others as ISO 8859-1, byte for byte.\n",
+    Browse};
+
+}  // namespace pgtool

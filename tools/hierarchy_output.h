@@ -1,0 +1,37 @@
+// A browsed hierarchy on the standard output, as a tree for people or as JSON for programs.
+#pragma once
+
+#include <string>
+
+#include "medium.h"
+#include "pgkit/pgkit.h"
+
+namespace pgtool {
+
+struct HierarchyCounts {
+    size_t patients = 0;
+    size_t studies = 0;
+    size_t series = 0;
+    size_t instances = 0;
+    size_t missingFiles = 0;  // leaves whose file is not on the medium
+};
+
+// What became of the file that a leaf refers to.
+enum class LeafFile { Present, Missing, None };
+
+// The hierarchy must have its records still.
+LeafFile FileOf(const PGX_DicomDirLeafNode& leaf, Medium& medium);
+
+// "image", "report", ...
+const char* NameOfType(const PGX_DicomDirLeafNode& leaf);
+
+void PrintTree(PGX_List& patients, Medium& medium);
+void PrintJson(PGX_List& patients, Medium& medium);
+
+template <typename Object, typename Use>
+void ForEach(PGX_List& list, Use use) {
+    for (PGX_ListElement* cell = list.GetFirstPosition(); cell != nullptr; cell = cell->next)
+        use(*static_cast<Object*>(cell->data));
+}
+
+}  // namespace pgtool

@@ -1,0 +1,83 @@
+#include "medium.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace pgtool {
+
+namespace {
+
+constexpr std::string_view kSeparators = "/\\";
+
+struct CloseDirectory {
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+
+bool IsDirectory(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool IsFile(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// ASCII only, as names on media are.
+std::string Lower(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    return lower;
+}
+
+std::string_view Trimmed(std::string_view text) {
+    const size_t begin = text.find_first_not_of(' ');
+    if (begin == std::string_view::npos) return {};
+    return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
+}
+
+}  // namespace
+
+std::string DirectoryFileOf(std::string path) {
+    const size_t end = path.find_last_not_of(kSeparators);
+    const std::string bare = end == std::string::npos ? path : path.substr(0, end + 1);
+    return IsDirectory(bare) ? bare + "/DICOMDIR" : path;
+}
+
+Medium::Medium(const std::string& directoryFile) {
+    const size_t end = directoryFile.find_last_of(kSeparators);
+    directory_ = end == std::string::npos ? "." : directoryFile.substr(0, end + 1);
+    std::replace(directory_.begin(), directory_.end(), '\\', '/');
+}
+
+bool Medium::Has(std::string_view fileId) {
+    std::string path = directory_;
+    while (!fileId.empty()) {
+        const size_t end = std::min(fileId.find('\\'), fileId.size());
+        const std::string_view component = Trimmed(fileId.substr(0, end));
+        fileId.remove_prefix(std::min(end + 1, fileId.size()));
+        if (component.empty()) continue;
+        const Names& names = NamesIn(path);
+        const auto found = names.find(Lower(component));
+        if (found == names.end()) return false;
+        path += "/" + found->second;
+    }
+    return IsFile(path);
+}
+
+const Medium::Names& Medium::NamesIn(const std::string& directory) {
+    const auto [listing, isNew] = listings_.try_emplace(directory);
+    if (!isNew) return listing->second;
+    const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
+    if (stream == nullptr) return listing->second;
+    while (const dirent* entry = readdir(stream.get()))
+        listing->second.try_emplace(Lower(entry->d_name), entry->d_name);
+    return listing->second;
+}
+
+}  // namespace pgtool

@@ -1,0 +1,31 @@
+// The files around a DICOMDIR.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace pgtool {
+
+// The DICOMDIR that a path means: the path itself or, when that is a directory, the file in it.
+std::string DirectoryFileOf(std::string path);
+
+class Medium {
+  public:
+    // directoryFile is the path of its DICOMDIR.
+    explicit Medium(const std::string& directoryFile);
+
+    // Whether the file that a Referenced File ID names exists: components divided by backslashes,
+    // each without the blanks around it and without regard to case.
+    bool Has(std::string_view fileId);
+
+  private:
+    using Names = std::map<std::string, std::string>;  // by their form in lower case
+
+    const Names& NamesIn(const std::string& directory);
+
+    std::string directory_;
+    std::map<std::string, Names> listings_;
+};
+
+}  // namespace pgtool
