@@ -138,8 +138,8 @@ std::string WriteLargeImage() {
 std::vector<std::string> WriteSmallFiles() {
     std::vector<std::string> paths;
     for (int i = 0; i < kSmallFileCount; ++i) {
-        paths.push_back(WorkDirectory().Write("IM" + std::to_string(i),
-                                              Part10(kCtImage, "1.2.840.10008.1.2.1", CtImage({i}))));
+        paths.push_back(WorkDirectory().Write(
+            "IM" + std::to_string(i), Part10(kCtImage, "1.2.840.10008.1.2.1", CtImage({i}))));
     }
     return paths;
 }

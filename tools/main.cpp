@@ -9,9 +9,9 @@ namespace pgtool {
 
 namespace {
 
-constexpr const Command* kCommands[] = {
-    &kBrowseCommand, &kDumpCommand, &kSaveCommand,  &kSetCommand,  &kTagsCommand,
-    &kUidCommand,    &kModalityCommand, &kMkdirCommand, &kCheckCommand};
+constexpr const Command* kCommands[] = {&kBrowseCommand,   &kDumpCommand,  &kSaveCommand,
+                                        &kSetCommand,      &kTagsCommand,  &kUidCommand,
+                                        &kModalityCommand, &kMkdirCommand, &kCheckCommand};
 
 const Command* FindCommand(const std::string& name) {
     for (const Command* command : kCommands) {
