@@ -28,6 +28,7 @@
 #ifndef PGKIT_PGKIT_H
 #define PGKIT_PGKIT_H
 
+#include "pgkit/accessors.h"
 #include "pgkit/dataset.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/dictionary.h"

@@ -19,3 +19,13 @@ HostAnswers AskForPixelData(void) {
     pgGetTagPrintableName(0x7FE0, 0x0010, answers.name);
     return answers;
 }
+
+void DescribeFirstElement(const char* path, HostElement* found) {
+    PGX_Node* root = pgKitOpenDataSetFile(path, 64);
+    PGX_Node* element = pgKitGetFirst(root);
+    found->group = pgKitGetGroup(element);
+    found->element = pgKitGetElement(element);
+    found->text[0] = 0;
+    pgKitGetStringValue(element, found->text, (int32_t)sizeof(found->text) - 1);
+    pgKitCloseDataSet(root);
+}

@@ -24,4 +24,13 @@ typedef struct HostAnswers {
 
 HostAnswers AskForPixelData(void);
 
+/* What a C program reads of an element through the accessors; zeros when there is none. */
+typedef struct HostElement {
+    uint16_t group;
+    uint16_t element;
+    char text[65];
+} HostElement;
+
+void DescribeFirstElement(const char* path, HostElement* found);
+
 PGKIT_END_C

@@ -28,4 +28,18 @@ TEST(CHost, AsksTheDictionary) {
     EXPECT_STREQ(answers.name, "PixelData");
 }
 
+TEST(CHost, ReadsAnElementThroughAccessors) {
+    const TempDir directory;
+    StreamBuilder stream;
+    stream.Element(0x0008, 0x0060, "CS", "CT").Element(0x0010, 0x0010, "PN", "DOE^");
+    HostElement found;
+    DescribeFirstElement(directory.Write("file", stream.Data()).c_str(), &found);
+    EXPECT_EQ(found.group, 0x0008);
+    EXPECT_EQ(found.element, 0x0060);
+    EXPECT_STREQ(found.text, "CT");
+    DescribeFirstElement(directory.Path("missing").c_str(), &found);
+    EXPECT_EQ(found.group, 0);
+    EXPECT_STREQ(found.text, "");
+}
+
 }  // namespace

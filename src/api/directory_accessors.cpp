@@ -1,0 +1,30 @@
+// Accessors: DICOMDIR files.
+#include <new>
+
+#include "api/handle_access.h"
+#include "pgkit/accessors.h"
+
+using pgkit::CallOn;
+
+PGX_DicomDir* pgKitOpenDicomDir(const char* path, uint32_t maxLoadLength) {
+    PGX_DicomDir* directory = new (std::nothrow) PGX_DicomDir;
+    if (directory == nullptr) return nullptr;
+    directory->OpenDicomDir(path, maxLoadLength);
+    if (directory->IsDicomDir() == 1) return directory;
+    delete directory;
+    return nullptr;
+}
+
+void pgKitCloseDicomDir(PGX_DicomDir* directory) { delete directory; }
+
+int32_t pgKitIsDicomDir(PGX_DicomDir* directory) {
+    return CallOn(directory, &PGX_DicomDir::IsDicomDir);
+}
+
+PGX_List* pgKitDirBrowse(PGX_DicomDir* directory, PGX_DicomDirCallback callback, void* userData) {
+    return CallOn(directory, &PGX_DicomDir::Browse, callback, userData);
+}
+
+PGX_List* pgKitDirGetPatientList(PGX_DicomDir* directory) {
+    return CallOn(directory, &PGX_DicomDir::GetPatientList);
+}
