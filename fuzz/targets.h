@@ -21,10 +21,29 @@ void RoundTrip(Bytes input);
 // A data set file and a series of edits; what comes of them is dumped and saved.
 void Edit(Bytes input);
 
+// A DICOMDIR: browsed, objects removed, what is left written as a DICOMDIR again.
+void Browse(Bytes input);
+// A file on a medium that is to have a DICOMDIR, with options and profiles.
+void Create(Bytes input);
+// An image whose icon becomes a bitmap and an item again, or what an imaging module hands out.
+void Icon(Bytes input);
+// A private dictionary file and a tag to be looked up in it.
+void PrivateDictionaryFile(Bytes input);
+// An XML file of SOP classes: loaded, saved and loaded again, nothing changes.
+void SOPClassFile(Bytes input);
+// A data set file, used through the flat functions alone.
+void Accessors(Bytes input);
+
 inline constexpr Target kTargets[] = {
     {"read", Read},
     {"round_trip", RoundTrip},
     {"edit", Edit},
+    {"browse", Browse},
+    {"create", Create},
+    {"icon", Icon},
+    {"private_dictionary", PrivateDictionaryFile},
+    {"sop_classes", SOPClassFile},
+    {"accessors", Accessors},
 };
 
 }  // namespace pgkit_fuzz

@@ -1,0 +1,71 @@
+#include <pgkit/pgkit.h>
+
+#include <memory>
+#include <string>
+
+#include "input.h"
+#include "medium.h"
+#include "targets.h"
+#include "violation.h"
+
+namespace pgkit_fuzz {
+
+namespace {
+
+constexpr uint32_t kLimits[] = {0, 64, 0x20000, 0xFFFFFFFF};
+
+struct DeletePatients {
+    void operator()(PGX_List* patients) const {
+        pgEmptyPatientList(patients);
+        delete patients;
+    }
+};
+using PatientList = std::unique_ptr<PGX_List, DeletePatients>;
+
+int32_t Pass(PGX_DicomDirCallbackReason*, const char*, void*) { return 0; }
+
+// A random child; null when there is none.
+template <typename Child>
+Child* Pick(PGX_List& children, Input& input) {
+    if (children.count == 0) return nullptr;
+    const uint32_t index = input.Below(static_cast<uint32_t>(children.count));
+    return static_cast<Child*>(children.GetAt(static_cast<int32_t>(index)));
+}
+
+// Removes one object, of the level that the input says or the deepest above it that is there.
+void RemoveOne(PGX_List* patients, Input& input) {
+    const uint32_t level = input.Byte() % 4;
+    auto* const patient = Pick<PGX_DicomDirPatientNode>(*patients, input);
+    if (patient == nullptr || level == 0) return pgRemovePatient(patients, patient);
+    auto* const study = Pick<PGX_DicomDirStudyNode>(patient->studies, input);
+    if (study == nullptr || level == 1) return pgRemoveStudy(patients, study);
+    auto* const series = Pick<PGX_DicomDirSeriesNode>(study->series, input);
+    if (series == nullptr || level == 2) return pgRemoveSeries(patients, series);
+    pgRemoveLeaf(patients, Pick<PGX_DicomDirLeafNode>(series->leaves, input));
+}
+
+}  // namespace
+
+void Browse(Bytes bytes) {
+    Input input(bytes);
+    const uint32_t limit = input.Pick(kLimits);
+    const uint8_t removals = input.Byte() % 16;
+    Medium medium;
+    const std::string path = medium.Write("DICOMDIR", input.Rest());
+    PatientList patients;
+    {
+        PGX_DicomDir directory;
+        if (directory.OpenDicomDir(path.c_str(), limit) == 0) return;
+        Require(directory.Browse(Pass, nullptr) == directory.GetPatientList(),
+                "a browse gives the list");
+        directory.RelocateOffshoreDicomdir("X:\\ELSEWHERE\\DICOMDIR");
+        patients.reset(directory.GiveAndForgetPatientList());
+    }
+    if (patients == nullptr) return;
+    for (uint8_t i = 0; i < removals; ++i)
+        RemoveOne(patients.get(), input);
+    // The hierarchy outlives its file, and becomes another one.
+    pgBuildDicomdir(patients.get(), medium.Directory().c_str());
+}
+
+}  // namespace pgkit_fuzz
