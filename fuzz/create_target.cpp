@@ -20,8 +20,8 @@ PgDicomdirOptions OptionsOf(Input& input) {
     options.seriesIcons = bits & 1;
     options.storeFileSize = bits >> 1 & 1;
     options.fillMissingKeys = bits >> 2 & 1;
-    options.flags =
-        (bits & 8 ? PG_DICOMDIR_SKIP_CHECKS : 0u) | (bits & 16 ? PG_DICOMDIR_NO_LIST : 0u);
+    if ((bits & 8) != 0) options.flags |= PG_DICOMDIR_SKIP_CHECKS;
+    if ((bits & 16) != 0) options.flags |= PG_DICOMDIR_NO_LIST;
     if ((bits & 32) != 0) std::memset(options.fileSetId, 'F', sizeof options.fileSetId);
     return options;
 }
