@@ -105,6 +105,8 @@ start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
 start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/pgtool.exe"
 wait
+start installation tests/consumer/check_installation.py build/native build/windows-x64 \
+    "$root/scripts/wine.sh"
 start icons tests/interop/compare_icons.py build/native/bin/creation_probe \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/creation_probe.exe"
 start directories tests/interop/compare_directories.py "$root/build/native/bin/pgtool" \
@@ -122,5 +124,6 @@ count_summary exports
 count_summary interop
 count_summary media
 count_summary icons
+count_summary installation
 count_summary directories
 finish
