@@ -23,10 +23,14 @@ if(TARGET pgtool)
   install(TARGETS pgtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 if(WIN32)
-  # The export table, for the import libraries of other toolchains.
+  # The export table, for the import libraries of other toolchains. The linker writes it for a module
+  # that is not linked by one.
   foreach(module ${modules})
-    set(definitions ${PROJECT_BINARY_DIR}/lib/${module}.def)
-    target_link_options(${module} PRIVATE "LINKER:--output-def,${definitions}")
+    set(definitions ${PROJECT_SOURCE_DIR}/src/${module}.def)
+    if(NOT EXISTS ${definitions})
+      set(definitions ${PROJECT_BINARY_DIR}/lib/${module}.def)
+      target_link_options(${module} PRIVATE "LINKER:--output-def,${definitions}")
+    endif()
     install(FILES ${definitions} DESTINATION ${CMAKE_INSTALL_LIBDIR})
   endforeach()
 endif()

@@ -111,11 +111,13 @@ def check_definitions(kit):
 
 
 def check_python(kit):
-    environment = dict(os.environ, PGKIT_LIBRARY=str(kit.prefix / "lib/libpgkit.so"),
-                       PYTHONPATH=str(kit.prefix / "share/pgkit/python"),
+    """The installed module finds the library of its own installation."""
+    environment = dict(os.environ, PYTHONPATH=str(kit.prefix / "share/pgkit/python"),
                        PYTHONDONTWRITEBYTECODE="1")
-    printed = run("python3", "-c", "import pgkit; print(pgkit.library_version())", env=environment)
-    return complain_unless(printed.strip(), VERSION)
+    environment.pop("PGKIT_LIBRARY", None)
+    script = "import pgkit; print(pgkit.library_version(), pgkit.library_path())"
+    return complain_unless(run("python3", "-c", script, env=environment).strip(),
+                           f"{VERSION} {kit.prefix.resolve()}/lib/libpgkit.so")
 
 
 def check_content(kit):
