@@ -4,6 +4,7 @@ add_library(pgkit_compile_options INTERFACE)
 
 target_compile_options(pgkit_compile_options INTERFACE
   -Wall -Wextra -Wconversion -Wshadow -Werror
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>  # part of -Wconversion with this compiler alone
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
   $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>)
 
@@ -11,4 +12,9 @@ if(PGKIT_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_compile_options(pgkit_compile_options INTERFACE ${sanitizers})
   target_link_options(pgkit_compile_options INTERFACE ${sanitizers})
+endif()
+
+if(PGKIT_FUZZ)
+  target_compile_options(pgkit_compile_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(pgkit_compile_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()

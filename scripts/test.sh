@@ -102,6 +102,7 @@ wait
 start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
     "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
     "$root/build/windows-x64/bin/pgtool.exe"
+start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
 start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/pgtool.exe"
 wait
@@ -125,6 +126,7 @@ done
 count_status format
 count_summary exports
 count_summary interop
+count_summary written
 count_summary media
 count_summary icons
 count_summary installation

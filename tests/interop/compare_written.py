@@ -1,0 +1,216 @@
+#!/usr/bin/python3
+"""Saves files with pgtool in every encoding and has independent readers judge what was written.
+
+    compare_written.py PGTOOL
+
+The files are the well-formed ones of tests/data and, when the environment variable PGKIT_SAMPLES
+names a directory, those below it. A line for each file and encoding, which has to satisfy:
+
+  pydicom   reads from the written file what it reads from the source: tags, order, nesting, values,
+            fragments; but for File Meta Information and group lengths, which saving sets.
+  dcmdump   reads the file, and warns of nothing but what it warns of in the source.
+  dciodvfy  finds no error but those that it finds in the source.
+
+The last line is "N passed, M failed"; the exit status tells the same.
+"""
+
+import functools
+import os
+import pathlib
+import re
+import struct
+import subprocess
+import sys
+import tempfile
+import warnings
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+
+from check_runner import files_below, run_checks  # noqa: E402
+from compare_readers import NO_COMMON_READING, broken_files  # noqa: E402
+from raw_elements import read_raw  # noqa: E402
+
+DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
+SECONDS = 60
+ENCODINGS = {
+    "as-read": ["--mode", "as-read"],
+    "explicit-le": ["--mode", "explicit-le"],
+    "implicit-le": ["--mode", "implicit-le"],
+    "explicit-be": ["--mode", "explicit-be"],
+    "undefined": ["--mode", "explicit-le", "--undefined-lengths"],
+}
+
+# A private syntax that other readers do not know as the implicit VR that it is.
+PRIVATE_SYNTAX = b"1.2.840.113619.5.2"
+
+# Bytes of the numbers in a value.
+UNITS = {"US": 2, "SS": 2, "OW": 2, "AT": 2, "UL": 4, "SL": 4, "FL": 4, "OF": 4, "FD": 8}
+
+# Where dciodvfy finds errors that are its own.
+DCIODVFY_GIVES_UP = "Missing Pixel Representation, can't set VR"  # of implicit VR
+UN_IN_BIG_ENDIAN = "takes the bytes of UN for big endian, which are implicit VR little endian"
+DCIODVFY_EXCEPTIONS = {
+    ("sequences/seg_fractional_implicit.dcm", "explicit-be"): UN_IN_BIG_ENDIAN,
+    ("sequences/seg_implicit_232_sequences.dcm", "explicit-be"): UN_IN_BIG_ENDIAN,
+}
+
+
+def run(*command):
+    return subprocess.run(command, capture_output=True, timeout=SECONDS)
+
+
+def is_set_by_saving(element):
+    return element.group == 2 or element.element == 0
+
+
+def little_endian(element, vr):
+    """The value with its numbers in little endian; bytes behind the last whole number stay."""
+    unit = UNITS.get(vr, 1)
+    if not element.is_big_endian or unit == 1:
+        return element.value
+    whole = len(element.value) // unit * unit
+    numbers = [element.value[i:i + unit][::-1] for i in range(0, whole, unit)]
+    return b"".join(numbers) + element.value[whole:]
+
+
+def difference(source, written):
+    """Of two lists of elements: a text, or None."""
+    source = [element for element in source if not is_set_by_saving(element)]
+    written = [element for element in written if not is_set_by_saving(element)]
+    tags = [[f"{e.group:04X},{e.element:04X}" for e in elements] for elements in (source, written)]
+    if tags[0] != tags[1]:
+        return f"elements {set(tags[0]) ^ set(tags[1]) or 'in another order'}"
+    for one, other in zip(source, written):
+        complaint = difference_of_elements(one, other)
+        if complaint:
+            return f"({one.group:04X},{one.element:04X}) {complaint}"
+    return None
+
+
+def difference_of_elements(source, written):
+    if source.items is not None and written.items is not None:
+        if len(source.items) != len(written.items):
+            return f"{len(written.items)} items instead of {len(source.items)}"
+        return next(filter(None, map(difference, source.items, written.items)), None)
+    if source.items is not None or written.items is not None:
+        return None  # without its VR a private sequence of defined length is bytes
+    # The VR is that of the header that has one.
+    vr = written.vr if source.is_implicit else source.vr
+    if source.length == written.length == 0xFFFFFFFF:
+        same = fragments_to_write(source.value) == items_of(written.value)[1:]
+        return None if same else "fragments"
+    same = little_endian(source, vr) == little_endian(written, vr)
+    return None if same else f"{vr} {written.value[:40]} instead of {source.value[:40]}"
+
+
+def items_of(encapsulated):
+    """The values of the items: the offset table and the fragments."""
+    items = []
+    at = 0
+    while at + 8 <= len(encapsulated):
+        length, = struct.unpack_from("<I", encapsulated, at + 4)
+        items.append(encapsulated[at + 8:at + 8 + length])
+        at += 8 + length
+    return items
+
+
+def fragments_to_write(encapsulated):
+    """The fragments as the library knows them: those that an offset table names, a frame each, or,
+    without a table that fits, the items. The table itself is written empty."""
+    table, *fragments = items_of(encapsulated)
+    if not table or not fits(table, fragments):
+        return fragments
+    begin = 8 + len(table)  # of the first fragment's item
+    offsets = struct.unpack(f"<{len(table) // 4}I", table)
+    ends = [begin + offset for offset in offsets[1:]] + [len(encapsulated)]
+    return [encapsulated[begin + offset + 8:end] for offset, end in zip(offsets, ends)]
+
+
+def fits(table, fragments):
+    """Whether the last frame of an offset table is one fragment, as the library wants it."""
+    last, = struct.unpack_from("<I", table, len(table) // 4 * 4 - 4)
+    return len(table) == 4 and len(fragments) == 1 or last == sum(8 + len(f) for f in fragments[:-1])
+
+
+def without_rest(elements):
+    """Behind Pixel Data whose offset table does not fit, nothing is read."""
+    for i, element in enumerate(elements):
+        if (element.group, element.element, element.length) == (0x7FE0, 0x0010, 0xFFFFFFFF):
+            table, *fragments = items_of(element.value)
+            return elements[:i + 1] if table and not fits(table, fragments) else elements
+    return elements
+
+
+@functools.cache
+def complaints_of_dcmdump(path):
+    """Its exit status and what it complains of, without the places."""
+    result = run("dcmdump", str(path))
+    lines = result.stderr.decode(errors="replace").splitlines()
+    return result.returncode, {re.sub(r"\d+", "N", line) for line in lines}
+
+
+@functools.cache
+def errors_of_dciodvfy(path):
+    lines = run("dciodvfy", str(path)).stderr.decode(errors="replace").splitlines()
+    return {line for line in lines if line.startswith("Error")}
+
+
+def complaint_of_pydicom(source, written):
+    return difference(without_rest(read_raw(source).elements), read_raw(written).elements)
+
+
+def complaint_of_dcmdump(source, written):
+    status, found = complaints_of_dcmdump(written)
+    known_status, known = complaints_of_dcmdump(source)
+    if status not in (0, known_status):
+        return f"exit status {status}"
+    return f"{sorted(found - known)[:3]}" if found - known else None
+
+
+def complaint_of_dciodvfy(source, written):
+    found = errors_of_dciodvfy(written) - errors_of_dciodvfy(source)
+    if any(DCIODVFY_GIVES_UP in error for error in found):
+        return None
+    return f"{sorted(found)[:3]}" if found else None
+
+
+def check_saved(tool, name, path, encoding):
+    with tempfile.TemporaryDirectory(prefix="pgkit-written-") as work:
+        written = pathlib.Path(work) / "written"
+        saved = run(tool, "save", str(path), str(written), *ENCODINGS[encoding])
+        if saved.returncode != 0:
+            return f"exit status {saved.returncode}: {saved.stderr.decode(errors='replace')}"
+        readers = {"pydicom": complaint_of_pydicom, "dcmdump": complaint_of_dcmdump}
+        if (name, encoding) not in DCIODVFY_EXCEPTIONS:
+            readers["dciodvfy"] = complaint_of_dciodvfy
+        for reader, complaint_of in readers.items():
+            complaint = complaint_of(path, written)
+            if complaint:
+                return f"{reader}: {complaint}"
+    return None
+
+
+def checks_of(root, tool):
+    broken = broken_files(root)
+    for name, path in files_below(root):
+        if name.startswith("bad/") or name in broken or name in NO_COMMON_READING:
+            continue
+        # Without a transfer syntax readers have to guess; they are compared elsewhere.
+        if read_raw(path).is_bare or PRIVATE_SYNTAX in path.read_bytes()[:1024]:
+            continue
+        for encoding in ENCODINGS:
+            yield "written", f"{name}, {encoding}", check_saved, (tool, name, path, encoding)
+
+
+def main():
+    tool = os.path.abspath(sys.argv[1])
+    checks = list(checks_of(DATA, tool))
+    samples = os.environ.get("PGKIT_SAMPLES")
+    if samples:
+        checks += checks_of(pathlib.Path(samples).resolve(), tool)
+    return run_checks(checks)
+
+
+if __name__ == "__main__":
+    warnings.simplefilter("ignore")  # pydicom comments on unusual values; they are compared raw
+    sys.exit(main())
