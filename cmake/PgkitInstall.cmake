@@ -1,14 +1,20 @@
-# Installation: headers, modules with their import libraries, pgtool, and a package that gives other
-# CMake projects the targets pgkit::pgkit and pgkit::pgview32 (find_package(pgkit)).
+# Installation: headers, modules with their import libraries, pgtool, documentation and examples, and
+# what other projects find the library by: a CMake package with the targets pgkit::pgkit and
+# pgkit::pgview32 (find_package(pgkit)) and a pkg-config file. Everything may be moved together
+# afterwards: no file names the prefix.
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pgkit
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h")
 
-# Windows wants the module in bin/ and its
-# import library in lib/; other systems want the module in lib/.
-install(TARGETS pgkit EXPORT pgkitTargets
+# Windows wants the modules in bin/ and their import libraries in lib/; other systems want the
+# modules in lib/. The imaging module lies beside the library, where that and hosts find it.
+set(modules pgkit)
+if(TARGET pgview32)
+  list(APPEND modules pgview32)
+endif()
+install(TARGETS ${modules} EXPORT pgkitTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -16,14 +22,17 @@ install(TARGETS pgkit EXPORT pgkitTargets
 if(TARGET pgtool)
   install(TARGETS pgtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
-
-# Beside the library, where that and hosts find it.
-if(TARGET pgview32)
-  install(TARGETS pgview32 EXPORT pgkitTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(WIN32)
+  # The export table, for the import libraries of other toolchains. The linker writes it for a module
+  # that is not linked by one.
+  foreach(module ${modules})
+    set(definitions ${PROJECT_SOURCE_DIR}/src/${module}.def)
+    if(NOT EXISTS ${definitions})
+      set(definitions ${PROJECT_BINARY_DIR}/lib/${module}.def)
+      target_link_options(${module} PRIVATE "LINKER:--output-def,${definitions}")
+    endif()
+    install(FILES ${definitions} DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  endforeach()
 endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/pgkit)
@@ -37,3 +46,25 @@ install(FILES
   ${PROJECT_BINARY_DIR}/pgkitConfig.cmake
   ${PROJECT_BINARY_DIR}/pgkitConfigVersion.cmake
   DESTINATION ${package_dir})
+
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH PGKIT_PREFIX_FROM_PKGCONFIG /prefix/${pkgconfig_dir} /prefix)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/pgkit.pc.in ${PROJECT_BINARY_DIR}/pgkit.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/pgkit.pc DESTINATION ${pkgconfig_dir})
+
+install(FILES
+  ${PROJECT_SOURCE_DIR}/LICENSE
+  ${PROJECT_SOURCE_DIR}/NOTICE
+  ${PROJECT_SOURCE_DIR}/README.md
+  ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
+  FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit
+  FILES_MATCHING PATTERN "*.py" PATTERN "*.toml" PATTERN "*.md" PATTERN "py.typed"
+  PATTERN "__pycache__" EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/tools/debugger DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit
+  FILES_MATCHING PATTERN "*.py" PATTERN "*.natvis"
+  PATTERN "__pycache__" EXCLUDE)

@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-packages.sh
-scripts/build.sh native windows-x64 -- -DPGKIT_BUILD_TESTS=OFF
+scripts/build.sh native windows-x64 -- -DPGKIT_BUILD_TESTS=OFF -DPGKIT_BUILD_EXAMPLES=OFF
 
 file=${1:-tests/data/native/mr_implicit_le.dcm}
 echo "== Linux: pgtool and libpgkit.so: $file"

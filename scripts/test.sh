@@ -106,6 +106,11 @@ start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
 start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/pgtool.exe"
 wait
+start python bindings/python/run_tests.sh build/native/bin/libpgkit.so
+start debugger tests/debugger/check_printer.py build/native/bin
+start documents scripts/check-docs.py build/native/bin
+start installation tests/consumer/check_installation.py build/native build/windows-x64 \
+    "$root/scripts/wine.sh"
 start icons tests/interop/compare_icons.py build/native/bin/creation_probe \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/creation_probe.exe"
 start directories tests/interop/compare_directories.py "$root/build/native/bin/pgtool" \
@@ -124,5 +129,9 @@ count_summary interop
 count_summary written
 count_summary media
 count_summary icons
+count_summary installation
+count_summary python
+count_summary debugger
+count_summary documents
 count_summary directories
 finish

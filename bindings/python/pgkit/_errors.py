@@ -1,0 +1,31 @@
+"""What can go wrong."""
+
+
+class PgkitError(Exception):
+    """The library refused an operation."""
+
+
+class ClosedError(PgkitError):
+    """The data set was closed, or the element was removed from it."""
+
+
+class SaveError(PgkitError):
+    """A data set could not be saved; ``code`` is the library's result."""
+
+    _REASONS = {
+        1: "the file cannot be created",
+        2: "a value has no source stream",
+        3: "writing failed",
+        4: "reading a value failed",
+        5: "out of memory",
+        6: "a value is too long for its length field",
+        7: "the file cannot be reopened",
+    }
+
+    def __init__(self, path: str, code: int) -> None:
+        super().__init__(f"{path}: {self._REASONS.get(code, f'result {code}')}")
+        self.code = code
+
+
+class CreateError(SaveError):
+    """A DICOMDIR could not be written."""

@@ -1,0 +1,187 @@
+"""Finds and loads the shared library and declares the functions that this package calls.
+
+Functions that take a ``FILE*`` are left alone: the C runtime of Python need not be the library's.
+"""
+
+from __future__ import annotations
+
+import ctypes
+import os
+import pathlib
+import sys
+from ctypes import POINTER, c_char_p, c_int32, c_uint16, c_uint32, c_void_p
+from typing import Union
+
+_FILE_NAME = "pgkit.dll" if os.name == "nt" else "libpgkit.so"
+
+StrPath = Union[str, "os.PathLike[str]"]
+
+
+class ListCell(ctypes.Structure):
+    """PGX_ListElement."""
+
+
+ListCell._fields_ = [("data", c_void_p), ("next", POINTER(ListCell))]
+
+
+class ObjectList(ctypes.Structure):
+    """PGX_List."""
+
+    _fields_ = [("count", c_int32), ("head", POINTER(ListCell)), ("tail", POINTER(ListCell))]
+
+
+class BrowseReason(ctypes.Structure):
+    """PGX_DicomDirCallbackReason."""
+
+    _fields_ = [("reason", c_int32), ("path", c_char_p)]
+
+
+class ScanReason(ctypes.Structure):
+    """PgDicomdirScanReason."""
+
+    _fields_ = [("file_name", c_char_p), ("subdirectory", c_char_p),
+                ("acceptance_code", c_uint32), ("user_data", c_void_p)]
+
+
+class DicomdirOptions(ctypes.Structure):
+    """PgDicomdirOptions."""
+
+    _fields_ = [("icon_size", c_uint32), ("series_icons", c_uint32), ("store_file_size", c_uint32),
+                ("fill_missing_keys", c_uint32), ("file_set_id", ctypes.c_char * 20),
+                ("flags", c_uint32)]
+
+
+BrowseCallback = ctypes.CFUNCTYPE(c_int32, POINTER(BrowseReason), c_char_p, c_void_p)
+ScanCallback = ctypes.CFUNCTYPE(c_int32, POINTER(ScanReason))
+
+_PROTOTYPES = {
+    # Data sets.
+    "pgOpenDataSetFileEx": (c_void_p, c_char_p, c_uint32, c_uint32),
+    "pgKitCloseDataSet": (None, c_void_p),
+    "pgKitAllocateDataSetNode": (c_void_p,),
+    "pgKitFreeNodeHierarchy": (None, c_void_p),
+    "pgKitFindNodeWithGroupElement": (c_void_p, c_void_p, c_uint16, c_uint16),
+    "pgKitInsertNodeWithGroupElement":
+        (c_void_p, c_void_p, c_uint16, c_uint16, c_char_p, c_uint32),
+    "pgKitRemoveNode": (None, c_void_p, c_void_p),
+    "pgKitSeqGetHead": (c_void_p, c_void_p),
+    "pgKitSeqAddTail": (None, c_void_p, c_void_p),
+    "pgKitDumpToFile": (c_int32, c_void_p, c_char_p),
+    "pgKitAddPart10Elements": (c_int32, c_void_p, c_char_p),
+    "pgKitSaveDataSetAsEx": (c_uint32, c_void_p, c_char_p, c_int32),
+    # Nodes and values.
+    "pgKitGetNodeType": (c_uint32, c_void_p),
+    "pgKitGetValueRep": (c_uint32, c_void_p),
+    "pgKitSetValueRep": (None, c_void_p, c_uint32),
+    "pgKitGetGroup": (c_uint16, c_void_p),
+    "pgKitGetElement": (c_uint16, c_void_p),
+    "pgKitGetLength": (c_uint32, c_void_p),
+    "pgKitGetNext": (c_void_p, c_void_p),
+    "pgKitGetFirst": (c_void_p, c_void_p),
+    "pgKitGetValue": (c_int32, c_void_p, c_void_p),
+    "pgKitSetValue": (c_int32, c_void_p, c_char_p, c_uint32),
+    "pgKitGetFileData": (c_int32, c_void_p, c_void_p, c_uint32, c_uint32),
+    "pgKitIsEncodedPixelData": (c_int32, c_void_p),
+    "pgKitGetEncodedPixelInfo": (c_int32, c_void_p, c_uint32, POINTER(c_uint32),
+                                 POINTER(c_uint32)),
+    # Dictionary and UIDs.
+    "pgFindElementIdInfo": (c_uint32, c_int32, POINTER(c_uint16), POINTER(c_uint16)),
+    "pgGetTagElementId": (c_uint32, c_char_p),
+    "pgFindValueRepresentation": (c_uint32, c_uint16, c_uint16),
+    "pgFindValueRepresentationVR": (c_uint32, c_char_p),
+    "pgGetVRPrintableName": (c_uint32, c_uint32, c_char_p),
+    "pgGetTagPrintableName": (c_uint32, c_uint16, c_uint16, c_char_p),
+    "pgGetUIDName": (c_int32, c_char_p, c_char_p),
+    "pgCheckUID": (c_int32, c_char_p),
+    "pgGetVersionString": (c_int32, c_char_p, c_int32),
+    # Media.
+    "pgKitOpenDicomDir": (c_void_p, c_char_p, c_uint32),
+    "pgKitCloseDicomDir": (None, c_void_p),
+    "pgKitIsDicomDir": (c_int32, c_void_p),
+    "pgKitDirBrowse": (c_void_p, c_void_p, BrowseCallback, c_void_p),
+    "pgCreateDicomdirEx": (c_uint32, c_char_p, c_char_p, POINTER(DicomdirOptions), ScanCallback,
+                           c_void_p),
+}
+
+# Getters of directory records: a record in, a text, a number or a list out.
+_RECORD_TEXTS = (
+    "PatientID PatientsName PatientBirthDate PatientSex "
+    "StudyUID StudyID StudyDate StudyTime StudyAccessionNumber StudyDesc StudyManufacturer "
+    "StudyReferringPhysiciansName StudyModality "
+    "SeriesUID SeriesDesc SeriesNumber SeriesModality SeriesInstitutionName "
+    "SeriesInstitutionAddress SeriesPerformingPhysiciansName "
+    "LeafRecordType LeafInstanceUID LeafSOPClassUID LeafFullPath LeafSpecificCharacterSet "
+    "ImagePhotoInterp ImageType ReportVerificationFlag ReportCompletionFlag ReportContentDate "
+    "ReportContentTime KeyObjectContentDate KeyObjectContentTime PresentationCreationDate "
+    "PresentationCreationTime PresentationCreatorsName PresentationLabel PresentationDescription "
+    "WaveformContentDate WaveformContentTime RawDataContentDate RawDataContentTime").split()
+_RECORD_NUMBERS = ("LeafType LeafInstanceNumber ImageRows ImageColumns ImageNumberOfFrames").split()
+_RECORD_HANDLES = "StudyList SeriesList LeafList PatientNode StudyNode SeriesNode LeafNode".split()
+
+
+def _candidates() -> list[str]:
+    named = os.environ.get("PGKIT_LIBRARY")
+    if named:
+        return [named]
+    package = pathlib.Path(__file__).resolve().parent
+    folder = "bin" if os.name == "nt" else "lib"
+    # PREFIX/share/pgkit/python/pgkit is where an installation puts the package.
+    places = [package / _FILE_NAME, package.parents[3] / folder / _FILE_NAME] \
+        if len(package.parents) > 3 else [package / _FILE_NAME]
+    return [str(place) for place in places if place.is_file()] + [_FILE_NAME]
+
+
+def _load() -> tuple[ctypes.CDLL, str]:
+    path = _candidates()[0]
+    try:
+        return ctypes.CDLL(path), path
+    except OSError as error:
+        raise ImportError(f"pgkit: cannot load {path} ({error}); the environment variable "
+                          "PGKIT_LIBRARY may name the library's file") from error
+
+
+def _declare(library: ctypes.CDLL) -> None:
+    prototypes = dict(_PROTOTYPES)
+    for names, result in ((_RECORD_TEXTS, c_char_p), (_RECORD_NUMBERS, c_int32),
+                          (_RECORD_HANDLES, c_void_p)):
+        prototypes.update({f"pgKitDirGet{name}": (result, c_void_p) for name in names})
+    for name, (result, *arguments) in prototypes.items():
+        function = getattr(library, name)
+        function.restype = result
+        function.argtypes = arguments
+
+
+lib, _path = _load()
+_declare(lib)
+
+
+def library_path() -> str:
+    """The file that the library was loaded from, as it was given to the system."""
+    return _path
+
+
+def library_version() -> str:
+    """The library's version text."""
+    buffer = ctypes.create_string_buffer(18)
+    lib.pgGetVersionString(buffer, 17)
+    return buffer.value.decode("ascii")
+
+
+def encoded_path(path: StrPath) -> bytes:
+    """A path as the library takes it. It calls the narrow functions of the C runtime."""
+    encoding = "mbcs" if os.name == "nt" else sys.getfilesystemencoding()
+    errors = "strict" if os.name == "nt" else "surrogateescape"
+    return c_text(os.fspath(path), encoding, errors)
+
+
+def decoded_path(path: bytes) -> str:
+    """A path, or a name of a file, that the library gave."""
+    return path.decode("mbcs", "replace") if os.name == "nt" else os.fsdecode(path)
+
+
+def c_text(text: str, encoding: str = "ascii", errors: str = "strict") -> bytes:
+    """A text as zero-terminated bytes; ctypes would cut it silently at a zero inside."""
+    encoded = text.encode(encoding, errors)
+    if b"\0" in encoded:
+        raise ValueError("texts for the library must not contain NUL")
+    return encoded

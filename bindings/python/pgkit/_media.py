@@ -1,0 +1,246 @@
+"""Media: what a DICOMDIR refers to, and making one."""
+
+from __future__ import annotations
+
+import ctypes
+import dataclasses
+import enum
+from typing import Any, Callable, Dict, Iterator, List, Optional
+
+from ._errors import CreateError, PgkitError
+from ._library import (BrowseCallback, DicomdirOptions, ObjectList, ScanCallback, StrPath, c_text,
+                       decoded_path, encoded_path, lib)
+
+
+class LeafType(enum.IntEnum):
+    """What a file is."""
+
+    OTHER = 0
+    IMAGE = 1
+    REPORT = 2
+    KEY_OBJECT = 3
+    PRESENTATION = 4
+    WAVEFORM = 5
+    ENCAPSULATED_DOCUMENT = 6
+    RAW_DATA = 7
+
+
+@dataclasses.dataclass
+class Leaf:
+    """A file. ``keys`` has what the DICOMDIR says about files of its type, rows for instance."""
+
+    type: LeafType
+    record_type: str
+    path: str
+    instance_uid: str
+    sop_class_uid: str
+    instance_number: int
+    keys: Dict[str, Any] = dataclasses.field(default_factory=dict)
+
+
+@dataclasses.dataclass
+class Series:
+    """A series and its files."""
+
+    uid: str
+    number: str
+    modality: str
+    description: str
+    institution: str
+    leaves: List[Leaf] = dataclasses.field(default_factory=list)
+
+
+@dataclasses.dataclass
+class Study:
+    """A study and its series."""
+
+    uid: str
+    id: str
+    date: str
+    time: str
+    accession_number: str
+    description: str
+    modality: str
+    series: List[Series] = dataclasses.field(default_factory=list)
+
+
+@dataclasses.dataclass
+class Patient:
+    """A patient and the studies."""
+
+    id: str
+    name: str
+    birth_date: str
+    sex: str
+    studies: List[Study] = dataclasses.field(default_factory=list)
+
+
+class AcceptanceCode(enum.IntEnum):
+    """What became of a file of a new medium."""
+
+    ACCEPTED = 0
+    INVALID_FILE_NAME = 1
+    NOT_DICOM_PART_10 = 2
+    NOT_A_DATA_SET = 3
+    IS_A_DICOMDIR = 4
+    PROFILE_REFUSES = 5
+    INSTANCE_KNOWN = 6
+    NO_SOP_INSTANCE_UID = 7
+    NO_SERIES_INSTANCE_UID = 8
+    NO_STUDY_INSTANCE_UID = 9
+
+
+@dataclasses.dataclass(frozen=True)
+class ScannedFile:
+    """A file that was looked at; the path is relative to the medium, with backslashes."""
+
+    path: str
+    code: AcceptanceCode
+
+
+_LEAF_KEYS = {  # the getters of each type, by the keys they are for
+    LeafType.IMAGE: {"rows": "ImageRows", "columns": "ImageColumns",
+                     "number_of_frames": "ImageNumberOfFrames",
+                     "photometric_interpretation": "ImagePhotoInterp", "image_type": "ImageType"},
+    LeafType.REPORT: {"completion_flag": "ReportCompletionFlag",
+                      "verification_flag": "ReportVerificationFlag",
+                      "content_date": "ReportContentDate", "content_time": "ReportContentTime"},
+    LeafType.KEY_OBJECT: {"content_date": "KeyObjectContentDate",
+                          "content_time": "KeyObjectContentTime"},
+    LeafType.PRESENTATION: {"creation_date": "PresentationCreationDate",
+                            "creation_time": "PresentationCreationTime",
+                            "creator": "PresentationCreatorsName", "label": "PresentationLabel",
+                            "description": "PresentationDescription"},
+    LeafType.WAVEFORM: {"content_date": "WaveformContentDate",
+                        "content_time": "WaveformContentTime"},
+    LeafType.RAW_DATA: {"content_date": "RawDataContentDate",
+                        "content_time": "RawDataContentTime"},
+}
+
+
+def browse(path: StrPath, *, progress: Optional[Callable[[str], Any]] = None,
+           codec: str = "latin-1") -> List[Patient]:
+    """The hierarchy of a DICOMDIR file, copied: nothing stays open.
+
+    progress is called with the path of every file that is found. codec is what texts are decoded
+    with; the records of one DICOMDIR may use several. Raises OSError or PgkitError for a file that
+    is no DICOMDIR, and what progress raised, once the browse has ended.
+    """
+    with open(path, "rb"):
+        pass
+    raised: List[BaseException] = []
+
+    def on_leaf(reason: Any, _message: bytes, _data: Any) -> int:
+        if progress is not None and not raised:
+            try:
+                progress(decoded_path(reason.contents.path))
+            except BaseException as error:  # noqa: BLE001  passed on below
+                raised.append(error)
+        return 0
+
+    directory = lib.pgKitOpenDicomDir(encoded_path(path), 0x20000)
+    if directory is None:
+        raise PgkitError(f"{path}: not a DICOMDIR")
+    try:
+        # The library keeps the callback until the next browse of this directory object.
+        callback = BrowseCallback(on_leaf)
+        patients = lib.pgKitDirBrowse(directory, callback, None)
+        if raised:
+            raise raised[0]
+        return [_patient(patient, codec) for patient in _objects(patients)]
+    finally:
+        lib.pgKitCloseDicomDir(directory)
+
+
+def _objects(handle: Optional[int]) -> Iterator[int]:
+    # By the cells, whose layout is part of the library's interface: asking for the object at an
+    # index walks from the head every time.
+    cell = ObjectList.from_address(handle).head if handle else None
+    while cell:
+        yield cell.contents.data
+        cell = cell.contents.next
+
+
+def _text(getter: str, handle: int, codec: str) -> str:
+    data: bytes = getattr(lib, "pgKitDirGet" + getter)(handle)
+    return data.decode(codec, "replace").rstrip(" ")
+
+
+def _patient(handle: int, codec: str) -> Patient:
+    return Patient(
+        *(_text("Patient" + key, handle, codec) for key in ("ID", "sName", "BirthDate", "Sex")),
+        studies=[_study(study, codec) for study in _objects(lib.pgKitDirGetStudyList(handle))])
+
+
+def _study(handle: int, codec: str) -> Study:
+    keys = ("UID", "ID", "Date", "Time", "AccessionNumber", "Desc", "Modality")
+    return Study(*(_text("Study" + key, handle, codec) for key in keys),
+                 series=[_series(series, codec)
+                         for series in _objects(lib.pgKitDirGetSeriesList(handle))])
+
+
+def _series(handle: int, codec: str) -> Series:
+    keys = ("UID", "Number", "Modality", "Desc", "InstitutionName")
+    return Series(*(_text("Series" + key, handle, codec) for key in keys),
+                  leaves=[_leaf(leaf, codec) for leaf in _objects(lib.pgKitDirGetLeafList(handle))])
+
+
+def _leaf(handle: int, codec: str) -> Leaf:
+    kind = LeafType(lib.pgKitDirGetLeafType(handle))
+    keys: Dict[str, Any] = {}
+    for key, getter in _LEAF_KEYS.get(kind, {}).items():
+        function = getattr(lib, "pgKitDirGet" + getter)
+        is_number = function.restype is ctypes.c_int32
+        keys[key] = function(handle) if is_number else _text(getter, handle, codec)
+    return Leaf(kind, _text("LeafRecordType", handle, codec),
+                decoded_path(lib.pgKitDirGetLeafFullPath(handle)).rstrip(" "),
+                _text("LeafInstanceUID", handle, codec), _text("LeafSOPClassUID", handle, codec),
+                lib.pgKitDirGetLeafInstanceNumber(handle), keys)
+
+
+def create(directory: StrPath, profile: Optional[str] = None, *, icon_size: int = 0,
+           series_icons: bool = False, store_file_size: bool = False,
+           fill_missing_keys: bool = False, file_set_id: str = "", skip_checks: bool = False,
+           recurse: bool = True, acceptance_list: bool = True,
+           progress: Optional[Callable[[ScannedFile], Any]] = None) -> List[ScannedFile]:
+    """Makes the DICOMDIR of a directory, and tells what became of every file.
+
+    progress is called for every file, as soon as it is judged. When it returns something true the
+    scan ends and the DICOMDIR has what was found so far; so it does when progress raises, and what
+    it raised is raised here in the end. Raises CreateError when the DICOMDIR cannot be written.
+    """
+    options = DicomdirOptions(icon_size, series_icons, store_file_size, fill_missing_keys,
+                              _file_set_id(file_set_id),
+                              (1 if skip_checks else 0) | (0 if recurse else 0x10)
+                              | (0 if acceptance_list else 0x20))
+    scanned: List[ScannedFile] = []
+    raised: List[BaseException] = []
+
+    def on_file(reason: Any) -> int:
+        try:
+            scanned.append(_scanned_file(reason.contents))
+            return 1 if progress is not None and progress(scanned[-1]) else 0
+        except BaseException as error:  # noqa: BLE001  passed on below
+            raised.append(error)
+            return 1
+
+    result = lib.pgCreateDicomdirEx(encoded_path(directory),
+                                    c_text(profile) if profile else None, options,
+                                    ScanCallback(on_file), None)
+    if raised:
+        raise raised[0]
+    if result != 0:
+        raise CreateError(str(directory), result)
+    return scanned
+
+
+def _file_set_id(text: str) -> bytes:
+    encoded = c_text(text)
+    if len(encoded) > 16:
+        raise ValueError("a File-set ID has at most 16 characters")
+    return encoded
+
+
+def _scanned_file(reason: Any) -> ScannedFile:
+    parts = [decoded_path(part) for part in (reason.subdirectory, reason.file_name) if part]
+    return ScannedFile("\\".join(parts), AcceptanceCode(reason.acceptance_code))

@@ -1,0 +1,129 @@
+import pathlib
+import shutil
+import unittest
+
+import pgkit
+
+from test_data_set import DATA, MR, TemporaryDirectory
+
+DICOMDIR = DATA / "dicomdir/DICOMDIR_implicit"
+
+
+class Browsing(TemporaryDirectory):
+    def test_the_hierarchy_is_plain_objects(self):
+        patients = pgkit.browse(DICOMDIR)
+        self.assertEqual([(patient.name, patient.id) for patient in patients],
+                         [("Doe^Archibald", "77654033"), ("Doe^Peter", "98890234")])
+        studies = [study for patient in patients for study in patient.studies]
+        series = [one for study in studies for one in study.series]
+        leaves = [leaf for one in series for leaf in one.leaves]
+        self.assertEqual((len(studies), len(series), len(leaves)), (6, 13, 31))
+        self.assertEqual(studies[0].date, "20010101")
+        self.assertEqual(series[0].modality, "CR")
+        self.assertEqual(leaves[0].type, pgkit.LeafType.IMAGE)
+        self.assertTrue(leaves[0].path.endswith("\\77654033\\CR1\\6154"), leaves[0].path)
+        self.assertEqual(leaves[0].keys["number_of_frames"], 1)
+
+    def test_progress_is_told_of_every_file(self):
+        paths = []
+        pgkit.browse(DICOMDIR, progress=paths.append)
+        self.assertEqual(len(paths), 31)
+
+    def test_what_progress_raises_arrives(self):
+        def progress(_path):
+            raise ZeroDivisionError
+
+        with self.assertRaises(ZeroDivisionError):
+            pgkit.browse(DICOMDIR, progress=progress)
+
+    def test_what_is_no_dicomdir_raises(self):
+        with self.assertRaises(FileNotFoundError):
+            pgkit.browse(self.directory / "DICOMDIR")
+        with self.assertRaises(pgkit.PgkitError):
+            pgkit.browse(MR)
+
+
+class Creation(TemporaryDirectory):
+    def setUp(self):
+        super().setUp()
+        (self.directory / "SUB").mkdir()
+        shutil.copy(MR, self.directory / "IM1")
+        shutil.copy(DATA / "sequences/sr_nested_explicit_undefined.dcm", self.directory / "SUB/SR1")
+        (self.directory / "NOTES").write_text("no image")
+
+    def test_a_created_dicomdir_can_be_browsed(self):
+        code = pgkit.AcceptanceCode
+        seen = []
+        scanned = pgkit.create(self.directory, file_set_id="TEST", acceptance_list=False,
+                               progress=seen.append)
+        self.assertEqual(scanned, [pgkit.ScannedFile("IM1", code.ACCEPTED),
+                                   pgkit.ScannedFile("NOTES", code.NOT_DICOM_PART_10),
+                                   pgkit.ScannedFile("SUB\\SR1", code.ACCEPTED)])
+        self.assertEqual(seen, scanned)
+        self.assertEqual(sorted(path.name for path in self.directory.iterdir()),
+                         ["DICOMDIR", "IM1", "NOTES", "SUB"])
+        with pgkit.open(self.directory / "DICOMDIR") as data_set:
+            self.assertEqual(data_set["FilesetID"].value, "TEST")
+        leaves = [leaf for patient in pgkit.browse(self.directory / "DICOMDIR")
+                  for study in patient.studies for series in study.series for leaf in series.leaves]
+        self.assertEqual(len(leaves), 2)
+        image = next(leaf for leaf in leaves if leaf.type == pgkit.LeafType.IMAGE)
+        self.assertEqual((image.keys["rows"], image.keys["columns"]), (64, 64))
+
+    def test_a_profile_refuses(self):
+        scanned = pgkit.create(self.directory, "STD-DEN", recurse=False)
+        self.assertEqual([file.code for file in scanned],
+                         [pgkit.AcceptanceCode.PROFILE_REFUSES,
+                          pgkit.AcceptanceCode.NOT_DICOM_PART_10,
+                          pgkit.AcceptanceCode.NOT_DICOM_PART_10])
+        self.assertTrue((self.directory / "dcmdir.lst").is_file())
+
+    def test_progress_can_end_the_scan(self):
+        scanned = pgkit.create(self.directory, progress=lambda file: True, acceptance_list=False)
+        self.assertEqual([file.path for file in scanned], ["IM1"])
+        self.assertTrue((self.directory / "DICOMDIR").is_file())
+
+    def test_what_progress_raises_arrives_and_ends_the_scan(self):
+        calls = []
+
+        def progress(file):
+            calls.append(file)
+            raise ZeroDivisionError
+
+        with self.assertRaises(ZeroDivisionError):
+            pgkit.create(self.directory, progress=progress)
+        self.assertEqual(len(calls), 1)
+
+    def test_a_dicomdir_that_cannot_be_written_raises(self):
+        with self.assertRaises(pgkit.CreateError):
+            pgkit.create(self.directory / "missing")
+        with self.assertRaises(ValueError):
+            pgkit.create(self.directory, file_set_id="FAR TOO LONG AN ID")
+
+
+class Dictionary(unittest.TestCase):
+    def test_tags_names_and_uids(self):
+        self.assertEqual(pgkit.find_tag("PixelData"), (0x7FE0, 0x0010))
+        self.assertEqual(pgkit.find_tag(0x7FE00010), (0x7FE0, 0x0010))
+        self.assertEqual(pgkit.element_name((0x0010, 0x0010)), "PatientsName")
+        self.assertEqual(pgkit.element_name((0x0099, 0x1234)), "<Unknown Tag>")
+        self.assertEqual(pgkit.value_representation("Rows"), "US")
+        self.assertEqual(pgkit.value_representation((0x0099, 0x1234)), "??")
+        self.assertEqual(pgkit.uid_name("1.2.840.10008.1.2.1"), "LittleEndianExplicit")
+        self.assertIsNone(pgkit.uid_name("1.2.3.4.5"))
+        self.assertTrue(pgkit.is_valid_uid("1.2.3"))
+        self.assertFalse(pgkit.is_valid_uid("1.02.3"))
+
+    def test_what_is_no_tag_raises(self):
+        for key, error in (("NoName", KeyError), ("Nö", KeyError), (-1, ValueError),
+                           (1 << 32, ValueError), ((1, 0x10000), ValueError)):
+            with self.assertRaises(error, msg=key):
+                pgkit.find_tag(key)
+
+    def test_the_library_names_itself(self):
+        self.assertEqual(pgkit.library_version(), "2.86e 24-mar-2o15")
+        self.assertTrue(pathlib.Path(pgkit.library_path()).name)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,88 @@
+#!/usr/bin/env python3
+"""Holds the documents against what they describe.
+
+    check-docs.py DIRECTORY_OF_PROGRAMS
+
+- docs/api.md is what scripts/make-api-docs.py makes.
+- A block behind "<!-- quote FILE -->" is part of that file, line by line.
+- A block behind "<!-- transcript -->" is what its commands ("$ pgtool ...") really print; a line
+  "..." stands for any number of lines.
+- Links between the documents lead somewhere, and paths in backquotes exist.
+
+The last line is "N passed, M failed".
+"""
+import os
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(ROOT / "tests/interop"))
+from check_runner import run_checks  # noqa: E402
+
+DOCUMENTS = [ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md",
+                                      "bindings/python/README.md")]
+QUOTE = re.compile(r"<!-- quote (\S+) -->\n+```\w*\n(.*?\n)```\n", re.DOTALL)
+TRANSCRIPT = re.compile(r"<!-- transcript -->\n+```\w*\n(.*?\n)```\n", re.DOTALL)
+LINK = re.compile(r"\]\(([^)#:]+)(?:#[^)]*)?\)")
+PATH = re.compile(r"`((?:\w+/)+[\w.-]*)`")
+FOLDERS = ("bench", "bindings", "cmake", "docs", "examples", "imaging", "include", "scripts", "src",
+           "tests", "tools")
+
+
+def check_api():
+    made = subprocess.run([ROOT / "scripts/make-api-docs.py", "--print"], check=True, text=True,
+                          stdout=subprocess.PIPE).stdout
+    if made != (ROOT / "docs/api.md").read_text():
+        return "docs/api.md is out of date: run scripts/make-api-docs.py"
+    return None
+
+
+def check_quote(name, text):
+    return None if "\n" + text in "\n" + (ROOT / name).read_text() else f"{name} has other lines"
+
+
+def check_transcript(text, programs):
+    """Commands run in a directory of their own, from which tests/ can be seen."""
+    with tempfile.TemporaryDirectory() as directory:
+        (pathlib.Path(directory) / "tests").symlink_to(ROOT / "tests")
+        for part in re.split(r"(?m)^\$ ", text)[1:]:
+            command, _, expected = part.partition("\n")
+            program, *arguments = shlex.split(command)
+            done = subprocess.run([os.path.join(programs, program), *arguments], cwd=directory,
+                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
+            printed = done.stdout.decode("utf-8", "replace")
+            pattern = "".join("(?:.*\n)*" if line == "...\n" else re.escape(line)
+                              for line in expected.splitlines(keepends=True))
+            if not re.fullmatch(pattern, printed):
+                return f"{command} prints:\n{printed[:1500]}"
+    return None
+
+
+def check_references(document):
+    text = document.read_text()
+    missing = [target for target in LINK.findall(text) if not (document.parent / target).exists()]
+    missing += [path for path in PATH.findall(text)
+                if path.split("/")[0] in FOLDERS and not (ROOT / path).exists()]
+    if len(QUOTE.findall(text)) + len(TRANSCRIPT.findall(text)) != text.count("\n<!-- "):
+        return "a marked block has a form that this check cannot read"
+    return f"do not exist: {missing}" if missing else None
+
+
+def checks(programs):
+    yield "api", "docs/api.md", check_api, ()
+    for document in [*DOCUMENTS, *sorted((ROOT / "docs").glob("*.md"))]:
+        name = document.relative_to(ROOT).as_posix()
+        text = document.read_text()
+        yield "links", name, check_references, (document,)
+        for quoted, block in QUOTE.findall(text):
+            yield "quote", f"{name}: {quoted}", check_quote, (quoted, block)
+        for block in TRANSCRIPT.findall(text):
+            yield "run", name, check_transcript, (block, programs)
+
+
+if __name__ == "__main__":
+    sys.exit(run_checks(list(checks(os.path.abspath(sys.argv[1])))))

@@ -1,0 +1,188 @@
+#!/usr/bin/python3
+"""Installs and packages both builds, moves what came out, and builds and runs hosts against it.
+
+    check_installation.py NATIVE_BUILD WINDOWS_BUILD WINE_SCRIPT
+
+The last line is "N passed, M failed".
+"""
+import os
+import pathlib
+import shlex
+import subprocess
+import sys
+import tempfile
+import zipfile
+
+HERE = pathlib.Path(__file__).resolve().parent
+ROOT = HERE.parent.parent
+sys.path.insert(0, str(HERE.parent / "interop"))
+from check_runner import run_checks  # noqa: E402
+
+TOOLCHAIN = ROOT / "cmake/mingw-w64-x86_64.cmake"
+RLE_IMAGE = ROOT / "tests/data/encapsulated/rtdose_rle_15frames_no_bot.dcm"
+MR_IMAGE = ROOT / "tests/data/native/mr_implicit_le.dcm"
+VERSION = "2.86e 24-mar-2o15"
+EXAMPLES = ("read_and_print", "edit_and_save", "build_data_set", "browse_disc", "make_disc",
+            "read_in_c")
+
+
+def run(*command, **options):
+    """Runs a command and returns what it printed; raises with the end of that when it fails."""
+    done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, text=True, timeout=300, check=False,
+                          stdin=subprocess.DEVNULL, **options)
+    if done.returncode != 0:
+        raise RuntimeError(f"{command[0]} gave {done.returncode}: {done.stdout[-2000:]}")
+    return done.stdout
+
+
+class Kit:
+    """An installed pgkit, at a prefix that the build knew nothing of."""
+
+    def __init__(self, name, prefix, work, wine=None):
+        self.name = name
+        self.prefix = prefix
+        self.work = work / ("work-" + name)
+        self.wine = wine
+        self.suffix = ".exe" if wine else ""
+
+    def run(self, program, *arguments, cwd):
+        return run(*([self.wine] if self.wine else []), f"{program}{self.suffix}", *arguments,
+                   cwd=cwd)
+
+    def build(self, source, name):
+        directory = self.work / name
+        run("cmake", "-G", "Ninja", "-S", source, "-B", directory,
+            f"-DCMAKE_PREFIX_PATH={self.prefix}", "-DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF",
+            *([f"-DCMAKE_TOOLCHAIN_FILE={TOOLCHAIN}"] if self.wine else []))
+        run("cmake", "--build", directory)
+        return directory
+
+
+def complain_unless(found, expected):
+    return None if found == expected else f"expected {expected!r}, found {found!r}"
+
+
+def check_consumer(kit):
+    directory = kit.build(HERE, "consumer")
+    image = os.path.relpath(RLE_IMAGE, directory)
+    return complain_unless(
+        [kit.run("./consumer", "made.dcm", cwd=directory).strip(),
+         kit.run("./consumer_in_c", cwd=directory).strip(),
+         kit.run("./imaging_consumer", image, cwd=directory).strip()],
+        [f"{VERSION}: DOE^JANE", "PixelData OWOB", "15 frames"])
+
+
+def check_examples(kit):
+    directory = kit.build(kit.prefix / "share/doc/pgkit/examples", "examples")
+    missing = [name for name in EXAMPLES if not (directory / (name + kit.suffix)).is_file()]
+    if missing:
+        return f"not built: {missing}"
+    kit.run("./build_data_set", "wedge.dcm", cwd=directory)
+    printed = kit.run("./read_and_print", "wedge.dcm", cwd=directory)
+    return complain_unless(printed.splitlines()[:2], ["Patient: TEST^WEDGE", "Image: 64 x 64"])
+
+
+def check_pkg_config(kit):
+    environment = dict(os.environ, PKG_CONFIG_PATH=str(kit.prefix / "lib/pkgconfig"))
+    flags = run("pkg-config", "--cflags", "--libs", "pgkit", env=environment)
+    kit.work.mkdir(exist_ok=True)
+    run("g++", "-std=c++17", HERE / "consumer.cpp", "-o", "by_pkg_config", *shlex.split(flags),
+        f"-Wl,-rpath,{kit.prefix}/lib", cwd=kit.work)
+    return complain_unless(kit.run("./by_pkg_config", "by_pkg_config.dcm", cwd=kit.work).strip(),
+                           f"{VERSION}: DOE^JANE")
+
+
+def check_tool(kit):
+    printed = kit.run(kit.prefix / "bin/pgtool", "--version", cwd=kit.prefix)
+    return complain_unless(printed.strip(), f"pgkit {VERSION}")
+
+
+def check_definitions(kit):
+    """The .def file makes an import library that a host can be linked with."""
+    directory = kit.work / "definitions"
+    directory.mkdir(parents=True)
+    run("x86_64-w64-mingw32-dlltool", "-d", kit.prefix / "lib/pgkit.def", "-D", "pgkit.dll",
+        "-l", directory / "pgkit.lib")
+    run("x86_64-w64-mingw32-gcc", f"-I{kit.prefix}/include", HERE / "consumer_in_c.c",
+        "-o", directory / "host.exe", directory / "pgkit.lib")
+    (directory / "pgkit.dll").write_bytes((kit.prefix / "bin/pgkit.dll").read_bytes())
+    return complain_unless(kit.run("./host", cwd=directory).strip(), "PixelData OWOB")
+
+
+def check_python(kit):
+    """The installed module finds the library of its own installation."""
+    environment = dict(os.environ, PYTHONPATH=str(kit.prefix / "share/pgkit/python"),
+                       PYTHONDONTWRITEBYTECODE="1")
+    environment.pop("PGKIT_LIBRARY", None)
+    script = "import pgkit; print(pgkit.library_version(), pgkit.library_path())"
+    return complain_unless(run("python3", "-c", script, env=environment).strip(),
+                           f"{VERSION} {kit.prefix.resolve()}/lib/libpgkit.so")
+
+
+def check_content(kit):
+    """What a developer expects is there, nothing else is beside it, and no file tells whence."""
+    modules = (["bin/pgkit.dll", "bin/pgview32.dll", "bin/pgtool.exe", "lib/libpgkit.dll.a",
+                "lib/libpgview32.dll.a", "lib/pgkit.def", "lib/pgview32.def"] if kit.wine else
+               ["bin/pgtool", "lib/libpgkit.so", "lib/pgview32.so"])
+    documents = ["LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "docs/api.md", "docs/files.md",
+                 "docs/ownership.md", "docs/architecture.md", "examples/CMakeLists.txt"]
+    expected = (modules + [f"share/doc/pgkit/{name}" for name in documents]
+                + [f"include/pgkit/{path.name}" for path in ROOT.glob("include/pgkit/*.h")]
+                + ["share/pgkit/python/pgkit/__init__.py", "share/pgkit/debugger/pgkit.natvis",
+                   "lib/cmake/pgkit/pgkitConfig.cmake", "lib/pkgconfig/pgkit.pc"])
+    found = {path.relative_to(kit.prefix).as_posix(): path
+             for path in kit.prefix.rglob("*") if path.is_file()}
+    missing = [name for name in expected if name not in found]
+    if missing:
+        return f"missing: {missing}"
+    odd = [name for name in found if not name.startswith(("include/pgkit/", "share/", "lib/cmake/",
+                                                          "lib/pkgconfig/")) and name not in modules]
+    if odd:
+        return f"not expected: {odd}"
+    telling = [name for name, path in found.items() if path.suffix in (".cmake", ".pc")
+               and (str(ROOT) in path.read_text() or "/first" in path.read_text())]
+    return f"name their origin: {telling}" if telling else None
+
+
+def install(build, work, name):
+    """Installs a build and moves the prefix; blanks in its name must not matter."""
+    first = work / "first" / name
+    run("cmake", "--install", build, "--prefix", first)
+    moved = work / f"moved {name}"
+    first.rename(moved)
+    return moved
+
+
+def package(build, work, pattern):
+    run("cpack", "--config", build / "CPackConfig.cmake", "-B", work / "packages")
+    (made,) = (work / "packages").glob(pattern)
+    return made
+
+
+def prepare(native, windows, wine, work):
+    yield Kit("linux", install(native, work, "linux"), work)
+    yield Kit("windows", install(windows, work, "windows"), work, wine)
+    run("dpkg-deb", "--extract", package(native, work, "pgkit_*.deb"), work / "debian")
+    yield Kit("debian", work / "debian/usr", work)
+    archive = package(windows, work, "pgkit-*-windows-x64.zip")
+    with zipfile.ZipFile(archive) as content:
+        content.extractall(work / "zip")
+    yield Kit("zip", work / "zip" / archive.stem, work, wine)
+
+
+def main(native, windows, wine):
+    native, windows, wine = (pathlib.Path(path).resolve() for path in (native, windows, wine))
+    with tempfile.TemporaryDirectory(prefix="pgkit-install-") as directory:
+        kits = {kit.name: kit for kit in prepare(native, windows, wine, pathlib.Path(directory))}
+        checks = [(name, check.__name__, check, (kits[name],)) for name, check in [
+            *((name, check) for name in kits for check in (check_consumer, check_content)),
+            *((name, check) for name in ("linux", "windows") for check in (check_examples,
+                                                                           check_tool)),
+            ("linux", check_pkg_config), ("linux", check_python),
+            ("windows", check_definitions)]]
+        return run_checks(checks)
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
