@@ -9,6 +9,7 @@
 #include "dictionary/private_dictionary.h"
 #include "hostile/every_failure.h"
 #include "hostile/failing_jobs.h"
+#include "sopclass/sop_class_set.h"
 
 namespace {
 
@@ -156,6 +157,9 @@ TEST_F(FailingFile, CutsTheExportOfAValueShort) {
 
 TEST_F(FailingFile, LeavesTheConfigurationEmptyOrWhole) {
     const std::string path = directory_.Write("privdict.dic", "(0009,\"A MAKER\",01) LO Name 1\n");
+    // What the dictionary keeps for good, it has after this.
+    pgSetPrivateDictionaryFile(path.c_str());
+    PrivateDictionary::Instance().Clear();
     const size_t calls = Sweep([&](auto&& whileFailing) {
         whileFailing([&] { pgSetPrivateDictionaryFile(path.c_str()); });
         const auto* entry = PrivateDictionary::Instance().FindByCreator(9, 1, "A MAKER");
@@ -163,6 +167,18 @@ TEST_F(FailingFile, LeavesTheConfigurationEmptyOrWhole) {
         PrivateDictionary::Instance().Clear();
     });
     EXPECT_GE(calls, 1u);
+}
+
+// A file of which not everything could be read used to be written back without the rest.
+TEST_F(FailingFile, IsNotReplacedByPartOfASopClassFile) {
+    const std::string text = "<properties><other/></properties>";
+    const std::string path = directory_.Write("classes.xml", text);
+    for (size_t allowed = 0; allowed < 2; ++allowed) {
+        const FailingFiles failing(allowed, Failures::OneCall);
+        EXPECT_FALSE(pgkit::SOPClassSet().save(path.c_str(), "properties")) << allowed;
+        EXPECT_TRUE(failing.HasFailed());
+        EXPECT_EQ(ReadFile(path), Bytes(text.begin(), text.end()));
+    }
 }
 
 // ---- DICOMDIRs ----------------------------------------------------------------------------------

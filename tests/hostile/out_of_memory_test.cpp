@@ -158,6 +158,9 @@ TEST_F(OutOfMemory, LeavesThePrivateDictionaryUsable) {
         directory_.Write("privdict.dic",
                          "(0009,\"A MAKER\",01) LO AnElementOfALongName 1\n"
                          "(0009,\"A MAKER\",02) LO AnotherElementOfALongName 1\n");
+    // What the dictionary keeps for good, it has after this.
+    pgSetPrivateDictionaryFile(path.c_str());
+    pgkit::PrivateDictionary::Instance().Clear();
     const size_t allocations = Sweep([&](auto&& whileFailing) {
         whileFailing([&] { pgSetPrivateDictionaryFile(path.c_str()); });
         pgkit::PrivateDictionary::Instance().Clear();
