@@ -51,6 +51,13 @@ bool WrappedSeekToEnd(FILE* stream) WRAPPED_NAME("9SeekToEndE" PGKIT_TEST_MANGLE
 namespace {
 
 pgkit_test::FailurePlan plan;
+size_t filesOpened = 0;
+
+template <typename Open>
+FILE* CountedOpen(Open&& open) {
+    ++filesOpened;
+    return plan.Fails() ? nullptr : open();
+}
 
 }  // namespace
 
@@ -69,19 +76,29 @@ int __wrap_fclose(FILE* stream) {
     return plan.Fails() ? EOF : result;
 }
 
-FILE* WrappedOpenForReading(Path path) { return plan.Fails() ? nullptr : RealOpenForReading(path); }
-
-FILE* WrappedOpenWithSize(Path path, uint64_t& size) {
-    return plan.Fails() ? nullptr : RealOpenWithSize(path, size);
+FILE* WrappedOpenForReading(Path path) {
+    return CountedOpen([&] { return RealOpenForReading(path); });
 }
 
-FILE* WrappedOpenForUpdate(Path path) { return plan.Fails() ? nullptr : RealOpenForUpdate(path); }
+FILE* WrappedOpenWithSize(Path path, uint64_t& size) {
+    return CountedOpen([&] { return RealOpenWithSize(path, size); });
+}
 
-FILE* WrappedCreateBinary(Path path) { return plan.Fails() ? nullptr : RealCreateBinary(path); }
+FILE* WrappedOpenForUpdate(Path path) {
+    return CountedOpen([&] { return RealOpenForUpdate(path); });
+}
 
-FILE* WrappedCreateText(Path path) { return plan.Fails() ? nullptr : RealCreateText(path); }
+FILE* WrappedCreateBinary(Path path) {
+    return CountedOpen([&] { return RealCreateBinary(path); });
+}
 
-FILE* WrappedAppendText(Path path) { return plan.Fails() ? nullptr : RealAppendText(path); }
+FILE* WrappedCreateText(Path path) {
+    return CountedOpen([&] { return RealCreateText(path); });
+}
+
+FILE* WrappedAppendText(Path path) {
+    return CountedOpen([&] { return RealAppendText(path); });
+}
 
 bool WrappedReplaceWith(Path path, Path replacement) {
     return !plan.Fails() && RealReplaceWith(path, replacement);
@@ -95,10 +112,15 @@ bool WrappedSeekToEnd(FILE* stream) { return !plan.Fails() && RealSeekToEnd(stre
 
 namespace pgkit_test {
 
-FailingFiles::FailingFiles(size_t allowed, Failures failures) { plan.Arm(allowed, failures); }
+FailingFiles::FailingFiles(size_t allowed, Failures failures) {
+    filesOpened = 0;
+    plan.Arm(allowed, failures);
+}
 
 FailingFiles::~FailingFiles() { plan.Disarm(); }
 
 bool FailingFiles::HasFailed() const { return plan.HasFailed(); }
+
+size_t FilesOpened() { return filesOpened; }
 
 }  // namespace pgkit_test

@@ -22,4 +22,7 @@ class FailingFiles {
     bool HasFailed() const;
 };
 
+// How many calls to open or create a file there were since the last FailingFiles was made.
+size_t FilesOpened();
+
 }  // namespace pgkit_test
