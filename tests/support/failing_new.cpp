@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 // The linker sends calls of malloc to __wrap_malloc, and those of __real_malloc to malloc.
 extern "C" {
@@ -16,6 +17,7 @@ void* __wrap_realloc(void* block, size_t size);
 namespace {
 
 pgkit_test::FailurePlan plan;
+bool nextMallocFails = false;
 size_t blocksInUse = 0;
 
 void* Allocate(size_t size) noexcept {
@@ -38,7 +40,10 @@ void Release(void* block) noexcept {
 
 }  // namespace
 
-void* __wrap_malloc(size_t size) { return plan.Fails() ? nullptr : __real_malloc(size); }
+void* __wrap_malloc(size_t size) {
+    if (std::exchange(nextMallocFails, false)) return nullptr;
+    return plan.Fails() ? nullptr : __real_malloc(size);
+}
 
 void* __wrap_calloc(size_t count, size_t size) {
     return plan.Fails() ? nullptr : __real_calloc(count, size);
@@ -61,7 +66,31 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept { Release(bl
 
 namespace pgkit_test {
 
-FailingNew::FailingNew(size_t allowed, Failures failures) { plan.Arm(allowed, failures); }
+namespace {
+
+void ThrowAndCatch() {
+    try {
+        throw std::bad_alloc();
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+// The runtime allocates when a thread throws for the first time, and again when malloc has no room
+// for an exception for the first time. It could not do without, so it gets it before memory runs
+// out.
+void PrepareToThrow() {
+    ThrowAndCatch();
+    nextMallocFails = true;
+    ThrowAndCatch();
+    nextMallocFails = false;
+}
+
+}  // namespace
+
+FailingNew::FailingNew(size_t allowed, Failures failures) {
+    PrepareToThrow();
+    plan.Arm(allowed, failures);
+}
 
 FailingNew::~FailingNew() { plan.Disarm(); }
 
