@@ -12,3 +12,8 @@ if(PGKIT_SANITIZE)
   target_compile_options(pgkit_compile_options INTERFACE ${sanitizers})
   target_link_options(pgkit_compile_options INTERFACE ${sanitizers})
 endif()
+
+if(PGKIT_SANITIZE_THREADS)
+  target_compile_options(pgkit_compile_options INTERFACE -fsanitize=thread)
+  target_link_options(pgkit_compile_options INTERFACE -fsanitize=thread)
+endif()
