@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test: natively, with sanitizers and, for Windows, under Wine, and
-# those with threads with the thread sanitizer; then the comparison with independent readers. The last line sums all of them up:
-# "N passed, M failed". When PGKIT_SAMPLES names a directory of DICOM files they are read too.
+# those with threads with the thread sanitizer; then the comparison with independent readers. The
+# last line sums all of them up: "N passed, M failed". When PGKIT_SAMPLES names a directory of DICOM
+# files they are read too.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
