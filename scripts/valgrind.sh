@@ -21,8 +21,10 @@ mkdir -p build/results
 status=0
 for program in pgkit_tests pgkit_unit_tests; do
     echo "$program"
-    valgrind --quiet --leak-check=full --show-leak-kinds=definite --errors-for-leak-kinds=definite \
-        --error-exitcode=99 --max-stackframe=4194304 \
+    # The operators new of the test program stay: tests let them fail.
+    valgrind --quiet --soname-synonyms=somalloc=nouserintercepts \
+        --suppressions=scripts/valgrind.supp --leak-check=full --show-leak-kinds=definite \
+        --errors-for-leak-kinds=definite --error-exitcode=99 --max-stackframe=4194304 \
         --log-file="build/results/valgrind-$program.log" \
         "build/native/bin/$program" --gtest_brief=1 "--gtest_filter=$filter" | tail -n 3 ||
         status=1
