@@ -185,24 +185,7 @@ TEST_F(FailingFile, IsNotReplacedByPartOfASopClassFile) {
 
 class FailingMedium : public FailingFile {
   protected:
-    void SetUp() override {
-        std::filesystem::create_directories(directory_.Path("MEDIUM/SUB"));
-        Write("A", InstanceFile().Instance("1.2.3.4.1"));
-        Write("SUB/B", InstanceFile().Instance("1.2.3.4.2").Study("1.9").Series("1.9.1"));
-    }
-
-    void Write(const std::string& name, const InstanceFile& file) const {
-        directory_.Write("MEDIUM/" + name, file.Data());
-    }
-
-    // The DICOMDIR that a creation wrote and took for whole.
-    DataSet Written() const {
-        return DataSet(pgOpenDataSetFile(directory_.Path("MEDIUM/DICOMDIR").c_str(), kLoadAll));
-    }
-
-    std::string medium_ = directory_.Path("MEDIUM");
-    PgDicomdirOptions options_ = {};
-    std::string directoryFile_ = directory_.Write("DICOMDIR", RichDirectory().Build());
+    JobMedium medium_;
 };
 
 TEST_F(FailingMedium, GivesAListOrNoneInABrowse) {
@@ -210,7 +193,7 @@ TEST_F(FailingMedium, GivesAListOrNoneInABrowse) {
         const size_t calls = Sweep([&](auto&& whileFailing) {
             PGX_DicomDir dicomDir;
             whileFailing([&] {
-                if (dicomDir.OpenDicomDir(directoryFile_.c_str(), maxLoadLength) != 0) {
+                if (dicomDir.OpenDicomDir(medium_.OtherDicomdir().c_str(), maxLoadLength) != 0) {
                     dicomDir.Browse(nullptr, nullptr);
                 }
             });
@@ -221,12 +204,8 @@ TEST_F(FailingMedium, GivesAListOrNoneInABrowse) {
 
 TEST_F(FailingMedium, FailsACreation) {
     const size_t calls = Sweep([&](auto&& whileFailing) {
-        std::filesystem::remove(directory_.Path("MEDIUM/DICOMDIR"));
-        uint32_t result = 1;
-        whileFailing(
-            [&] { result = pgCreateDicomdirEx(medium_.c_str(), "", &options_, nullptr, nullptr); });
-        if (result == 0) {
-            EXPECT_NE(Written(), nullptr);
+        if (medium_.Create(whileFailing) == 0) {
+            EXPECT_NE(medium_.Written(), nullptr);
         }
     });
     EXPECT_GE(calls, 10u);
@@ -234,29 +213,16 @@ TEST_F(FailingMedium, FailsACreation) {
 
 TEST_F(FailingMedium, FailsARebuild) {
     const size_t calls = Sweep([&](auto&& whileFailing) {
-        PGX_List* patients = pgGetPatientListFromFile(directoryFile_.c_str());
-        ASSERT_NE(patients, nullptr);
-        whileFailing([&] {
-            pgAddFile(patients, medium_.c_str(), (medium_ + "\\A").c_str(), "", &options_);
-            pgBuildDicomdirEx(patients, medium_.c_str(), "SET");
-        });
-        pgEmptyPatientList(patients);
-        delete patients;
+        if (medium_.Rebuild(whileFailing) == 0) {
+            EXPECT_NE(medium_.Written(), nullptr);
+        }
     });
     EXPECT_GE(calls, 10u);
 }
 
 TEST_F(FailingMedium, FailsAnOffshoreCreation) {
-    const std::string path = directory_.Path("MEDIUM/A");
-    const size_t calls = Sweep([&](auto&& whileFailing) {
-        whileFailing([&] {
-            void* handle = pgStartCreateOffshoreDicomdir(medium_.c_str(), "", &options_);
-            if (handle == nullptr) return;
-            pgAddFileToOffshoreDicomdir(handle, "A", path.c_str());
-            pgEndCreateOffshoreDicomdir(handle);
-        });
-    });
-    EXPECT_GE(calls, 5u);
+    const size_t calls = Sweep([&](auto&& whileFailing) { medium_.CreateOffshore(whileFailing); });
+    EXPECT_GE(calls, 3u);
 }
 
 }  // namespace

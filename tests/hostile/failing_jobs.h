@@ -3,6 +3,7 @@
 
 #include <pgkit/pgkit.h>
 
+#include <filesystem>
 #include <string>
 
 #include "support/directory_builder.h"
@@ -44,5 +45,76 @@ inline DirectoryBuilder RichDirectory() {
     }
     return directory;
 }
+
+// A directory of files to make a medium of, a DICOMDIR elsewhere, and what is done with them. Each
+// job takes what SweepFailures gives its jobs.
+class JobMedium {
+  public:
+    JobMedium() {
+        options_.storeFileSize = 1;
+        options_.fillMissingKeys = 1;
+        std::filesystem::create_directories(files_.Path("MEDIUM/SUB"));
+        Write("A", InstanceFile().Instance("1.2.3.4.1"));
+        Write("SUB/B", InstanceFile().Instance("1.2.3.4.2").Study("1.9").Series("1.9.1"));
+        Write("C", InstanceFile().Instance("1.2.3.4.3").Patient("4713", "ROE^JANE"));
+        files_.Write("MEDIUM/TEXT", "no file of this kind");
+    }
+
+    const std::string& Directory() const { return medium_; }
+    const PgDicomdirOptions& Options() const { return options_; }
+    // A DICOMDIR that is no part of the medium.
+    const std::string& OtherDicomdir() const { return dicomdir_; }
+
+    // The DICOMDIR that a creation wrote.
+    DataSet Written() const {
+        return DataSet(pgOpenDataSetFile(files_.Path("MEDIUM/DICOMDIR").c_str(), kLoadAll));
+    }
+
+    // The result of a creation; 0 when it has written a DICOMDIR.
+    template <typename WhileFailing>
+    uint32_t Create(WhileFailing&& whileFailing) const {
+        std::filesystem::remove(files_.Path("MEDIUM/DICOMDIR"));
+        uint32_t result = 1;
+        whileFailing(
+            [&] { result = pgCreateDicomdirEx(medium_.c_str(), "", &options_, nullptr, nullptr); });
+        return result;
+    }
+
+    // A file is added to a hierarchy that was read, which is then written as a DICOMDIR.
+    template <typename WhileFailing>
+    uint32_t Rebuild(WhileFailing&& whileFailing) const {
+        PGX_List* patients = pgGetPatientListFromFile(dicomdir_.c_str());
+        uint32_t result = 1;
+        whileFailing([&] {
+            pgAddFile(patients, medium_.c_str(), (medium_ + "\\A").c_str(), "", &options_);
+            result = pgBuildDicomdirEx(patients, medium_.c_str(), "SET");
+        });
+        pgEmptyPatientList(patients);
+        delete patients;
+        return result;
+    }
+
+    template <typename WhileFailing>
+    void CreateOffshore(WhileFailing&& whileFailing) const {
+        const std::string path = files_.Path("MEDIUM/A");
+        void* handle = nullptr;
+        whileFailing(
+            [&] { handle = pgStartCreateOffshoreDicomdir(medium_.c_str(), "", &options_); });
+        if (handle == nullptr) return;
+        whileFailing([&] { pgAddFileToOffshoreDicomdir(handle, "A", path.c_str()); });
+        // The handle is gone after this, whatever happens.
+        whileFailing([&] { pgEndCreateOffshoreDicomdir(handle); });
+    }
+
+  private:
+    void Write(const std::string& name, const InstanceFile& file) const {
+        files_.Write("MEDIUM/" + name, file.Data());
+    }
+
+    TempDir files_;
+    std::string medium_ = files_.Path("MEDIUM");
+    PgDicomdirOptions options_ = {};
+    std::string dicomdir_ = files_.Write("DICOMDIR", RichDirectory().Build());
+};
 
 }  // namespace pgkit_test

@@ -3,7 +3,7 @@
 #include <pgkit/pgkit.h>
 
 #include <cstdio>
-#include <filesystem>
+#include <set>
 #include <string>
 
 #include "dictionary/private_dictionary.h"
@@ -188,30 +188,25 @@ TEST_F(OutOfMemory, LeavesASopClassSetUsable) {
 
 class OutOfMemoryWithMedia : public OutOfMemory {
   protected:
-    void SetUp() override {
-        options_.storeFileSize = 1;
-        options_.fillMissingKeys = 1;
-        std::filesystem::create_directories(directory_.Path("MEDIUM/SUB"));
-        Write("A", InstanceFile().Instance("1.2.3.4.1"));
-        Write("SUB/B", InstanceFile().Instance("1.2.3.4.2").Study("1.9").Series("1.9.1"));
-        Write("C", InstanceFile().Instance("1.2.3.4.3").Patient("4713", "ROE^JANE"));
-        directory_.Write("MEDIUM/TEXT", "no file of this kind");
+    // The tags of each record of the written DICOMDIR, in any order.
+    std::set<std::string> RecordsWritten() const {
+        std::set<std::string> records;
+        const DataSet written = medium_.Written();
+        PGX_Node* sequence = written == nullptr ? nullptr : written->FindNode(0x0004, 0x1220);
+        for (PGX_Node* item = sequence == nullptr ? nullptr : sequence->first; item != nullptr;
+             item = item->next)
+            records.insert(Tags(item));
+        return records;
     }
 
-    std::string Write(const std::string& name, const InstanceFile& file) const {
-        return directory_.Write("MEDIUM/" + name, file.Data());
-    }
-
-    std::string medium_ = directory_.Path("MEDIUM");
-    PgDicomdirOptions options_ = {};
-    std::string directoryFile_ = directory_.Write("DICOMDIR", RichDirectory().Build());
+    JobMedium medium_;
 };
 
 TEST_F(OutOfMemoryWithMedia, LosesNothingInABrowse) {
     const size_t allocations = Sweep([&](auto&& whileFailing) {
         PGX_DicomDir dicomDir;
         whileFailing([&] {
-            if (dicomDir.OpenDicomDir(directoryFile_.c_str(), 0x20000) == 0) return;
+            if (dicomDir.OpenDicomDir(medium_.OtherDicomdir().c_str(), 0x20000) == 0) return;
             dicomDir.Browse(nullptr, nullptr);
         });
         PGX_List* patients = dicomDir.GiveAndForgetPatientList();
@@ -224,30 +219,30 @@ TEST_F(OutOfMemoryWithMedia, LosesNothingInABrowse) {
 TEST_F(OutOfMemoryWithMedia, LosesNothingInAPatientListFile) {
     const size_t allocations = Sweep([&](auto&& whileFailing) {
         PGX_List* patients = nullptr;
-        whileFailing([&] { patients = pgGetPatientListFromFile(directoryFile_.c_str()); });
+        whileFailing([&] { patients = pgGetPatientListFromFile(medium_.OtherDicomdir().c_str()); });
         if (patients != nullptr) pgEmptyPatientList(patients);
         delete patients;
     });
     EXPECT_GE(allocations, 100u);
 }
 
-TEST_F(OutOfMemoryWithMedia, LosesNothingInACreation) {
-    const size_t allocations = Sweep([&](auto&& whileFailing) {
-        whileFailing([&] { pgCreateDicomdirEx(medium_.c_str(), "", &options_, nullptr, nullptr); });
-    });
+TEST_F(OutOfMemoryWithMedia, LosesNothingInARebuild) {
+    const size_t allocations = Sweep([&](auto&& whileFailing) { medium_.Rebuild(whileFailing); });
     EXPECT_GE(allocations, 100u);
 }
 
-TEST_F(OutOfMemoryWithMedia, LosesNothingInARebuild) {
+// A file for which memory did not suffice is refused; one that is not has all its keys.
+TEST_F(OutOfMemoryWithMedia, WritesNoRecordWithoutItsKeys) {
+    const auto always = [](auto&& operation) { operation(); };
+    ASSERT_EQ(medium_.Create(always), 0u);
+    const std::set<std::string> expected = RecordsWritten();
+    const std::string expectedHead = Tags(medium_.Written().get());
+    EXPECT_GE(expected.size(), 4u);
     const size_t allocations = Sweep([&](auto&& whileFailing) {
-        PGX_List* patients = pgGetPatientListFromFile(directoryFile_.c_str());
-        ASSERT_NE(patients, nullptr);
-        whileFailing([&] {
-            pgAddFile(patients, medium_.c_str(), (medium_ + "\\A").c_str(), "", &options_);
-            pgBuildDicomdirEx(patients, medium_.c_str(), "SET");
-        });
-        pgEmptyPatientList(patients);
-        delete patients;
+        if (medium_.Create(whileFailing) != 0) return;
+        EXPECT_EQ(Tags(medium_.Written().get()), expectedHead);
+        for (const std::string& tags : RecordsWritten())
+            EXPECT_EQ(expected.count(tags), 1u) << tags;
     });
     EXPECT_GE(allocations, 100u);
 }
@@ -255,8 +250,10 @@ TEST_F(OutOfMemoryWithMedia, LosesNothingInARebuild) {
 TEST_F(OutOfMemoryWithMedia, LosesNothingInADiskBrowse) {
     const size_t allocations = Sweep([&](auto&& whileFailing) {
         PGX_List patients;
-        whileFailing(
-            [&] { pgBrowseDisk(medium_.c_str(), "", &options_, &patients, nullptr, nullptr); });
+        whileFailing([&] {
+            pgBrowseDisk(medium_.Directory().c_str(), "", &medium_.Options(), &patients, nullptr,
+                         nullptr);
+        });
         pgEmptyPatientList(&patients);
     });
     EXPECT_GE(allocations, 100u);
@@ -266,7 +263,8 @@ TEST_F(OutOfMemoryWithMedia, LosesNothingInAPatientListOfADirectory) {
     const size_t allocations = Sweep([&](auto&& whileFailing) {
         PGX_List* patients = nullptr;
         whileFailing([&] {
-            patients = pgBrowsePatientListEx(medium_.c_str(), "", &options_, nullptr, nullptr);
+            patients = pgBrowsePatientListEx(medium_.Directory().c_str(), "", &medium_.Options(),
+                                             nullptr, nullptr);
         });
         if (patients != nullptr) pgEmptyPatientList(patients);
         delete patients;
@@ -275,16 +273,8 @@ TEST_F(OutOfMemoryWithMedia, LosesNothingInAPatientListOfADirectory) {
 }
 
 TEST_F(OutOfMemoryWithMedia, LosesNothingInAnOffshoreCreation) {
-    const std::string path = directory_.Path("MEDIUM/A");
-    const size_t allocations = Sweep([&](auto&& whileFailing) {
-        void* handle = nullptr;
-        whileFailing(
-            [&] { handle = pgStartCreateOffshoreDicomdir(medium_.c_str(), "", &options_); });
-        if (handle == nullptr) return;
-        whileFailing([&] { pgAddFileToOffshoreDicomdir(handle, "A", path.c_str()); });
-        // The handle is gone after this, whatever happens.
-        whileFailing([&] { pgEndCreateOffshoreDicomdir(handle); });
-    });
+    const size_t allocations =
+        Sweep([&](auto&& whileFailing) { medium_.CreateOffshore(whileFailing); });
     EXPECT_GE(allocations, 30u);
 }
 
