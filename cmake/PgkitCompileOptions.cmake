@@ -18,3 +18,8 @@ if(PGKIT_FUZZ)
   target_compile_options(pgkit_compile_options INTERFACE -fsanitize=fuzzer-no-link)
   target_link_options(pgkit_compile_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+
+if(PGKIT_SANITIZE_THREADS)
+  target_compile_options(pgkit_compile_options INTERFACE -fsanitize=thread)
+  target_link_options(pgkit_compile_options INTERFACE -fsanitize=thread)
+endif()

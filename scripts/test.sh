@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Builds everything and runs every test: natively, with sanitizers and, for Windows, under Wine;
-# then the comparison with independent readers. The last line sums all of them up:
-# "N passed, M failed". When PGKIT_SAMPLES names a directory of DICOM files they are read too.
+# Builds everything and runs every test: natively, with sanitizers and, for Windows, under Wine, and
+# those with threads with the thread sanitizer; then the comparison with independent readers. The
+# last line sums all of them up: "N passed, M failed". When PGKIT_SAMPLES names a directory of DICOM
+# files they are read too.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -80,12 +81,13 @@ count_status() {
 }
 
 scripts/install-packages.sh test || give_up "installing packages"
-scripts/build.sh native native-sanitize windows-x64 || give_up "building"
+scripts/build.sh native native-sanitize native-tsan windows-x64 || give_up "building"
 rm -rf "$results"
 mkdir -p "$results"
 
 # An exit status of its own tells a sanitizer's report from a failed test.
 export ASAN_OPTIONS=exitcode=99:detect_leaks=1 UBSAN_OPTIONS=exitcode=99:print_stacktrace=1
+export TSAN_OPTIONS=exitcode=99
 
 programs=(pgkit_tests pgkit_unit_tests pgkit_imaging_tests)
 for program in "${programs[@]}"; do
@@ -94,6 +96,7 @@ for program in "${programs[@]}"; do
     start_gtest "native-sanitize-$program" "build/native-sanitize/bin/$program"
     start_gtest "windows-x64-$program" scripts/wine.sh "build/windows-x64/bin/$program.exe"
 done
+start_gtest native-tsan-pgkit_thread_tests build/native-tsan/bin/pgkit_thread_tests
 start format scripts/check-format.sh
 start exports tests/exports/compare_exports.py include build/native/bin/libpgkit.so \
     build/windows-x64/bin/pgkit.dll
@@ -123,6 +126,7 @@ for preset in native native-sanitize windows-x64; do
         count_gtest "$preset-$program"
     done
 done
+count_gtest native-tsan-pgkit_thread_tests
 count_status format
 count_summary exports
 count_summary interop

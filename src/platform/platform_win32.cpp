@@ -54,6 +54,13 @@ struct CloseFileHandle {
     }
 };
 
+struct EndSearch {
+    using pointer = HANDLE;
+    void operator()(HANDLE search) const {
+        if (search != INVALID_HANDLE_VALUE) FindClose(search);
+    }
+};
+
 std::optional<FileIdentity> Identity(HANDLE handle) {
     BY_HANDLE_FILE_INFORMATION info;
     if (handle == INVALID_HANDLE_VALUE || !GetFileInformationByHandle(handle, &info)) {
@@ -123,15 +130,15 @@ std::optional<FileIdentity> IdentityOf(const char* path) {
 std::vector<DirectoryEntry> ListDirectory(const char* path) {
     std::vector<DirectoryEntry> entries;
     WIN32_FIND_DATAA found;
-    const HANDLE search = FindFirstFileA((std::string(path) + "\\*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return entries;
+    const std::unique_ptr<HANDLE, EndSearch> search(
+        FindFirstFileA((std::string(path) + "\\*").c_str(), &found));
+    if (search.get() == INVALID_HANDLE_VALUE) return entries;
     do {
         const std::string name = found.cFileName;
         if (name == "." || name == "..") continue;
         entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
                            (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0});
-    } while (FindNextFileA(search, &found));
-    FindClose(search);
+    } while (FindNextFileA(search.get(), &found));
     std::sort(entries.begin(), entries.end(),
               [](const DirectoryEntry& a, const DirectoryEntry& b) { return a.name < b.name; });
     return entries;

@@ -35,7 +35,7 @@ constexpr int kParseFlags = rapidxml::parse_comment_nodes | rapidxml::parse_doct
 
 constexpr const char kEntryName[] = "SOPClass";
 
-enum class FileState { Missing, Read, TooLarge };
+enum class FileState { Missing, Unreadable, Read, TooLarge };
 
 // Line ends read as a single line feed on every platform, as XML wants it. Only regular files
 // count: opening a pipe would wait for its writer.
@@ -44,9 +44,11 @@ FileState ReadWhole(const char* path, std::string& text) {
     if (!size) return FileState::Missing;
     if (*size > kMaxFileSize) return FileState::TooLarge;
     const platform::FileHandle file(platform::OpenForReading(path));
-    if (!file) return FileState::Missing;
+    if (!file) return FileState::Unreadable;
     text.resize(static_cast<size_t>(*size));
-    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+    if (std::fread(text.data(), 1, text.size(), file.get()) != text.size()) {
+        return FileState::Unreadable;
+    }
     auto end = text.begin();
     for (auto next = text.begin(); next != text.end(); ++next) {
         if (*next != '\r' || next + 1 == text.end() || next[1] != '\n') *end++ = *next;
@@ -62,11 +64,13 @@ void PrintParseError(const char* what) {
 // A parsed file. Its nodes point into its text. Too large for a small stack.
 class XmlFile {
   public:
-    // False for a file beyond the limits. A missing file is an empty document; of a broken one the
-    // document holds what precedes the outermost element with an error.
+    // False for a file that cannot be read or is beyond the limits. A missing file is an empty
+    // document; of a broken one the document holds what precedes the outermost element with an
+    // error.
     bool Read(const char* path) {
         const FileState state = ReadWhole(path, text_);
         if (state == FileState::Missing) return true;
+        if (state == FileState::Unreadable) return false;
         if (state == FileState::TooLarge) {
             PrintParseError("file too large");
             return false;

@@ -33,7 +33,8 @@ class SOPClassSet {
 
     // Replaces the SOPClass elements of the file's element rootName.SOPClassList, which is made
     // when it is missing, by the entries. All other elements, attributes, comments and instructions
-    // stay. False when the file is beyond the limits of load, and left alone, or cannot be written.
+    // stay. False when the file cannot be read or is beyond the limits of load, and left alone, or
+    // cannot be written.
     bool save(const char* path, std::string_view rootName) const;
 
     void Clear() { entries_.clear(); }

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
+#include <ostream>
+
 #include "support/tree.h"
 
 namespace {
@@ -23,6 +25,8 @@ struct SyntaxCase {
     Order order;
     uint32_t syntaxFlags;
 };
+
+void PrintTo(const SyntaxCase& c, std::ostream* out) { *out << c.uid; }
 
 class TransferSyntax : public testing::TestWithParam<SyntaxCase> {};
 

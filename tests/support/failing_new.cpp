@@ -1,18 +1,27 @@
 #include "support/failing_new.h"
 
-#include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <utility>
+
+// The linker sends calls of malloc to __wrap_malloc, and those of __real_malloc to malloc.
+extern "C" {
+void* __real_malloc(size_t size);
+void* __real_calloc(size_t count, size_t size);
+void* __real_realloc(void* block, size_t size);
+void* __wrap_malloc(size_t size);
+void* __wrap_calloc(size_t count, size_t size);
+void* __wrap_realloc(void* block, size_t size);
+}
 
 namespace {
 
-size_t allowedAllocations = SIZE_MAX;
+pgkit_test::FailurePlan plan;
+bool nextMallocFails = false;
 size_t blocksInUse = 0;
 
 void* Allocate(size_t size) noexcept {
-    if (allowedAllocations == 0) return nullptr;
-    if (allowedAllocations != SIZE_MAX) --allowedAllocations;
-    void* block = std::malloc(size == 0 ? 1 : size);
+    void* block = plan.Fails() ? nullptr : __real_malloc(size == 0 ? 1 : size);
     if (block != nullptr) ++blocksInUse;
     return block;
 }
@@ -31,6 +40,19 @@ void Release(void* block) noexcept {
 
 }  // namespace
 
+void* __wrap_malloc(size_t size) {
+    if (std::exchange(nextMallocFails, false)) return nullptr;
+    return plan.Fails() ? nullptr : __real_malloc(size);
+}
+
+void* __wrap_calloc(size_t count, size_t size) {
+    return plan.Fails() ? nullptr : __real_calloc(count, size);
+}
+
+void* __wrap_realloc(void* block, size_t size) {
+    return plan.Fails() ? nullptr : __real_realloc(block, size);
+}
+
 void* operator new(size_t size) { return AllocateOrThrow(size); }
 void* operator new[](size_t size) { return AllocateOrThrow(size); }
 void* operator new(size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
@@ -44,9 +66,35 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept { Release(bl
 
 namespace pgkit_test {
 
-FailingNew::FailingNew(size_t allowed) { allowedAllocations = allowed; }
+namespace {
 
-FailingNew::~FailingNew() { allowedAllocations = SIZE_MAX; }
+void ThrowAndCatch() {
+    try {
+        throw std::bad_alloc();
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+// The runtime allocates when a thread throws for the first time, and again when malloc has no room
+// for an exception for the first time. It could not do without, so it gets it before memory runs
+// out.
+void PrepareToThrow() {
+    ThrowAndCatch();
+    nextMallocFails = true;
+    ThrowAndCatch();
+    nextMallocFails = false;
+}
+
+}  // namespace
+
+FailingNew::FailingNew(size_t allowed, Failures failures) {
+    PrepareToThrow();
+    plan.Arm(allowed, failures);
+}
+
+FailingNew::~FailingNew() { plan.Disarm(); }
+
+bool FailingNew::HasFailed() const { return plan.HasFailed(); }
 
 size_t BlocksInUse() { return blocksInUse; }
 

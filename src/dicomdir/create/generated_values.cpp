@@ -1,7 +1,10 @@
 #include "dicomdir/create/generated_values.h"
 
+#include <atomic>
+#include <cstdint>
 #include <cstdio>
 
+#include "frame/counter.h"
 #include "platform/platform.h"
 
 namespace pgkit {
@@ -15,27 +18,10 @@ std::string Formatted(const char* format, Numbers... numbers) {
     return text;
 }
 
-// Counts from 1 to a last value, and then again from 1.
-class Counter {
-  public:
-    explicit constexpr Counter(int last) : last_(last) {}
-    int Next() {
-        if (value_ >= last_) value_ = 0;
-        return ++value_;
-    }
-
-  private:
-    int value_ = 0;
-    int last_;
-};
-
-constinit Counter patientIds(999999);
-constinit Counter studyIds(99999);
-constinit unsigned lastSeriesNumber = 0;  // never starts again
-
-constexpr int kFirstDicomdir = 100;
-constexpr int kBehindLastDicomdir = 32001;
-constinit int nextDicomdir = kFirstDicomdir;
+constinit Counter dicomdirs(100, 32000);
+constinit Counter patientIds(1, 999999);
+constinit Counter studyIds(1, 99999);
+constinit std::atomic<uint32_t> lastSeriesNumber = 0;  // never starts again
 
 }  // namespace
 
@@ -50,9 +36,8 @@ std::string CurrentTime() {
 }
 
 std::string NewDicomdirUid() {
-    const int number = nextDicomdir++;
-    if (nextDicomdir == kBehindLastDicomdir) nextDicomdir = kFirstDicomdir;
-    return "1.2.999.1.47.453.2865." + CurrentDate() + CurrentTime() + "." + std::to_string(number);
+    const std::string number = std::to_string(dicomdirs.Next());
+    return "1.2.999.1.47.453.2865." + CurrentDate() + CurrentTime() + "." + number;
 }
 
 std::string NewPatientId() { return Formatted("ZORVA_PATID_%06d", patientIds.Next()); }

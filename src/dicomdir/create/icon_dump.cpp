@@ -1,5 +1,6 @@
 #include "dicomdir/create/icon_dump.h"
 
+#include <atomic>
 #include <cstdio>
 
 #include "dicomdir/create/imaging_module.h"
@@ -8,7 +9,7 @@ namespace pgkit {
 
 namespace {
 
-constinit unsigned nextNumber = 0;
+constinit std::atomic<unsigned> nextNumber = 0;
 
 }  // namespace
 

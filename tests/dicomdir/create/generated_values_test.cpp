@@ -2,12 +2,33 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
 int NumberBehind(const std::string& text, char separator) {
     return std::stoi(text.substr(text.rfind(separator) + 1));
+}
+
+// Two DICOMDIRs made at the same time used to get the same UID at times.
+TEST(GeneratedValues, AreNeverGivenTwiceToThreadsThatAskAtTheSameTime) {
+    constexpr size_t kValues = 20000;
+    std::vector<std::string> values[2];
+    std::vector<std::thread> threads;
+    for (std::vector<std::string>& mine : values) {
+        threads.emplace_back([&mine] {
+            while (mine.size() < kValues)
+                mine.push_back(pgkit::NewPatientId());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    std::set<std::string> all(values[0].begin(), values[0].end());
+    all.insert(values[1].begin(), values[1].end());
+    EXPECT_EQ(all.size(), 2 * kValues);
 }
 
 TEST(GeneratedValues, CountDicomdirsFromOneHundredTo32000) {

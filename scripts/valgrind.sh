@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Runs the native test programs under valgrind's memcheck: valgrind.sh [GTEST_FILTER]
+# Without a filter all suites are run but those whose tests have no meaning there: they measure time
+# and memory, make millions of nodes, or start other programs. Any error and any block that is
+# definitely lost fails the run; reports are in build/results.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+command -v valgrind >/dev/null || { echo "valgrind.sh: valgrind is not installed" >&2; exit 127; }
+scripts/build.sh native
+
+slow=(
+    '*Million*' '*Thousand*' '*TenThousand*' '*HundredThousand*' '*Hundreds*' '*Large*' '*Huge*'
+    'Hostile*' 'ModuleReload*' 'ModuleLoad*' 'ConfigurationFile*' 'PgTool*' 'Pgtool*' '*Prefix*'
+    'GeneratedValues*' 'EverySample*' 'ManyRecords*' '*VeryDeep*' '*VeryLong*' '*Many*'
+    'OutOfMemoryWithMedia*' 'SampleMedia*' 'Imaging*' 'IconCreation*' '*CHost*'
+)
+filter=${1:-*-$(IFS=:; echo "${slow[*]}")}
+
+mkdir -p build/results
+status=0
+for program in pgkit_tests pgkit_unit_tests; do
+    echo "$program"
+    # The operators new of the test program stay: tests let them fail.
+    valgrind --quiet --soname-synonyms=somalloc=nouserintercepts \
+        --suppressions=scripts/valgrind.supp --leak-check=full --show-leak-kinds=definite \
+        --errors-for-leak-kinds=definite --error-exitcode=99 --max-stackframe=4194304 \
+        --log-file="build/results/valgrind-$program.log" \
+        "build/native/bin/$program" --gtest_brief=1 "--gtest_filter=$filter" | tail -n 3 ||
+        status=1
+    [[ ! -s build/results/valgrind-$program.log ]] || cat "build/results/valgrind-$program.log"
+done
+exit $status

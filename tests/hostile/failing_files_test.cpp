@@ -1,0 +1,228 @@
+// Every operation, with any of its calls for files failing: as on a scratched disc, a full one, or
+// one that is taken out.
+#include <gtest/gtest.h>
+#include <pgkit/pgkit.h>
+
+#include <filesystem>
+#include <string>
+
+#include "dictionary/private_dictionary.h"
+#include "hostile/every_failure.h"
+#include "hostile/failing_jobs.h"
+#include "sopclass/sop_class_set.h"
+
+namespace {
+
+using namespace pgkit_test;
+using pgkit::PrivateDictionary;
+
+constexpr int32_t kPart10Explicit = PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
+
+class FailingFile : public testing::Test {
+  protected:
+    template <typename Job>
+    static size_t Sweep(Job job) {
+        return SweepFailures<FailingFiles>(job);
+    }
+
+    DataSet Open(uint32_t maxLoadLength = 64) const {
+        return DataSet(pgOpenDataSetFile(path_.c_str(), maxLoadLength));
+    }
+
+    TempDir directory_;
+    std::string path_ = directory_.Write("file", RichFile().Data());
+    std::string whole_ = Describe(Open().get());
+};
+
+TEST_F(FailingFile, GivesNoTreeOrWhatCouldBeRead) {
+    for (const uint32_t maxLoadLength : {0u, kLoadAll}) {
+        const size_t calls = Sweep([&](auto&& whileFailing) {
+            DataSet root;
+            whileFailing([&] { root = Open(maxLoadLength); });
+            if (root != nullptr) {
+                EXPECT_FALSE(Tags(root.get()).empty());
+            }
+        });
+        EXPECT_GE(calls, 2u);
+    }
+}
+
+TEST_F(FailingFile, ReadsAsZerosThroughTheGetters) {
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        const DataSet root = Open(0);
+        ASSERT_NE(root, nullptr);
+        char name[9];
+        uint8_t pixels[4] = {};
+        whileFailing([&] {
+            EXPECT_EQ(root->FindNode(0x0010, 0x0010)->GetStringValue(name, 8), 1);
+            root->FindNode(0x0028, 0x0030)->GetDSDoubleValue();
+            root->FindNode(0x7FE0, 0x0010)->GetPixelData(0, 4, pixels);
+            root->GetFileData(pixels, 0, 4);
+        });
+        const std::string read = name;
+        EXPECT_TRUE(read == "DOE^JOHN" || read.empty()) << read;
+    });
+    EXPECT_GE(calls, 4u);
+}
+
+TEST_F(FailingFile, LeavesADumpIncomplete) {
+    const std::string output = directory_.Path("dump");
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        const DataSet root = Open(0);
+        ASSERT_NE(root, nullptr);
+        whileFailing([&] { root->Dump(output.c_str()); });
+    });
+    EXPECT_GE(calls, 5u);
+}
+
+TEST_F(FailingFile, CopiesUnreadValuesAsZeros) {
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        const DataSet root = Open(0);
+        ASSERT_NE(root, nullptr);
+        PGX_Node* copy = nullptr;
+        whileFailing([&] { copy = root->DuplicateNode(0); });
+        EXPECT_EQ(Describe(copy), whole_);
+        pgFreeNodeHierarchy(copy);
+    });
+    EXPECT_GE(calls, 5u);
+}
+
+TEST_F(FailingFile, IsReportedBySaving) {
+    const std::string output = directory_.Path("output");
+    ASSERT_EQ(Open(0)->SaveDataSetAsEx(output.c_str(), kPart10Explicit), 0u);
+    const Bytes expected = ReadFile(output);
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        const DataSet root = Open(0);
+        ASSERT_NE(root, nullptr);
+        uint32_t result = 0;
+        whileFailing([&] { result = root->SaveDataSetAsEx(output.c_str(), kPart10Explicit); });
+        if (result == 0) {
+            EXPECT_EQ(ReadFile(output), expected);
+        }
+    });
+    EXPECT_GE(calls, 5u);
+}
+
+// Whatever happens, one of the two is there: the old content or the new.
+TEST_F(FailingFile, IsNeverLostWhenATreeIsSavedOverItsSource) {
+    const Bytes before = ReadFile(path_);
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        directory_.Write("file", before);
+        DataSet root = Open(0);
+        ASSERT_NE(root, nullptr);
+        root->InsertNode(0x0010, 0x0020, "4711", 4);
+        uint32_t result = 0;
+        whileFailing([&] { result = root->SaveDataSetAsEx(path_.c_str(), kPart10Explicit); });
+        root = nullptr;
+        if (result != 0) {
+            EXPECT_EQ(ReadFile(path_), before);
+        } else {
+            EXPECT_NE(ReadFile(path_), before);
+        }
+    });
+    EXPECT_GE(calls, 5u);
+}
+
+TEST_F(FailingFile, LeavesNoFilesBehindWhenATreeIsSavedOverItsSource) {
+    const Bytes before = ReadFile(path_);
+    Sweep([&](auto&& whileFailing) {
+        directory_.Write("file", before);
+        const DataSet root = Open(0);
+        ASSERT_NE(root, nullptr);
+        whileFailing([&] { root->SaveDataSetAsEx(path_.c_str(), kPart10Explicit); });
+    });
+    size_t files = 0;
+    for ([[maybe_unused]] const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(path_).parent_path()))
+        ++files;
+    EXPECT_EQ(files, 1u);
+}
+
+// Only a file that cannot be created or opened makes the export fail.
+TEST_F(FailingFile, CutsTheExportOfAValueShort) {
+    const std::string output = directory_.Path("value");
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        const DataSet root = Open(0);
+        ASSERT_NE(root, nullptr);
+        int32_t isExported = 0;
+        whileFailing([&] {
+            isExported = root->FindNode(0x0010, 0x0010)->GetFileContentValue(output.c_str());
+        });
+        if (isExported == 1) {
+            EXPECT_LE(ReadFile(output).size(), 8u);
+        }
+    });
+    EXPECT_GE(calls, 3u);
+}
+
+TEST_F(FailingFile, LeavesTheConfigurationEmptyOrWhole) {
+    const std::string path = directory_.Write("privdict.dic", "(0009,\"A MAKER\",01) LO Name 1\n");
+    // What the dictionary keeps for good, it has after this.
+    pgSetPrivateDictionaryFile(path.c_str());
+    PrivateDictionary::Instance().Clear();
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        whileFailing([&] { pgSetPrivateDictionaryFile(path.c_str()); });
+        const auto* entry = PrivateDictionary::Instance().FindByCreator(9, 1, "A MAKER");
+        EXPECT_TRUE(entry == nullptr || entry->name == "Name");
+        PrivateDictionary::Instance().Clear();
+    });
+    EXPECT_GE(calls, 1u);
+}
+
+// A file of which not everything could be read used to be written back without the rest.
+TEST_F(FailingFile, IsNotReplacedByPartOfASopClassFile) {
+    const std::string text = "<properties><other/></properties>";
+    const std::string path = directory_.Write("classes.xml", text);
+    for (size_t allowed = 0; allowed < 2; ++allowed) {
+        const FailingFiles failing(allowed, Failures::OneCall);
+        EXPECT_FALSE(pgkit::SOPClassSet().save(path.c_str(), "properties")) << allowed;
+        EXPECT_TRUE(failing.HasFailed());
+        EXPECT_EQ(ReadFile(path), Bytes(text.begin(), text.end()));
+    }
+}
+
+// ---- DICOMDIRs ----------------------------------------------------------------------------------
+
+class FailingMedium : public FailingFile {
+  protected:
+    JobMedium medium_;
+};
+
+TEST_F(FailingMedium, GivesAListOrNoneInABrowse) {
+    for (const uint32_t maxLoadLength : {0u, 0x20000u}) {
+        const size_t calls = Sweep([&](auto&& whileFailing) {
+            PGX_DicomDir dicomDir;
+            whileFailing([&] {
+                if (dicomDir.OpenDicomDir(medium_.OtherDicomdir().c_str(), maxLoadLength) != 0) {
+                    dicomDir.Browse(nullptr, nullptr);
+                }
+            });
+        });
+        EXPECT_GE(calls, 2u);
+    }
+}
+
+TEST_F(FailingMedium, FailsACreation) {
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        if (medium_.Create(whileFailing) == 0) {
+            EXPECT_NE(medium_.Written(), nullptr);
+        }
+    });
+    EXPECT_GE(calls, 10u);
+}
+
+TEST_F(FailingMedium, FailsARebuild) {
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        if (medium_.Rebuild(whileFailing) == 0) {
+            EXPECT_NE(medium_.Written(), nullptr);
+        }
+    });
+    EXPECT_GE(calls, 10u);
+}
+
+TEST_F(FailingMedium, FailsAnOffshoreCreation) {
+    const size_t calls = Sweep([&](auto&& whileFailing) { medium_.CreateOffshore(whileFailing); });
+    EXPECT_GE(calls, 3u);
+}
+
+}  // namespace

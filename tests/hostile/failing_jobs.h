@@ -1,0 +1,120 @@
+// Files and trees for which an operation needs every kind of call that can fail.
+#pragma once
+
+#include <pgkit/pgkit.h>
+
+#include <filesystem>
+#include <string>
+
+#include "support/directory_builder.h"
+#include "support/instance_file.h"
+#include "support/stream_builder.h"
+#include "support/tree.h"
+
+namespace pgkit_test {
+
+// Nested items, private elements, long values and fragments.
+inline StreamBuilder RichFile() {
+    StreamBuilder file;
+    file.Part10("1.2.840.10008.1.2.1").MetaElement(0x0012, "UI", "1.22");
+    file.Element(0x0008, 0x0016, "UI", PaddedUid("1.2.840.10008.5.1.4.1.1.2"));
+    file.Element(0x0008, 0x0018, "UI", PaddedUid("1.2.3"));
+    file.Element(0x0009, 0x0010, "LO", "A MAKER OF MANY PRIVATE ELEMENTS");
+    file.Element(0x0009, 0x1001, "UN", "abcd");
+    file.Element(0x0010, 0x0010, "PN", "DOE^JOHN");
+    file.Element(0x0028, 0x0030, "DS", "0.25\\0.5");
+    file.Sequence(0x0040, 0xA730).Item().Sequence(0x0040, 0xA043).Item();
+    file.Element(0x0008, 0x0104, "LO", std::string(300, 'm'));
+    file.EndItem().EndSequence().EndItem().Item().EndItem().EndSequence();
+    file.Header(0x7FE0, 0x0010, "OB", kUndefined).Item(0);
+    for (int i = 0; i < 3; ++i)
+        file.Item(4).Text("abcd");
+    return file.EndSequence();
+}
+
+// Two patients with records on all levels.
+inline DirectoryBuilder RichDirectory() {
+    DirectoryBuilder directory;
+    for (const char* id : {"4711", "4712"}) {
+        const std::string uid = std::string("1.2.") + id;
+        const size_t patient = directory.Patient(id, "DOE^JOHN");
+        const size_t study = directory.Study(patient, uid);
+        const size_t series = directory.Series(study, uid + ".1", "CT");
+        directory.Image(series, uid + ".1.1", 1, "IMG\\X1");
+        directory.Image(series, uid + ".1.2", 2, "IMG\\X2");
+    }
+    return directory;
+}
+
+// A directory of files to make a medium of, a DICOMDIR elsewhere, and what is done with them. Each
+// job takes what SweepFailures gives its jobs.
+class JobMedium {
+  public:
+    JobMedium() {
+        options_.storeFileSize = 1;
+        options_.fillMissingKeys = 1;
+        std::filesystem::create_directories(files_.Path("MEDIUM/SUB"));
+        Write("A", InstanceFile().Instance("1.2.3.4.1"));
+        Write("SUB/B", InstanceFile().Instance("1.2.3.4.2").Study("1.9").Series("1.9.1"));
+        Write("C", InstanceFile().Instance("1.2.3.4.3").Patient("4713", "ROE^JANE"));
+        files_.Write("MEDIUM/TEXT", "no file of this kind");
+    }
+
+    const std::string& Directory() const { return medium_; }
+    const PgDicomdirOptions& Options() const { return options_; }
+    // A DICOMDIR that is no part of the medium.
+    const std::string& OtherDicomdir() const { return dicomdir_; }
+
+    // The DICOMDIR that a creation wrote.
+    DataSet Written() const {
+        return DataSet(pgOpenDataSetFile(files_.Path("MEDIUM/DICOMDIR").c_str(), kLoadAll));
+    }
+
+    // The result of a creation; 0 when it has written a DICOMDIR.
+    template <typename WhileFailing>
+    uint32_t Create(WhileFailing&& whileFailing) const {
+        std::filesystem::remove(files_.Path("MEDIUM/DICOMDIR"));
+        uint32_t result = 1;
+        whileFailing(
+            [&] { result = pgCreateDicomdirEx(medium_.c_str(), "", &options_, nullptr, nullptr); });
+        return result;
+    }
+
+    // A file is added to a hierarchy that was read, which is then written as a DICOMDIR.
+    template <typename WhileFailing>
+    uint32_t Rebuild(WhileFailing&& whileFailing) const {
+        PGX_List* patients = pgGetPatientListFromFile(dicomdir_.c_str());
+        uint32_t result = 1;
+        whileFailing([&] {
+            pgAddFile(patients, medium_.c_str(), (medium_ + "\\A").c_str(), "", &options_);
+            result = pgBuildDicomdirEx(patients, medium_.c_str(), "SET");
+        });
+        pgEmptyPatientList(patients);
+        delete patients;
+        return result;
+    }
+
+    template <typename WhileFailing>
+    void CreateOffshore(WhileFailing&& whileFailing) const {
+        const std::string path = files_.Path("MEDIUM/A");
+        void* handle = nullptr;
+        whileFailing(
+            [&] { handle = pgStartCreateOffshoreDicomdir(medium_.c_str(), "", &options_); });
+        if (handle == nullptr) return;
+        whileFailing([&] { pgAddFileToOffshoreDicomdir(handle, "A", path.c_str()); });
+        // The handle is gone after this, whatever happens.
+        whileFailing([&] { pgEndCreateOffshoreDicomdir(handle); });
+    }
+
+  private:
+    void Write(const std::string& name, const InstanceFile& file) const {
+        files_.Write("MEDIUM/" + name, file.Data());
+    }
+
+    TempDir files_;
+    std::string medium_ = files_.Path("MEDIUM");
+    PgDicomdirOptions options_ = {};
+    std::string dicomdir_ = files_.Write("DICOMDIR", RichDirectory().Build());
+};
+
+}  // namespace pgkit_test

@@ -1,0 +1,44 @@
+// What a program does with a file it knows nothing about, and what that may cost.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <pgkit/pgkit.h>
+
+#include <cstdint>
+#include <ctime>
+#include <string>
+
+#include "support/peak_memory.h"
+#include "support/stream_builder.h"
+#include "support/tree.h"
+
+namespace pgkit_test {
+
+// Memory beyond the size of the file.
+constexpr uint64_t kMemoryAllowance = uint64_t{64} << 20;
+
+// Runs code and expects it to take less than a second (with sanitizers and under Wine: ten) and no
+// more memory than allowed.
+template <typename Code>
+void ExpectCheap(uint64_t allowedMemory, Code&& code) {
+    const PeakMemory memory;
+    const std::clock_t start = std::clock();
+    code();
+    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    EXPECT_LT(seconds, PGKIT_TEST_SECONDS);
+    if (const auto growth = memory.Growth()) {
+        EXPECT_LE(*growth, allowedMemory);
+    }
+}
+
+// Uses every element in every way that asks for no knowledge of it.
+void ReadEverything(PGX_Node* dataSet);
+
+// Opens a file with and without loading its values, reads, dumps, copies and writes it in several
+// modes, and closes it, within the time and memory that its size allows. Returns what Describe says
+// about the tree.
+std::string UseFile(const std::string& path);
+std::string UseBytes(const Bytes& bytes);
+inline std::string UseBytes(const StreamBuilder& stream) { return UseBytes(stream.Data()); }
+
+}  // namespace pgkit_test

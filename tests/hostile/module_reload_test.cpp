@@ -1,0 +1,29 @@
+// The module as a plug-in: loaded and unloaded by a host again and again.
+#include <gtest/gtest.h>
+#include <pgkit/dictionary.h>
+
+#include "platform/loaded_module.h"
+
+namespace {
+
+namespace platform = pgkit::platform;
+
+// The file is named as its system wants it.
+void* LoadLibrary() {
+    void* const module = platform::OpenModule("libpgkit");
+    return module != nullptr ? module : platform::OpenModule("pgkit");
+}
+
+TEST(ModuleReload, AThousandTimesLeavesItUsable) {
+    for (int i = 0; i < 1000; ++i) {
+        void* const module = LoadLibrary();
+        ASSERT_NE(module, nullptr) << i;
+        const auto find = reinterpret_cast<decltype(&pgFindValueRepresentation)>(
+            platform::FindFunction(module, "pgFindValueRepresentation"));
+        ASSERT_NE(find, nullptr) << i;
+        ASSERT_EQ(find(0x0010, 0x0010), pgFindValueRepresentation(0x0010, 0x0010)) << i;
+        platform::CloseModule(module);
+    }
+}
+
+}  // namespace

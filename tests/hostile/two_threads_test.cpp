@@ -1,0 +1,88 @@
+// Threads that work on trees of their own need no lock between them.
+#include <gtest/gtest.h>
+#include <pgkit/pgkit.h>
+
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/captured.h"
+#include "support/instance_file.h"
+#include "support/tree.h"
+
+namespace {
+
+using namespace pgkit_test;
+
+constexpr int kRounds = 20;
+
+// Opens, changes, copies, dumps, writes and closes a data set; what it is in the end.
+std::string Work(const std::string& path, const std::string& output) {
+    const DataSet root(pgOpenDataSetFile(path.c_str(), 16));
+    if (root == nullptr) return "null";
+    root->AddOrReplaceNode(0x0010, 0x0010, "ROE^JANE", 8);
+    root->AddGroupLengths(PG_EXPLICIT_VR | PG_LITTLE_ENDIAN);
+    const DataSet copy(root->DuplicateNode(0));
+    copy->Dump((output + ".txt").c_str());
+    if (copy->SaveDataSetAsEx(output.c_str(), 0x2C) != 0) return "not saved";
+    const DataSet saved(pgOpenDataSetFile(output.c_str(), kLoadAll));
+    return Describe(saved.get()) + TextOf(Child(saved.get(), 0x0010, 0x0010));
+}
+
+TEST(TwoThreads, WorkOnTheirOwnTreesWithoutLocks) {
+    const TempDir directory;
+    const std::string path = directory.Write("file", InstanceFile().Data());
+    const std::string expected = Work(path, directory.Path("expected"));
+    std::vector<std::thread> threads;
+    std::vector<std::string> results(2);
+    for (size_t i = 0; i < results.size(); ++i) {
+        threads.emplace_back([&, i] {
+            const std::string output = directory.Path("output" + std::to_string(i));
+            for (int round = 0; round < kRounds; ++round) {
+                results[i] = Work(path, output);
+                if (results[i] != expected) return;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const std::string& result : results)
+        EXPECT_EQ(result, expected);
+}
+
+// Makes a directory a medium and browses it; how many patients that gives.
+int32_t PatientsOf(const std::string& medium) {
+    PgDicomdirOptions options = {};
+    options.fillMissingKeys = 1;
+    pgCreateDicomdirEx(medium.c_str(), "", &options, nullptr, nullptr);
+    PGX_List* list = pgGetPatientListFromFile((medium + "\\DICOMDIR").c_str());
+    const int32_t count = list == nullptr ? -1 : list->GetCount();
+    pgEmptyPatientList(list);
+    delete list;
+    return count;
+}
+
+TEST(TwoThreads, CreateAndBrowseTheirOwnMedia) {
+    const TempDir directory;
+    std::vector<int32_t> patients(2);
+    CapturePrinted([&] {
+        std::vector<std::thread> threads;
+        for (size_t i = 0; i < patients.size(); ++i) {
+            const std::string name = "medium" + std::to_string(i);
+            std::filesystem::create_directory(directory.Path(name));
+            InstanceFile withoutKeys;
+            withoutKeys.Remove(0x0010, 0x0020).Remove(0x0020, 0x0010).Remove(0x0020, 0x0011);
+            directory.Write(name + "/IMAGE", withoutKeys.Data());
+            threads.emplace_back([&, i, medium = directory.Path(name)] {
+                for (int round = 0; round < kRounds; ++round)
+                    patients[i] = PatientsOf(medium);
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+    });
+    EXPECT_EQ(patients, (std::vector<int32_t>{1, 1}));
+}
+
+}  // namespace

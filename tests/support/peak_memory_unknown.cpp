@@ -1,0 +1,9 @@
+#include "support/peak_memory.h"
+
+namespace pgkit_test {
+
+PeakMemory::PeakMemory() : before_(0) {}
+
+std::optional<uint64_t> PeakMemory::Growth() const { return std::nullopt; }
+
+}  // namespace pgkit_test
