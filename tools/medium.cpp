@@ -43,7 +43,7 @@ std::string_view Trimmed(std::string_view text) {
 
 }  // namespace
 
-std::string DirectoryFileOf(std::string path) {
+std::string DirectoryFileOf(const std::string& path) {
     const size_t end = path.find_last_not_of(kSeparators);
     const std::string bare = end == std::string::npos ? path : path.substr(0, end + 1);
     return IsDirectory(bare) ? bare + "/DICOMDIR" : path;

@@ -8,7 +8,7 @@
 namespace pgtool {
 
 // The DICOMDIR that a path means: the path itself or, when that is a directory, the file in it.
-std::string DirectoryFileOf(std::string path);
+std::string DirectoryFileOf(const std::string& path);
 
 class Medium {
   public:

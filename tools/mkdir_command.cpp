@@ -144,17 +144,17 @@ std::string ReadRequest(const Arguments& arguments, Request& request) {
     bool noRecurse = false;
     bool noList = false;
     Arguments directories;
-    const std::string complaint = ParseOptions(arguments,
-                                               {{"--profile", &request.profile},
-                                                {"--icons", &request.options.iconSize},
-                                                {"--series-icons", &seriesIcons},
-                                                {"--file-size", &fileSize},
-                                                {"--fill-missing", &fillMissing},
-                                                {"--file-set-id", &request.fileSetId},
-                                                {"--no-recurse", &noRecurse},
-                                                {"--no-list", &noList},
-                                                {"--offshore", &request.offshore}},
-                                               &directories);
+    std::string complaint = ParseOptions(arguments,
+                                         {{"--profile", &request.profile},
+                                          {"--icons", &request.options.iconSize},
+                                          {"--series-icons", &seriesIcons},
+                                          {"--file-size", &fileSize},
+                                          {"--fill-missing", &fillMissing},
+                                          {"--file-set-id", &request.fileSetId},
+                                          {"--no-recurse", &noRecurse},
+                                          {"--no-list", &noList},
+                                          {"--offshore", &request.offshore}},
+                                         &directories);
     if (!complaint.empty()) return complaint;
     if (directories.size() != 1 || directories[0].empty()) return "a directory is expected";
     request.directory = directories[0];
@@ -169,7 +169,7 @@ std::string ReadRequest(const Arguments& arguments, Request& request) {
 
 int Mkdir(const Arguments& arguments) {
     Request request;
-    const std::string complaint = ReadRequest(arguments, request);
+    std::string complaint = ReadRequest(arguments, request);
     return complaint.empty() ? Create(request) : Misuse(kMkdirCommand, complaint);
 }
 

@@ -109,7 +109,7 @@ void WriteHeader(const PixelLayout& pixels, const BitmapLayout& bitmap, uint8_t*
 }
 
 void WriteGrays(const PixelLayout& pixels, const BitmapLayout& bitmap, uint8_t* out) {
-    for (uint32_t i = 0; i < bitmap.grayCount; ++i) {
+    for (size_t i = 0; i < bitmap.grayCount; ++i) {
         const uint8_t gray = static_cast<uint8_t>(pixels.isInverted ? 255 - i : i);
         out[4 * i] = out[4 * i + 1] = out[4 * i + 2] = gray;
     }

@@ -53,7 +53,7 @@ std::optional<std::string> FindIgnoringCase(const std::string& directory, const 
 // padded with a blank.
 std::optional<std::string> FindEntry(const std::string& directory, const std::string& name,
                                      const std::string& slash) {
-    const auto found = FindIgnoringCase(directory, name, slash);
+    auto found = FindIgnoringCase(directory, name, slash);
     if (found || !name.ends_with(' ')) return found;
     const std::string unpadded = name.substr(0, name.find_last_not_of(' ') + 1);
     if (unpadded.empty()) return std::nullopt;

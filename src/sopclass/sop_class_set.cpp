@@ -223,8 +223,9 @@ bool SOPClassSet::save(const char* path, std::string_view rootName) const {
 
 bool SOPClassSet::Insert(SOPClass sopClass) {
     if (!sopClass.IsValid()) return false;
-    std::string uid = sopClass.uid;
-    return entries_.try_emplace(std::move(uid), std::move(sopClass)).second;
+    const auto [entry, isNew] = entries_.try_emplace(sopClass.uid);
+    if (isNew) entry->second = std::move(sopClass);
+    return isNew;
 }
 
 const SOPClass* SOPClassSet::Find(std::string_view uid) const {

@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Static analysis of the module, the imaging module and the tool; silent when nothing is found.
+# Needs clang-tidy and cppcheck, and a native build for its compile commands.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+cmake --preset native >/dev/null
+run-clang-tidy -quiet -p build/native "^$PWD/(src|imaging|tools|examples)/.*\.cpp" 2>/dev/null |
+    { ! grep -E '(warning|error):'; }
+
+# What cppcheck 2.10 takes for errors: arrays that a call fills, casts to scoped enumerations, and
+# an initialisation by a lambda.
+cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ -I include -I src \
+    --enable=warning,performance,portability \
+    --suppress=internalAstError --suppress=cppcheckError --suppress=syntaxError \
+    --suppress=uninitMemberVar --suppress=uninitvar --suppress=legacyUninitvar \
+    --suppress=CastIntegerToAddressAtReturn \
+    src imaging tools
