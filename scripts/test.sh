@@ -95,8 +95,9 @@ for program in "${programs[@]}"; do
     start_gtest "windows-x64-$program" scripts/wine.sh "build/windows-x64/bin/$program.exe"
 done
 start format scripts/check-format.sh
-start exports tests/exports/compare_exports.py include build/native/bin/libpgkit.so \
+start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
     build/windows-x64/bin/pgkit.dll
+start msabi tests/msabi/run_host.sh build/windows-x64
 wait
 
 start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
@@ -111,5 +112,6 @@ for preset in native native-sanitize windows-x64; do
 done
 count_status format
 count_summary exports
+count_summary msabi
 count_summary interop
 finish
