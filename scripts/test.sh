@@ -98,8 +98,9 @@ for program in "${programs[@]}"; do
 done
 start_gtest native-tsan-pgkit_thread_tests build/native-tsan/bin/pgkit_thread_tests
 start format scripts/check-format.sh
-start exports tests/exports/compare_exports.py include build/native/bin/libpgkit.so \
+start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
     build/windows-x64/bin/pgkit.dll
+start msabi tests/msabi/run_host.sh build/windows-x64
 wait
 
 start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
@@ -129,6 +130,7 @@ done
 count_gtest native-tsan-pgkit_thread_tests
 count_status format
 count_summary exports
+count_summary msabi
 count_summary interop
 count_summary written
 count_summary media

@@ -23,6 +23,10 @@
 // Windows the handle is that of a movable global memory block (GlobalLock gives the bitmap's
 // address); on POSIX systems it is the address itself.
 //
+// On Windows, hosts built with Microsoft's compilers and with GCC may make, derive from and delete
+// leaves alike. Those of Microsoft's kind have no type information of the module's classes:
+// leafType tells which class an object is, dynamic_cast and typeid do not.
+//
 // Copying an object copies every field as it stands, list cells, icon and sequence copies included.
 // Copies are for reading: only one of the objects that share these may be destroyed.
 #ifndef PGKIT_DIRECTORY_RECORDS_H
@@ -154,6 +158,7 @@ class PGKIT_API PGX_DicomDirLeafNode {
     uint32_t flags = 0;                   // PgLeafFlags
     uint32_t clientFlags = 0;             // free for the host
 
+    PGKIT_SLOT_0(virtual void* DeletingDestructor(uint32_t mode);)
     PGX_DicomDirLeafNode();
     PGX_DicomDirLeafNode(const PGX_DicomDirLeafNode& other);
     PGX_DicomDirLeafNode& operator=(const PGX_DicomDirLeafNode& other);
@@ -171,6 +176,7 @@ class PGKIT_API PGX_DicomDirImageNode : public PGX_DicomDirLeafNode {
     char calibrationImage[17] = {};           // (0050,0004)
     void* icon = nullptr;                     // from (0088,0200); owned
 
+    PGKIT_SLOT_0(void* DeletingDestructor(uint32_t mode) override;)
     PGX_DicomDirImageNode();
     PGX_DicomDirImageNode(const PGX_DicomDirImageNode& other);
     PGX_DicomDirImageNode& operator=(const PGX_DicomDirImageNode& other);
@@ -187,6 +193,7 @@ class PGKIT_API PGX_DicomDirReportNode : public PGX_DicomDirLeafNode {
     PGX_Node* conceptNameCodeSequence = nullptr;  // copy of (0040,A043); owned
     PGX_Node* contentSequence = nullptr;          // copy of (0040,A730); owned
 
+    PGKIT_SLOT_0(void* DeletingDestructor(uint32_t mode) override;)
     PGX_DicomDirReportNode();
     PGX_DicomDirReportNode(const PGX_DicomDirReportNode& other);
     PGX_DicomDirReportNode& operator=(const PGX_DicomDirReportNode& other);
@@ -200,6 +207,7 @@ class PGKIT_API PGX_DicomDirKeyObjectNode : public PGX_DicomDirLeafNode {
     PGX_Node* conceptNameCodeSequence = nullptr;  // copy of (0040,A043); owned
     PGX_Node* contentSequence = nullptr;          // copy of (0040,A730); owned
 
+    PGKIT_SLOT_0(void* DeletingDestructor(uint32_t mode) override;)
     PGX_DicomDirKeyObjectNode();
     PGX_DicomDirKeyObjectNode(const PGX_DicomDirKeyObjectNode& other);
     PGX_DicomDirKeyObjectNode& operator=(const PGX_DicomDirKeyObjectNode& other);
@@ -215,6 +223,7 @@ class PGKIT_API PGX_DicomDirPresentationNode : public PGX_DicomDirLeafNode {
     char contentDescription[65] = {};              // (0070,0081)
     PGX_Node* referencedSeriesSequence = nullptr;  // copy of (0008,1115); owned
 
+    PGKIT_SLOT_0(void* DeletingDestructor(uint32_t mode) override;)
     PGX_DicomDirPresentationNode();
     PGX_DicomDirPresentationNode(const PGX_DicomDirPresentationNode& other);
     PGX_DicomDirPresentationNode& operator=(const PGX_DicomDirPresentationNode& other);
@@ -229,6 +238,7 @@ class PGKIT_API PGX_DicomDirEncapsulatedDocNode : public PGX_DicomDirLeafNode {
     char mimeType[65] = {};                       // (0042,0012)
     PGX_Node* conceptNameCodeSequence = nullptr;  // copy of (0040,A043); owned
 
+    PGKIT_SLOT_0(void* DeletingDestructor(uint32_t mode) override;)
     PGX_DicomDirEncapsulatedDocNode();
     PGX_DicomDirEncapsulatedDocNode(const PGX_DicomDirEncapsulatedDocNode& other);
     PGX_DicomDirEncapsulatedDocNode& operator=(const PGX_DicomDirEncapsulatedDocNode& other);
@@ -240,6 +250,7 @@ class PGKIT_API PGX_DicomDirWaveformNode : public PGX_DicomDirLeafNode {
     char contentDate[9] = {};   // (0008,0023), YYYYMMDD
     char contentTime[17] = {};  // (0008,0033)
 
+    PGKIT_SLOT_0(void* DeletingDestructor(uint32_t mode) override;)
     PGX_DicomDirWaveformNode();
     PGX_DicomDirWaveformNode(const PGX_DicomDirWaveformNode& other);
     PGX_DicomDirWaveformNode& operator=(const PGX_DicomDirWaveformNode& other);
@@ -251,6 +262,7 @@ class PGKIT_API PGX_DicomDirRawDataNode : public PGX_DicomDirLeafNode {
     char contentDate[9] = {};   // (0008,0023), YYYYMMDD
     char contentTime[17] = {};  // (0008,0033)
 
+    PGKIT_SLOT_0(void* DeletingDestructor(uint32_t mode) override;)
     PGX_DicomDirRawDataNode();
     PGX_DicomDirRawDataNode(const PGX_DicomDirRawDataNode& other);
     PGX_DicomDirRawDataNode& operator=(const PGX_DicomDirRawDataNode& other);

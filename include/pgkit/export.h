@@ -19,6 +19,16 @@
 #define PGVIEW_API __attribute__((visibility("default")))
 #endif
 
+// Compilers of Microsoft's kind delete an object through slot 0 of its virtual table: a function of
+// the object and of a mode that says how. Others have two destructors there instead. Classes
+// that both kinds of hosts delete declare such a function first, where it becomes slot 0 for the
+// others; for the former it is what their virtual destructor makes of itself.
+#if defined(_WIN32) && !defined(_MSC_VER)
+#define PGKIT_SLOT_0(declaration) declaration
+#else
+#define PGKIT_SLOT_0(declaration)
+#endif
+
 // Flat functions have C linkage and can be declared from C and from C++.
 #if defined(__cplusplus)
 #define PGKIT_BEGIN_C extern "C" {

@@ -1,6 +1,7 @@
 // The lists of a hierarchy as what they hold: objects of one class.
 #pragma once
 
+#include "dicomdir/leaf_destruction.h"
 #include "pgkit/list.h"
 
 namespace pgkit {
@@ -32,11 +33,16 @@ class Records {
     PGX_List& list_;
 };
 
+template <typename Record>
+void Destroy(Record* record) {
+    delete record;
+}
+
 // Removes every object from the list and destroys it.
 template <typename Record>
 void DestroyRecords(PGX_List& list) {
     while (list.head != nullptr)
-        delete static_cast<Record*>(list.RemoveHead());
+        Destroy(static_cast<Record*>(list.RemoveHead()));
 }
 
 }  // namespace pgkit

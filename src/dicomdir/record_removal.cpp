@@ -16,7 +16,7 @@ bool RemoveFrom(PGX_List& list, Record* record) {
     for (Record& held : Records<Record>(list)) {
         if (&held != record) continue;
         list.RemoveElement(record);
-        delete record;
+        pgkit::Destroy(record);
         return true;
     }
     return false;

@@ -1,102 +1,85 @@
 #!/usr/bin/python3
-"""Compares what modules export with what the public headers declare: nothing is missing, nothing
-else is there. Members count with their overloads; flat functions must have C linkage.
+"""Compares what the modules export with what the public headers declare and with the
+module-definition file: nothing is missing, nothing else is there, ordinals are as they are written.
 
-    compare_exports.py INCLUDE_DIRECTORY MODULE...
+    compare_exports.py SHARED_OBJECT DLL
 
-The last line is "N passed, M failed"; each module is one check.
+The last line is "N passed, M failed".
 """
-import collections
 import pathlib
 import re
-import subprocess
 import sys
 
-CLASS_START = re.compile(r"^class (PGKIT_API )?(\w+)[^;]*\{", re.MULTILINE)
-DECLARATION = re.compile(r"PGKIT_API(?: virtual)?\s[^;{(]*?(~?\w+|operator=)\s*\(")
-COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/|^\s*#(?:[^\n]*\\\n)*[^\n]*", re.DOTALL | re.MULTILINE)
+from declared import GCC_LINUX, GCC_WINDOWS, gcc_symbols, microsoft_symbols, output_of
+
+DEFINITIONS = pathlib.Path(__file__).resolve().parent.parent.parent / "src/pgkit.def"
 
 
-def output_of(*command, stdin=None):
-    return subprocess.run(command, input=stdin, capture_output=True, check=True, text=True).stdout
+def defined_ordinals():
+    """The entries of the module-definition file, as pairs."""
+    entries = re.findall(r'^    "?([^\s"]+)"?(?: = \S+)? @(\d+)(?: DATA)?$',
+                         DEFINITIONS.read_text(), re.MULTILINE)
+    return [(name, int(ordinal)) for name, ordinal in entries]
 
 
-class Interface:
-    """The declarations of a directory of headers."""
-
-    def __init__(self, directory):
-        self.counts = collections.Counter()  # declarations of each qualified name
-        self.exported_classes = set()  # classes that are exported as a whole
-        for header in sorted(pathlib.Path(directory).rglob("*.h")):
-            text = COMMENT.sub("", header.read_text())
-            before = self._known()
-            self._read(text)
-            if self._known() - before != text.count("PGKIT_API"):
-                sys.exit(f"{header}: a declaration has a form that this check cannot read")
-
-    def _known(self):
-        return self.counts.total() + len(self.exported_classes)
-
-    def _read(self, text):
-        flat = text
-        for start in CLASS_START.finditer(text):
-            body = text[start.end() : text.index("\n};", start.end())]
-            flat = flat.replace(body, "")
-            if start[1]:
-                self.exported_classes.add(start[2])
-            self._count(body, start[2] + "::")
-        self._count(CLASS_START.sub("", flat), "")
-
-    def _count(self, text, qualifier):
-        for name in DECLARATION.findall(text):
-            self.counts[qualifier + name] += 1
+def ordinals_of_dll(path):
+    listing = output_of("x86_64-w64-mingw32-objdump", "-p", path)
+    base = int(re.search(r"^Ordinal Base\s+(\d+)", listing, re.MULTILINE)[1])
+    table = listing.split("[Ordinal/Name Pointer] Table", 1)[1]
+    entries = re.findall(r"^\t\[ *(\d+)\] (\S+)", table, re.MULTILINE)
+    return {name: base + int(index) for index, name in entries}
 
 
-def exported_symbols(module):
-    """The linker names in a module's export table."""
-    if module.endswith(".dll"):
-        listing = output_of("x86_64-w64-mingw32-objdump", "-p", module)
-        table = listing.split("[Ordinal/Name Pointer] Table", 1)[1]
-        return re.findall(r"^\t\[ *\d+\] (\S+)", table, re.MULTILINE)
-    listing = output_of("nm", "-D", "--defined-only", "--format=posix", module)
-    return [line.split()[0] for line in listing.splitlines()]
+def symbols_of_shared_object(path):
+    listing = output_of("nm", "-D", "--defined-only", "--format=posix", path)
+    return {line.split()[0] for line in listing.splitlines()}
 
 
-def differences(interface, symbols):
-    readable = output_of("c++filt", stdin="\n".join(symbols)).splitlines()
-    # Constructors and destructors have several symbols that read the same: a set counts them once.
-    found = collections.Counter()
-    for signature in set(readable):
-        # "vtable for X", "typeinfo for X" and the members that the compiler adds to an exported
-        # class come with that class.
-        owner = re.sub(r"^(vtable|typeinfo|typeinfo name) for ", "", signature).split("::")[0]
-        if owner in interface.exported_classes:
-            found[owner] += 1
-        elif "::" in signature:
-            found[signature.split("(")[0]] += 1
-        else:
-            found[signature] += 1  # with its arguments, if it lacks C linkage
-    for name in sorted(interface.exported_classes):
-        if found.pop(name, 0) == 0:
-            yield f"class {name}: nothing of it is exported"
-    for name in sorted(found.keys() | interface.counts.keys()):
-        if name.split("::")[0] in interface.exported_classes:
-            continue
-        if found[name] != interface.counts[name]:
-            yield f"{name}: declared {interface.counts[name]}, exported {found[name]}"
+def differences(expected, found):
+    for name in sorted(expected - found):
+        yield f"missing: {name}"
+    for name in sorted(found - expected):
+        yield f"not declared: {name}"
 
 
-def main(include_directory, modules):
-    interface = Interface(include_directory)
+def check_definitions(entries):
+    """The file has every name once, each with an ordinal of its own."""
+    names = [name for name, _ in entries]
+    ordinals = [ordinal for _, ordinal in entries]
+    yield from differences(microsoft_symbols(), set(names))
+    for repeated in sorted({name for name in names if names.count(name) > 1}):
+        yield f"more than once: {repeated}"
+    for repeated in sorted({ordinal for ordinal in ordinals if ordinals.count(ordinal) > 1}):
+        yield f"for several names: ordinal {repeated}"
+    lines = DEFINITIONS.read_text().partition("EXPORTS\n")[2].splitlines()
+    if len(entries) != sum(line.startswith("    ") for line in lines):
+        yield "a line has a form that this check cannot read"
+
+
+def check_ordinals(entries, exported):
+    for name, ordinal in entries:
+        if exported.get(name) != ordinal:
+            yield f"{name}: ordinal {exported.get(name)} instead of {ordinal}"
+
+
+def main(shared_object, dll):
+    entries = defined_ordinals()
+    exported = ordinals_of_dll(dll)
+    checks = {
+        "the module-definition file": check_definitions(entries),
+        f"{dll}, ordinals": check_ordinals(entries, exported),
+        f"{dll}, names": differences(microsoft_symbols() | gcc_symbols(GCC_WINDOWS), set(exported)),
+        shared_object: differences(gcc_symbols(GCC_LINUX), symbols_of_shared_object(shared_object)),
+    }
     failed = 0
-    for module in modules:
-        found = list(differences(interface, exported_symbols(module)))
-        if found or not interface.counts:
+    for subject, findings in checks.items():
+        findings = list(findings)
+        if findings:
             failed += 1
-            print(f"{module}:", *found, sep="\n  ")
-    print(f"{len(modules) - failed} passed, {failed} failed")
+            print(f"{subject}:", *findings, sep="\n  ")
+    print(f"{len(checks) - failed} passed, {failed} failed")
     return 1 if failed else 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1], sys.argv[2:]))
+    sys.exit(main(*sys.argv[1:]))

@@ -1,0 +1,3 @@
+#include "dicomdir/leaf_destruction.h"
+
+void pgkit::Destroy(PGX_DicomDirLeafNode* leaf) { delete leaf; }
