@@ -66,6 +66,8 @@ bool IsAmbiguous(PGX_Node& root) {
         if (node->group < 0x0002) return true;
         // Without a table it is copied as far as it can be followed.
         if (node->encapsulated != 0 && node->fragmentCount == 0) return true;
+        // In big endian, what follows File Meta Information would seem to be more of it.
+        if (node->group == 0x0200) return true;
         // Written little endian and explicit, or not at all, wherever it stands.
         if (node->group == 0x0002 && !IsMetaOf(node, root)) return true;
     }
