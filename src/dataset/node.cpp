@@ -4,6 +4,7 @@
 #include "dataset/node_memory.h"
 
 using pgkit::FreeFragmentTable;
+using pgkit::FreeTagName;
 using pgkit::FreeValueBuffer;
 
 PGX_Node::PGX_Node() : PGX_Node(NT_DataSet, ET_LittleEndian, 0, 0, VR_Unknown, 0) {}
@@ -36,7 +37,7 @@ PGX_Node::~PGX_Node() {
     FreeValueBuffer(value);
     FreeFragmentTable(*this);
     delete[] contentFile;
-    delete[] tagName;
+    FreeTagName(tagName);
 }
 
 PGX_Node& PGX_Node::operator=(const PGX_Node& other) = default;
