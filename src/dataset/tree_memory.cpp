@@ -10,16 +10,7 @@ namespace pgkit {
 namespace {
 
 constexpr size_t kBlockSize = size_t{2} << 20;
-constexpr size_t kBlockCount = 8192;
-constexpr size_t kRangeSize = kBlockSize * kBlockCount;
-
-constexpr size_t kTreeWorthABlock = size_t{2} << 20;
-constexpr size_t kLargestCell = 256;
-
-// No address lies within a range that begins here.
-constexpr uintptr_t kNoRange = uintptr_t{1} << 63;
-
-std::atomic<uintptr_t> firstBlock = kNoRange;
+constexpr size_t kBlockCount = kTreeMemoryRange / kBlockSize;
 
 // What a block is used for: 0 when it has no memory, else one more than the cells in use. The cells
 // of a block that is still being filled count only when it is closed; until then kFilling stands
@@ -31,18 +22,18 @@ std::array<std::atomic<uint32_t>, kBlockCount> uses{};
 class Range {
   public:
     // The first block is aligned to its size, for large pages.
-    Range() : addresses_(platform::ReserveAddresses(kRangeSize + kBlockSize)) {
+    Range() : addresses_(platform::ReserveAddresses(kTreeMemoryRange + kBlockSize)) {
         if (addresses_ == nullptr) return;
         const auto begin = reinterpret_cast<uintptr_t>(addresses_);
-        firstBlock = (begin + kBlockSize - 1) / kBlockSize * kBlockSize;
+        treeMemoryBegin = (begin + kBlockSize - 1) / kBlockSize * kBlockSize;
     }
     // A host may still hold trees when the module's objects are destroyed.
     ~Range() {
         if (addresses_ == nullptr) return;
         for (const std::atomic<uint32_t>& use : uses)
             if (use != 0) return;
-        firstBlock = kNoRange;
-        platform::ReleaseAddresses(addresses_, kRangeSize + kBlockSize);
+        treeMemoryBegin = kNoTreeMemory;
+        platform::ReleaseAddresses(addresses_, kTreeMemoryRange + kBlockSize);
     }
     Range(const Range&) = delete;
     Range& operator=(const Range&) = delete;
@@ -52,16 +43,16 @@ class Range {
 };
 
 size_t IndexOf(const void* cell) {
-    return (reinterpret_cast<uintptr_t>(cell) - firstBlock) / kBlockSize;
+    return (reinterpret_cast<uintptr_t>(cell) - treeMemoryBegin) / kBlockSize;
 }
 
 uint8_t* BlockAt(size_t index) {
-    return reinterpret_cast<uint8_t*>(firstBlock + index * kBlockSize);
+    return reinterpret_cast<uint8_t*>(treeMemoryBegin + index * kBlockSize);
 }
 
 uint8_t* AcquireBlock() {
     static const Range range;
-    if (firstBlock == kNoRange) return nullptr;
+    if (treeMemoryBegin == kNoTreeMemory) return nullptr;
     for (size_t index = 0; index < kBlockCount; ++index) {
         uint32_t unused = 0;
         if (!uses[index].compare_exchange_strong(unused, kWithMemory + kFilling)) continue;
@@ -80,12 +71,7 @@ void TakeFrom(size_t index, uint32_t count) {
 
 }  // namespace
 
-bool TreeMemory::OpenBlockFor(size_t size) {
-    if (size > kLargestCell) return false;
-    if (fromHeap_ < kTreeWorthABlock) {
-        fromHeap_ += size;
-        return false;
-    }
+bool TreeMemory::OpenBlock() {
     CloseBlock();
     next_ = AcquireBlock();
     if (next_ != nullptr) {
@@ -102,11 +88,6 @@ void TreeMemory::CloseBlock() {
     next_ = nullptr;
     room_ = 0;
     cells_ = 0;
-}
-
-bool IsTreeMemory(const void* address) {
-    return reinterpret_cast<uintptr_t>(address) - firstBlock.load(std::memory_order_relaxed) <
-           kRangeSize;
 }
 
 void FreeTreeMemory(void* cell) { TakeFrom(IndexOf(cell), 1); }

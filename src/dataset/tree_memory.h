@@ -6,6 +6,7 @@
 // both, and nodes may leave it and outlive it.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -24,7 +25,14 @@ class TreeMemory {
     // come from the heap.
     void* Allocate(size_t size) {
         size = (size + kAlignment - 1) / kAlignment * kAlignment;
-        if (size > room_ && !OpenBlockFor(size)) return nullptr;
+        if (size > room_) {
+            if (size > kLargestCell) return nullptr;
+            if (fromHeap_ < kTreeWorthABlock) {
+                fromHeap_ += size;
+                return nullptr;
+            }
+            if (!OpenBlock()) return nullptr;
+        }
         uint8_t* cell = next_;
         next_ += size;
         room_ -= size;
@@ -34,8 +42,10 @@ class TreeMemory {
 
   private:
     static constexpr size_t kAlignment = 8;
+    static constexpr size_t kLargestCell = 256;
+    static constexpr size_t kTreeWorthABlock = size_t{2} << 20;
 
-    bool OpenBlockFor(size_t size);
+    bool OpenBlock();
     void CloseBlock();
 
     uint8_t* next_ = nullptr;
@@ -44,8 +54,16 @@ class TreeMemory {
     size_t fromHeap_ = 0;
 };
 
+// Where the range of all blocks begins; while there is none, at an address that nothing has.
+inline constexpr size_t kTreeMemoryRange = size_t{16} << 30;
+inline constexpr uintptr_t kNoTreeMemory = uintptr_t{1} << 63;
+inline std::atomic<uintptr_t> treeMemoryBegin = kNoTreeMemory;
+
 // Whether this is a cell. Null is none.
-bool IsTreeMemory(const void* address);
+inline bool IsTreeMemory(const void* address) {
+    return reinterpret_cast<uintptr_t>(address) - treeMemoryBegin.load(std::memory_order_relaxed) <
+           kTreeMemoryRange;
+}
 
 // Frees a cell.
 void FreeTreeMemory(void* cell);
