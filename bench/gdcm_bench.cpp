@@ -1,4 +1,5 @@
-// The same files through GDCM, which reads values as long as they are into memory.
+// The same files through GDCM, which reads every value into memory. The million implicit elements
+// are not there: it stops early in that file and reports success.
 #include <benchmark/benchmark.h>
 #include <gdcmReader.h>
 #include <gdcmWriter.h>
@@ -44,12 +45,6 @@ void BigExplicitGdcm(benchmark::State& state) {
         Load(state, BigExplicitFile());
 }
 BENCHMARK(BigExplicitGdcm)->Name("million elements, explicit/GDCM")->Unit(benchmark::kMillisecond);
-
-void BigImplicitGdcm(benchmark::State& state) {
-    for (auto _ : state)
-        Load(state, BigImplicitFile());
-}
-BENCHMARK(BigImplicitGdcm)->Name("million elements, implicit/GDCM")->Unit(benchmark::kMillisecond);
 
 void SaveSmallGdcm(benchmark::State& state) {
     for (auto _ : state) {

@@ -35,7 +35,7 @@ PGX_Node::PGX_Node(NodeType type, EndianType byteOrder, uint16_t tagGroup, uint1
 
 PGX_Node::~PGX_Node() {
     FreeValueBuffer(value);
-    FreeFragmentTable(*this);
+    if (fragments != nullptr) FreeFragmentTable(*this);
     delete[] contentFile;
     FreeTagName(tagName);
 }
