@@ -113,6 +113,21 @@ std::string BigDataSet(Encoding encoding) {
     return image.Bytes();
 }
 
+std::string DeepDataSet() {
+    constexpr int kChains = 100;
+    constexpr int kDepth = 500;
+    std::string content =
+        Encoder(Encoding::kExplicit).Element(0x0040, 0xA160, "UT", "leaf").Bytes();
+    for (int depth = 0; depth < kDepth; ++depth) {
+        const std::string item = Encoder(Encoding::kExplicit).Item(content).Bytes();
+        content = Encoder(Encoding::kExplicit).Element(0x0040, 0xA730, "SQ", item).Bytes();
+    }
+    Encoder items(Encoding::kExplicit);
+    for (int i = 0; i < kChains; ++i)
+        items.Item(content);
+    return Encoder(Encoding::kExplicit).Element(0x0040, 0xA730, "SQ", items.Bytes()).Bytes();
+}
+
 // The pixels are written piece by piece behind a header that announces them.
 std::string WriteLargeImage() {
     constexpr uint32_t kPiece = 1 << 20;
@@ -190,6 +205,12 @@ const std::string& BigExplicitFile() {
 const std::string& BigImplicitFile() {
     static const std::string path = WorkDirectory().Write(
         "IMPLICIT", Part10(kCtImage, "1.2.840.10008.1.2", BigDataSet(Encoding::kImplicit)));
+    return path;
+}
+
+const std::string& DeepFile() {
+    static const std::string path =
+        WorkDirectory().Write("DEEP", Part10(kCtImage, "1.2.840.10008.1.2.1", DeepDataSet()));
     return path;
 }
 

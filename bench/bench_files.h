@@ -15,6 +15,9 @@ const std::vector<std::string>& SmallFiles();
 const std::string& BigExplicitFile();
 const std::string& BigImplicitFile();
 
+// 100 chains of sequences, each nested 500 deep.
+const std::string& DeepFile();
+
 // One image with 1 GiB of pixels, in explicit VR little endian.
 const std::string& LargeImageFile();
 

@@ -50,25 +50,44 @@ void BigImplicitPeer(benchmark::State& state) {
 }
 BENCHMARK(BigImplicitPeer)->Name("million elements, implicit/DCMTK")->Unit(benchmark::kMillisecond);
 
-void ReencodePeer(benchmark::State& state) {
-    for (auto _ : state) {
-        DcmFileFormat file;
-        if (file.loadFile(BigImplicitFile().c_str(), EXS_Unknown, EGL_noChange, 64).bad() ||
-            file.saveFile(OutputPath().c_str(), EXS_LittleEndianExplicit).bad()) {
-            return state.SkipWithError("cannot convert");
-        }
-    }
+void DeepPeer(benchmark::State& state) {
+    for (auto _ : state)
+        Load(state, DeepFile(), 64);
 }
-BENCHMARK(ReencodePeer)->Name("re-encode a million elements/DCMTK")->Unit(benchmark::kMillisecond);
+BENCHMARK(DeepPeer)->Name("deep sequences/DCMTK")->Unit(benchmark::kMillisecond);
 
-void SaveLargePeer(benchmark::State& state) {
+void Save(benchmark::State& state, const std::string& source, E_TransferSyntax syntax) {
     for (auto _ : state) {
         DcmFileFormat file;
-        if (file.loadFile(LargeImageFile().c_str(), EXS_Unknown, EGL_noChange, 64).bad() ||
-            file.saveFile(OutputPath().c_str(), EXS_LittleEndianExplicit).bad()) {
+        if (file.loadFile(source.c_str(), EXS_Unknown, EGL_noChange, 64).bad() ||
+            file.saveFile(OutputPath().c_str(), syntax).bad()) {
             return state.SkipWithError("cannot save");
         }
     }
+}
+
+void ReencodePeer(benchmark::State& state) {
+    Save(state, BigImplicitFile(), EXS_LittleEndianExplicit);
+}
+BENCHMARK(ReencodePeer)->Name("re-encode a million elements/DCMTK")->Unit(benchmark::kMillisecond);
+
+void SwapManyPeer(benchmark::State& state) {
+    Save(state, BigExplicitFile(), EXS_BigEndianExplicit);
+}
+BENCHMARK(SwapManyPeer)->Name("a million elements swapped/DCMTK")->Unit(benchmark::kMillisecond);
+
+void SaveSmallPeer(benchmark::State& state) {
+    Save(state, SmallFiles()[0], EXS_LittleEndianExplicit);
+}
+BENCHMARK(SaveSmallPeer)->Name("small file, saved/DCMTK")->Unit(benchmark::kMicrosecond);
+
+void SwapLargePeer(benchmark::State& state) {
+    Save(state, LargeImageFile(), EXS_BigEndianExplicit);
+}
+BENCHMARK(SwapLargePeer)->Name("save, 1 GiB swapped/DCMTK")->Unit(benchmark::kMillisecond);
+
+void SaveLargePeer(benchmark::State& state) {
+    Save(state, LargeImageFile(), EXS_LittleEndianExplicit);
 }
 BENCHMARK(SaveLargePeer)->Name("save, 1 GiB of pixels/DCMTK")->Unit(benchmark::kMillisecond);
 

@@ -95,6 +95,12 @@ BENCHMARK(BigImplicitPgkit)
     ->Name("million elements, implicit/pgkit")
     ->Unit(benchmark::kMillisecond);
 
+void DeepFloor(benchmark::State& state) { BigFloor(state, DeepFile()); }
+BENCHMARK(DeepFloor)->Name("deep sequences/floor")->Unit(benchmark::kMillisecond);
+
+void DeepPgkit(benchmark::State& state) { BigPgkit(state, DeepFile()); }
+BENCHMARK(DeepPgkit)->Name("deep sequences/pgkit")->Unit(benchmark::kMillisecond);
+
 void DumpPgkit(benchmark::State& state) {
     PGX_Node* const root = pgOpenDataSetFile(SmallFiles()[0].c_str(), 64);
     std::FILE* const output = std::fopen(OutputPath().c_str(), "wb");

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Prints a benchmark report (JSON) as a table: table.py REPORT
+"""Makes a Markdown table of a benchmark report (JSON): table.py REPORT TABLE
 
 A row per subject; the floor is what the operating system takes to hand over the same bytes, the
-ratios tell how many times faster pgkit is than the other reader and how many floors it takes. Where
-a run handles many records, the last column is pgkit's time for one.
+ratios tell how many times faster pgkit is than the others and how many floors it takes. Where a run
+handles many records, the last column is pgkit's time for one. The table is printed, too.
 """
 
 import json
@@ -39,13 +39,19 @@ def main():
             if who == "pgkit" and "per_record" in run:
                 per_record[subject] = run["per_record"] * NANOSECONDS["s"]
 
-    layout = "{:34} {:>10} {:>10} {:>10} {:>12} {:>12} {:>12}"
-    print(layout.format("", "pgkit", "DCMTK", "floor", "DCMTK/pgkit", "pgkit/floor", "pgkit/record"))
+    columns = ["", "pgkit", "DCMTK", "GDCM", "floor", "DCMTK/pgkit", "GDCM/pgkit", "pgkit/floor",
+               "pgkit/record"]
+    lines = [columns, ["---"] + ["---:"] * (len(columns) - 1)]
     for subject, times in rows.items():
-        pgkit, peer, floor = times.get("pgkit"), times.get("DCMTK"), times.get("floor")
-        print(layout.format(subject, duration(pgkit), duration(peer), duration(floor),
-                            ratio(peer, pgkit), ratio(pgkit, floor),
-                            duration(per_record.get(subject))))
+        pgkit, floor = times.get("pgkit"), times.get("floor")
+        peers = [times.get("DCMTK"), times.get("GDCM")]
+        lines.append([subject] + [duration(time) for time in (pgkit, *peers, floor)] +
+                     [ratio(peer, pgkit) for peer in peers] +
+                     [ratio(pgkit, floor), duration(per_record.get(subject))])
+    text = "".join("| " + " | ".join(line) + " |\n" for line in lines)
+    with open(sys.argv[2], "w", encoding="utf-8") as table:
+        table.write(text)
+    print(text, end="")
 
 
 if __name__ == "__main__":

@@ -56,6 +56,20 @@ void SwapLargePgkit(benchmark::State& state) {
 }
 BENCHMARK(SwapLargePgkit)->Name("save, 1 GiB swapped/pgkit")->Unit(benchmark::kMillisecond);
 
+void SaveSmallFloor(benchmark::State& state) { CopyFile(state, SmallFiles()[0]); }
+BENCHMARK(SaveSmallFloor)->Name("small file, saved/floor")->Unit(benchmark::kMicrosecond);
+
+void SaveSmallPgkit(benchmark::State& state) { Save(state, SmallFiles()[0], kAsRead); }
+BENCHMARK(SaveSmallPgkit)->Name("small file, saved/pgkit")->Unit(benchmark::kMicrosecond);
+
+void SwapManyFloor(benchmark::State& state) { CopyFile(state, BigExplicitFile()); }
+BENCHMARK(SwapManyFloor)->Name("a million elements swapped/floor")->Unit(benchmark::kMillisecond);
+
+void SwapManyPgkit(benchmark::State& state) {
+    Save(state, BigExplicitFile(), kPart10ExplicitBigEndian);
+}
+BENCHMARK(SwapManyPgkit)->Name("a million elements swapped/pgkit")->Unit(benchmark::kMillisecond);
+
 void ReencodeFloor(benchmark::State& state) { CopyFile(state, BigImplicitFile()); }
 BENCHMARK(ReencodeFloor)->Name("re-encode a million elements/floor")->Unit(benchmark::kMillisecond);
 

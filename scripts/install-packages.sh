@@ -3,7 +3,7 @@
 #
 #   install-packages.sh        to build for both platforms and run the Windows build
 #   install-packages.sh test   and to run every test
-#   install-packages.sh bench  and to run the benchmarks beside another library
+#   install-packages.sh bench  and to run the benchmarks beside other libraries
 set -euo pipefail
 
 packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 librapidxml-dev wine64)
@@ -12,7 +12,7 @@ case ${1:-} in
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config)
         packages+=(clang clang-format lld llvm)
         ;;
-    bench) packages+=(libbenchmark-dev libdcmtk-dev python3) ;;
+    bench) packages+=(libbenchmark-dev libdcmtk-dev libgdcm-dev valgrind python3) ;;
 esac
 
 missing=()

@@ -17,7 +17,8 @@
 // the root of an opened file has a file to close (pgCloseDataSet).
 //
 // The fields are public for reading. Change values, names and tables through the members only:
-// their memory is the module's own.
+// their memory is the module's own. So is that of nodes which the module made: they are freed
+// through pgFreeNode and its like, never with delete.
 #ifndef PGKIT_NODE_H
 #define PGKIT_NODE_H
 

@@ -30,8 +30,6 @@ constexpr uint32_t kMaxCreatorLength = 64;
 // is small. A large one stays where it is: its declared length is not worth the memory.
 constexpr uint32_t kAlwaysLoadable = 64 * 1024;
 
-constexpr std::string_view kUnknownTagName = "<unknown tag>";
-
 bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
     return declaredLength != kUndefinedLength && bytes >= declaredLength;
 }
@@ -48,21 +46,39 @@ std::string_view FormatName(char (&buffer)[Size], const char* format, unsigned n
     return {buffer, static_cast<size_t>(length)};
 }
 
-PGX_Node* NewDataSetNode(FILE* stream, uint64_t position) {
-    PGX_Node* node = new PGX_Node;
-    node->file = stream;
-    node->fileOffset = ToFileOffset(position);
-    return node;
-}
-
 }  // namespace
 
 DataSetParser::DataSetParser(StreamReader& reader, Encoding encoding, uint32_t maxLoadLength,
                              uint32_t flags)
     : reader_(reader), encoding_(encoding), maxLoadLength_(maxLoadLength), flags_(flags) {}
 
+template <typename... Arguments>
+PGX_Node* DataSetParser::NewNode(Arguments... arguments) {
+    void* cell = memory_.Allocate(sizeof(PGX_Node));
+    PGX_Node* node =
+        cell != nullptr ? new (cell) PGX_Node(arguments...) : new PGX_Node(arguments...);
+    node->file = reader_.Stream();
+    node->fileOffset = ToFileOffset(reader_.Position());
+    return node;
+}
+
+char* DataSetParser::NewTagName(std::string_view name) {
+    if (name.data() == unknownTagName) return unknownTagName;
+    auto* cell = static_cast<char*>(memory_.Allocate(name.size() + 1));
+    if (cell == nullptr) return NewText(name);
+    CopyUnbounded(cell, name);
+    return cell;
+}
+
+uint8_t* DataSetParser::NewValue(uint32_t length) {
+    auto* value = static_cast<uint8_t*>(memory_.Allocate(length));
+    if (value == nullptr) value = NewUnfilledValueBuffer(length);
+    if (value == nullptr) throw std::bad_alloc();
+    return value;
+}
+
 NodeTree DataSetParser::Parse() {
-    NodeTree root(NewDataSetNode(reader_.Stream(), reader_.Position()));
+    NodeTree root(NewNode());
     levels_.clear();
     levels_.emplace_back().implicitVr = encoding_.implicitVr;
     OpenDataSet(levels_.back(), root.get(), kUndefinedLength);
@@ -102,7 +118,7 @@ bool DataSetParser::OpenNextItem(Level& level) {
     if (!header.IsItem()) return false;
     level.sequenceBytes += kShortHeaderSize;
 
-    PGX_Node* item = NewDataSetNode(reader_.Stream(), reader_.Position());
+    PGX_Node* item = NewNode();
     *level.itemLink = item;
     level.itemLink = &item->next;
     OpenDataSet(level, item, header.length);
@@ -217,20 +233,18 @@ void DataSetParser::IdentifyByCreator(const TagHeader& header, const Level& leve
     const PrivateDictionaryEntry* entry =
         FindPrivateElement(header.group, header.element, level.creators);
     identity.valueRep = entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
-    identity.name = entry != nullptr ? std::string_view(entry->name) : kUnknownTagName;
+    identity.name = entry != nullptr ? std::string_view(entry->name) : unknownTagName;
 }
 
 PGX_Node* DataSetParser::AppendElement(const TagHeader& header, const Identity& identity) {
     Level& level = levels_.back();
     const EndianType endian =
         encoding_.byteOrder == ByteOrder::Big ? ET_BigEndian : ET_LittleEndian;
-    PGX_Node* node = new PGX_Node(NT_DataElement, endian, header.group, header.element,
-                                  static_cast<uint8_t>(identity.valueRep), header.length);
+    PGX_Node* node = NewNode(NT_DataElement, endian, header.group, header.element,
+                             static_cast<uint8_t>(identity.valueRep), header.length);
     *level.elementLink = node;
     level.elementLink = &node->next;
-    node->file = reader_.Stream();
-    node->fileOffset = ToFileOffset(reader_.Position());
-    if (!identity.name.empty()) node->tagName = NewText(identity.name);
+    if (!identity.name.empty()) node->tagName = NewTagName(identity.name);
     return node;
 }
 
@@ -256,8 +270,7 @@ void DataSetParser::ReadValue(PGX_Node& element) {
         reader_.Skip(length);
         return;
     }
-    element.value = NewUnfilledValueBuffer(length);
-    if (element.value == nullptr) throw std::bad_alloc();
+    element.value = NewValue(length);
     const size_t available = reader_.Read(element.value, length);
     std::memset(element.value + available, 0, length - available);
     reader_.Skip(length - available);

@@ -9,6 +9,7 @@
 #include "codec/tag_header.h"
 #include "codec/transfer_syntax.h"
 #include "dataset/node_ptr.h"
+#include "dataset/tree_memory.h"
 #include "dictionary/private_dictionary.h"
 #include "frame/byte_order.h"
 
@@ -53,6 +54,11 @@ class DataSetParser {
         char nameBuffer[32];
     };
 
+    template <typename... Arguments>
+    PGX_Node* NewNode(Arguments... arguments);
+    char* NewTagName(std::string_view name);
+    uint8_t* NewValue(uint32_t length);
+
     void OpenDataSet(Level& level, PGX_Node* node, uint32_t declaredLength);
     bool OpenNextItem(Level& level);
     void CloseDataSet();
@@ -75,6 +81,7 @@ class DataSetParser {
     const uint32_t maxLoadLength_;
     const uint32_t flags_;
     std::vector<Level> levels_;
+    TreeMemory memory_;
 };
 
 }  // namespace pgkit

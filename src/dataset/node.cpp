@@ -4,6 +4,7 @@
 #include "dataset/node_memory.h"
 
 using pgkit::FreeFragmentTable;
+using pgkit::FreeTagName;
 using pgkit::FreeValueBuffer;
 
 PGX_Node::PGX_Node() : PGX_Node(NT_DataSet, ET_LittleEndian, 0, 0, VR_Unknown, 0) {}
@@ -34,9 +35,9 @@ PGX_Node::PGX_Node(NodeType type, EndianType byteOrder, uint16_t tagGroup, uint1
 
 PGX_Node::~PGX_Node() {
     FreeValueBuffer(value);
-    FreeFragmentTable(*this);
+    if (fragments != nullptr) FreeFragmentTable(*this);
     delete[] contentFile;
-    delete[] tagName;
+    FreeTagName(tagName);
 }
 
 PGX_Node& PGX_Node::operator=(const PGX_Node& other) = default;

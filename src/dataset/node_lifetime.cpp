@@ -31,7 +31,7 @@ PGX_Node* pgAllocateDataSetNode() {
     return new (std::nothrow) PGX_Node(NT_DataSet, ET_LittleEndian, 0, 0, 0, 0);
 }
 
-void pgFreeNode(PGX_Node* node) { delete node; }
+void pgFreeNode(PGX_Node* node) { pgkit::DestroyNode(node); }
 
 // Children go before their parent, without recursion and without memory of its own, however deep
 // the tree: a node with children is put back behind them and comes up again when they are gone.
@@ -42,7 +42,7 @@ void pgFreeNodeHierarchy(PGX_Node* node) {
     while (node != nullptr) {
         if (node->first == nullptr) {
             PGX_Node* following = node->next;
-            delete node;
+            pgkit::DestroyNode(node);
             node = following;
             continue;
         }

@@ -1,4 +1,6 @@
-// Who allocates what a node owns: values and fragments come from here, texts from NewText.
+// Who allocates nodes and what they own. Values and fragments come from here, texts from NewText;
+// in large trees nodes, short values and names are cells of TreeMemory. What frees them must know
+// both.
 #pragma once
 
 #include <bit>
@@ -7,6 +9,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "dataset/tree_memory.h"
 #include "pgkit/node.h"
 
 namespace pgkit {
@@ -31,7 +34,13 @@ inline uint8_t* NewUnfilledValueBuffer(size_t size) {
     return static_cast<uint8_t*>(std::malloc(size == 0 ? 1 : size));
 }
 
-inline void FreeValueBuffer(uint8_t* buffer) { std::free(buffer); }
+inline void FreeValueBuffer(uint8_t* buffer) {
+    if (IsTreeMemory(buffer)) {
+        FreeTreeMemory(buffer);
+    } else {
+        std::free(buffer);
+    }
+}
 
 struct FreeBuffer {
     void operator()(uint8_t* buffer) const { FreeValueBuffer(buffer); }
@@ -47,6 +56,28 @@ inline FragmentEntry* NotIndexedMarker() { return std::bit_cast<FragmentEntry*>(
 inline bool HasFragmentTable(const PGX_Node& node) {
     return node.encapsulated != 0 && node.fragments != nullptr &&
            node.fragments != NotIndexedMarker();
+}
+
+// The name of all elements that nothing has a name for: a tagName that is not freed.
+inline char unknownTagName[] = "<unknown tag>";
+
+inline void FreeTagName(char* name) {
+    if (name == unknownTagName) return;
+    if (IsTreeMemory(name)) {
+        FreeTreeMemory(name);
+    } else {
+        delete[] name;
+    }
+}
+
+// Destroys a node and what it owns, wherever its memory is from.
+inline void DestroyNode(PGX_Node* node) {
+    if (IsTreeMemory(node)) {
+        node->~PGX_Node();
+        FreeTreeMemory(node);
+    } else {
+        delete node;
+    }
 }
 
 // A table of zeroed entries; null when memory runs out.

@@ -25,28 +25,25 @@ enum class WalkStep {
 // a node children or change which ones it has.
 template <typename Visitor>
 void WalkTree(PGX_Node& start, Visitor& visitor) {
-    std::vector<PGX_Node*> path{&start};
-    WalkStep step = visitor.Enter(start, 0);
-    const auto enter = [&](PGX_Node* node) {
-        path.push_back(node);
-        step = visitor.Enter(*node, path.size() - 1);
-    };
+    std::vector<PGX_Node*> ancestors;  // of the current node, from the start on
+    bool unwinding = false;
+    PGX_Node* node = &start;
     for (;;) {
-        PGX_Node* node = path.back();
-        if (step == WalkStep::Continue && node->first != nullptr) {
-            enter(node->first);
+        const WalkStep entered = visitor.Enter(*node, ancestors.size());
+        if (entered == WalkStep::Continue && node->first != nullptr) {
+            ancestors.push_back(node);
+            node = node->first;
             continue;
         }
-        const WalkStep left = visitor.Leave(*node, path.size() - 1);
-        path.pop_back();
-        if (path.empty()) return;
-        if (step == WalkStep::Unwind || left == WalkStep::Unwind) {
-            step = WalkStep::Unwind;
-        } else if (node->next != nullptr) {
-            enter(node->next);
-        } else {
-            step = WalkStep::SkipChildren;
+        if (entered == WalkStep::Unwind) unwinding = true;
+        for (;;) {
+            if (visitor.Leave(*node, ancestors.size()) == WalkStep::Unwind) unwinding = true;
+            if (ancestors.empty()) return;
+            if (!unwinding && node->next != nullptr) break;
+            node = ancestors.back();
+            ancestors.pop_back();
         }
+        node = node->next;
     }
 }
 

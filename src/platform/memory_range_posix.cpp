@@ -1,0 +1,39 @@
+#include <sys/mman.h>
+
+#include "platform/memory_range.h"
+
+namespace pgkit::platform {
+
+namespace {
+
+constexpr int kUnbacked = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
+
+}  // namespace
+
+void* ReserveAddresses(size_t size) {
+#if defined(__SANITIZE_ADDRESS__)
+    static_cast<void>(size);
+    return nullptr;
+#else
+    void* range = ::mmap(nullptr, size, PROT_NONE, kUnbacked, -1, 0);
+    return range == MAP_FAILED ? nullptr : range;
+#endif
+}
+
+bool CommitMemory(void* piece, size_t size) {
+    if (::mprotect(piece, size, PROT_READ | PROT_WRITE) != 0) return false;
+#if defined(MADV_HUGEPAGE)
+    ::madvise(piece, size, MADV_HUGEPAGE);
+#endif
+    return true;
+}
+
+// New pages without access in the place of the old ones: so the system takes back its promise of
+// memory, too.
+void DecommitMemory(void* piece, size_t size) {
+    ::mmap(piece, size, PROT_NONE, kUnbacked | MAP_FIXED, -1, 0);
+}
+
+void ReleaseAddresses(void* range, size_t size) { ::munmap(range, size); }
+
+}  // namespace pgkit::platform
