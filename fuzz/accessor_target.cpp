@@ -25,6 +25,8 @@ void UseValue(PGX_Node* node, Input& input) {
     pgKitGetSSValue(node);
     pgKitGetDSIntValue(node);
     pgKitGetDSDoubleValue(node);
+    // A root that was given a value would no longer know the file that is to be closed.
+    if (pgKitGetNodeType(node) != NT_DataElement) return;
     const std::string value = input.Text(input.Byte() % 16);
     pgKitSetValue(node, value.data(), static_cast<uint32_t>(value.size()));
 }

@@ -58,6 +58,8 @@ void Remove(PGX_Node& root, Input& input) {
 
 void SetValue(PGX_Node& root, Input& input) {
     PGX_Node* const node = PickNode(root, input);
+    // A root that was given a value would no longer know the file that is to be closed.
+    if (node->nodeType != NT_DataElement) return;
     const std::string value = input.Text(input.Byte());
     node->SetValue(value.data(), static_cast<uint32_t>(value.size()));
 }
