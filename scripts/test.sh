@@ -101,6 +101,8 @@ start format scripts/check-format.sh
 start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
     build/windows-x64/bin/pgkit.dll
 start msabi tests/msabi/run_host.sh build/windows-x64
+start hardening tests/hardening/check_hardening.py build/native/bin/{libpgkit.so,pgview32.so,pgtool} \
+    build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
 wait
 
 start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
@@ -131,6 +133,7 @@ count_gtest native-tsan-pgkit_thread_tests
 count_status format
 count_summary exports
 count_summary msabi
+count_summary hardening
 count_summary interop
 count_summary written
 count_summary media
