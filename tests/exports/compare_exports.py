@@ -12,6 +12,10 @@ import sys
 
 from declared import GCC_LINUX, GCC_WINDOWS, gcc_symbols, microsoft_symbols, output_of
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "interop"))
+
+from check_runner import report  # noqa: E402
+
 DEFINITIONS = pathlib.Path(__file__).resolve().parent.parent.parent / "src/pgkit.def"
 
 
@@ -71,14 +75,8 @@ def main(shared_object, dll):
         f"{dll}, names": differences(microsoft_symbols() | gcc_symbols(GCC_WINDOWS), set(exported)),
         shared_object: differences(gcc_symbols(GCC_LINUX), symbols_of_shared_object(shared_object)),
     }
-    failed = 0
-    for subject, findings in checks.items():
-        findings = list(findings)
-        if findings:
-            failed += 1
-            print(f"{subject}:", *findings, sep="\n  ")
-    print(f"{len(checks) - failed} passed, {failed} failed")
-    return 1 if failed else 0
+    return report(("exports", subject, "\n       ".join(findings) or None)
+                  for subject, findings in checks.items())
 
 
 if __name__ == "__main__":

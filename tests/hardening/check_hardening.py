@@ -10,6 +10,10 @@ import re
 import subprocess
 import sys
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "interop"))
+
+from check_runner import report  # noqa: E402
+
 
 def output_of(*command):
     return subprocess.run(command, capture_output=True, check=True, text=True).stdout
@@ -51,18 +55,12 @@ def checks_of_pe(path):
     yield from checks_buffers(path, symbols)
 
 
-def main(paths):
-    passed = failed = 0
+def results_of(paths):
     for path in paths:
         checks = checks_of_pe if path.endswith((".dll", ".exe")) else checks_of_elf
         for protection, holds in checks(path):
-            passed += holds
-            failed += not holds
-            if not holds:
-                print(f"{path}: not so: {protection}")
-    print(f"{passed} passed, {failed} failed")
-    return 1 if failed or not passed else 0
+            yield "protects", f"{path}: {protection}", None if holds else "not so"
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    sys.exit(report(results_of(sys.argv[1:])))

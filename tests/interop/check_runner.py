@@ -3,7 +3,6 @@
 import concurrent.futures
 import os
 import pathlib
-import sys
 
 
 def files_below(root):
@@ -14,37 +13,45 @@ def files_below(root):
             yield name, path
 
 
-def run_checks(checks):
-    """Checks are (kind, name, function, arguments); a function returns a complaint or None.
+def report(results):
+    """Takes (kind, name, complaint), where the complaint is None when all is well.
 
     Prints a line each and at the end "N passed, M failed"; returns the exit status.
     """
-    failed = 0
+    passed = failed = 0
+    for kind, name, complaint in results:
+        passed += complaint is None
+        failed += complaint is not None
+        print(f"{'FAILED' if complaint is not None else 'ok':6} {kind:8} {name}"
+              + (f"\n       {complaint}" if complaint else ""))
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed or not passed else 0
+
+
+def result_of(check):
+    try:
+        return check.result()
+    except Exception as error:  # the other reader may fail in its own ways
+        return f"{type(error).__name__}: {error}"
+
+
+def run_checks(checks):
+    """Runs and reports (kind, name, function, arguments), several at a time; a function returns a
+    complaint or None."""
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = [(kind, name, pool.submit(function, *arguments))
+        running = [(kind, name, pool.submit(function, *arguments))
                    for kind, name, function, arguments in checks]
-        for kind, name, result in results:
-            try:
-                complaint = result.result()
-            except Exception as error:  # the other reader may fail in its own ways
-                complaint = f"{type(error).__name__}: {error}"
-            failed += complaint is not None
-            print(f"{'FAILED' if complaint else 'ok':6} {kind:7} {name}"
-                  + (f"\n       {complaint}" if complaint else ""))
-    print(f"{len(checks) - failed} passed, {failed} failed")
-    return 1 if failed or not checks else 0
+        return report((kind, name, result_of(check)) for kind, name, check in running)
 
 
-def run_comparison(data, checks_of):
+def run_comparison(data, checks_of, tools, sample_tools):
     """Runs the checks of a directory of test data, which becomes the current one, and of the samples.
 
-    checks_of(root, tool, sanitized_tool, windows_command) gives the checks of all files below root;
-    the tools are those of the command line. Returns the exit status.
+    checks_of(root, *tools) gives the checks of all files below root. Returns the exit status.
     """
-    tool, sanitized, windows = sys.argv[1], sys.argv[2], sys.argv[3:]
     os.chdir(data)
-    checks = list(checks_of(data, tool, sanitized, windows))
+    checks = list(checks_of(data, *tools))
     samples = os.environ.get("PGKIT_SAMPLES")
     if samples:
-        checks += checks_of(pathlib.Path(samples).resolve(), tool, sanitized, None)
+        checks += checks_of(pathlib.Path(samples).resolve(), *sample_tools)
     return run_checks(checks)

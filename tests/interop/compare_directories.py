@@ -131,4 +131,5 @@ def checks_of(root, tool, sanitized, windows):
 
 if __name__ == "__main__":
     warnings.simplefilter("ignore")  # pydicom comments on unusual values; they are compared raw
-    sys.exit(run_comparison(DATA, checks_of))
+    tool, sanitized, *windows = sys.argv[1:]
+    sys.exit(run_comparison(DATA, checks_of, (tool, sanitized, windows), (tool, sanitized, None)))

@@ -32,7 +32,7 @@ import pydicom
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
-from check_runner import files_below, run_checks  # noqa: E402
+from check_runner import files_below, run_comparison  # noqa: E402
 
 DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
 EDGES = [64, 33, 256]
@@ -268,15 +268,8 @@ def checks_of(root, probe, windows):
             yield "windows", name, check_windows, (probe, windows, path, EDGES[0])
 
 
-def main():
-    probe, windows = os.path.abspath(sys.argv[1]), sys.argv[2:]
-    checks = list(checks_of(DATA, probe, windows))
-    samples = os.environ.get("PGKIT_SAMPLES")
-    if samples:
-        checks += checks_of(pathlib.Path(samples).resolve(), probe, None)
-    return run_checks(checks)
-
-
 if __name__ == "__main__":
     warnings.simplefilter("ignore")  # pydicom comments on unusual values
-    sys.exit(main())
+    program, *command = sys.argv[1:]
+    program = os.path.abspath(program)
+    sys.exit(run_comparison(DATA, checks_of, (program, command), (program, None)))

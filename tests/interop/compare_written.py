@@ -26,7 +26,7 @@ import warnings
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
-from check_runner import files_below, run_checks  # noqa: E402
+from check_runner import files_below, run_comparison  # noqa: E402
 from compare_readers import NO_COMMON_READING, broken_files  # noqa: E402
 from raw_elements import read_raw  # noqa: E402
 
@@ -141,7 +141,6 @@ def without_rest(elements):
     return elements
 
 
-@functools.cache
 def complaints_of_dcmdump(path):
     """Its exit status and what it complains of, without the places."""
     result = run("dcmdump", str(path))
@@ -149,10 +148,15 @@ def complaints_of_dcmdump(path):
     return result.returncode, {re.sub(r"\d+", "N", line) for line in lines}
 
 
-@functools.cache
 def errors_of_dciodvfy(path):
     lines = run("dciodvfy", str(path)).stderr.decode(errors="replace").splitlines()
     return {line for line in lines if line.startswith("Error")}
+
+
+@functools.cache
+def known_of(judge, source):
+    """A source is saved several times and judged once."""
+    return judge(source)
 
 
 def complaint_of_pydicom(source, written):
@@ -161,14 +165,14 @@ def complaint_of_pydicom(source, written):
 
 def complaint_of_dcmdump(source, written):
     status, found = complaints_of_dcmdump(written)
-    known_status, known = complaints_of_dcmdump(source)
+    known_status, known = known_of(complaints_of_dcmdump, source)
     if status not in (0, known_status):
         return f"exit status {status}"
     return f"{sorted(found - known)[:3]}" if found - known else None
 
 
 def complaint_of_dciodvfy(source, written):
-    found = errors_of_dciodvfy(written) - errors_of_dciodvfy(source)
+    found = errors_of_dciodvfy(written) - known_of(errors_of_dciodvfy, source)
     if any(DCIODVFY_GIVES_UP in error for error in found):
         return None
     return f"{sorted(found)[:3]}" if found else None
@@ -202,15 +206,7 @@ def checks_of(root, tool):
             yield "written", f"{name}, {encoding}", check_saved, (tool, name, path, encoding)
 
 
-def main():
-    tool = os.path.abspath(sys.argv[1])
-    checks = list(checks_of(DATA, tool))
-    samples = os.environ.get("PGKIT_SAMPLES")
-    if samples:
-        checks += checks_of(pathlib.Path(samples).resolve(), tool)
-    return run_checks(checks)
-
-
 if __name__ == "__main__":
     warnings.simplefilter("ignore")  # pydicom comments on unusual values; they are compared raw
-    sys.exit(main())
+    tools = (os.path.abspath(sys.argv[1]),)
+    sys.exit(run_comparison(DATA, checks_of, tools, tools))

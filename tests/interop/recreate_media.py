@@ -33,6 +33,7 @@ import pydicom
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
+from check_runner import report  # noqa: E402
 from expected_directory import (  # noqa: E402
     Record, described, expected_directory, leaves_below)
 
@@ -330,21 +331,15 @@ def check_medium(tool, windows, folder, kinds):
                 yield kind, str(complaint)
 
 
-def main():
-    tool, windows = sys.argv[1], sys.argv[2:]
-    passed = failed = 0
+def results_of(tool, windows):
+    """Yields (kind, name, complaint or None) for every medium."""
     for name, folder, has_original in media():
         kinds = [kind for kind in KINDS if (kind != "original" or has_original)
                  and (kind != "windows" or windows)]
         for kind, complaint in check_medium(tool, windows, folder, kinds):
-            passed += complaint is None
-            failed += complaint is not None
-            print(f"{'FAILED' if complaint else 'ok':6} {kind:8} {name}"
-                  + (f"\n       {complaint}" if complaint else ""))
-    print(f"{passed} passed, {failed} failed")
-    return 1 if failed or not passed else 0
+            yield kind, name, complaint
 
 
 if __name__ == "__main__":
     warnings.simplefilter("ignore")  # pydicom comments on unusual values
-    sys.exit(main())
+    sys.exit(report(results_of(sys.argv[1], sys.argv[2:])))
