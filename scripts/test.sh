@@ -28,7 +28,8 @@ count() {
     echo "$1: $2 passed, $3 failed"
     passed=$((passed + $2))
     failed=$((failed + $3))
-    [[ $3 -eq 0 ]] || tail -n 200 "$results/$1.log"
+    [[ $3 -eq 0 ]] && return
+    grep --max-count=50 --after-context=10 '^FAILED' "$results/$1.log" || tail -n 200 "$results/$1.log"
 }
 
 # start NAME COMMAND...: runs a command in the background; its output and exit status are kept.

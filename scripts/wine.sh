@@ -19,10 +19,22 @@ export WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 unset DISPLAY WAYLAND_DISPLAY
 
+# By itself the prefix's server goes three seconds after its last program, and a program that starts
+# in that moment fails. A server that was started first stays for minutes.
+keep_server() {
+    local candidate
+    for candidate in wineserver64 /usr/lib/wine/wineserver64 wineserver /usr/lib/wine/wineserver; do
+        command -v "$candidate" >/dev/null || continue
+        "$candidate" --persistent=300 </dev/null >/dev/null 2>&1 9>&- || true  # it runs already
+        return
+    done
+}
+
 # Several scripts may start at once; one of them makes the prefix.
 mkdir -p "$WINEPREFIX"
 (
     flock 9
+    keep_server
     [[ -e $WINEPREFIX/.pgkit-ready ]] && exit 0
     "$wine" wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1 9>&-
     touch "$WINEPREFIX/.pgkit-ready"
