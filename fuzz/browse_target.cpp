@@ -4,7 +4,7 @@
 #include <string>
 
 #include "input.h"
-#include "medium.h"
+#include "support/temp_dir.h"
 #include "targets.h"
 #include "violation.h"
 
@@ -50,8 +50,8 @@ void Browse(Bytes bytes) {
     Input input(bytes);
     const uint32_t limit = input.Pick(kLimits);
     const uint8_t removals = input.Byte() % 16;
-    Medium medium;
-    const std::string path = medium.Write("DICOMDIR", input.Rest());
+    const pgkit_test::TempDir medium;
+    const std::string path = pgkit_test::LibraryPath(medium.Write("DICOMDIR", input.Rest()));
     PatientList patients;
     {
         PGX_DicomDir directory;
@@ -65,7 +65,7 @@ void Browse(Bytes bytes) {
     for (uint8_t i = 0; i < removals; ++i)
         RemoveOne(patients.get(), input);
     // The hierarchy outlives its file, and becomes another one.
-    pgBuildDicomdir(patients.get(), medium.Directory().c_str());
+    pgBuildDicomdir(patients.get(), pgkit_test::LibraryPath(medium.Path("")).c_str());
 }
 
 }  // namespace pgkit_fuzz

@@ -9,6 +9,7 @@
 #include "pgkit/pgkit.h"
 #include "support/browsed_directory.h"
 #include "support/captured.h"
+#include "support/temp_dir.h"
 
 namespace {
 
