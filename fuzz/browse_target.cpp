@@ -1,9 +1,9 @@
 #include <pgkit/pgkit.h>
 
-#include <memory>
 #include <string>
 
 #include "input.h"
+#include "support/patient_list.h"
 #include "support/temp_dir.h"
 #include "targets.h"
 #include "violation.h"
@@ -13,14 +13,6 @@ namespace pgkit_fuzz {
 namespace {
 
 constexpr uint32_t kLimits[] = {0, 64, 0x20000, 0xFFFFFFFF};
-
-struct DeletePatients {
-    void operator()(PGX_List* patients) const {
-        pgEmptyPatientList(patients);
-        delete patients;
-    }
-};
-using PatientList = std::unique_ptr<PGX_List, DeletePatients>;
 
 int32_t Pass(PGX_DicomDirCallbackReason*, const char*, void*) { return 0; }
 
@@ -52,7 +44,7 @@ void Browse(Bytes bytes) {
     const uint8_t removals = input.Byte() % 16;
     const pgkit_test::TempDir medium;
     const std::string path = pgkit_test::LibraryPath(medium.Write("DICOMDIR", input.Rest()));
-    PatientList patients;
+    pgkit_test::PatientList patients;
     {
         PGX_DicomDir directory;
         if (directory.OpenDicomDir(path.c_str(), limit) == 0) return;
