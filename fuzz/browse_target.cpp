@@ -1,10 +1,10 @@
 #include <pgkit/pgkit.h>
 
-#include <memory>
 #include <string>
 
 #include "input.h"
-#include "medium.h"
+#include "support/patient_list.h"
+#include "support/temp_dir.h"
 #include "targets.h"
 #include "violation.h"
 
@@ -13,14 +13,6 @@ namespace pgkit_fuzz {
 namespace {
 
 constexpr uint32_t kLimits[] = {0, 64, 0x20000, 0xFFFFFFFF};
-
-struct DeletePatients {
-    void operator()(PGX_List* patients) const {
-        pgEmptyPatientList(patients);
-        delete patients;
-    }
-};
-using PatientList = std::unique_ptr<PGX_List, DeletePatients>;
 
 int32_t Pass(PGX_DicomDirCallbackReason*, const char*, void*) { return 0; }
 
@@ -50,9 +42,9 @@ void Browse(Bytes bytes) {
     Input input(bytes);
     const uint32_t limit = input.Pick(kLimits);
     const uint8_t removals = input.Byte() % 16;
-    Medium medium;
-    const std::string path = medium.Write("DICOMDIR", input.Rest());
-    PatientList patients;
+    const pgkit_test::TempDir medium;
+    const std::string path = pgkit_test::LibraryPath(medium.Write("DICOMDIR", input.Rest()));
+    pgkit_test::PatientList patients;
     {
         PGX_DicomDir directory;
         if (directory.OpenDicomDir(path.c_str(), limit) == 0) return;
@@ -65,7 +57,7 @@ void Browse(Bytes bytes) {
     for (uint8_t i = 0; i < removals; ++i)
         RemoveOne(patients.get(), input);
     // The hierarchy outlives its file, and becomes another one.
-    pgBuildDicomdir(patients.get(), medium.Directory().c_str());
+    pgBuildDicomdir(patients.get(), pgkit_test::LibraryPath(medium.Path("")).c_str());
 }
 
 }  // namespace pgkit_fuzz

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "input.h"
-#include "medium.h"
+#include "support/temp_dir.h"
 #include "targets.h"
 #include "violation.h"
 
@@ -32,10 +32,10 @@ void Create(Bytes bytes) {
     Input input(bytes);
     const PgDicomdirOptions options = OptionsOf(input);
     const char* const profile = input.Pick(kProfiles);
-    Medium medium;
+    const pgkit_test::TempDir medium;
     medium.Write("IM1", input.Rest());
     medium.Write("IM2", input.Rest());  // the same instance twice
-    const std::string directory = medium.Directory();
+    const std::string directory = pgkit_test::LibraryPath(medium.Path(""));
     const uint32_t result =
         pgCreateDicomdirEx(directory.c_str(), profile, &options, nullptr, nullptr);
     Require(result == 0, "a DICOMDIR is written whatever the files are");

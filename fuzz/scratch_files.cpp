@@ -16,8 +16,7 @@ const pgkit_test::TempDir& Scratch() {
 std::string ScratchPath(const char* name) { return Scratch().Path(name); }
 
 std::string WriteScratch(const char* name, std::span<const uint8_t> content) {
-    return Scratch().Write(
-        name, std::string_view(reinterpret_cast<const char*>(content.data()), content.size()));
+    return Scratch().Write(name, content);
 }
 
 }  // namespace pgkit_fuzz

@@ -4,7 +4,6 @@
 
 #include "pgkit/accessors.h"
 #include "pgkit/patient_list.h"
-#include "support/browsed_directory.h"
 #include "support/captured.h"
 #include "support/directory_builder.h"
 #include "support/instance_file.h"

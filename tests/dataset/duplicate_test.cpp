@@ -6,6 +6,7 @@
 
 #include "support/nodes.h"
 #include "support/temp_dir.h"
+#include "support/tree.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ using pgkit_test::NewDataSet;
 using pgkit_test::NewElement;
 using pgkit_test::OpenedFile;
 using pgkit_test::RawText;
-using pgkit_test::TagsOf;
+using pgkit_test::Tags;
 using pgkit_test::TempDir;
 using pgkit_test::Tree;
 using pgkit_test::ValueOf;
@@ -161,7 +162,7 @@ Tree SampleDataSet() {
 TEST(DuplicateNode, CopiesAllDescendantsInOrder) {
     const Tree dataSet = SampleDataSet();
     const Tree copy = Duplicate(*dataSet);
-    EXPECT_EQ(TagsOf(*copy), "0008,0060 0008,1140 0010,0010");
+    EXPECT_EQ(Tags(copy.get()), "0008,0060 0008,1140 0010,0010");
     PGX_Node* item = copy->FindNode(0x0008, 0x1140)->first;
     ASSERT_NE(item, nullptr);
     EXPECT_STREQ(ValueOf(*item->first).c_str(), "1.1");

@@ -5,6 +5,7 @@
 
 #include "support/captured.h"
 #include "support/nodes.h"
+#include "support/tree.h"
 
 namespace {
 
@@ -12,7 +13,7 @@ using pgkit_test::CapturePrinted;
 using pgkit_test::NewDataSet;
 using pgkit_test::NewElement;
 using pgkit_test::Printed;
-using pgkit_test::TagsOf;
+using pgkit_test::Tags;
 using pgkit_test::Tree;
 
 // Elements as they are read from a file: in the order given, whatever their tags.
@@ -44,7 +45,7 @@ TEST(AddGroupLengths, GivesEveryGroupALength) {
     Append(*dataSet, 0x0010, 0x0010, VR_PN, 4);
     Append(*dataSet, 0x0010, 0x0020, VR_LO, 6);
     EXPECT_EQ(dataSet->AddGroupLengths(PG_EXPLICIT_VR), 1);
-    EXPECT_EQ(TagsOf(*dataSet), "0008,0000 0008,0060 0010,0000 0010,0010 0010,0020");
+    EXPECT_EQ(Tags(dataSet.get()), "0008,0000 0008,0060 0010,0000 0010,0010 0010,0020");
     EXPECT_EQ(GroupLength(*dataSet, 0x0008), 10u);
     EXPECT_EQ(GroupLength(*dataSet, 0x0010), 26u);
 }
@@ -66,7 +67,7 @@ TEST(AddGroupLengths, SetsExistingOnesWithoutCountingThem) {
     Append(*dataSet, 0x0008, 0x0060, VR_CS, 2);
     EXPECT_EQ(dataSet->AddGroupLengths(0), 1);
     EXPECT_EQ(dataSet->AddGroupLengths(0), 1);
-    EXPECT_EQ(TagsOf(*dataSet), "0008,0000 0008,0060");
+    EXPECT_EQ(Tags(dataSet.get()), "0008,0000 0008,0060");
     EXPECT_EQ(GroupLength(*dataSet, 0x0008), 10u);
 }
 
@@ -107,7 +108,7 @@ TEST(AddGroupLengths, SequencesCountAsTheyStandAndItemsStayUntouched) {
     dataSet->first->length = 20;
     EXPECT_EQ(dataSet->AddGroupLengths(PG_EXPLICIT_VR | PG_UNDEFINED_LENGTHS), 1);
     EXPECT_EQ(GroupLength(*dataSet, 0x0008), 32u);
-    EXPECT_EQ(TagsOf(*item), "0008,1155");
+    EXPECT_EQ(Tags(item), "0008,1155");
 }
 
 TEST(AddGroupLengths, UndefinedLengthsWrapAround) {
@@ -153,7 +154,7 @@ TEST(UpdateGroupLengths, SetsTheExistingOnesOnly) {
     Append(*dataSet, 0x0010, 0x0000, VR_UL, 4);
     Append(*dataSet, 0x0010, 0x0010, VR_PN, 4);
     EXPECT_EQ(dataSet->UpdateGroupLengths(PG_EXPLICIT_VR), 1);
-    EXPECT_EQ(TagsOf(*dataSet), "0008,0060 0010,0000 0010,0010");
+    EXPECT_EQ(Tags(dataSet.get()), "0008,0060 0010,0000 0010,0010");
     EXPECT_EQ(GroupLength(*dataSet, 0x0010), 12u);
 }
 
@@ -163,7 +164,7 @@ TEST(UpdateGroupLengths, GivesTheMetaGroupALength) {
     Append(*dataSet, 0x0002, 0x0010, VR_UI, 18);
     Append(*dataSet, 0x0008, 0x0060, VR_CS, 2);
     EXPECT_EQ(dataSet->UpdateGroupLengths(PG_META), 1);
-    EXPECT_EQ(TagsOf(*dataSet), "0002,0000 0002,0001 0002,0010 0008,0060");
+    EXPECT_EQ(Tags(dataSet.get()), "0002,0000 0002,0001 0002,0010 0008,0060");
     EXPECT_EQ(GroupLength(*dataSet, 0x0002), 14u + 26u);
 }
 
@@ -175,7 +176,8 @@ TEST(UnorderedGroups, EveryRunGetsALengthOfItsOwn) {
     Append(*dataSet, 0x0010, 0x0020, VR_LO, 6);
     for (int pass = 0; pass < 2; ++pass) {
         EXPECT_EQ(dataSet->AddGroupLengths(0), 1);
-        EXPECT_EQ(TagsOf(*dataSet), "0010,0000 0010,0010 0008,0000 0008,0060 0010,0000 0010,0020");
+        EXPECT_EQ(Tags(dataSet.get()),
+                  "0010,0000 0010,0010 0008,0000 0008,0060 0010,0000 0010,0020");
         EXPECT_EQ(dataSet->first->GetULValue(), 10u);
         EXPECT_EQ(GroupLength(*dataSet, 0x0008), 12u);
         EXPECT_EQ(dataSet->first->next->next->next->next->GetULValue(), 14u);
@@ -187,7 +189,7 @@ TEST(UnorderedGroups, LengthWithinItsGroupIsAnElementLikeTheOthers) {
     Append(*dataSet, 0x0010, 0x0010, VR_PN, 2);
     Append(*dataSet, 0x0010, 0x0000, VR_UL, 4);
     EXPECT_EQ(dataSet->AddGroupLengths(0), 1);
-    EXPECT_EQ(TagsOf(*dataSet), "0010,0000 0010,0010 0010,0000");
+    EXPECT_EQ(Tags(dataSet.get()), "0010,0000 0010,0010 0010,0000");
     EXPECT_EQ(GroupLength(*dataSet, 0x0010), 22u);
 }
 

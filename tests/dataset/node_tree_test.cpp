@@ -5,6 +5,7 @@
 
 #include "support/captured.h"
 #include "support/nodes.h"
+#include "support/tree.h"
 
 namespace {
 
@@ -12,7 +13,7 @@ using pgkit_test::CapturePrinted;
 using pgkit_test::NewDataSet;
 using pgkit_test::NewElement;
 using pgkit_test::Printed;
-using pgkit_test::TagsOf;
+using pgkit_test::Tags;
 using pgkit_test::Tree;
 
 constexpr char kNotADataSet[] = "pgInsertNode: can only insert in a NT_DataSet type\n";
@@ -194,7 +195,7 @@ TEST(InsertNode, KeepsTagOrderAndPutsEqualTagsBehind) {
     dataSet->InsertNode(0x0008, 0x0060, "CT", 2);
     PGX_Node* former = dataSet->InsertNode(0x0010, 0x0010, "A", 1);
     PGX_Node* latter = dataSet->InsertNode(0x0010, 0x0010, "B", 1);
-    EXPECT_EQ(TagsOf(*dataSet), "0008,0060 0010,0010 0010,0010 0010,0020");
+    EXPECT_EQ(Tags(dataSet.get()), "0008,0060 0010,0010 0010,0010 0010,0020");
     EXPECT_EQ(former->next, latter);
 }
 
@@ -204,7 +205,7 @@ TEST(InsertNode, ComparesTagsAsUnsignedNumbers) {
     dataSet->InsertNode(0x7FE0, 0x0010, "x", 1);
     dataSet->InsertNode(0x0008, 0xFFFF, "x", 1);
     dataSet->InsertNode(0x0008, 0x0001, "x", 1);
-    EXPECT_EQ(TagsOf(*dataSet), "0008,0001 0008,FFFF 7FE0,0010 FFFC,FFFC");
+    EXPECT_EQ(Tags(dataSet.get()), "0008,0001 0008,FFFF 7FE0,0010 FFFC,FFFC");
 }
 
 TEST(InsertNode, StopsInFrontOfTheFirstHigherTagAlsoWhereTheOrderIsBroken) {
@@ -212,14 +213,14 @@ TEST(InsertNode, StopsInFrontOfTheFirstHigherTagAlsoWhereTheOrderIsBroken) {
     dataSet->first = NewElement(0x0020, 0x0010, VR_SH).release();
     dataSet->first->next = NewElement(0x0008, 0x0060, VR_CS).release();
     dataSet->InsertNode(0x0010, 0x0010, "A", 1);
-    EXPECT_EQ(TagsOf(*dataSet), "0010,0010 0020,0010 0008,0060");
+    EXPECT_EQ(Tags(dataSet.get()), "0010,0010 0020,0010 0008,0060");
 }
 
 TEST(InsertNode, AcceptsAnElementIdentifier) {
     const Tree dataSet = NewDataSet();
     PGX_Node* node = dataSet->InsertNode(IdOf(0x0010, 0x0010), "A ", 2);
     ASSERT_NE(node, nullptr);
-    EXPECT_EQ(TagsOf(*dataSet), "0010,0010");
+    EXPECT_EQ(Tags(dataSet.get()), "0010,0010");
     EXPECT_EQ(node->valueRep, uint32_t{VR_PN});
 }
 
@@ -306,7 +307,7 @@ TEST(InsertNode, ExistingNodeIsLinkedInOrderAsItStands) {
     bits->group = 0x0028;
     bits->element = 0x0005;
     EXPECT_EQ(dataSet->InsertNode(bits), bits);
-    EXPECT_EQ(TagsOf(*dataSet), "0008,0060 0028,0005 0028,0010");
+    EXPECT_EQ(Tags(dataSet.get()), "0008,0060 0028,0005 0028,0010");
     EXPECT_EQ(dataSet->InsertNode(static_cast<PGX_Node*>(nullptr)), nullptr);
 }
 
@@ -320,7 +321,7 @@ TEST(AddOrReplaceNode, AddsWhatIsMissing) {
     const Tree dataSet = NewDataSet();
     PGX_Node* name = dataSet->AddOrReplaceNode(0x0010, 0x0010, "A ", 2);
     PGX_Node* id = dataSet->AddOrReplaceNode(IdOf(0x0010, 0x0020), "7 ", 2);
-    EXPECT_EQ(TagsOf(*dataSet), "0010,0010 0010,0020");
+    EXPECT_EQ(Tags(dataSet.get()), "0010,0010 0010,0020");
     EXPECT_EQ(dataSet->first, name);
     EXPECT_EQ(name->next, id);
 }
@@ -334,7 +335,7 @@ TEST(AddOrReplaceNode, SetsTheFirstElementWithTheTag) {
     EXPECT_STREQ(pgkit_test::ValueOf(*latter).c_str(), "B ");
     EXPECT_EQ(dataSet->AddOrReplaceNode(IdOf(0x0010, 0x0010), "DD", 2), former);
     EXPECT_STREQ(pgkit_test::ValueOf(*former).c_str(), "DD");
-    EXPECT_EQ(TagsOf(*dataSet), "0010,0010 0010,0010");
+    EXPECT_EQ(Tags(dataSet.get()), "0010,0010 0010,0010");
 }
 
 TEST(AddOrReplaceNode, DoesNotReportAFailedReplacement) {
@@ -374,9 +375,9 @@ TEST(RemoveNode, UnlinksAndFreesAChildWithItsDescendants) {
     sequence->first->InsertNode(0x0008, 0x1155, "1.2", 3);
 
     dataSet->RemoveNode(sequence);
-    EXPECT_EQ(TagsOf(*dataSet), "0008,0060 0010,0010");
+    EXPECT_EQ(Tags(dataSet.get()), "0008,0060 0010,0010");
     dataSet->RemoveNode(dataSet->first);
-    EXPECT_EQ(TagsOf(*dataSet), "0010,0010");
+    EXPECT_EQ(Tags(dataSet.get()), "0010,0010");
     dataSet->RemoveNode(dataSet->first);
     EXPECT_EQ(dataSet->first, nullptr);
 }
@@ -388,7 +389,7 @@ TEST(RemoveNode, LeavesAloneWhatIsNoDirectChild) {
     dataSet->InsertNode(0x0010, 0x0010, "A", 1);
     dataSet->RemoveNode(stranger.get());
     dataSet->RemoveNode(nullptr);
-    EXPECT_EQ(TagsOf(*dataSet), "0010,0010");
+    EXPECT_EQ(Tags(dataSet.get()), "0010,0010");
     EXPECT_EQ(stranger->length, 2u);
 }
 

@@ -8,6 +8,7 @@
 #include "support/browsed_directory.h"
 #include "support/captured.h"
 #include "support/directory_builder.h"
+#include "support/patient_list.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
 
@@ -18,6 +19,7 @@ using pgkit_test::CapturePrinted;
 using pgkit_test::DirectoryBuilder;
 using pgkit_test::LibraryPath;
 using pgkit_test::Outline;
+using pgkit_test::PatientList;
 using pgkit_test::Printed;
 using pgkit_test::StreamBuilder;
 using pgkit_test::TempDir;
@@ -233,19 +235,18 @@ TEST_F(Browsing, AgainBuildsTheListAnew) {
 
 TEST_F(Browsing, AListThatWasGivenAwayLivesOn) {
     Open(OneImage());
-    PGX_List* patients = BrowseQuietly();
-    EXPECT_EQ(directory_.GiveAndForgetPatientList(), patients);
+    PGX_List* first = BrowseQuietly();
+    const PatientList patients(directory_.GiveAndForgetPatientList());
+    EXPECT_EQ(patients.get(), first);
     EXPECT_EQ(directory_.GetPatientList(), nullptr);
     EXPECT_EQ(directory_.leafCount, 0);
     EXPECT_EQ(directory_.GiveAndForgetPatientList(), nullptr);
 
     PGX_List* second = BrowseQuietly();
-    EXPECT_NE(second, patients);
-    EXPECT_EQ(Outline(patients), "4711(1.2(1.2.3(1.2.3.4)))");
+    EXPECT_NE(second, patients.get());
+    EXPECT_EQ(Outline(patients.get()), "4711(1.2(1.2.3(1.2.3.4)))");
     auto* patient = static_cast<PGX_DicomDirPatientNode*>(patients->GetHead());
     EXPECT_NE(patient->record->FindNode(0x0010, 0x0020), nullptr);
-    pgEmptyPatientList(patients);
-    delete patients;
 }
 
 TEST_F(Browsing, AnImageFileGivesAnEmptyList) {

@@ -6,6 +6,7 @@
 #include "support/browsed_directory.h"
 #include "support/captured.h"
 #include "support/directory_builder.h"
+#include "support/patient_list.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
 
@@ -15,16 +16,12 @@ using pgkit_test::CapturePrinted;
 using pgkit_test::DirectoryBuilder;
 using pgkit_test::LibraryPath;
 using pgkit_test::Outline;
+using pgkit_test::PatientList;
 using pgkit_test::StreamBuilder;
 using pgkit_test::TempDir;
 
 class PatientListFile : public testing::Test {
   protected:
-    ~PatientListFile() override {
-        pgEmptyPatientList(patients_);
-        delete patients_;
-    }
-
     std::string WriteDirectory() {
         DirectoryBuilder directory;
         const size_t study = directory.Study(directory.Patient("P", "DOE"), "S");
@@ -33,11 +30,12 @@ class PatientListFile : public testing::Test {
     }
 
     std::string Read(const std::string& path) {
-        return CapturePrinted([&] { patients_ = pgGetPatientListFromFile(path.c_str()); }).out;
+        return CapturePrinted([&] { patients_.reset(pgGetPatientListFromFile(path.c_str())); }).out;
     }
     std::string ReadOffshore(const std::string& path, const char* location) {
-        return CapturePrinted(
-                   [&] { patients_ = pgGetPatientListFromOffshoreFile(path.c_str(), location); })
+        return CapturePrinted([&] {
+                   patients_.reset(pgGetPatientListFromOffshoreFile(path.c_str(), location));
+               })
             .out;
     }
 
@@ -55,7 +53,7 @@ class PatientListFile : public testing::Test {
     }
 
     TempDir files_;
-    PGX_List* patients_ = nullptr;
+    PatientList patients_;
 };
 
 std::string Upper(std::string text) {
@@ -66,7 +64,7 @@ std::string Upper(std::string text) {
 
 TEST_F(PatientListFile, GivesTheHierarchy) {
     EXPECT_EQ(Read(WriteDirectory()), "Patient created DOE\n");
-    EXPECT_EQ(Outline(patients_), "P(S(E(1)))");
+    EXPECT_EQ(Outline(patients_.get()), "P(S(E(1)))");
 }
 
 TEST_F(PatientListFile, ThatIsMissingGivesNull) {
@@ -142,7 +140,7 @@ TEST_F(PatientListFile, OffshoreThatIsMissingGivesNull) {
 
 TEST_F(PatientListFile, ListsCanBeEmptiedAndUsedAgain) {
     Read(WriteDirectory());
-    pgEmptyPatientList(patients_);
+    pgEmptyPatientList(patients_.get());
     EXPECT_EQ(patients_->GetCount(), 0);
     EXPECT_EQ(patients_->GetFirstPosition(), nullptr);
     patients_->AddTail(new PGX_DicomDirPatientNode);

@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 #include <pgkit/imaging.h>
 
-#include <algorithm>
-
 #include "imaging/bitmap.h"
 
 namespace {
@@ -11,6 +9,7 @@ namespace {
 using pgkit_test::Bitmap;
 using pgkit_test::Bytes;
 using pgkit_test::GrayBitmap;
+using pgkit_test::LibraryPath;
 using pgkit_test::ReadFile;
 using pgkit_test::TempDir;
 
@@ -45,8 +44,7 @@ TEST(WriteDib, ReplacesAnExistingFile) {
 
 TEST(WriteDib, BackslashesSeparateComponents) {
     const TempDir directory;
-    std::string path = directory.Path("picture.bmp");
-    std::replace(path.begin(), path.end(), '/', '\\');
+    const std::string path = LibraryPath(directory.Path("picture.bmp"));
     EXPECT_EQ(vwWriteDib(GrayBitmap(1, 1, {1}).Handle(), path.c_str()), 1);
     EXPECT_EQ(ReadFile(directory.Path("picture.bmp")).size(), 14u + 40 + 1024 + 4);
 }

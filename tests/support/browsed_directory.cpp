@@ -1,6 +1,5 @@
 #include "support/browsed_directory.h"
 
-#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -59,11 +58,6 @@ Object& At(PGX_List* list, int32_t index) {
 }
 
 }  // namespace
-
-std::string LibraryPath(std::string path) {
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return path;
-}
 
 std::string Outline(PGX_List* patients) {
     if (patients == nullptr) return "null";

@@ -11,9 +11,6 @@
 
 namespace pgkit_test {
 
-// A path as the library takes it: with backslashes.
-std::string LibraryPath(std::string path);
-
 // The hierarchy as keys: "4711(1.2(1.2.3(1.2.3.4 1.2.3.5))) 4712(...)", which are patient IDs,
 // study UIDs, series UIDs and instance UIDs. "null" for no list.
 std::string Outline(PGX_List* patients);

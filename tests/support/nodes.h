@@ -69,16 +69,4 @@ inline std::string ValueOf(PGX_Node& node) {
     return node.GetValue(buffer.data()) == 1 ? buffer : std::string();
 }
 
-// The tags of the direct children: "0008,0005 0010,0010".
-inline std::string TagsOf(const PGX_Node& dataSet) {
-    std::string tags;
-    for (const PGX_Node* child = dataSet.first; child != nullptr; child = child->next) {
-        char tag[16];
-        std::snprintf(tag, sizeof tag, "%s%04X,%04X", tags.empty() ? "" : " ", child->group,
-                      child->element);
-        tags += tag;
-    }
-    return tags;
-}
-
 }  // namespace pgkit_test

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -24,7 +25,7 @@ TempDir::~TempDir() {
 
 std::string TempDir::Path(std::string_view name) const { return (path_ / name).string(); }
 
-std::string TempDir::Write(std::string_view name, const Bytes& content) const {
+std::string TempDir::Write(std::string_view name, std::span<const uint8_t> content) const {
     return Write(name,
                  std::string_view(reinterpret_cast<const char*>(content.data()), content.size()));
 }
@@ -34,6 +35,11 @@ std::string TempDir::Write(std::string_view name, std::string_view content) cons
     std::ofstream stream(path, std::ios::binary);
     stream.write(content.data(), static_cast<std::streamsize>(content.size()));
     EXPECT_TRUE(stream.good()) << path;
+    return path;
+}
+
+std::string LibraryPath(std::string path) {
+    std::replace(path.begin(), path.end(), '/', '\\');
     return path;
 }
 

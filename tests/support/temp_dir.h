@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,12 +23,15 @@ class TempDir {
     std::string Path(std::string_view name) const;
 
     // Writes a file and returns its path.
-    std::string Write(std::string_view name, const Bytes& content) const;
+    std::string Write(std::string_view name, std::span<const uint8_t> content) const;
     std::string Write(std::string_view name, std::string_view content) const;
 
   private:
     std::filesystem::path path_;
 };
+
+// A path as the library takes it: with backslashes.
+std::string LibraryPath(std::string path);
 
 // The content of a file; a test failure when it cannot be read.
 Bytes ReadFile(const std::string& path);

@@ -10,6 +10,7 @@
 #include "support/browsed_directory.h"
 #include "support/captured.h"
 #include "support/instance_file.h"
+#include "support/patient_list.h"
 #include "support/process.h"
 #include "support/temp_dir.h"
 #include "support/tree.h"
@@ -38,14 +39,11 @@ class PgtoolMkdir : public testing::Test {
 
     // The hierarchy of the medium, or of another one.
     std::string Hierarchy(const std::string& medium = "MEDIUM") {
-        PGX_List* patients = nullptr;
+        PatientList patients;
         CapturePrinted([&] {
-            patients = pgGetPatientListFromFile(directory_.Path(medium + "/DICOMDIR").c_str());
+            patients.reset(pgGetPatientListFromFile(directory_.Path(medium + "/DICOMDIR").c_str()));
         });
-        const std::string outline = Outline(patients);
-        pgEmptyPatientList(patients);
-        delete patients;
-        return outline;
+        return Outline(patients.get());
     }
 
     DataSet Open() {

@@ -7,6 +7,7 @@
 #include "dicomdir/create/scan_fixture.h"
 #include "pgkit/pgkit.h"
 #include "support/browsed_directory.h"
+#include "support/temp_dir.h"
 
 namespace {
 

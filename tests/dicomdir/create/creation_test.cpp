@@ -10,6 +10,7 @@
 #include "pgkit/pgkit.h"
 #include "support/captured.h"
 #include "support/instance_file.h"
+#include "support/patient_list.h"
 #include "support/tree.h"
 
 namespace {
@@ -238,9 +239,9 @@ TEST_F(Creation, IsReadBackAsTheSameHierarchy) {
     Write("S4/IM1", Instance(8).Patient("ID2", "ROE^JANE"));
     Create();
     std::string hierarchy;
-    PGX_List* patients = nullptr;
+    PatientList patients;
     const Printed printed = CapturePrinted(
-        [&] { patients = pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str()); });
+        [&] { patients.reset(pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str())); });
     ASSERT_NE(patients, nullptr);
     EXPECT_EQ(printed.out, "Patient created DOE^JOHN\nPatient created ROE^JANE\n");
     EXPECT_EQ(printed.err, "");
@@ -267,12 +268,10 @@ TEST_F(Creation, IsReadBackAsTheSameHierarchy) {
               "ID1(1.2.3(1.2.3.4(S1\\IM1 S1\\IM2 S1\\IM3 S1\\IM4 S1\\IM5 )1.2.3.5(S2\\IM1 ))"
               "1.2.9(1.2.9.1(S3\\IM1 )))ID2(1.2.3(1.2.3.4(S4\\IM1 )))");
     // Written again from what was read it is the same directory.
-    EXPECT_EQ(pgBuildDicomdir(patients, outside_.Path(".").c_str()), 0u);
+    EXPECT_EQ(pgBuildDicomdir(patients.get(), outside_.Path(".").c_str()), 0u);
     const DataSet first = Open();
     const DataSet second(pgOpenDataSetFile(outside_.Path("DICOMDIR").c_str(), kLoadAll));
     EXPECT_EQ(Describe(second.get()), Describe(first.get()));
-    pgEmptyPatientList(patients);
-    delete patients;
 }
 
 TEST_F(Creation, HandlesFilesInTheOrderOfTheirNamesBeforeSubdirectories) {

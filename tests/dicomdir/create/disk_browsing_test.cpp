@@ -6,6 +6,7 @@
 #include "dicomdir/create/scan_fixture.h"
 #include "pgkit/pgkit.h"
 #include "support/browsed_directory.h"
+#include "support/patient_list.h"
 
 namespace {
 
@@ -166,17 +167,12 @@ TEST_F(BrowseDisk, AddsNothingWithoutADirectoryOrAList) {
 
 class BrowsePatientList : public ScanTest {
   protected:
-    ~BrowsePatientList() override {
-        pgEmptyPatientList(patients_);
-        delete patients_;
-    }
-
     PGX_List* Browse(const std::string& directory, const char* profile = nullptr) {
-        patients_ = pgBrowsePatientListEx(directory.c_str(), profile, &options_, Note, this);
-        return patients_;
+        patients_.reset(pgBrowsePatientListEx(directory.c_str(), profile, &options_, Note, this));
+        return patients_.get();
     }
 
-    PGX_List* patients_ = nullptr;
+    PatientList patients_;
 };
 
 TEST_F(BrowsePatientList, GivesANewListOfTheHierarchy) {
@@ -184,7 +180,8 @@ TEST_F(BrowsePatientList, GivesANewListOfTheHierarchy) {
     Write("S2/B", Instance(2).Patient("ID2", "ROE^JANE"));
     Write("S2/C", Bytes{1});
     Browse(Directory());
-    EXPECT_EQ(Outline(patients_), "ID1(1.2.3(1.2.3.4(1.2.3.4.1))) ID2(1.2.3(1.2.3.4(1.2.3.4.2)))");
+    EXPECT_EQ(Outline(patients_.get()),
+              "ID1(1.2.3(1.2.3.4(1.2.3.4.1))) ID2(1.2.3(1.2.3.4(1.2.3.4.2)))");
     EXPECT_EQ(seen_, "dcmdir.lst||2;A|S1|0;B|S2|0;C|S2|2;");
     EXPECT_EQ(ListLines(), "2\tdcmdir.lst\n2\tS2\\C\n");
     EXPECT_FALSE(Exists("DICOMDIR"));

@@ -11,6 +11,7 @@
 
 #include "dicomdir/create/medium.h"
 #include "support/captured.h"
+#include "support/patient_list.h"
 
 namespace {
 
@@ -105,13 +106,11 @@ TEST_F(HostileMedia, EveryPrefixOfAFileIsJudged) {
     EXPECT_EQ(Create(), 0u);
     EXPECT_TRUE(seen_.ends_with("|6;")) << "the whole file: a prefix of it was there before";
     // Identifiers that are cut make studies and series of their own, in a directory that is sound.
-    PGX_List* patients = nullptr;
+    PatientList patients;
     const Printed printed = CapturePrinted(
-        [&] { patients = pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str()); });
+        [&] { patients.reset(pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str())); });
     EXPECT_EQ(printed.out, "Patient created DOE^JOHN\n");
-    ASSERT_NE(patients, nullptr);
-    pgEmptyPatientList(patients);
-    delete patients;
+    EXPECT_NE(patients, nullptr);
 }
 
 TEST_F(HostileMedia, FilesThatCannotBeReadAreRefused) {

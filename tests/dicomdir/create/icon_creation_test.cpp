@@ -8,6 +8,7 @@
 
 #include "dicomdir/create/medium.h"
 #include "support/captured.h"
+#include "support/patient_list.h"
 
 namespace {
 
@@ -262,14 +263,12 @@ class IconsOfAnotherDicomdir : public IconCreation {
     }
 
     DataSet Rebuild() {
-        PGX_List* patients = nullptr;
+        PatientList patients;
         CapturePrinted(
-            [&] { patients = pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str()); });
+            [&] { patients.reset(pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str())); });
         EXPECT_NE(patients, nullptr);
         std::filesystem::create_directory(medium_.Path("AGAIN"));
-        EXPECT_EQ(pgBuildDicomdir(patients, medium_.Path("AGAIN").c_str()), 0u);
-        pgEmptyPatientList(patients);
-        delete patients;
+        EXPECT_EQ(pgBuildDicomdir(patients.get(), medium_.Path("AGAIN").c_str()), 0u);
         return DataSet(pgOpenDataSetFile(medium_.Path("AGAIN/DICOMDIR").c_str(), kLoadAll));
     }
 };

@@ -9,6 +9,8 @@
 #include "pgkit/pgkit.h"
 #include "support/browsed_directory.h"
 #include "support/captured.h"
+#include "support/patient_list.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -38,13 +40,10 @@ class OffshoreCreation : public ScanTest {
     }
 
     std::string Hierarchy() {
-        PGX_List* patients = nullptr;
+        PatientList patients;
         CapturePrinted(
-            [&] { patients = pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str()); });
-        const std::string outline = Outline(patients);
-        pgEmptyPatientList(patients);
-        delete patients;
-        return outline;
+            [&] { patients.reset(pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str())); });
+        return Outline(patients.get());
     }
 
     std::string FileSetId() { return TextOf(Child(Open().get(), 0x0004, 0x1130)); }
@@ -263,11 +262,11 @@ TEST_F(OffshoreCreation, IsReadBackWithTheLocationOfItsFiles) {
     Start();
     AddPath("A", LibraryPath(outside_.Path("ARCHIVE/A")));
     EXPECT_EQ(End(), 0u);
-    PGX_List* patients = nullptr;
+    PatientList patients;
     const std::string location = LibraryPath(outside_.Path("ARCHIVE"));
     CapturePrinted([&] {
-        patients =
-            pgGetPatientListFromOffshoreFile(medium_.Path("DICOMDIR").c_str(), location.c_str());
+        patients.reset(
+            pgGetPatientListFromOffshoreFile(medium_.Path("DICOMDIR").c_str(), location.c_str()));
     });
     auto* patient = static_cast<PGX_DicomDirPatientNode*>(patients->GetHead());
     auto* study = static_cast<PGX_DicomDirStudyNode*>(patient->studies.GetHead());
@@ -276,8 +275,6 @@ TEST_F(OffshoreCreation, IsReadBackWithTheLocationOfItsFiles) {
     // The name is padded, and the file is found all the same.
     EXPECT_STREQ(leaf->referencedFileId, "A ");
     EXPECT_EQ(pgIsDicomFile(leaf->fullPath), 1);
-    pgEmptyPatientList(patients);
-    delete patients;
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "support/browsed_directory.h"
 #include "support/captured.h"
+#include "support/patient_list.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -17,6 +18,7 @@ namespace fs = std::filesystem;
 using pgkit_test::CapturePrinted;
 using pgkit_test::LibraryPath;
 using pgkit_test::Outline;
+using pgkit_test::PatientList;
 using pgkit_test::TempDir;
 
 std::vector<fs::path> SampleMedia() {
@@ -61,34 +63,27 @@ std::string LeavesOf(PGX_List& patients) {
     return leaves;
 }
 
-void Free(PGX_List* patients) {
-    pgEmptyPatientList(patients);
-    delete patients;
-}
-
 void ExpectSameHierarchyInFileAndOnDisk(const fs::path& medium) {
     const TempDir directory;
     const std::string copy = directory.Path("MEDIUM");
     fs::copy(medium, copy, fs::copy_options::recursive);
     PgDicomdirOptions options = {};
     options.flags = PG_DICOMDIR_NO_LIST;
-    PGX_List* onDisk = nullptr;
-    PGX_List* inFile = nullptr;
+    PatientList onDisk;
+    PatientList inFile;
     CapturePrinted([&] {
-        onDisk = pgBrowsePatientListEx(copy.c_str(), nullptr, &options, nullptr, nullptr);
+        onDisk.reset(pgBrowsePatientListEx(copy.c_str(), nullptr, &options, nullptr, nullptr));
         EXPECT_EQ(pgCreateDicomdirEx(copy.c_str(), nullptr, &options, nullptr, nullptr), 0u);
-        inFile = pgGetPatientListFromFile(LibraryPath(copy + "/DICOMDIR").c_str());
+        inFile.reset(pgGetPatientListFromFile(LibraryPath(copy + "/DICOMDIR").c_str()));
     });
     ASSERT_NE(onDisk, nullptr);
     ASSERT_NE(inFile, nullptr);
     EXPECT_GT(onDisk->count, 0);
-    EXPECT_EQ(Outline(inFile), Outline(onDisk));
+    EXPECT_EQ(Outline(inFile.get()), Outline(onDisk.get()));
     EXPECT_EQ(LeavesOf(*inFile), LeavesOf(*onDisk));
     ForEachLeaf(*inFile, [](PGX_DicomDirLeafNode& leaf) {
         EXPECT_EQ(pgIsDicomFile(leaf.fullPath), 1) << leaf.fullPath;
     });
-    Free(onDisk);
-    Free(inFile);
 }
 
 TEST(SampleMedia, AreBrowsedAsTheyWereMade) {
