@@ -27,6 +27,7 @@ constexpr uint32_t kEncodingBits =
 // Read by its first word, written by its whole text; two private syntaxes are read as native ones
 // and saved as the explicit VR little endian that every unknown syntax stands for.
 bool IsSyntaxAmbiguous(PGX_Node& syntax) {
+    if (syntax.length > 66) return true;  // which may be gigabytes, and nothing but a claim
     const std::string uid = pgkit_test::TextOf(&syntax).c_str();
     return uid.find_first_not_of("0123456789.") != std::string::npos || uid.size() > 64 ||
            uid == "1.2.840.113619.5.2" || uid == "1.2.840.113704.7.0.4.5";
