@@ -129,9 +129,8 @@ std::string DeepDataSet() {
 }
 
 // The pixels are written piece by piece behind a header that announces them.
-std::string WriteLargeImage() {
+std::string WriteImage(uint32_t mebibytes) {
     constexpr uint32_t kPiece = 1 << 20;
-    constexpr uint32_t kPieces = 1024;
     Encoder image(Encoding::kExplicit);
     image.Element(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.7")
         .Element(0x0028, 0x0100, "US", std::string("\x10\0", 2));
@@ -140,12 +139,13 @@ std::string WriteLargeImage() {
     header.Number(0x0010, 2);
     header.Number(0x574F, 2);  // "OW"
     header.Number(0, 2);
-    header.Number(kPiece * kPieces, 4);
+    header.Number(kPiece * mebibytes, 4);
     const std::string path = WorkDirectory().Write(
-        "LARGE", Part10(kCtImage, "1.2.840.10008.1.2.1", image.Bytes() + header.Bytes()));
+        "IMAGE" + std::to_string(mebibytes),
+        Part10(kCtImage, "1.2.840.10008.1.2.1", image.Bytes() + header.Bytes()));
     std::ofstream stream(path, std::ios::binary | std::ios::app);
     const std::string piece(kPiece, '\x55');
-    for (uint32_t i = 0; i < kPieces; ++i)
+    for (uint32_t i = 0; i < mebibytes; ++i)
         stream << piece;
     return path;
 }
@@ -214,9 +214,11 @@ const std::string& DeepFile() {
     return path;
 }
 
-const std::string& LargeImageFile() {
-    static const std::string path = WriteLargeImage();
-    return path;
+const std::string& ImageFile(uint32_t mebibytes) {
+    static std::map<uint32_t, std::string> paths;
+    const auto [path, isNew] = paths.try_emplace(mebibytes);
+    if (isNew) path->second = WriteImage(mebibytes);
+    return path->second;
 }
 
 const Medium& MediumOf(int fileCount, MediumShape shape) {

@@ -2,6 +2,7 @@
 // the program ends.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,8 @@ const std::string& BigImplicitFile();
 // 100 chains of sequences, each nested 500 deep.
 const std::string& DeepFile();
 
-// One image with 1 GiB of pixels, in explicit VR little endian.
-const std::string& LargeImageFile();
+// One image with so many MiB of pixels, in explicit VR little endian.
+const std::string& ImageFile(uint32_t mebibytes);
 
 // A directory of small files, 1,000 of them in each subdirectory: CT images of one series, the same
 // with ten images in a series, or files that are no DICOM.

@@ -7,6 +7,7 @@ handles many records, the last column is pgkit's time for one. The table is prin
 """
 
 import json
+import re
 import sys
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -31,7 +32,7 @@ def main():
     rows = {}
     per_record = {}
     for run in runs:
-        subject, who = run["name"].rsplit("/", 1)
+        subject, who = re.sub("/min_warmup_time:.*", "", run["name"]).rsplit("/", 1)
         if run.get("error_occurred"):
             print(f"{run['name']}: {run['error_message']}", file=sys.stderr)
         else:
