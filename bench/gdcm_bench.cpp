@@ -59,6 +59,18 @@ void SaveSmallGdcm(benchmark::State& state) {
 }
 BENCHMARK(SaveSmallGdcm)->Name("small file, saved/GDCM")->Unit(benchmark::kMicrosecond);
 
+void RejectGdcm(benchmark::State& state) {
+    const Medium& medium = MediumOf(1000, MediumShape::kNoDicom);
+    for (auto _ : state) {
+        for (const std::string& file : medium.files) {
+            gdcm::Reader reader;
+            reader.SetFileName((medium.directory + "/" + file).c_str());
+            if (reader.CanRead()) return state.SkipWithError("accepted");
+        }
+    }
+}
+BENCHMARK(RejectGdcm)->Name("create, 1000 files that are none/GDCM")->Unit(benchmark::kMillisecond);
+
 }  // namespace
 
 }  // namespace pgkit_bench

@@ -177,6 +177,23 @@ BENCHMARK(Create1000ManySeries)
     ->Name("create, 1000 files, many series/DCMTK")
     ->Unit(benchmark::kMillisecond);
 
+// What its own tools ask of a file before they add it.
+void RejectPeer(benchmark::State& state) {
+    OFLog::configure(OFLogger::OFF_LOG_LEVEL);
+    const Medium& medium = MediumOf(1000, MediumShape::kNoDicom);
+    for (auto _ : state) {
+        for (const std::string& file : medium.files) {
+            DcmFileFormat format;
+            const std::string path = medium.directory + "/" + file;
+            if (format.loadFile(path.c_str(), EXS_Unknown, EGL_noChange, 64, ERM_fileOnly).good())
+                return state.SkipWithError("accepted");
+        }
+    }
+}
+BENCHMARK(RejectPeer)
+    ->Name("create, 1000 files that are none/DCMTK")
+    ->Unit(benchmark::kMillisecond);
+
 }  // namespace
 
 }  // namespace pgkit_bench
