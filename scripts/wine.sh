@@ -17,6 +17,8 @@ export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
 export WINEDEBUG=-all
 # Neither .NET nor a web browser: without them the first start asks to download them.
 export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
+# Without a locale of its own, names of files are ASCII to Wine.
+export LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
 
 # By itself the prefix's server goes three seconds after its last program, and a program that starts
