@@ -1,125 +1,133 @@
-// The fields of record objects. Every field gets a text or number of its own, so that a getter that
-// reads another one is found out.
+// The fields of record objects: no getter reads another one than its own.
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
+#include <ostream>
 #include <string>
 
+#include "dicomdir/record_classes.h"
 #include "pgkit/accessors.h"
 
 namespace {
 
-// Fills the field with a text as long as fits, unlike that of any other field, and reads it.
-template <typename Handle, size_t Size>
-void ExpectText(const char* (*getter)(Handle*), Handle& handle, char (&field)[Size]) {
-    static char next = 'a';
-    SCOPED_TRACE(next);
-    const std::string text(Size - 1, next++);
-    std::memcpy(field, text.c_str(), Size);
-    EXPECT_EQ(getter(&handle), text.substr(0, 519));
+using namespace pgkit_test::record_classes;
+
+// A getter and the field that it reads.
+struct TextAccessor {
+    std::string name;
+    // What the getter gives of an object whose only text is this one in its field.
+    std::function<std::string(const std::string& text)> read;
+    size_t room;
+};
+
+void PrintTo(const TextAccessor& accessor, std::ostream* out) { *out << accessor.name; }
+
+template <typename Handle, typename Object, size_t Size>
+TextAccessor Text(const char* name, const char* (*getter)(Handle*), char (Object::*field)[Size]) {
+    const auto read = [getter, field](const std::string& text) {
+        Object object;
+        std::strcpy(object.*field, text.c_str());
+        return std::string(getter(&object));
+    };
+    return {name, read, Size - 1};
 }
 
-TEST(PatientAccessors, ReadEveryKey) {
-    PGX_DicomDirPatientNode patient;
-    ExpectText(pgKitDirGetPatientID, patient, patient.patientId);
-    ExpectText(pgKitDirGetPatientsName, patient, patient.patientsName);
-    ExpectText(pgKitDirGetPatientBirthDate, patient, patient.birthDate);
-    ExpectText(pgKitDirGetPatientSex, patient, patient.sex);
+class TextOfRecord : public testing::TestWithParam<TextAccessor> {};
+
+TEST_P(TextOfRecord, IsThatOfItsField) {
+    const std::string text(GetParam().room, 'x');
+    EXPECT_EQ(GetParam().read("a"), "a");
+    EXPECT_EQ(GetParam().read(text), text.substr(0, 519));
 }
 
-TEST(StudyAccessors, ReadEveryKey) {
-    PGX_DicomDirStudyNode study;
-    ExpectText(pgKitDirGetStudyUID, study, study.studyInstanceUid);
-    ExpectText(pgKitDirGetStudyID, study, study.studyId);
-    ExpectText(pgKitDirGetStudyDate, study, study.studyDate);
-    ExpectText(pgKitDirGetStudyTime, study, study.studyTime);
-    ExpectText(pgKitDirGetStudyAccessionNumber, study, study.accessionNumber);
-    ExpectText(pgKitDirGetStudyDesc, study, study.studyDescription);
-    ExpectText(pgKitDirGetStudyManufacturer, study, study.manufacturer);
-    ExpectText(pgKitDirGetStudyReferringPhysiciansName, study, study.referringPhysiciansName);
-    ExpectText(pgKitDirGetStudyModality, study, study.modality);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Every, TextOfRecord,
+    testing::Values(
+        Text("PatientID", pgKitDirGetPatientID, &Patient::patientId),
+        Text("PatientsName", pgKitDirGetPatientsName, &Patient::patientsName),
+        Text("PatientBirthDate", pgKitDirGetPatientBirthDate, &Patient::birthDate),
+        Text("PatientSex", pgKitDirGetPatientSex, &Patient::sex),
+        Text("StudyUID", pgKitDirGetStudyUID, &Study::studyInstanceUid),
+        Text("StudyID", pgKitDirGetStudyID, &Study::studyId),
+        Text("StudyDate", pgKitDirGetStudyDate, &Study::studyDate),
+        Text("StudyTime", pgKitDirGetStudyTime, &Study::studyTime),
+        Text("StudyAccessionNumber", pgKitDirGetStudyAccessionNumber, &Study::accessionNumber),
+        Text("StudyDesc", pgKitDirGetStudyDesc, &Study::studyDescription),
+        Text("StudyManufacturer", pgKitDirGetStudyManufacturer, &Study::manufacturer),
+        Text("StudyReferringPhysiciansName", pgKitDirGetStudyReferringPhysiciansName,
+             &Study::referringPhysiciansName),
+        Text("StudyModality", pgKitDirGetStudyModality, &Study::modality),
+        Text("SeriesUID", pgKitDirGetSeriesUID, &Series::seriesInstanceUid),
+        Text("SeriesDesc", pgKitDirGetSeriesDesc, &Series::seriesDescription),
+        Text("SeriesNumber", pgKitDirGetSeriesNumber, &Series::seriesNumber),
+        Text("SeriesModality", pgKitDirGetSeriesModality, &Series::modality),
+        Text("SeriesInstitutionName", pgKitDirGetSeriesInstitutionName, &Series::institutionName),
+        Text("SeriesInstitutionAddress", pgKitDirGetSeriesInstitutionAddress,
+             &Series::institutionAddress),
+        Text("SeriesPerformingPhysiciansName", pgKitDirGetSeriesPerformingPhysiciansName,
+             &Series::performingPhysiciansName),
+        Text("LeafRecordType", pgKitDirGetLeafRecordType, &Leaf::recordType),
+        Text("LeafInstanceUID", pgKitDirGetLeafInstanceUID, &Leaf::instanceUid),
+        Text("LeafSOPClassUID", pgKitDirGetLeafSOPClassUID, &Leaf::sopClassUid),
+        Text("LeafFullPath", pgKitDirGetLeafFullPath, &Leaf::fullPath),
+        Text("LeafSpecificCharacterSet", pgKitDirGetLeafSpecificCharacterSet,
+             &Leaf::specificCharacterSet),
+        Text("ImagePhotoInterp", pgKitDirGetImagePhotoInterp, &Image::photometricInterpretation),
+        Text("ImageType", pgKitDirGetImageType, &Image::imageType),
+        Text("ImageCalibrationObject", pgKitDirGetImageCalibrationObject, &Image::calibrationImage),
+        Text("ReportVerificationFlag", pgKitDirGetReportVerificationFlag,
+             &Report::verificationFlag),
+        Text("ReportCompletionFlag", pgKitDirGetReportCompletionFlag, &Report::completionFlag),
+        Text("ReportContentDate", pgKitDirGetReportContentDate, &Report::contentDate),
+        Text("ReportContentTime", pgKitDirGetReportContentTime, &Report::contentTime),
+        Text("PresentationCreationDate", pgKitDirGetPresentationCreationDate,
+             &Presentation::creationDate),
+        Text("PresentationCreationTime", pgKitDirGetPresentationCreationTime,
+             &Presentation::creationTime),
+        Text("PresentationCreatorsName", pgKitDirGetPresentationCreatorsName,
+             &Presentation::contentCreatorsName),
+        Text("PresentationLabel", pgKitDirGetPresentationLabel, &Presentation::contentLabel),
+        Text("PresentationDescription", pgKitDirGetPresentationDescription,
+             &Presentation::contentDescription),
+        Text("KeyObjectContentDate", pgKitDirGetKeyObjectContentDate, &KeyObject::contentDate),
+        Text("KeyObjectContentTime", pgKitDirGetKeyObjectContentTime, &KeyObject::contentTime),
+        Text("WaveformContentDate", pgKitDirGetWaveformContentDate, &Waveform::contentDate),
+        Text("WaveformContentTime", pgKitDirGetWaveformContentTime, &Waveform::contentTime),
+        Text("RawDataContentDate", pgKitDirGetRawDataContentDate, &RawData::contentDate),
+        Text("RawDataContentTime", pgKitDirGetRawDataContentTime, &RawData::contentTime)),
+    [](const auto& instance) { return instance.param.name; });
 
-TEST(SeriesAccessors, ReadEveryKey) {
-    PGX_DicomDirSeriesNode series;
-    ExpectText(pgKitDirGetSeriesUID, series, series.seriesInstanceUid);
-    ExpectText(pgKitDirGetSeriesDesc, series, series.seriesDescription);
-    ExpectText(pgKitDirGetSeriesNumber, series, series.seriesNumber);
-    ExpectText(pgKitDirGetSeriesModality, series, series.modality);
-    ExpectText(pgKitDirGetSeriesInstitutionName, series, series.institutionName);
-    ExpectText(pgKitDirGetSeriesInstitutionAddress, series, series.institutionAddress);
-    ExpectText(pgKitDirGetSeriesPerformingPhysiciansName, series, series.performingPhysiciansName);
-}
-
-TEST(LeafAccessors, ReadEveryCommonKey) {
-    PGX_DicomDirLeafNode leaf;
-    ExpectText(pgKitDirGetLeafRecordType, leaf, leaf.recordType);
-    ExpectText(pgKitDirGetLeafInstanceUID, leaf, leaf.instanceUid);
-    ExpectText(pgKitDirGetLeafSOPClassUID, leaf, leaf.sopClassUid);
-    ExpectText(pgKitDirGetLeafFullPath, leaf, leaf.fullPath);
-    ExpectText(pgKitDirGetLeafSpecificCharacterSet, leaf, leaf.specificCharacterSet);
+TEST(LeafAccessors, ReadTypeAndInstanceNumber) {
+    Leaf leaf;
     leaf.instanceNumber = -7;
     EXPECT_EQ(pgKitDirGetLeafInstanceNumber(&leaf), -7);
     leaf.leafType = 42;
     EXPECT_EQ(pgKitDirGetLeafType(&leaf), 42);
 }
 
-TEST(LeafAccessors, ReadTheKeysOfImages) {
-    PGX_DicomDirImageNode image;
-    PGX_DicomDirLeafNode& leaf = image;
-    ExpectText(pgKitDirGetImagePhotoInterp, leaf, image.photometricInterpretation);
-    ExpectText(pgKitDirGetImageType, leaf, image.imageType);
-    ExpectText(pgKitDirGetImageCalibrationObject, leaf, image.calibrationImage);
+TEST(LeafAccessors, ReadTheNumbersOfImages) {
+    Image image;
     image.rows = 1;
     image.columns = -2;
     image.numberOfFrames = 3;
     EXPECT_EQ(pgKitDirGetImageRows(&image), 1);
     EXPECT_EQ(pgKitDirGetImageColumns(&image), -2);
     EXPECT_EQ(pgKitDirGetImageNumberOfFrames(&image), 3);
+}
+
+TEST(LeafAccessors, ReadTheIconOfImages) {
+    Image image;
     EXPECT_EQ(pgKitDirGetImageIconHDib(&image), nullptr);
-    image.icon = &leaf;
-    EXPECT_EQ(pgKitDirGetImageIconHDib(&image), &leaf);
+    image.icon = &image;
+    EXPECT_EQ(pgKitDirGetImageIconHDib(&image), &image);
     image.icon = nullptr;
 }
 
-TEST(LeafAccessors, ReadTheKeysOfReports) {
-    PGX_DicomDirReportNode report;
-    PGX_DicomDirLeafNode& leaf = report;
-    ExpectText(pgKitDirGetReportVerificationFlag, leaf, report.verificationFlag);
-    ExpectText(pgKitDirGetReportCompletionFlag, leaf, report.completionFlag);
-    ExpectText(pgKitDirGetReportContentDate, leaf, report.contentDate);
-    ExpectText(pgKitDirGetReportContentTime, leaf, report.contentTime);
-}
-
-TEST(LeafAccessors, ReadTheKeysOfPresentations) {
-    PGX_DicomDirPresentationNode state;
-    PGX_DicomDirLeafNode& leaf = state;
-    ExpectText(pgKitDirGetPresentationCreationDate, leaf, state.creationDate);
-    ExpectText(pgKitDirGetPresentationCreationTime, leaf, state.creationTime);
-    ExpectText(pgKitDirGetPresentationCreatorsName, leaf, state.contentCreatorsName);
-    ExpectText(pgKitDirGetPresentationLabel, leaf, state.contentLabel);
-    ExpectText(pgKitDirGetPresentationDescription, leaf, state.contentDescription);
-}
-
-TEST(LeafAccessors, ReadDateAndTimeOfTheOtherTypes) {
-    PGX_DicomDirKeyObjectNode keyObject;
-    PGX_DicomDirLeafNode& keyObjectLeaf = keyObject;
-    ExpectText(pgKitDirGetKeyObjectContentDate, keyObjectLeaf, keyObject.contentDate);
-    ExpectText(pgKitDirGetKeyObjectContentTime, keyObjectLeaf, keyObject.contentTime);
-    PGX_DicomDirWaveformNode waveform;
-    PGX_DicomDirLeafNode& waveformLeaf = waveform;
-    ExpectText(pgKitDirGetWaveformContentDate, waveformLeaf, waveform.contentDate);
-    ExpectText(pgKitDirGetWaveformContentTime, waveformLeaf, waveform.contentTime);
-    PGX_DicomDirRawDataNode rawData;
-    PGX_DicomDirLeafNode& rawDataLeaf = rawData;
-    ExpectText(pgKitDirGetRawDataContentDate, rawDataLeaf, rawData.contentDate);
-    ExpectText(pgKitDirGetRawDataContentTime, rawDataLeaf, rawData.contentTime);
-}
-
 TEST(RecordAccessors, AnObjectIsTheListOfItsChildren) {
-    PGX_DicomDirPatientNode patient;
-    PGX_DicomDirStudyNode study;
-    PGX_DicomDirSeriesNode series;
+    Patient patient;
+    Study study;
+    Series series;
     EXPECT_EQ(static_cast<void*>(pgKitDirGetStudyList(&patient)), &patient);
     EXPECT_EQ(static_cast<void*>(pgKitDirGetSeriesList(&study)), &study);
     EXPECT_EQ(static_cast<void*>(pgKitDirGetLeafList(&series)), &series);
@@ -153,22 +161,22 @@ void ExpectCommonFields(const Level<Object>& level) {
 }
 
 TEST(RecordAccessors, ReachRecordClientDataAndFlagsOnEveryLevel) {
-    ExpectCommonFields<PGX_DicomDirPatientNode>(
-        {pgKitDirGetPatientNode, pgKitDirGetPatientClientData, pgKitDirSetPatientClientData,
-         pgKitDirGetPatientFlags, pgKitDirGetPatientClientFlags});
-    ExpectCommonFields<PGX_DicomDirStudyNode>({pgKitDirGetStudyNode, pgKitDirGetStudyClientData,
-                                               pgKitDirSetStudyClientData, pgKitDirGetStudyFlags,
-                                               pgKitDirGetStudyClientFlags});
-    ExpectCommonFields<PGX_DicomDirSeriesNode>({pgKitDirGetSeriesNode, pgKitDirGetSeriesClientData,
-                                                pgKitDirSetSeriesClientData, pgKitDirGetSeriesFlags,
-                                                pgKitDirGetSeriesClientFlags});
-    ExpectCommonFields<PGX_DicomDirLeafNode>({pgKitDirGetLeafNode, pgKitDirGetLeafClientData,
-                                              pgKitDirSetLeafClientData, pgKitDirGetLeafFlags,
-                                              pgKitDirGetLeafClientFlags});
+    ExpectCommonFields<Patient>({pgKitDirGetPatientNode, pgKitDirGetPatientClientData,
+                                 pgKitDirSetPatientClientData, pgKitDirGetPatientFlags,
+                                 pgKitDirGetPatientClientFlags});
+    ExpectCommonFields<Study>({pgKitDirGetStudyNode, pgKitDirGetStudyClientData,
+                               pgKitDirSetStudyClientData, pgKitDirGetStudyFlags,
+                               pgKitDirGetStudyClientFlags});
+    ExpectCommonFields<Series>({pgKitDirGetSeriesNode, pgKitDirGetSeriesClientData,
+                                pgKitDirSetSeriesClientData, pgKitDirGetSeriesFlags,
+                                pgKitDirGetSeriesClientFlags});
+    ExpectCommonFields<Leaf>({pgKitDirGetLeafNode, pgKitDirGetLeafClientData,
+                              pgKitDirSetLeafClientData, pgKitDirGetLeafFlags,
+                              pgKitDirGetLeafClientFlags});
 }
 
 TEST(SeriesAccessors, ReadTheIcon) {
-    PGX_DicomDirSeriesNode series;
+    Series series;
     EXPECT_EQ(pgKitDirGetSeriesIconHDib(&series), nullptr);
     series.icon = &series;
     EXPECT_EQ(pgKitDirGetSeriesIconHDib(&series), &series);
@@ -176,12 +184,12 @@ TEST(SeriesAccessors, ReadTheIcon) {
 }
 
 TEST(SharedText, IsOverwrittenByTheNextText) {
-    PGX_DicomDirPatientNode patient;
+    Patient patient;
     std::strcpy(patient.patientId, "4711");
     std::strcpy(patient.sex, "F");
     const char* id = pgKitDirGetPatientID(&patient);
     EXPECT_STREQ(id, "4711");
-    PGX_DicomDirSeriesNode series;
+    Series series;
     EXPECT_EQ(pgKitDirGetPatientSex(&patient), id);
     EXPECT_STREQ(id, "F");
     EXPECT_EQ(pgKitDirGetSeriesModality(&series), id);
@@ -189,7 +197,7 @@ TEST(SharedText, IsOverwrittenByTheNextText) {
 }
 
 TEST(SharedText, IsNotTouchedByNullHandles) {
-    PGX_DicomDirPatientNode patient;
+    Patient patient;
     std::strcpy(patient.patientId, "4711");
     const char* id = pgKitDirGetPatientID(&patient);
     EXPECT_STREQ(pgKitDirGetPatientID(nullptr), "");
@@ -198,7 +206,7 @@ TEST(SharedText, IsNotTouchedByNullHandles) {
 }
 
 TEST(SharedText, Holds519Characters) {
-    PGX_DicomDirSeriesNode series;
+    Series series;
     for (const size_t length : {518, 519, 520, 1024}) {
         const std::string address(length, 'x');
         std::strcpy(series.institutionAddress, address.c_str());

@@ -21,59 +21,15 @@ size_t WholePatient(DirectoryBuilder& directory, const std::string& id, const st
     return patient;
 }
 
-TEST(PatientRecord, FillsTheKeysOfItsObject) {
+TEST(PatientRecord, MakesAnObjectThatKnowsItsRecord) {
     DirectoryBuilder directory;
-    const size_t record = WholePatient(directory, "4711", "DOE^JOHN", "1");
-    directory[record]
-        .Set(0x0010, 0x0030, "DA", "19700131")
-        .Set(0x0010, 0x0040, "CS", "M")
-        .Set(0x0008, 0x0005, "CS", "ISO_IR 100");
+    WholePatient(directory, "4711", "DOE^JOHN", "1");
     BrowsedDirectory browsed(directory);
     PGX_DicomDirPatientNode& patient = browsed.Patient();
-    EXPECT_STREQ(patient.patientId, "4711");
-    EXPECT_STREQ(patient.patientsName, "DOE^JOHN");
-    EXPECT_STREQ(patient.birthDate, "19700131");
-    EXPECT_STREQ(patient.sex, "M ");
-    EXPECT_STREQ(patient.specificCharacterSet, "ISO_IR 100");
     EXPECT_EQ(patient.flags, 0u);
     EXPECT_EQ(patient.clientFlags, 0u);
     EXPECT_EQ(patient.clientData, nullptr);
     EXPECT_EQ(patient.record, browsed->dataSet->FindNode(0x0004, 0x1220)->first);
-}
-
-TEST(PatientRecord, WithoutKeysGivesEmptyTexts) {
-    DirectoryBuilder directory;
-    const size_t record = WholePatient(directory, "4711", "DOE^JOHN", "1");
-    directory[record].Remove(0x0010, 0x0010).Remove(0x0010, 0x0020);
-    BrowsedDirectory browsed(directory);
-    for (const char* text :
-         {browsed.Patient().patientId, browsed.Patient().patientsName, browsed.Patient().birthDate,
-          browsed.Patient().sex, browsed.Patient().specificCharacterSet})
-        EXPECT_STREQ(text, "");
-}
-
-TEST(PatientRecord, BlanksAroundIdAndNameAreDropped) {
-    DirectoryBuilder directory;
-    WholePatient(directory, "  47 11 ", " DOE^JOHN  ", "1");
-    BrowsedDirectory browsed(directory);
-    EXPECT_STREQ(browsed.Patient().patientId, "47 11");
-    EXPECT_STREQ(browsed.Patient().patientsName, "DOE^JOHN");
-}
-
-TEST(PatientRecord, TextsAreCutToFit) {
-    DirectoryBuilder directory;
-    const size_t record =
-        WholePatient(directory, std::string(100, '4'), std::string(300, 'N'), "1");
-    directory[record]
-        .Set(0x0010, 0x0030, "DA", "1970013112")
-        .Set(0x0010, 0x0040, "CS", std::string(40, 'S'))
-        .Set(0x0008, 0x0005, "CS", std::string(80, 'C'));
-    BrowsedDirectory browsed(directory);
-    EXPECT_EQ(browsed.Patient().patientId, std::string(64, '4'));
-    EXPECT_EQ(browsed.Patient().patientsName, std::string(194, 'N'));
-    EXPECT_STREQ(browsed.Patient().birthDate, "19700131");
-    EXPECT_EQ(browsed.Patient().sex, std::string(16, 'S'));
-    EXPECT_EQ(browsed.Patient().specificCharacterSet, std::string(50, 'C'));
 }
 
 TEST(PatientRecord, IsCutBeforeItIsTrimmed) {
@@ -99,48 +55,56 @@ TEST(PatientRecord, MayBeOfAnyType) {
     EXPECT_EQ(BrowsedDirectory(directory).Outline(), "4711(1(1.1(1.1.1)))");
 }
 
-TEST(Patients, StandInTheOrderOfTheirRecords) {
+struct PatientKeys {
+    std::string id;
+    std::string name;
+    std::string studyUid;
+};
+
+// The hierarchy of a directory with these records.
+std::string OutlineOf(const std::vector<PatientKeys>& records) {
     DirectoryBuilder directory;
-    WholePatient(directory, "30", "C", "3");
-    WholePatient(directory, "10", "A", "1");
-    WholePatient(directory, "20", "B", "2");
-    EXPECT_EQ(BrowsedDirectory(directory).Outline(),
+    for (const PatientKeys& record : records)
+        WholePatient(directory, record.id, record.name, record.studyUid);
+    return BrowsedDirectory(directory).Outline();
+}
+
+TEST(Patients, StandInTheOrderOfTheirRecords) {
+    EXPECT_EQ(OutlineOf({{"30", "C", "3"}, {"10", "A", "1"}, {"20", "B", "2"}}),
               "30(3(3.1(3.1.1))) 10(1(1.1(1.1.1))) 20(2(2.1(2.1.1)))");
 }
 
 TEST(Patients, OfEqualIdAndNameAreMerged) {
+    EXPECT_EQ(
+        OutlineOf({{"4711", "DOE^JOHN", "1"}, {"4712", "ROE", "2"}, {"4711", "doe^john", "3"}}),
+        "4711(1(1.1(1.1.1)) 3(3.1(3.1.1))) 4712(2(2.1(2.1.1)))");
+}
+
+TEST(Patients, ThatAreMergedKeepTheNameOfTheFirst) {
     DirectoryBuilder directory;
     WholePatient(directory, "4711", "DOE^JOHN", "1");
-    WholePatient(directory, "4712", "ROE", "2");
     WholePatient(directory, "4711", "doe^john", "3");
-    BrowsedDirectory browsed(directory);
-    EXPECT_EQ(browsed.Outline(), "4711(1(1.1(1.1.1)) 3(3.1(3.1.1))) 4712(2(2.1(2.1.1)))");
-    EXPECT_STREQ(browsed.Patient().patientsName, "DOE^JOHN");
+    EXPECT_STREQ(BrowsedDirectory(directory).Patient().patientsName, "DOE^JOHN");
 }
 
 TEST(Patients, OfEqualIdAndOtherNamesAreNot) {
-    DirectoryBuilder directory;
-    WholePatient(directory, "4711", "DOE^JOHN", "1");
-    WholePatient(directory, "4711", "ROE^JOHN", "2");
-    WholePatient(directory, "4711", "ROE^JOHN", "3");
-    EXPECT_EQ(BrowsedDirectory(directory).Outline(),
-              "4711(1(1.1(1.1.1))) 4711(2(2.1(2.1.1)) 3(3.1(3.1.1)))");
+    EXPECT_EQ(
+        OutlineOf(
+            {{"4711", "DOE^JOHN", "1"}, {"4711", "ROE^JOHN", "2"}, {"4711", "ROE^JOHN", "3"}}),
+        "4711(1(1.1(1.1.1))) 4711(2(2.1(2.1.1)) 3(3.1(3.1.1)))");
 }
 
 TEST(Patients, IdsAreCaseSensitive) {
-    DirectoryBuilder directory;
-    WholePatient(directory, "a", "DOE", "1");
-    WholePatient(directory, "A", "DOE", "2");
-    EXPECT_EQ(BrowsedDirectory(directory).Outline(), "a(1(1.1(1.1.1))) A(2(2.1(2.1.1)))");
+    EXPECT_EQ(OutlineOf({{"a", "DOE", "1"}, {"A", "DOE", "2"}}),
+              "a(1(1.1(1.1.1))) A(2(2.1(2.1.1)))");
 }
 
 TEST(Patients, ThatAreMergedMayShareAStudy) {
     DirectoryBuilder directory;
-    const size_t first = WholePatient(directory, "4711", "DOE", "1");
+    WholePatient(directory, "4711", "DOE", "1");
     const size_t second = directory.Patient("4711", "DOE");
     const size_t study = directory.Study(second, "1");
     directory.Image(directory.Series(study, "1.1", "CT"), "1.1.2", 2);
-    (void)first;
     EXPECT_EQ(BrowsedDirectory(directory).Outline(), "4711(1(1.1(1.1.1 1.1.2)))");
 }
 
@@ -175,20 +139,25 @@ TEST(Patient, WithoutALowerLevelEndsTheBrowseAndStays) {
     EXPECT_EQ(browsed.Messages(), "DICOMDIR parsing error: Patient without Study\n");
 }
 
-TEST(Patient, WithoutTheLowerLevelElementEndsTheBrowseToo) {
-    DirectoryBuilder directory;
-    directory[WholePatient(directory, "1", "DOE", "1")].hasLower = false;
-    WholePatient(directory, "2", "ROE", "2");
-    BrowsedDirectory browsed(directory);
+// A directory whose first patient's record is damaged.
+class FirstOfTwoPatients : public testing::Test {
+  protected:
+    FirstOfTwoPatients() { WholePatient(directory_, "2", "ROE", "2"); }
+
+    DirectoryBuilder directory_;
+    size_t first_ = WholePatient(directory_, "1", "DOE", "1");
+};
+
+TEST_F(FirstOfTwoPatients, WithoutTheLowerLevelElementEndsTheBrowseToo) {
+    directory_[first_].hasLower = false;
+    BrowsedDirectory browsed(directory_);
     EXPECT_EQ(browsed.Outline(), "1()");
     EXPECT_EQ(browsed.Messages(), "DICOMDIR parsing error: Patient without Study\n");
 }
 
-TEST(Patient, WhoseLowerLevelIsLostEndsTheBrowseWithItsOffset) {
-    DirectoryBuilder directory;
-    directory[WholePatient(directory, "1", "DOE", "1")].lowerOffset = 123456;
-    WholePatient(directory, "2", "ROE", "2");
-    BrowsedDirectory browsed(directory);
+TEST_F(FirstOfTwoPatients, WhoseLowerLevelIsLostEndsTheBrowseWithItsOffset) {
+    directory_[first_].lowerOffset = 123456;
+    BrowsedDirectory browsed(directory_);
     EXPECT_EQ(browsed.Outline(), "1()");
     EXPECT_EQ(browsed.Messages(),
               "DICOMDIR resolve error : Item not found \n"
@@ -196,22 +165,18 @@ TEST(Patient, WhoseLowerLevelIsLostEndsTheBrowseWithItsOffset) {
               "DICOMDIR parsing error: Patient without Study\n");
 }
 
-TEST(Patient, WhoseNextRecordIsLostIsTheLast) {
-    DirectoryBuilder directory;
-    directory[WholePatient(directory, "1", "DOE", "1")].nextOffset = 123456;
-    WholePatient(directory, "2", "ROE", "2");
-    BrowsedDirectory browsed(directory);
+TEST_F(FirstOfTwoPatients, WhoseNextRecordIsLostIsTheLast) {
+    directory_[first_].nextOffset = 123456;
+    BrowsedDirectory browsed(directory_);
     EXPECT_EQ(browsed.Outline(), "1(1(1.1(1.1.1)))");
     EXPECT_EQ(browsed.Messages(),
               "DICOMDIR resolve error : Item not found \n"
               "DICOMDIR parsing error: Next Patient not found \n");
 }
 
-TEST(Patient, WithoutANextRecordElementIsTheLast) {
-    DirectoryBuilder directory;
-    directory[WholePatient(directory, "1", "DOE", "1")].hasNext = false;
-    WholePatient(directory, "2", "ROE", "2");
-    BrowsedDirectory browsed(directory);
+TEST_F(FirstOfTwoPatients, WithoutANextRecordElementIsTheLast) {
+    directory_[first_].hasNext = false;
+    BrowsedDirectory browsed(directory_);
     EXPECT_EQ(browsed.Outline(), "1(1(1.1(1.1.1)))");
     EXPECT_EQ(browsed.Messages(), "");
 }

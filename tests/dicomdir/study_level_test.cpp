@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "support/browsed_directory.h"
 #include "support/directory_builder.h"
@@ -24,67 +25,11 @@ class StudyLevel : public testing::Test {
     size_t patient_ = directory_.Patient("P", "DOE");
 };
 
-TEST_F(StudyLevel, RecordFillsTheKeysOfItsObject) {
-    const size_t record = WholeStudy("1.2");
-    directory_[record]
-        .Set(0x0020, 0x0010, "SH", " ST1 ")
-        .Set(0x0008, 0x0020, "DA", "20200131")
-        .Set(0x0008, 0x0030, "TM", "101112.123 ")
-        .Set(0x0008, 0x0050, "SH", " ACC ")
-        .Set(0x0008, 0x1030, "LO", " Head scan ")
-        .Set(0x0008, 0x0070, "LO", " Maker ")
-        .Set(0x0008, 0x0090, "PN", " REF^PHYS ")
-        .Set(0x0008, 0x0005, "CS", "ISO_IR 101 ");
+TEST_F(StudyLevel, AnObjectKnowsItsRecord) {
+    WholeStudy("1.2");
     BrowsedDirectory browsed(directory_);
-    PGX_DicomDirStudyNode& study = browsed.Study();
-    EXPECT_STREQ(study.studyInstanceUid, "1.2");
-    EXPECT_STREQ(study.studyId, "ST1");
-    EXPECT_STREQ(study.studyDate, "20200131");
-    EXPECT_STREQ(study.studyTime, "101112.123");
-    EXPECT_STREQ(study.accessionNumber, "ACC");
-    EXPECT_STREQ(study.studyDescription, "Head scan");
-    EXPECT_STREQ(study.manufacturer, "Maker");
-    EXPECT_STREQ(study.referringPhysiciansName, "REF^PHYS");
-    EXPECT_STREQ(study.specificCharacterSet, "ISO_IR 101");
-    EXPECT_EQ(study.flags, 0u);
-    EXPECT_EQ(study.record, browsed->dataSet->FindNode(0x0004, 0x1220)->first->next);
-}
-
-TEST_F(StudyLevel, RecordWithoutKeysGivesEmptyTexts) {
-    directory_[WholeStudy("1.2")].Remove(0x0020, 0x000D);
-    BrowsedDirectory browsed(directory_);
-    PGX_DicomDirStudyNode& study = browsed.Study();
-    for (const char* text :
-         {study.studyInstanceUid, study.studyId, study.studyDate, study.studyTime,
-          study.accessionNumber, study.studyDescription, study.manufacturer,
-          study.referringPhysiciansName, study.specificCharacterSet})
-        EXPECT_STREQ(text, "");
-    EXPECT_STREQ(study.modality, "CT");
-}
-
-TEST_F(StudyLevel, TextsAreCutToFit) {
-    const std::string text(300, 'x');
-    directory_[WholeStudy("1.2")]
-        .Set(0x0020, 0x000D, "UI", std::string(100, '1'))
-        .Set(0x0020, 0x0010, "SH", text)
-        .Set(0x0008, 0x0020, "DA", text)
-        .Set(0x0008, 0x0030, "TM", text)
-        .Set(0x0008, 0x0050, "SH", text)
-        .Set(0x0008, 0x1030, "LO", text)
-        .Set(0x0008, 0x0070, "LO", text)
-        .Set(0x0008, 0x0090, "PN", text)
-        .Set(0x0008, 0x0005, "CS", text);
-    BrowsedDirectory browsed(directory_);
-    PGX_DicomDirStudyNode& study = browsed.Study();
-    EXPECT_EQ(study.studyInstanceUid, std::string(64, '1'));
-    EXPECT_EQ(study.studyId, text.substr(0, 16));
-    EXPECT_EQ(study.studyDate, text.substr(0, 8));
-    EXPECT_EQ(study.studyTime, text.substr(0, 16));
-    EXPECT_EQ(study.accessionNumber, text.substr(0, 16));
-    EXPECT_EQ(study.studyDescription, text.substr(0, 64));
-    EXPECT_EQ(study.manufacturer, text.substr(0, 64));
-    EXPECT_EQ(study.referringPhysiciansName, text.substr(0, 194));
-    EXPECT_EQ(study.specificCharacterSet, text.substr(0, 50));
+    EXPECT_EQ(browsed.Study().flags, 0u);
+    EXPECT_EQ(browsed.Study().record, browsed->dataSet->FindNode(0x0004, 0x1220)->first->next);
 }
 
 TEST_F(StudyLevel, TheReferencedInstanceGoesBeforeTheStudyInstance) {
@@ -189,62 +134,46 @@ TEST_F(StudyLevel, ALostNextRecordEndsTheLevel) {
               "DICOMDIR parsing error: Next Study not found\n");
 }
 
-class StudyModality : public StudyLevel {
-  protected:
-    void AddSeries(size_t study, const std::string& modality) {
-        const std::string uid = "5." + std::to_string(directory_.Count());
-        directory_.Image(directory_.Series(study, uid, modality), uid + ".1", 1);
+// The modality of a study whose series have these.
+std::string ModalityOfStudyWith(const std::vector<std::string>& modalities) {
+    DirectoryBuilder directory;
+    const size_t study = directory.Study(directory.Patient("P", "DOE"), "1");
+    for (const std::string& modality : modalities) {
+        const std::string uid = "5." + std::to_string(directory.Count());
+        directory.Image(directory.Series(study, uid, modality), uid + ".1", 1);
     }
-};
-
-TEST_F(StudyModality, IsThatOfItsSeries) {
-    const size_t study = directory_.Study(patient_, "1");
-    AddSeries(study, "MR");
-    AddSeries(study, "MR");
-    EXPECT_STREQ(BrowsedDirectory(directory_).Study().modality, "MR");
+    return BrowsedDirectory(directory).Study().modality;
 }
 
-TEST_F(StudyModality, IsThreePointsWhenTheyDiffer) {
-    const size_t study = directory_.Study(patient_, "1");
-    AddSeries(study, "MR");
-    AddSeries(study, "CT");
-    AddSeries(study, "MR");
-    EXPECT_STREQ(BrowsedDirectory(directory_).Study().modality, "...");
+TEST(StudyModality, IsThatOfItsSeries) {
+    EXPECT_EQ(ModalityOfStudyWith({"CT"}), "CT");
+    EXPECT_EQ(ModalityOfStudyWith({"MR", "MR"}), "MR");
 }
 
-TEST_F(StudyModality, DiffersByCase) {
-    const size_t study = directory_.Study(patient_, "1");
-    AddSeries(study, "MR");
-    AddSeries(study, "mr");
-    EXPECT_STREQ(BrowsedDirectory(directory_).Study().modality, "...");
+TEST(StudyModality, IsThreePointsWhenTheyDiffer) {
+    EXPECT_EQ(ModalityOfStudyWith({"MR", "CT", "MR"}), "...");
 }
 
-TEST_F(StudyModality, SkipsLeadingSeriesWithoutOne) {
-    const size_t study = directory_.Study(patient_, "1");
-    AddSeries(study, "");
-    AddSeries(study, "US");
-    EXPECT_STREQ(BrowsedDirectory(directory_).Study().modality, "US");
+TEST(StudyModality, DiffersByCase) { EXPECT_EQ(ModalityOfStudyWith({"MR", "mr"}), "..."); }
+
+TEST(StudyModality, SkipsLeadingSeriesWithoutOne) {
+    EXPECT_EQ(ModalityOfStudyWith({"", "US"}), "US");
 }
 
-TEST_F(StudyModality, SeriesWithoutOneDifferFromThoseThatHaveOne) {
-    const size_t study = directory_.Study(patient_, "1");
-    AddSeries(study, "US");
-    AddSeries(study, "");
-    EXPECT_STREQ(BrowsedDirectory(directory_).Study().modality, "...");
+TEST(StudyModality, SeriesWithoutOneDifferFromThoseThatHaveOne) {
+    EXPECT_EQ(ModalityOfStudyWith({"US", ""}), "...");
 }
 
-TEST_F(StudyModality, CountsSeriesThatAreDroppedLater) {
-    const size_t study = directory_.Study(patient_, "1");
-    AddSeries(study, "MR");
+TEST_F(StudyLevel, ModalityCountsSeriesThatAreDroppedLater) {
+    const size_t study = WholeStudy("1", "MR");
     directory_.Child(directory_.Series(study, "6", "CT"), "PRIVATE");
     BrowsedDirectory browsed(directory_);
     EXPECT_EQ(browsed.Study().series.GetCount(), 1);
     EXPECT_STREQ(browsed.Study().modality, "...");
 }
 
-TEST_F(StudyModality, IsNotChangedByTheSeriesModalityThatLeavesSet) {
-    const size_t study = directory_.Study(patient_, "1");
-    const size_t series = directory_.Series(study, "5", "OT");
+TEST_F(StudyLevel, ModalityIsNotChangedByTheSeriesModalityThatLeavesSet) {
+    const size_t series = directory_.Series(directory_.Study(patient_, "1"), "5", "OT");
     directory_[directory_.Image(series, "5.1", 1)].Set(0x0004, 0x1510, "UI",
                                                        "1.2.840.10008.5.1.4.1.1.88.11");
     BrowsedDirectory browsed(directory_);

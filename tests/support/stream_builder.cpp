@@ -96,6 +96,12 @@ StreamBuilder& StreamBuilder::EndItem() { return Header(0xFFFE, 0xE00D, "", 0); 
 
 StreamBuilder& StreamBuilder::EndSequence() { return Header(0xFFFE, 0xE0DD, "", 0); }
 
+std::string OneItem(const StreamBuilder& content) {
+    StreamBuilder item;
+    item.Item(content.Size()).Append(content.Data());
+    return std::string(item.Data().begin(), item.Data().end());
+}
+
 std::string PaddedUid(std::string_view uid) {
     std::string padded(uid);
     if (padded.size() % 2 != 0) padded += '\0';

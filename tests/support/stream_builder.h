@@ -61,6 +61,9 @@ class StreamBuilder {
     Bytes bytes_;
 };
 
+// The value of a sequence of one item with this content.
+std::string OneItem(const StreamBuilder& content);
+
 // A UID with the NUL that makes its length even.
 std::string PaddedUid(std::string_view uid);
 
