@@ -73,7 +73,7 @@ constexpr size_t kUsualUid = 256;
 // A UID of the usual length needs no memory: without any, a file's identity would read as empty.
 bool ReadUidPrefix(const PGX_Node& node, uint8_t* out, size_t count) {
     const size_t available = AvailableLength(node);
-    uint8_t usual[kUsualUid];
+    uint8_t usual[kUsualUid] = {};
     const ValueBuffer unusual(available > kUsualUid ? NewValueBuffer(available) : nullptr);
     uint8_t* const text = available > kUsualUid ? unusual.get() : usual;
     if (text == nullptr) return false;
