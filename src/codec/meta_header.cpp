@@ -1,9 +1,11 @@
 #include "codec/meta_header.h"
 
-#include <cstring>
+#include <new>
 #include <string_view>
 
 #include "codec/transfer_syntax.h"
+#include "dataset/node_memory.h"
+#include "dataset/value_source.h"
 
 namespace pgkit {
 
@@ -45,6 +47,17 @@ std::string UidText(PGX_Node& element) {
     char text[kLongestUid + 1];
     element.GetStringValue(text, kLongestUid);
     return text;
+}
+
+std::optional<std::string> FetchUidText(PGX_Node& element) {
+    if (element.value != nullptr || !HasValue(element)) return UidText(element);
+    PGX_Node loaded(NT_DataElement, element.endian, element.group, element.element, 0, 0);
+    loaded.valueRep = element.valueRep;
+    loaded.length = AvailableLength(element);
+    loaded.value = NewValueBuffer(loaded.length);
+    if (loaded.value == nullptr) throw std::bad_alloc();
+    if (FetchValue(element, 0, loaded.value, loaded.length) < loaded.length) return std::nullopt;
+    return UidText(loaded);
 }
 
 }  // namespace pgkit

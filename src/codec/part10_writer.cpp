@@ -2,6 +2,8 @@
 #include <array>
 #include <cstring>
 #include <new>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -54,13 +56,14 @@ WriteResult ReconcileTransferSyntax(PGX_Node& root, uint32_t& mode) {
         if ((mode & PG_IMPLICIT_VR) == 0) mode |= PG_EXPLICIT_VR;
         return kWritten;
     }
-    const std::string uid = UidText(*element);
+    const std::optional<std::string> uid = FetchUidText(*element);
+    if (!uid) return kReadFailed;
     const uint32_t asked = mode;
-    if (uid == kExplicitVrBigEndianUid) {
+    if (*uid == kExplicitVrBigEndianUid) {
         mode = CompletedMode(mode, PG_BIG_ENDIAN, PG_EXPLICIT_VR);
-    } else if (uid == kExplicitVrLittleEndianUid) {
+    } else if (*uid == kExplicitVrLittleEndianUid) {
         mode = CompletedMode(mode, PG_LITTLE_ENDIAN, PG_EXPLICIT_VR);
-    } else if (uid == kImplicitVrLittleEndianUid) {
+    } else if (*uid == kImplicitVrLittleEndianUid) {
         mode = CompletedMode(mode, PG_LITTLE_ENDIAN, PG_IMPLICIT_VR);
     } else {
         mode = (mode & ~(PG_BIG_ENDIAN | PG_IMPLICIT_VR)) | PG_LITTLE_ENDIAN | PG_EXPLICIT_VR;

@@ -67,13 +67,19 @@ void PresentPrefix(const PGX_Node& node, uint8_t* bytes, size_t count) {
     std::memcpy(bytes + whole, last, count - whole);
 }
 
+// More than any UID has: 64 characters.
+constexpr size_t kUsualUid = 256;
+
+// A UID of the usual length needs no memory: without any, a file's identity would read as empty.
 bool ReadUidPrefix(const PGX_Node& node, uint8_t* out, size_t count) {
     const size_t available = AvailableLength(node);
-    const ValueBuffer text(NewValueBuffer(available));
+    uint8_t usual[kUsualUid] = {};
+    const ValueBuffer unusual(available > kUsualUid ? NewValueBuffer(available) : nullptr);
+    uint8_t* const text = available > kUsualUid ? unusual.get() : usual;
     if (text == nullptr) return false;
-    StripUid(text.get(), FetchValue(node, 0, text.get(), available));
+    StripUid(text, FetchValue(node, 0, text, available));
     const size_t copied = std::min(count, available);
-    std::memcpy(out, text.get(), copied);
+    std::memcpy(out, text, copied);
     std::memset(out + copied, 0, count - copied);
     return true;
 }

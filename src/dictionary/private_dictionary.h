@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -52,8 +52,9 @@ class PrivateDictionary {
 
     void AddLine(const char* line);
 
-    // In file order. A deque never moves its entries: the indexes refer to them.
-    std::deque<PrivateDictionaryEntry> entries_;
+    // In file order. A list never moves its entries, to which the indexes refer, and takes no
+    // memory while it is empty: the module can be loaded without any.
+    std::list<PrivateDictionaryEntry> entries_;
     std::unordered_map<uint32_t, const PrivateDictionaryEntry*> firstByTag_;
     std::unordered_map<CreatorKey, const PrivateDictionaryEntry*, CreatorKeyHash> firstByCreator_;
 };

@@ -32,17 +32,49 @@ inline StreamBuilder RichFile() {
     return file.EndSequence();
 }
 
-// Two patients with records on all levels.
-inline DirectoryBuilder RichDirectory() {
-    DirectoryBuilder directory;
+// The content of an Icon Image Sequence: two pixels.
+inline std::string SmallIcon() {
+    StreamBuilder icon;
+    icon.Item()
+        .Element(0x0028, 0x0004, "CS", "MONOCHROME2 ")
+        .ElementUS(0x0028, 0x0010, 1)
+        .ElementUS(0x0028, 0x0011, 2)
+        .ElementUS(0x0028, 0x0100, 8)
+        .ElementUS(0x0028, 0x0102, 7)
+        .Element(0x7FE0, 0x0010, "OB", "\x12\x34")
+        .EndItem();
+    return std::string(icon.Data().begin(), icon.Data().end());
+}
+
+// The content of a Concept Name Code Sequence.
+inline std::string SmallTitle() {
+    StreamBuilder title;
+    title.Item().Element(0x0008, 0x0104, "LO", "A title of some length").EndItem();
+    return std::string(title.Data().begin(), title.Data().end());
+}
+
+// Two patients with records on all levels, and all that these own.
+inline void AddRichPatients(DirectoryBuilder& directory) {
     for (const char* id : {"4711", "4712"}) {
         const std::string uid = std::string("1.2.") + id;
         const size_t patient = directory.Patient(id, "DOE^JOHN");
         const size_t study = directory.Study(patient, uid);
         const size_t series = directory.Series(study, uid + ".1", "CT");
-        directory.Image(series, uid + ".1.1", 1, "IMG\\X1");
+        const size_t image = directory.Image(series, uid + ".1.1", 1, "IMG\\X1");
         directory.Image(series, uid + ".1.2", 2, "IMG\\X2");
+        const size_t report = directory.Child(series, "SR DOCUMENT");
+        directory[series].Set(0x0088, 0x0200, "SQ", SmallIcon());
+        directory[image].Set(0x0088, 0x0200, "SQ", SmallIcon());
+        directory[report].Set(0x0004, 0x1500, "CS", "IMG\\X3");
+        directory[report].Set(0x0004, 0x1510, "UI", "1.2.840.10008.5.1.4.1.1.88.11");
+        directory[report].Set(0x0004, 0x1511, "UI", uid + ".1.3");
+        directory[report].Set(0x0040, 0xA043, "SQ", SmallTitle());
     }
+}
+
+inline DirectoryBuilder RichDirectory() {
+    DirectoryBuilder directory;
+    AddRichPatients(directory);
     return directory;
 }
 

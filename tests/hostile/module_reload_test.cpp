@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <pgkit/dictionary.h>
 
+#include "hostile/every_failure.h"
 #include "platform/loaded_module.h"
 
 namespace {
@@ -24,6 +25,16 @@ TEST(ModuleReload, AThousandTimesLeavesItUsable) {
         ASSERT_EQ(find(0x0010, 0x0010), pgFindValueRepresentation(0x0010, 0x0010)) << i;
         platform::CloseModule(module);
     }
+}
+
+// Where the system lets a program replace operator new for the modules that it loads. Such a module
+// used to end the program when it was loaded.
+TEST(ModuleReload, WithoutMemoryDoesNotEndTheHost) {
+    pgkit_test::SweepFailures<pgkit_test::FailingNew>([](auto&& whileFailing) {
+        void* module = nullptr;
+        whileFailing([&] { module = LoadLibrary(); });
+        platform::CloseModule(module);
+    });
 }
 
 }  // namespace

@@ -131,11 +131,25 @@ TEST_F(OutOfMemory, PassesThroughTheGetters) {
             char text[400];
             root.FindNode(0x0008, 0x0016)->GetStringValue(text, sizeof text - 1);
             root.FindNode(0x0028, 0x0030)->GetDSDoubleValue();
+            PGX_Node* const code = root.FindNode(0x0040, 0xA730)->first->first->first;
+            code->FindNode(0x0008, 0x0104)->GetDSDoubleValue();
             root.FindNode(0x0009, 0x1001)->GetTagName(text);
             root.FindNode(0x7FE0, 0x0010)->GetPixelData(0, 4, text);
         },
         0);
     EXPECT_GE(allocations, 1u);
+}
+
+// A UID that reads as empty is taken for that of another file.
+TEST_F(OutOfMemory, LeavesUidsReadable) {
+    for (const uint32_t maxLoadLength : {0u, kLoadAll}) {
+        const DataSet root(pgOpenDataSetFile(path_.c_str(), maxLoadLength));
+        PGX_Node* const uid = Child(root.get(), 0x0008, 0x0016);
+        char text[65] = {};
+        const FailingNew failing(0);
+        EXPECT_EQ(uid->GetStringValue(text, 64), 1);
+        EXPECT_STREQ(text, "1.2.840.10008.5.1.4.1.1.2");
+    }
 }
 
 TEST_F(OutOfMemory, LeavesADumpIncomplete) {
@@ -188,14 +202,14 @@ TEST_F(OutOfMemory, LeavesASopClassSetUsable) {
 
 class OutOfMemoryWithMedia : public OutOfMemory {
   protected:
-    // The tags of each record of the written DICOMDIR, in any order.
+    // The keys of each record of the written DICOMDIR and their lengths, in any order.
     std::set<std::string> RecordsWritten() const {
         std::set<std::string> records;
         const DataSet written = medium_.Written();
         PGX_Node* sequence = written == nullptr ? nullptr : written->FindNode(0x0004, 0x1220);
         for (PGX_Node* item = sequence == nullptr ? nullptr : sequence->first; item != nullptr;
              item = item->next)
-            records.insert(Tags(item));
+            records.insert(Describe(item));
         return records;
     }
 
@@ -241,8 +255,8 @@ TEST_F(OutOfMemoryWithMedia, WritesNoRecordWithoutItsKeys) {
     const size_t allocations = Sweep([&](auto&& whileFailing) {
         if (medium_.Create(whileFailing) != 0) return;
         EXPECT_EQ(Tags(medium_.Written().get()), expectedHead);
-        for (const std::string& tags : RecordsWritten())
-            EXPECT_EQ(expected.count(tags), 1u) << tags;
+        for (const std::string& keys : RecordsWritten())
+            EXPECT_EQ(expected.count(keys), 1u) << keys;
     });
     EXPECT_GE(allocations, 100u);
 }

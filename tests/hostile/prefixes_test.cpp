@@ -1,24 +1,41 @@
 // Files that end at any byte, and files with any byte changed.
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
 
 #include "hostile/hostile_file.h"
+#include "support/captured.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace pgkit_test;
 
-constexpr uint64_t kSmall = 1000;
+// Files are cut at every byte up to here, and behind it at every seventh: as headers and values are
+// of even lengths, that is in turn at every byte of them.
+constexpr uint64_t kEveryByte = 700;
+constexpr uint64_t kStride = 7;
 
-std::vector<fs::path> SmallSamples() {
+std::vector<fs::path> Samples() {
     std::vector<fs::path> paths;
-    for (const char* folder : {"bad", "charset", "encapsulated", "headerless", "native"}) {
-        for (const fs::directory_entry& entry : fs::directory_iterator(TestData(folder))) {
-            if (entry.file_size() <= kSmall) paths.push_back(entry.path());
-        }
+    for (const char* folder :
+         {"bad", "charset", "dicomdir", "encapsulated", "headerless", "native", "sequences"}) {
+        for (const fs::directory_entry& entry : fs::directory_iterator(TestData(folder)))
+            paths.push_back(entry.path());
     }
     return paths;
+}
+
+// The sizes to cut a file to, the largest first.
+std::vector<uint64_t> SizesToTry(const std::string& path) {
+    std::vector<uint64_t> sizes;
+    for (uint64_t size = fs::file_size(path); size-- > 0;) {
+        if (size < kEveryByte || size % kStride == 0) sizes.push_back(size);
+    }
+    return sizes;
 }
 
 void OpenAndRead(const std::string& path, uint32_t maxLoadLength) {
@@ -26,17 +43,40 @@ void OpenAndRead(const std::string& path, uint32_t maxLoadLength) {
     if (root != nullptr) ReadEverything(root.get());
 }
 
-TEST(HostileSamples, MayEndAtAnyByte) {
-    const std::vector<fs::path> samples = SmallSamples();
-    EXPECT_GE(samples.size(), 7u);
+// Each in its turn, at even and odd sizes. Values that are read when they are asked for take long.
+uint32_t LimitFor(uint64_t size) {
+    constexpr uint32_t kLimits[] = {0, kLoadAll, 16, kLoadAll, kLoadAll};
+    return kLimits[size % std::size(kLimits)];
+}
+
+TEST(HostileSamples, MayEndAnywhere) {
+    const std::vector<fs::path> samples = Samples();
+    EXPECT_GE(samples.size(), 25u);
     const TempDir directory;
     for (const fs::path& sample : samples) {
         const std::string path = directory.Write("sample", ReadFile(sample.string()));
-        for (uint64_t size = fs::file_size(path); size-- > 0;) {
+        for (const uint64_t size : SizesToTry(path)) {
             fs::resize_file(path, size);
-            OpenAndRead(path, size % 2 == 0 ? 0 : kLoadAll);
+            OpenAndRead(path, LimitFor(size));
         }
     }
+}
+
+TEST(HostileSamples, MayBeADicomdirThatEndsAnywhere) {
+    const TempDir directory;
+    const std::string path =
+        directory.Write("DICOMDIR", ReadFile(TestData("dicomdir/DICOMDIR_implicit")));
+    size_t most = 0;
+    CapturePrinted([&] {
+        for (const uint64_t size : SizesToTry(path)) {
+            fs::resize_file(path, size);
+            PGX_DicomDir dicomDir;
+            if (dicomDir.OpenDicomDir(path.c_str(), LimitFor(size)) == 0) continue;
+            dicomDir.Browse(nullptr, nullptr);
+            most = std::max<size_t>(most, static_cast<size_t>(dicomDir.leafCount));
+        }
+    });
+    EXPECT_GE(most, 5u);
 }
 
 TEST(HostileSamples, MayHaveAnyByteChanged) {

@@ -1,6 +1,7 @@
 #include "dicomdir/create/icon_making.h"
 
 #include <cstring>
+#include <new>
 
 #include "dicomdir/create/imaging_module.h"
 
@@ -52,14 +53,23 @@ BitmapHandle ZoomedToFit(const ImagingModule& module, void* bitmap, uint32_t edg
     return BitmapHandle(zoom > 0 ? module.newZoomedBitmap(bitmap, zoom) : nullptr);
 }
 
-}  // namespace
-
-BitmapHandle NewImageIcon(const char* path, uint32_t edge) {
-    if (edge == 0 || edge > kLongestEdge) return nullptr;
+BitmapHandle NewIconOfModule(const char* path, uint32_t edge) {
     const ImagingModule module;
     if (!module.IsUsable()) return nullptr;
     const BitmapHandle frame = LoadedImage(module, path).TypicalFrame();
     return frame == nullptr ? nullptr : ZoomedToFit(module, frame.get(), edge);
+}
+
+}  // namespace
+
+BitmapHandle NewImageIcon(const char* path, uint32_t edge) {
+    if (edge == 0 || edge > kLongestEdge) return nullptr;
+    try {
+        return NewIconOfModule(path, edge);
+    } catch (const std::bad_alloc&) {
+        // The image needs no icon to be accepted.
+        return nullptr;
+    }
 }
 
 BitmapHandle CopyOfIcon(void* bitmap) {
