@@ -1,6 +1,5 @@
 #include "codec/output_writer.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -32,37 +31,16 @@ bool OutputWriter::Drain() {
     return !failed_;
 }
 
-WriteResult OutputWriter::Write(const void* data, size_t count) {
-    const auto* bytes = static_cast<const uint8_t*>(data);
-    return count < kCapacity ? WriteSmall(bytes, count) : WriteLarge(bytes, count);
-}
-
-WriteResult OutputWriter::WriteSmall(const uint8_t* bytes, size_t count) {
-    if (failed_) return kWriteFailed;
-    const size_t fitting = std::min(count, kCapacity - used_);
-    Append(bytes, fitting);
-    if (fitting == count) return kWritten;
-    if (!Drain()) return kWriteFailed;
-    Append(bytes + fitting, count - fitting);
-    return kWritten;
-}
-
-// As one write of the sink.
-WriteResult OutputWriter::WriteLarge(const uint8_t* bytes, size_t count) {
-    if (!Drain()) return kWriteFailed;
-    failed_ = !sink_.Write(bytes, count);
+WriteResult OutputWriter::Write(const void* bytes, size_t count) {
+    if (failed_ || (count > kCapacity - used_ && !Drain())) return kWriteFailed;
+    if (count < kCapacity) {
+        std::memcpy(buffer_.get() + used_, bytes, count);
+        used_ += count;
+        return kWritten;
+    }
+    failed_ = !sink_.Write(static_cast<const uint8_t*>(bytes), count);
     if (drainedPosition_) *drainedPosition_ += count;
     return failed_ ? kWriteFailed : kWritten;
-}
-
-void OutputWriter::Append(const uint8_t* bytes, size_t count) {
-    std::memcpy(buffer_.get() + used_, bytes, count);
-    used_ += count;
-}
-
-size_t OutputWriter::NextPiece(size_t unit) const {
-    const size_t room = kCapacity - used_;
-    return room < unit ? kCapacity : room - room % unit;
 }
 
 uint8_t* OutputWriter::Reserve(size_t count) {

@@ -52,9 +52,6 @@ class OutputWriter {
 
     WriteResult Write(const void* bytes, size_t count);
 
-    // How many bytes of whole units to reserve next so that the buffer goes out full: the writes
-    // then begin at multiples of its size, where the system's caches take them in large pieces.
-    size_t NextPiece(size_t unit) const;
     // Room for count bytes, at most kCapacity, to be filled and then committed in whole or in part;
     // null when writing has failed.
     uint8_t* Reserve(size_t count);
@@ -68,9 +65,6 @@ class OutputWriter {
     std::optional<uint64_t> Position() const;
 
   private:
-    WriteResult WriteSmall(const uint8_t* bytes, size_t count);
-    WriteResult WriteLarge(const uint8_t* bytes, size_t count);
-    void Append(const uint8_t* bytes, size_t count);
     bool Drain();
 
     ByteSink& sink_;

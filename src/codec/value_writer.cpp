@@ -38,7 +38,8 @@ WriteResult CopyBytes(StreamReader* source, uint64_t length, size_t unit, LastBy
                       OutputWriter& out) {
     if (source == nullptr) return out.Fail(kNoSource);
     while (length > 0) {
-        const auto size = static_cast<size_t>(std::min<uint64_t>(length, out.NextPiece(unit)));
+        const size_t size =
+            static_cast<size_t>(std::min<uint64_t>(length, OutputWriter::kCapacity));
         uint8_t* piece = out.Reserve(size);
         if (piece == nullptr) return kWriteFailed;
         const size_t got = source->Read(piece, size);
@@ -63,7 +64,7 @@ WriteResult WriteValue(const uint8_t* value, uint32_t vr, uint32_t length, Outpu
     const size_t unit = swap ? SwapUnit(vr) : 1;
     if (unit == 1) return WriteAsIs(value, length, out);
     for (size_t done = 0; done < length;) {
-        const size_t size = std::min(length - done, out.NextPiece(unit));
+        const size_t size = std::min<size_t>(length - done, OutputWriter::kCapacity);
         uint8_t* piece = out.Reserve(size);
         if (piece == nullptr) return kWriteFailed;
         std::memcpy(piece, value + done, size);

@@ -48,35 +48,6 @@ TEST(OutputWriter, ReservesRoomUpToItsCapacityWhateverItHolds) {
     EXPECT_EQ(sink.Written().size(), 2 + OutputWriter::kCapacity);
 }
 
-TEST(OutputWriter, FillsItsBufferBeforeItWrites) {
-    FailingSink sink;
-    OutputWriter out(sink);
-    const Bytes bytes(OutputWriter::kCapacity - 1);
-    out.Write("abc", 3);
-    out.Write(bytes.data(), bytes.size());
-    EXPECT_EQ(sink.Written().size(), OutputWriter::kCapacity);
-    EXPECT_EQ(out.NextPiece(1), OutputWriter::kCapacity - 2);
-}
-
-TEST(OutputWriter, ProposesPiecesThatEndBetweenUnitsAndFillTheBuffer) {
-    FailingSink sink;
-    OutputWriter out(sink);
-    EXPECT_EQ(out.NextPiece(8), OutputWriter::kCapacity);
-    out.Write("abc", 3);
-    EXPECT_EQ(out.NextPiece(1), OutputWriter::kCapacity - 3);
-    EXPECT_EQ(out.NextPiece(2), OutputWriter::kCapacity - 4);
-    EXPECT_EQ(out.NextPiece(8), OutputWriter::kCapacity - 8);
-}
-
-TEST(OutputWriter, ProposesAWholeBufferWhenNoUnitFitsTheRestOfThisOne) {
-    FailingSink sink;
-    OutputWriter out(sink);
-    const Bytes bytes(OutputWriter::kCapacity - 3);
-    out.Write(bytes.data(), bytes.size());
-    EXPECT_EQ(out.NextPiece(2), 2u);
-    EXPECT_EQ(out.NextPiece(4), OutputWriter::kCapacity);
-}
-
 TEST(OutputWriter, CommitsOnlyAPartOfWhatWasReserved) {
     FailingSink sink;
     OutputWriter out(sink);
