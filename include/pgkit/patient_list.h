@@ -24,7 +24,8 @@ PGKIT_API void pgEmptyPatientList(PGX_List* patients);
 
 // Each removes one object of the hierarchy and destroys it, together with the parents that it
 // leaves without children. An object that is not in the hierarchy stays alive, but for a patient,
-// which is destroyed all the same. A null list or object does nothing.
+// which is destroyed all the same. A null list or object does nothing, unless a list of series or
+// leaves holds a null, which is taken out then.
 PGKIT_API void pgRemovePatient(PGX_List* patients, PGX_DicomDirPatientNode* patient);
 PGKIT_API void pgRemoveStudy(PGX_List* patients, PGX_DicomDirStudyNode* study);
 PGKIT_API void pgRemoveSeries(PGX_List* patients, PGX_DicomDirSeriesNode* series);

@@ -26,9 +26,9 @@ constexpr uint32_t kPrivateLoadLimit = 22;
 constexpr size_t kMaxPrivateCreators = 39;
 constexpr uint32_t kMaxCreatorLength = 64;
 
-// A value that the stream does not hold in full is loaded all the same, zeros at its end, while it
-// is small. A large one stays where it is: its declared length is not worth the memory.
-constexpr uint32_t kAlwaysLoadable = 64 * 1024;
+// A value that the stream does not hold in full is loaded all the same, zeros at its end, up to
+// this length. What exceeds it stays where it is: a declared length is not worth any memory.
+constexpr uint32_t kAlwaysLoadable = 64 << 20;
 
 bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
     return declaredLength != kUndefinedLength && bytes >= declaredLength;
@@ -73,6 +73,13 @@ char* DataSetParser::NewTagName(std::string_view name) {
 uint8_t* DataSetParser::NewValue(uint32_t length) {
     auto* value = static_cast<uint8_t*>(memory_.Allocate(length));
     if (value == nullptr) value = NewUnfilledValueBuffer(length);
+    if (value == nullptr) throw std::bad_alloc();
+    return value;
+}
+
+// Of which no more memory is used than is written to.
+uint8_t* DataSetParser::NewZeroedValue(uint32_t length) {
+    uint8_t* value = NewValueBuffer(length);
     if (value == nullptr) throw std::bad_alloc();
     return value;
 }
@@ -265,14 +272,15 @@ void DataSetParser::ReadValue(PGX_Node& element) {
     uint32_t limit = maxLoadLength_;
     if (IsPrivateGroup(element.group)) limit = std::min(limit, kPrivateLoadLimit);
     const uint32_t length = element.length;
-    const bool load = length < limit && (length <= kAlwaysLoadable || reader_.Holds(length));
+    const bool isWhole = reader_.Holds(length);
+    const bool load = length < limit && (isWhole || length <= kAlwaysLoadable);
     if (!load || length == 0) {
         reader_.Skip(length);
         return;
     }
-    element.value = NewValue(length);
+    element.value = isWhole ? NewValue(length) : NewZeroedValue(length);
     const size_t available = reader_.Read(element.value, length);
-    std::memset(element.value + available, 0, length - available);
+    std::memset(element.value + available, 0, isWhole ? length - available : 0);
     reader_.Skip(length - available);
 }
 

@@ -58,6 +58,7 @@ class DataSetParser {
     PGX_Node* NewNode(Arguments... arguments);
     char* NewTagName(std::string_view name);
     uint8_t* NewValue(uint32_t length);
+    uint8_t* NewZeroedValue(uint32_t length);
 
     void OpenDataSet(Level& level, PGX_Node* node, uint32_t declaredLength);
     bool OpenNextItem(Level& level);

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 
 namespace pgkit {
@@ -15,7 +16,7 @@ class Collector {
     WalkStep Enter(PGX_Node& node, size_t depth) {
         path_.resize(depth);
         const bool isElement = node.nodeType == NT_DataElement;
-        if (isElement && (node.encapsulated != 0 || node.group == 0x0002)) AddPath();
+        if (isElement && HasUncountedSize(node)) AddPath();
         if (isElement && node.valueRep != VR_SQ) return WalkStep::SkipChildren;
         path_.push_back(&node);
         return WalkStep::Continue;
@@ -24,6 +25,12 @@ class Collector {
     WalkStep Leave(PGX_Node&, size_t) { return WalkStep::Continue; }
 
   private:
+    // Elements whose written size no computed length counts.
+    static bool HasUncountedSize(const PGX_Node& element) {
+        const bool isUndefined = element.valueRep != VR_SQ && element.length == kUndefinedLength;
+        return element.encapsulated != 0 || element.group == 0x0002 || isUndefined;
+    }
+
     // What is in the set already is so with all that is around it.
     void AddPath() {
         for (auto container = path_.rbegin(); container != path_.rend(); ++container) {

@@ -37,12 +37,12 @@ class LengthComputation {
 
     WalkStep Leave(PGX_Node& node, size_t) {
         if (open_.back().node != &node) return WalkStep::Continue;
-        node.length =
-            static_cast<uint32_t>(std::min<uint64_t>(open_.back().total, kUndefinedLength));
+        const uint64_t total = open_.back().total;
+        node.length = static_cast<uint32_t>(std::min<uint64_t>(total, kUndefinedLength));
         open_.pop_back();
         if (open_.empty()) return WalkStep::Continue;
-        open_.back().total +=
-            node.nodeType == NT_DataSet ? node.length + kItemHeaderSize : ElementSize(node);
+        const bool isItem = node.nodeType == NT_DataSet;
+        open_.back().total += total + (isItem ? kItemHeaderSize : HeaderSize(node));
         return WalkStep::Continue;
     }
 
@@ -53,9 +53,15 @@ class LengthComputation {
         uint64_t total;
     };
 
+    uint32_t HeaderSize(const PGX_Node& element) const {
+        return explicitVr_ && HasLongHeader(element.valueRep) ? 12 : 8;
+    }
+
+    // An undefined length counts as the number it is written as, in 32 bits. What is around such
+    // an element is written without the length that comes of it.
     uint64_t ElementSize(const PGX_Node& element) const {
-        const bool longHeader = explicitVr_ && HasLongHeader(element.valueRep);
-        return uint64_t{element.length} + (longHeader ? 12 : 8);
+        if (element.length == kUndefinedLength) return HeaderSize(element) - 1;
+        return uint64_t{element.length} + HeaderSize(element);
     }
 
     bool explicitVr_;

@@ -16,10 +16,8 @@ constexpr uint64_t kItemHeaderSize = 8;
 // Of an element of VR UL, in explicit and in implicit VR.
 constexpr uint64_t kElementHeaderSize = 8;
 
-bool IsPendingOffset(const PGX_Node& node) {
-    if (node.nodeType != NT_DataElement || node.group != 0x0004 || node.offsetPending == 0) {
-        return false;
-    }
+bool IsOffset(const PGX_Node& node) {
+    if (node.nodeType != NT_DataElement || node.group != 0x0004) return false;
     switch (node.element) {
         case 0x1200:  // first record of the root entity
         case 0x1202:  // last record of the root entity
@@ -52,13 +50,30 @@ bool StoreOffset(PGX_Node& element, uint32_t offset) {
     return stored;
 }
 
-WriteResult PutOffset(PGX_Node& element, std::optional<uint32_t> offset,
-                      std::optional<uint64_t> valuePosition, FILE* stream) {
+WriteResult WriteOffset(std::optional<uint32_t> offset, std::optional<uint64_t> valuePosition,
+                        FILE* stream, ByteOrder order) {
     if (!offset || !valuePosition) return kWriteFailed;
-    if (!StoreOffset(element, *offset)) return kOutOfMemory;
+    uint8_t bytes[sizeof *offset];
+    Store(bytes, *offset, order);
     const bool written = platform::Seek(stream, *valuePosition) &&
-                         std::fwrite(&*offset, 1, sizeof *offset, stream) == sizeof *offset;
+                         std::fwrite(bytes, 1, sizeof bytes, stream) == sizeof bytes;
     return written ? kWritten : kWriteFailed;
+}
+
+// Items that were read keep the position they were read from, and what counts in the tree are the
+// positions of its nodes: links go on leading to their targets when the tree is browsed again.
+std::optional<uint32_t> OffsetInTree(const PGX_Node& target, std::optional<uint32_t> inFile) {
+    return target.file != nullptr ? OffsetOfItem(NodePosition(target)) : inFile;
+}
+
+// The item that was read from where the offset says.
+PGX_Node* ItemReadFrom(PGX_Node& root, uint32_t offset) {
+    PGX_Node* const records = root.FindNode(0x0004, 0x1220);
+    if (offset == 0 || records == nullptr) return nullptr;
+    for (PGX_Node* item = records->first; item != nullptr; item = item->next) {
+        if (item->file != nullptr && OffsetOfItem(NodePosition(*item)) == offset) return item;
+    }
+    return nullptr;
 }
 
 // Patches from the positions that stand in the nodes.
@@ -69,7 +84,7 @@ class PatchFromNodes {
     WriteResult Result() const { return result_; }
 
     WalkStep Enter(PGX_Node& node, size_t) {
-        if (!IsPendingOffset(node)) return WalkStep::Continue;
+        if (!IsOffset(node) || node.offsetPending == 0) return WalkStep::Continue;
         result_ = Patch(node);
         if (result_ != kWritten) return WalkStep::Unwind;
         node.offsetPending = 0;
@@ -83,8 +98,10 @@ class PatchFromNodes {
         if (element.offsetTarget == nullptr) return kWritten;
         std::optional<uint64_t> valuePosition = NodePosition(element);
         if (valuePosition) *valuePosition += kElementHeaderSize;
-        return PutOffset(element, OffsetOfItem(NodePosition(*element.offsetTarget)), valuePosition,
-                         stream_);
+        const auto offset = OffsetOfItem(NodePosition(*element.offsetTarget));
+        if (!offset || !valuePosition) return kWriteFailed;
+        if (!StoreOffset(element, *offset)) return kOutOfMemory;
+        return WriteOffset(offset, valuePosition, stream_, kHostByteOrder);
     }
 
     FILE* stream_;
@@ -93,41 +110,75 @@ class PatchFromNodes {
 
 }  // namespace
 
+PendingOffsets::PendingOffsets(PGX_Node& root) {
+    WalkTree(root, *this);
+    if (!positions_.Empty()) AddRootLinks(root);
+}
+
 WalkStep PendingOffsets::Enter(PGX_Node& node, size_t) {
-    if (!IsPendingOffset(node)) return WalkStep::Continue;
-    elements_.push_back(&node);
-    if (node.offsetTarget != nullptr) {
-        positions_.Want(node);
-        positions_.Want(*node.offsetTarget);
-        if (node.length != sizeof(uint32_t)) StoreOffset(node, 0);
-    }
+    if (!IsOffset(node)) return WalkStep::Continue;
+    if (node.offsetPending != 0 || node.offsetTarget != nullptr) Add(node, node.offsetTarget);
     return WalkStep::SkipChildren;
 }
 
-PendingOffsets::PendingOffsets(PGX_Node& root) { WalkTree(root, *this); }
-
-WriteResult PendingOffsets::PatchElement(PGX_Node& element, FILE* stream) {
-    if (element.offsetTarget == nullptr) return kWritten;
-    const std::optional<uint64_t> valuePosition = positions_.Find(element);
-    // Not part of what was written: there is nothing to correct.
-    if (!valuePosition) return kWritten;
-    std::optional<uint64_t> target = positions_.Find(*element.offsetTarget);
-    if (!target) target = NodePosition(*element.offsetTarget);
-    return PutOffset(element, OffsetOfItem(target), valuePosition, stream);
+void PendingOffsets::AddRootLinks(PGX_Node& root) {
+    for (const uint16_t number : {uint16_t{0x1200}, uint16_t{0x1202}}) {
+        PGX_Node* const element = root.FindNode(0x0004, number);
+        if (element == nullptr || element->offsetPending != 0) continue;
+        PGX_Node* const item = ItemReadFrom(root, element->GetULValue());
+        if (item != nullptr) Add(*element, item);
+    }
 }
 
-WriteResult PendingOffsets::PatchElements(FILE* stream) {
-    for (PGX_Node* element : elements_) {
-        const WriteResult result = PatchElement(*element, stream);
+void PendingOffsets::Add(PGX_Node& element, PGX_Node* target) {
+    links_.push_back({&element, target});
+    if (target == nullptr) return;
+    positions_.Want(&element);
+    positions_.Want(target);
+    const bool hasRoom = element.length == sizeof(uint32_t);
+    if (element.offsetPending != 0 && !hasRoom) StoreOffset(element, 0);
+}
+
+WriteResult PendingOffsets::PatchPending(const Link& link, FILE* stream, ByteOrder order) {
+    if (link.target == nullptr) return kWritten;
+    const std::optional<uint64_t> valuePosition = positions_.Find(link.element);
+    // Not part of what was written: there is nothing to correct.
+    if (!valuePosition) return kWritten;
+    std::optional<uint64_t> position = positions_.Find(link.target);
+    if (!position) position = NodePosition(*link.target);
+    const std::optional<uint32_t> offset = OffsetOfItem(position);
+    if (!offset) return kWriteFailed;
+    const uint32_t inTree = OffsetInTree(*link.target, offset).value_or(*offset);
+    if (!StoreOffset(*link.element, inTree)) return kOutOfMemory;
+    return WriteOffset(offset, valuePosition, stream, order);
+}
+
+WriteResult PendingOffsets::PatchSettled(const Link& link, FILE* stream, ByteOrder order) {
+    const std::optional<uint64_t> valuePosition = positions_.Find(link.element);
+    const std::optional<uint64_t> position = positions_.Find(link.target);
+    if (!valuePosition || !position || link.target->file == nullptr) return kWritten;
+    // Whoever has given it another value wanted that.
+    const std::optional<uint32_t> inTree = OffsetInTree(*link.target, std::nullopt);
+    const bool isValid = link.element->length == sizeof(uint32_t) &&
+                         inTree == std::optional<uint32_t>(link.element->GetULValue());
+    if (!isValid) return kWritten;
+    return WriteOffset(OffsetOfItem(position), valuePosition, stream, order);
+}
+
+WriteResult PendingOffsets::PatchLinks(FILE* stream, ByteOrder order) {
+    for (const Link& link : links_) {
+        const bool isPending = link.element->offsetPending != 0;
+        const WriteResult result =
+            isPending ? PatchPending(link, stream, order) : PatchSettled(link, stream, order);
         if (result != kWritten) return result;
-        element->offsetPending = 0;
+        link.element->offsetPending = 0;
     }
     return kWritten;
 }
 
-WriteResult PendingOffsets::Patch(platform::FileHandle file) {
+WriteResult PendingOffsets::Patch(platform::FileHandle file, ByteOrder order) {
     if (file == nullptr) return kCannotReopen;
-    const WriteResult result = PatchElements(file.get());
+    const WriteResult result = PatchLinks(file.get(), order);
     return CloseWritten(std::move(file), result);
 }
 

@@ -8,35 +8,46 @@
 #include "codec/write_result.h"
 #include "codec/written_positions.h"
 #include "dataset/tree_walk.h"
+#include "frame/byte_order.h"
 #include "pgkit/node.h"
 #include "platform/file_handle.h"
 
 namespace pgkit {
 
-// The offset elements of one tree that are to be patched after a save, and where they and their
-// targets were written.
+// The links of one tree that are to be put right after a save, and where they and their targets
+// were written: those that are pending; those of records that an earlier save has settled; and,
+// where there are any of these, those to the first and the last record.
 class PendingOffsets {
   public:
-    // Finds them. Each gets a value of four bytes, so that there is room for the offset. Throws
-    // std::bad_alloc.
+    // Finds them. A pending one gets a value of four bytes, so that there is room for the offset.
+    // Throws std::bad_alloc.
     explicit PendingOffsets(PGX_Node& root);
 
     // To be filled while the tree is written.
     WrittenPositions& Positions() { return positions_; }
 
-    // Puts the offsets into the elements and, in host byte order, into the written file, which has
-    // been opened again (null: it could not be) and is closed.
-    WriteResult Patch(platform::FileHandle file);
+    // Puts the offsets into the elements and, in the given byte order, into the written file, which
+    // has been opened again (null: it could not be) and is closed.
+    WriteResult Patch(platform::FileHandle file, ByteOrder order);
 
     // For WalkTree.
     WalkStep Enter(PGX_Node& node, size_t depth);
     WalkStep Leave(PGX_Node&, size_t) { return WalkStep::Continue; }
 
   private:
-    WriteResult PatchElements(FILE* stream);
-    WriteResult PatchElement(PGX_Node& element, FILE* stream);
+    // The target of a link that is not pending may be gone: it is read only when it was written.
+    struct Link {
+        PGX_Node* element;
+        PGX_Node* target;
+    };
 
-    std::vector<PGX_Node*> elements_;
+    void AddRootLinks(PGX_Node& root);
+    void Add(PGX_Node& element, PGX_Node* target);
+    WriteResult PatchLinks(FILE* stream, ByteOrder order);
+    WriteResult PatchPending(const Link& link, FILE* stream, ByteOrder order);
+    WriteResult PatchSettled(const Link& link, FILE* stream, ByteOrder order);
+
+    std::vector<Link> links_;
     WrittenPositions positions_;
 };
 

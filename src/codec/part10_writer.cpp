@@ -86,7 +86,8 @@ WriteResult WriteTree(PGX_Node& root, uint32_t lengthMode, uint32_t mode, FILE* 
     return EncodeNode(root, mode, sink, &offsets.Positions());
 }
 
-WriteResult WriteFile(PGX_Node& root, uint32_t mode, FILE* stream, PendingOffsets& offsets) {
+// The mode becomes the one that the transfer syntax asks for.
+WriteResult WriteFile(PGX_Node& root, uint32_t& mode, FILE* stream, PendingOffsets& offsets) {
     if ((mode & (PG_META | PG_META_IMPLICIT_VR)) != 0 && !WritePreamble(stream)) {
         return kWriteFailed;
     }
@@ -109,7 +110,11 @@ WriteResult Save(PGX_Node& root, const char* path, uint32_t mode) {
     PendingOffsets offsets(root);
     WriteResult result = WriteFile(root, mode, file.get(), offsets);
     result = CloseWritten(std::move(file), result);
-    if (result == kWritten) result = offsets.Patch(target.OpenForUpdate());
+    const bool isLittle = (mode & PG_LITTLE_ENDIAN) != 0;
+    if (result == kWritten) {
+        result =
+            offsets.Patch(target.OpenForUpdate(), isLittle ? ByteOrder::Little : ByteOrder::Big);
+    }
     if (result == kWritten && !target.PutInPlace()) return CannotCreate(path);
     return result;
 }
@@ -127,7 +132,7 @@ void SaveBare(PGX_Node& root, bool undefinedLengths, const char* path) {
     PendingOffsets offsets(root);
     WriteResult result = WriteTree(root, kLengthMode, mode, file.get(), offsets);
     result = CloseWritten(std::move(file), result);
-    if (offsets.Patch(target.OpenForUpdate()) == kCannotReopen) {
+    if (offsets.Patch(target.OpenForUpdate(), kHostByteOrder) == kCannotReopen) {
         PrintError("pgSaveDataSetAs : unable to reopen %s\n", PrintablePath(path));
     }
     if (result == kWritten && !target.PutInPlace()) {

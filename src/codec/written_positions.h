@@ -16,7 +16,8 @@ class WrittenPositions {
     bool Empty() const { return positions_.empty(); }
 
     // Asks for the position of a node: of an element's value, of a data set's first element.
-    void Want(const PGX_Node& node) { positions_.try_emplace(&node); }
+    // Nothing is read of it: it need not exist any more.
+    void Want(const PGX_Node* node) { positions_.try_emplace(node); }
 
     void Record(const PGX_Node& node, std::optional<uint64_t> position) {
         if (positions_.empty()) return;
@@ -25,8 +26,8 @@ class WrittenPositions {
     }
 
     // Nothing for a node that was not asked for or not written.
-    std::optional<uint64_t> Find(const PGX_Node& node) const {
-        const auto found = positions_.find(&node);
+    std::optional<uint64_t> Find(const PGX_Node* node) const {
+        const auto found = positions_.find(node);
         return found == positions_.end() ? std::nullopt : found->second;
     }
 

@@ -51,11 +51,12 @@ int64_t ReadExponent(std::string_view text) {
 
 // Of a number beyond the range of double: whether it is too large, and not too small. Where its
 // first digit stands tells, and the exponent.
-bool IsTooLarge(std::string_view number) {
-    const size_t e = std::min(number.find_first_of("eE"), number.size());
+bool IsTooLarge(std::string_view number, std::chars_format format) {
+    const bool isHex = format == std::chars_format::hex;
+    const size_t e = std::min(number.find_first_of(isHex ? "pP" : "eE"), number.size());
     const std::string_view mantissa = number.substr(0, e);
     const size_t point = std::min(mantissa.find('.'), mantissa.size());
-    const size_t firstDigit = mantissa.find_first_of("123456789");
+    const size_t firstDigit = mantissa.find_first_not_of("-0.");
     const int64_t exponent = e == number.size() ? 0 : ReadExponent(number.substr(e + 1));
     return static_cast<int64_t>(point) - static_cast<int64_t>(firstDigit) + exponent > 0;
 }
@@ -67,16 +68,30 @@ std::string_view SkipBlanksAndPlus(std::string_view text) {
 }
 
 // 0 when the text does not begin with a number. Unlike strtod this depends on no locale.
-LeadingNumber ParseNumber(std::string_view text) {
-    text = SkipBlanksAndPlus(text);
+LeadingNumber ParseNumber(std::string_view text, std::chars_format format) {
     double number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const auto [end, error] =
+        std::from_chars(text.data(), text.data() + text.size(), number, format);
     const size_t used = static_cast<size_t>(end - text.data());
     if (error == std::errc::result_out_of_range) {
-        const double magnitude = IsTooLarge(text.substr(0, used)) ? HUGE_VAL : 0.0;
+        const double magnitude = IsTooLarge(text.substr(0, used), format) ? HUGE_VAL : 0.0;
         number = text.front() == '-' ? -magnitude : magnitude;
     }
     return {number, text.substr(used)};
+}
+
+bool IsHexadecimal(std::string_view unsignedText) {
+    return (unsignedText.starts_with("0x") || unsignedText.starts_with("0X")) &&
+           unsignedText.substr(2).find_first_of(".0123456789abcdefABCDEF") == 0;
+}
+
+LeadingNumber ParseNumber(std::string_view text) {
+    text = SkipBlanksAndPlus(text);
+    const bool isNegative = text.starts_with('-');
+    const std::string_view digits = text.substr(isNegative ? 1 : 0);
+    if (!IsHexadecimal(digits)) return ParseNumber(text, std::chars_format::general);
+    const LeadingNumber number = ParseNumber(digits.substr(2), std::chars_format::hex);
+    return {isNegative ? -number.number : number.number, number.rest};
 }
 
 // Reads no more of the text than the number needs.

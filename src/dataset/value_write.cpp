@@ -50,9 +50,9 @@ int32_t PGX_Node::SetValue(const void* data, uint32_t size) {
     FreeValueBuffer(value);
     value = bytes;
     length = Evened(size);
+    if (bytes == nullptr && size != 0) return 0;
     file = nullptr;
     fileOffset = 0;
-    if (bytes == nullptr && size != 0) return 0;
     if (bytes != nullptr && data != nullptr && !pgkit::IsHostOrder(endian)) {
         pgkit::SwapUnits(bytes, length, SetterSwapUnit(*this));
     }

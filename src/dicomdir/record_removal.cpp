@@ -10,11 +10,11 @@ using Patients = Records<PGX_DicomDirPatientNode>;
 using Studies = Records<PGX_DicomDirStudyNode>;
 using AllSeries = Records<PGX_DicomDirSeriesNode>;
 
-// Whether the list held the object, which is destroyed then.
+// Whether the list held the object, which is destroyed then. Cells without an object match null.
 template <typename Record>
 bool RemoveFrom(PGX_List& list, Record* record) {
-    for (Record& held : Records<Record>(list)) {
-        if (&held != record) continue;
+    for (PGX_ListElement* cell = list.head; cell != nullptr; cell = cell->next) {
+        if (cell->data != record) continue;
         list.RemoveElement(record);
         pgkit::Destroy(record);
         return true;
@@ -40,7 +40,7 @@ void pgRemoveStudy(PGX_List* patients, PGX_DicomDirStudyNode* study) {
 }
 
 void pgRemoveSeries(PGX_List* patients, PGX_DicomDirSeriesNode* series) {
-    if (patients == nullptr || series == nullptr) return;
+    if (patients == nullptr) return;
     for (PGX_DicomDirPatientNode& patient : Patients(*patients)) {
         for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
             if (!RemoveFrom(study.series, series)) continue;
@@ -51,7 +51,7 @@ void pgRemoveSeries(PGX_List* patients, PGX_DicomDirSeriesNode* series) {
 }
 
 void pgRemoveLeaf(PGX_List* patients, PGX_DicomDirLeafNode* leaf) {
-    if (patients == nullptr || leaf == nullptr) return;
+    if (patients == nullptr) return;
     for (PGX_DicomDirPatientNode& patient : Patients(*patients)) {
         for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
             for (PGX_DicomDirSeriesNode& series : AllSeries(study.series)) {

@@ -42,9 +42,9 @@ struct FileIdentity {
 std::optional<FileIdentity> IdentityOf(FILE* stream);
 std::optional<FileIdentity> IdentityOf(const char* path);
 
-// What a directory holds: files and directories, hidden ones too, in the byte order of their names.
-// On POSIX a link counts as what it leads to, and what is neither (a pipe, a device, a link that
-// leads nowhere) is left out. Empty for a path that is no readable directory.
+// What a directory holds, hidden entries too, in the byte order of their names. On POSIX a link to a
+// directory is a directory. Everything else is not, whether it can be read (files) or not (pipes,
+// devices, links that lead nowhere). Empty for a path that is no readable directory.
 struct DirectoryEntry {
     std::string name;
     bool isDirectory;

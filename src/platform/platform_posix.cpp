@@ -107,16 +107,14 @@ std::string WithoutLinks(const std::string& path) {
 }
 
 // Most file systems say what an entry is; only links, and entries of the others, cost a look.
-std::optional<DirectoryEntry> Classify(const std::string& directory, const dirent& entry) {
+// Everything that is no directory counts as a file, whether it can be read or not.
+DirectoryEntry Classify(const std::string& directory, const dirent& entry) {
     DirectoryEntry known{entry.d_name, entry.d_type == DT_DIR, entry.d_type == DT_LNK};
-    if (entry.d_type == DT_REG || entry.d_type == DT_DIR) return known;
-    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return std::nullopt;
+    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return known;
     const std::string path = directory + "/" + known.name;
     struct stat status;
     known.isLink = ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
-    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
-    known.isDirectory = S_ISDIR(status.st_mode);
-    if (!known.isDirectory && !S_ISREG(status.st_mode)) return std::nullopt;
+    known.isDirectory = ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
     return known;
 }
 
@@ -135,12 +133,12 @@ int OpenDescriptor(const char* path, int flags) {
 
 // A pipe is not waited for, and closed again like everything that is no regular file: a directory
 // fails only at the first read, a device may never end.
-FILE* OpenRegular(const char* path, int access, const char* mode, uint64_t& size) {
-    const int descriptor = OpenDescriptor(path, access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+FILE* OpenRegular(const char* path, uint64_t& size) {
+    const int descriptor = OpenDescriptor(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (descriptor < 0) return nullptr;
     struct stat status;
     const bool isRegular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    FILE* stream = isRegular ? ::fdopen(descriptor, mode) : nullptr;
+    FILE* stream = isRegular ? ::fdopen(descriptor, "rb") : nullptr;
     if (stream == nullptr) {
         ::close(descriptor);
         return nullptr;
@@ -169,13 +167,17 @@ FILE* OpenForReading(const char* path) {
     return OpenForReading(path, size);
 }
 
-FILE* OpenForReading(const char* path, uint64_t& size) {
-    return OpenRegular(path, O_RDONLY, "rb", size);
-}
+FILE* OpenForReading(const char* path, uint64_t& size) { return OpenRegular(path, size); }
 
+// Also a device. What was written to a pipe is gone.
 FILE* OpenForUpdate(const char* path) {
-    uint64_t size;
-    return OpenRegular(path, O_RDWR, "r+b", size);
+    const int descriptor = OpenDescriptor(path, O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0) return nullptr;
+    struct stat status;
+    const bool isPipe = ::fstat(descriptor, &status) != 0 || S_ISFIFO(status.st_mode);
+    FILE* stream = isPipe ? nullptr : ::fdopen(descriptor, "r+b");
+    if (stream == nullptr) ::close(descriptor);
+    return Unbuffered(stream);
 }
 
 FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, O_TRUNC, "wb")); }
@@ -220,7 +222,7 @@ std::vector<DirectoryEntry> ListDirectory(const char* path) {
     while (const dirent* entry = ::readdir(listing.get())) {
         const std::string name = entry->d_name;
         if (name == "." || name == "..") continue;
-        if (const auto known = Classify(directory, *entry)) entries.push_back(*known);
+        entries.push_back(Classify(directory, *entry));
     }
     std::sort(entries.begin(), entries.end(),
               [](const DirectoryEntry& a, const DirectoryEntry& b) { return a.name < b.name; });

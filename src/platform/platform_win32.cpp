@@ -86,8 +86,7 @@ FILE* OpenForReading(const char* path, uint64_t& size) {
 }
 
 FILE* OpenForUpdate(const char* path) {
-    uint64_t size;
-    return path == nullptr ? nullptr : RegularOnly(std::fopen(path, "r+b"), size);
+    return path == nullptr ? nullptr : Unbuffered(std::fopen(path, "r+b"));
 }
 
 FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }

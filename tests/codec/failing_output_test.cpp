@@ -112,13 +112,13 @@ TEST(LargeOutput, WantedPositionsAreRecordedInFull) {
     offset->fileOffset = 77;
     item->fileOffset = 78;
     pgkit::WrittenPositions positions;
-    positions.Want(*offset);
-    positions.Want(*item);
+    positions.Want(offset);
+    positions.Want(item);
     FailingSink sink(FailingSink::kUnlimited, 0x1'0000'0000);
     EXPECT_EQ(EncodeNode(*root, kExplicitLittle, sink, &positions), pgkit::kWritten);
-    EXPECT_EQ(positions.Find(*offset), 0x1'0000'0008);
-    EXPECT_EQ(positions.Find(*item), 0x1'0000'0000 + 12 + 12 + 8);
-    EXPECT_EQ(positions.Find(*root), std::nullopt);
+    EXPECT_EQ(positions.Find(offset), 0x1'0000'0008);
+    EXPECT_EQ(positions.Find(item), 0x1'0000'0000 + 12 + 12 + 8);
+    EXPECT_EQ(positions.Find(root.get()), std::nullopt);
     EXPECT_EQ(offset->fileOffset, 77u);
     EXPECT_EQ(item->fileOffset, 78u);
 }

@@ -101,12 +101,15 @@ TEST(Lengths, BecomeUndefinedWhereTheSumDoesNotFit) {
     EXPECT_EQ(large->length, kUndefinedLength);
 }
 
-TEST(Lengths, BecomeUndefinedWhereTheyCountAnUndefinedOne) {
+TEST(Lengths, CountAnUndefinedOneAsTheNumberItIsWrittenAs) {
     const DataSet root(pgAllocateDataSetNode());
     PGX_Node* item = AddItem(*root->InsertNode(0x0008, 0x1140, nullptr, 0));
     item->InsertEncodedPixelDataNode(0)->length = kUndefinedLength;
     ComputeLengths(*root, kExplicit);
-    EXPECT_EQ(item->length, kUndefinedLength);
+    EXPECT_EQ(item->length, 0xFFFFFFFFu + 12u);  // in 32 bits
+    EXPECT_EQ(item->next, nullptr);
+    EXPECT_EQ(root->first->length, 11u + 8u);
+    EXPECT_EQ(root->length, 19u + 12u);
 }
 
 TEST(Lengths, AreComputedForDataSetsOnly) {

@@ -22,7 +22,8 @@ class PendingOffset : public testing::Test {
     // Patches a file of 16 bytes.
     pgkit::WriteResult Patch(PendingOffsets& offsets, const char* mode = "r+b") {
         path_ = directory_.Write("file", "0123456789abcdef");
-        return offsets.Patch(pgkit::platform::FileHandle(std::fopen(path_.c_str(), mode)));
+        return offsets.Patch(pgkit::platform::FileHandle(std::fopen(path_.c_str(), mode)),
+                             pgkit::ByteOrder::Little);
     }
 
     DataSet root_{pgAllocateDataSetNode()};
@@ -44,7 +45,7 @@ TEST_F(PendingOffset, IsPutWhereItsValueWasWritten) {
 
 TEST_F(PendingOffset, NeedsAFileThatCouldBeReopened) {
     PendingOffsets offsets(*root_);
-    EXPECT_EQ(offsets.Patch(nullptr), pgkit::kCannotReopen);
+    EXPECT_EQ(offsets.Patch(nullptr, pgkit::ByteOrder::Little), pgkit::kCannotReopen);
     EXPECT_EQ(offset_->offsetPending, 1u);
 }
 

@@ -88,6 +88,16 @@ TEST(ValueLoading, ValueCutShortReadsAsZerosFromThere) {
     }
 }
 
+TEST(ValueLoading, LargeValueCutShortReadsAsZerosFromThere) {
+    StreamBuilder stream;
+    stream.Element(0x0008, 0x0060, "CS", "CT").Header(0x0010, 0x4000, "OB", 100000).Text("abcd");
+    OpenedStream opened(stream, kLoadAll);
+    PGX_Node* node = Child(opened.Root(), 0x0010, 0x4000);
+    ASSERT_NE(node->value, nullptr);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(node->value), 100000),
+              "abcd" + std::string(99996, '\0'));
+}
+
 // 300 bytes once cost the 4 GiB that one of their lengths claimed.
 TEST(ValueLoading, ClaimedLengthsAreNotAllocated) {
     StreamBuilder stream;

@@ -306,6 +306,15 @@ TEST(GetDecimal, StopsWhereTheNumberCannotGoOn) {
     EXPECT_EQ(DoubleOf("1.2.3"), 1.2);
 }
 
+TEST(GetDecimal, MayBeHexadecimal) {
+    EXPECT_EQ(DoubleOf("0x1A"), 26.0);
+    EXPECT_EQ(DoubleOf(" -0X.8p4\\2"), -8.0);
+    EXPECT_EQ(DoubleOf("0x1p-9999"), 0.0);
+    EXPECT_EQ(DoubleOf("-0x1p9999"), -HUGE_VAL);
+    for (const char* text : {"0x", "0x-1", "0xinf", "0xg"})
+        EXPECT_EQ(DoubleOf(text), 0.0) << text;
+}
+
 TEST(GetDecimal, BeyondTheRangeOfDoubleIsInfiniteOrZero) {
     EXPECT_EQ(DoubleOf("1e400"), HUGE_VAL);
     EXPECT_EQ(DoubleOf("-1e400"), -HUGE_VAL);

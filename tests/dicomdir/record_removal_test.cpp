@@ -177,6 +177,19 @@ TEST_F(Removal, OfNullDoesNothing) {
     EXPECT_EQ(Outline(&patients_), "P(S(E(1 2) F(3)) T(G(4))) Q(U(H(5)))");
 }
 
+// Which no browse makes.
+TEST_F(Removal, OfNullTakesACellWithoutAnObject) {
+    h_->leaves.AddHead(nullptr);
+    pgRemoveLeaf(&patients_, nullptr);
+    EXPECT_EQ(Outline(&patients_), "P(S(E(1 2) F(3)) T(G(4))) Q(U(H(5)))");
+    u_->series.AddTail(nullptr);
+    pgRemoveSeries(&patients_, nullptr);
+    EXPECT_EQ(Outline(&patients_), "P(S(E(1 2) F(3)) T(G(4))) Q(U(H(5)))");
+    pgRemoveLeaf(&patients_, leaves_[4]);
+    h_ = nullptr;
+    EXPECT_EQ(Outline(&patients_), "P(S(E(1 2) F(3)) T(G(4)))");
+}
+
 TEST_F(Removal, FromANullListDoesNothing) {
     pgRemovePatient(nullptr, p_);
     pgRemoveStudy(nullptr, s_);

@@ -19,6 +19,7 @@ using pgkit_test::TempDir;
 using pgkit_test::TestData;
 
 constexpr int32_t kExplicit = PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
+constexpr int32_t kBigEndian = PG_META | PG_EXPLICIT_VR | PG_BIG_ENDIAN;
 constexpr int32_t kWithDelimiters = kExplicit | PG_UNDEFINED_LENGTHS;
 constexpr int32_t kImplicit = PG_META | PG_IMPLICIT_VR | PG_LITTLE_ENDIAN;
 
@@ -50,22 +51,21 @@ void Link(PGX_Node* offsetElement, PGX_Node* target) {
 
 class SavedDirectory : public testing::Test {
   protected:
-    // The browse leaves the offset of the first record to whoever saves the tree.
-    Bytes Save(BrowsedDirectory& browsed, int32_t mode, PGX_Node* firstRecord) {
-        Link(browsed->dataSet->FindNode(0x0004, 0x1200), firstRecord);
+    Bytes Save(BrowsedDirectory& browsed, int32_t mode) {
         EXPECT_EQ(browsed->dataSet->SaveDataSetAsEx(path_.c_str(), mode), 0u);
         return ReadFile(path_);
     }
-    Bytes Save(BrowsedDirectory& browsed, int32_t mode) {
-        return Save(browsed, mode, Item(browsed, 0));
+    Bytes Save(BrowsedDirectory& browsed, int32_t mode, PGX_Node* firstRecord) {
+        Link(browsed->dataSet->FindNode(0x0004, 0x1200), firstRecord);
+        return Save(browsed, mode);
     }
 
     TempDir files_;
     const std::string path_ = files_.Path("SAVED");
 };
 
-TEST_F(SavedDirectory, BrowsesBackEqualInEveryLittleEndianEncoding) {
-    for (const int32_t mode : {kExplicit, kImplicit, kWithDelimiters}) {
+TEST_F(SavedDirectory, BrowsesBackEqualInEveryEncoding) {
+    for (const int32_t mode : {kExplicit, kImplicit, kWithDelimiters, kBigEndian}) {
         BrowsedDirectory browsed(TwoPatients());
         BrowsedDirectory saved(Save(browsed, mode));
         EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
@@ -81,6 +81,55 @@ TEST_F(SavedDirectory, HasOffsetsThatDifferWhenTheRecordsMoved) {
     EXPECT_EQ(saved.Messages(), "");
     PGX_Node* lower = Item(saved, 0)->FindNode(0x0004, 0x1420);
     EXPECT_EQ(lower->GetULValue() + 8, Item(saved, 1)->fileOffset);
+}
+
+TEST_F(SavedDirectory, LeadsToItsFirstAndLastRecordWhereverTheyMoved) {
+    BrowsedDirectory browsed(TwoPatients());
+    const uint32_t last = Item(browsed, 6)->fileOffset - 8;
+    browsed->dataSet->InsertNode(0x0004, 0x1202, &last, 4);
+    const uint32_t oldFirst = browsed->dataSet->FindNode(0x0004, 0x1200)->GetULValue();
+    BrowsedDirectory saved(Save(browsed, kWithDelimiters));
+    Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
+    BrowsedDirectory moved(Save(browsed, kBigEndian));
+    for (BrowsedDirectory* directory : {&saved, &moved}) {
+        const auto offset = [&](uint16_t element) {
+            return (*directory)->dataSet->FindNode(0x0004, element)->GetULValue();
+        };
+        EXPECT_EQ(offset(0x1200) + 8, Item(*directory, 0)->fileOffset);
+        EXPECT_EQ(offset(0x1202) + 8, Item(*directory, 6)->fileOffset);
+    }
+    EXPECT_EQ(browsed->dataSet->FindNode(0x0004, 0x1200)->GetULValue(), oldFirst);
+}
+
+TEST_F(SavedDirectory, CanBeBrowsedAndSavedAgain) {
+    BrowsedDirectory browsed(TwoPatients());
+    for (const int32_t mode : {kImplicit, kExplicit, kBigEndian}) {
+        Item(browsed, 1)->InsertNode(0x0008, 0x1030, "another study", 13);
+        BrowsedDirectory saved(Save(browsed, mode));
+        EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
+        browsed->Browse(nullptr, nullptr);
+        EXPECT_EQ(browsed.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
+    }
+}
+
+TEST_F(SavedDirectory, CanBeSavedTwice) {
+    BrowsedDirectory browsed(TwoPatients());
+    Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
+    for (const int32_t mode : {kImplicit, kExplicit, kBigEndian}) {
+        BrowsedDirectory saved(Save(browsed, mode));
+        EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
+        EXPECT_EQ(saved.Messages(), "") << mode;
+    }
+}
+
+// As it would for a caller who wants the record to be the last of its level.
+TEST_F(SavedDirectory, KeepsALinkThatWasChangedAfterASave) {
+    BrowsedDirectory browsed(TwoPatients());
+    Save(browsed, kExplicit);
+    const uint32_t none = 0;
+    Item(browsed, 3)->FindNode(0x0004, 0x1400)->SetValue(&none, 4);
+    BrowsedDirectory saved(Save(browsed, kImplicit));
+    EXPECT_EQ(saved.Outline(), "P(S(E(1))) Q(T(F(4)))");
 }
 
 TEST_F(SavedDirectory, MayLeaveOutARecordThatIsLinkedNoMore) {

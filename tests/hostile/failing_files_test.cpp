@@ -4,6 +4,7 @@
 #include <pgkit/pgkit.h>
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include "dictionary/private_dictionary.h"
@@ -101,6 +102,29 @@ TEST_F(FailingFile, IsReportedBySaving) {
         }
     });
     EXPECT_GE(calls, 5u);
+}
+
+TEST_F(FailingFile, ThatWasSavedAndCannotBeOpenedAgainHasAResultAndAMessageOfItsOwn) {
+    const std::string output = directory_.Path("output");
+    const DataSet root = Open(kLoadAll);
+    std::set<uint32_t> results;
+    std::set<std::string> messages;
+    for (size_t allowed = 0; allowed < 20; ++allowed) {
+        const Printed printed = CapturePrinted([&] {
+            {
+                const FailingFiles failing(allowed, Failures::OneCall);
+                results.insert(root->SaveDataSetAsEx(output.c_str(), kPart10Explicit));
+            }
+            const FailingFiles failing(allowed, Failures::OneCall);
+            root->SaveDataSetAs(0, output.c_str());
+        });
+        messages.insert(printed.err);
+    }
+    const std::string prefix = "pgSaveDataSetAs : unable to ";
+    EXPECT_EQ(results, (std::set<uint32_t>{0, 1, 3, 4, 7}));
+    EXPECT_TRUE(messages.contains(prefix + "reopen " + output + "\n"));
+    EXPECT_TRUE(messages.contains("pgSaveDataSetAsEx : unable to open " + output + "\n" + prefix +
+                                  "open " + output + "\n"));
 }
 
 // Whatever happens, one of the two is there: the old content or the new.

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <iterator>
 
+#include "platform/file_handle.h"
 #include "platform/platform.h"
 
 namespace pgkit {
@@ -26,7 +27,6 @@ constexpr const char* kCodeTexts[] = {"Dicom file accepted",
 }  // namespace
 
 void AcceptanceList::Start() {
-    stream_.reset();
     const platform::FileHandle stream(platform::CreateText(Path().c_str()));
     if (stream == nullptr) return;
     std::fputs(";*** DICOMDIR CODES SUMMARY ***\n;******************************\n", stream.get());
@@ -37,16 +37,11 @@ void AcceptanceList::Start() {
 }
 
 void AcceptanceList::Append(uint32_t code, std::string_view fullPath) {
-    if (code == kNoAcceptanceCode || isUnwritable_) return;
-    if (stream_ == nullptr) stream_.reset(platform::AppendText(Path().c_str()));
-    if (stream_ == nullptr) {
-        isUnwritable_ = true;
-        return;
-    }
+    if (code == kNoAcceptanceCode) return;
+    const platform::FileHandle stream(platform::AppendText(Path().c_str()));
+    if (stream == nullptr) return;
     const std::string path(RelativePath(fullPath));
-    std::fprintf(stream_.get(), "%d\t%s\n", static_cast<int>(code), path.c_str());
-    // Others may append too, or look.
-    std::fflush(stream_.get());
+    std::fprintf(stream.get(), "%d\t%s\n", static_cast<int>(code), path.c_str());
 }
 
 std::string_view AcceptanceList::RelativePath(std::string_view fullPath) const {

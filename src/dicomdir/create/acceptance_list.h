@@ -6,8 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "platform/file_handle.h"
-
 namespace pgkit {
 
 class AcceptanceList {
@@ -16,7 +14,8 @@ class AcceptanceList {
 
     // Creates the file with its header, which explains the codes.
     void Start();
-    // Appends a line; nothing for the code that stands for no file at all.
+    // Appends a line; nothing for the code that stands for no file at all. The file is open only
+    // meanwhile: the host may take it away, or make its directory, between two files.
     void Append(uint32_t code, std::string_view fullPath);
 
   private:
@@ -24,8 +23,6 @@ class AcceptanceList {
     std::string_view RelativePath(std::string_view fullPath) const;
 
     std::string directory_;
-    platform::FileHandle stream_;  // open for appending after the first line
-    bool isUnwritable_ = false;
 };
 
 }  // namespace pgkit

@@ -1,6 +1,5 @@
 #include "dicomdir/create/icon_making.h"
 
-#include <cstring>
 #include <new>
 
 #include "dicomdir/create/imaging_module.h"
@@ -56,7 +55,8 @@ BitmapHandle ZoomedToFit(const ImagingModule& module, void* bitmap, uint32_t edg
 BitmapHandle NewIconOfModule(const char* path, uint32_t edge) {
     const ImagingModule module;
     if (!module.IsUsable()) return nullptr;
-    const BitmapHandle frame = LoadedImage(module, path).TypicalFrame();
+    const LoadedImage image(module, path);
+    const BitmapHandle frame = image.TypicalFrame();
     return frame == nullptr ? nullptr : ZoomedToFit(module, frame.get(), edge);
 }
 
@@ -70,18 +70,6 @@ BitmapHandle NewImageIcon(const char* path, uint32_t edge) {
         // The image needs no icon to be accepted.
         return nullptr;
     }
-}
-
-BitmapHandle CopyOfIcon(void* bitmap) {
-    const ReceivedBitmap original(bitmap);
-    if (original.Bytes() == nullptr) return nullptr;
-    BitmapHandle copy(platform::AllocateGlobalBlock(original.Size()));
-    if (uint8_t* const bytes = platform::LockGlobalBlock(copy.get())) {
-        std::memcpy(bytes, original.Bytes(), original.Size());
-        platform::UnlockGlobalBlock(copy.get());
-        return copy;
-    }
-    return nullptr;
 }
 
 }  // namespace pgkit

@@ -12,7 +12,4 @@ namespace pgkit {
 // for an edge of 0 or above 256.
 BitmapHandle NewImageIcon(const char* path, uint32_t edge);
 
-// Another one with the same bytes.
-BitmapHandle CopyOfIcon(void* bitmap);
-
 }  // namespace pgkit

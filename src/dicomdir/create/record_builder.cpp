@@ -68,7 +68,7 @@ AddedRecords RecordBuilder::Place(const FileToAdd& file) {
     if (added.study == nullptr) AddStudy(dataSet, added);
     if (added.series == nullptr) AddSeries(dataSet, added);
     AddLeaf(std::move(leaf), added);
-    AddSeriesIcon(*added.series, *added.leaf);
+    AddSeriesIcon(file, *added.series, *added.leaf);
     return added;
 }
 
@@ -129,11 +129,14 @@ void RecordBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, AddedRec
     leaves_.Added(siblings, *added.leaf);
 }
 
-// A series looks like the first of its images that has an icon.
-void RecordBuilder::AddSeriesIcon(PGX_DicomDirSeriesNode& series, PGX_DicomDirLeafNode& leaf) {
+// A series looks like the first of its images that has an icon. It gets one of its own from the
+// imaging module, which says what a bitmap is.
+void RecordBuilder::AddSeriesIcon(const FileToAdd& file, PGX_DicomDirSeriesNode& series,
+                                  PGX_DicomDirLeafNode& leaf) {
     const PGX_DicomDirImageNode* const image = ImageOf(&leaf);
-    if (options_.seriesIcons == 0 || series.icon != nullptr || image == nullptr) return;
-    series.icon = CopyOfIcon(image->icon).release();
+    if (options_.seriesIcons == 0 || series.icon != nullptr) return;
+    if (image == nullptr || image->icon == nullptr) return;
+    series.icon = NewImageIcon(file.fullPath, options_.iconSize).release();
 }
 
 }  // namespace pgkit

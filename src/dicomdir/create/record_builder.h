@@ -41,7 +41,8 @@ class RecordBuilder {
     void AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient, AddedRecords& added);
     void AddStudy(PGX_Node& dataSet, AddedRecords& added);
     void AddSeries(PGX_Node& dataSet, AddedRecords& added);
-    void AddSeriesIcon(PGX_DicomDirSeriesNode& series, PGX_DicomDirLeafNode& leaf);
+    void AddSeriesIcon(const FileToAdd& file, PGX_DicomDirSeriesNode& series,
+                       PGX_DicomDirLeafNode& leaf);
     void AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, AddedRecords& added);
 
     PGX_List& patients_;

@@ -12,14 +12,17 @@ namespace pgkit {
 
 namespace {
 
-// A damaged file must not make a directory of gigabytes of zeros.
+// What a file lacks reads as zeros, but a damaged one must not make a directory of gigabytes of
+// them.
+constexpr size_t kMostMissing = 64 * 1024;
+
 struct FindsMissingBytes {
     bool found = false;
 
     WalkStep Enter(PGX_Node& node, size_t) {
         const bool hasValue = node.nodeType == NT_DataElement && node.valueRep != VR_SQ &&
                               node.length != kUndefinedLength;
-        found = found || (hasValue && AvailableLength(node) < node.length);
+        found = found || (hasValue && node.length - AvailableLength(node) > kMostMissing);
         return found ? WalkStep::Unwind : WalkStep::Continue;
     }
     WalkStep Leave(PGX_Node&, size_t) { return WalkStep::Continue; }

@@ -132,21 +132,21 @@ TEST_F(HostileMedia, FilesWhoseReadsFailAreRefused) {
     EXPECT_EQ(seen_, "A||2;B||0;");
 }
 
-TEST_F(HostileMedia, LinksThatLeadNowhereAreLeftOut) {
+TEST_F(HostileMedia, LinksThatLeadNowhereAreNoDicomFiles) {
     if (!LinkFile("nothing", "A") || !LinkFile("B", "B")) GTEST_SKIP() << "no links here";
     medium_.Write("C", Instance(1));
     EXPECT_EQ(Create(), 0u);
-    EXPECT_EQ(seen_, "C||0;");
+    EXPECT_EQ(seen_, "A||2;B||2;C||0;");
 }
 
-TEST_F(HostileMedia, PipesAreLeftOutAndNotWaitedFor) {
+TEST_F(HostileMedia, PipesAreNoDicomFilesAndNotWaitedFor) {
     if (!MakePipe("A")) GTEST_SKIP() << "no pipes in directories here";
     fs::create_directory(medium_.Path("SUB"));
     ASSERT_TRUE(MakePipe("SUB/B"));
     ASSERT_TRUE(LinkFile("A", "LINK"));
     medium_.Write("C", Instance(1));
     EXPECT_EQ(Create(), 0u);
-    EXPECT_EQ(seen_, "C||0;");
+    EXPECT_EQ(seen_, "A||2;C||0;LINK||2;B|SUB|2;");
 }
 
 TEST_F(HostileMedia, PipesInThePlaceOfTheOutputAreNotWaitedFor) {
@@ -155,7 +155,7 @@ TEST_F(HostileMedia, PipesInThePlaceOfTheOutputAreNotWaitedFor) {
     options_.flags = 0;
     medium_.Write("A", Instance(1));
     EXPECT_EQ(Create(), 1u);
-    EXPECT_EQ(seen_, "A||0;");
+    EXPECT_EQ(seen_, "A||0;DICOMDIR||4;dcmdir.lst||2;");
 }
 
 TEST_F(HostileMedia, LinksInCirclesAreFollowedOnce) {

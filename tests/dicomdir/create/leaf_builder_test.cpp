@@ -195,16 +195,31 @@ TEST_F(LeafBuilder, KeepsCopiesWhenTheFileIsClosed) {
     EXPECT_EQ(TextOf(Child(report.contentSequence->first, 0x0040, 0xA160)), std::string(300, 'x'));
 }
 
-// A value that claims more than the file holds would be written as so many zeros.
-TEST_F(LeafBuilder, CopiesNoSequenceThatIsCutShort) {
-    StreamBuilder name;
-    name.Item().Element(0x0040, 0xA160, "UT", std::string(300, 'x'));
-    Bytes bytes = WithContentTimes(kReport).SetSequence(0x0040, 0xA043, name).Data();
-    bytes.resize(bytes.size() - 100);
-    const std::string path = directory_.Write("FILE", bytes);
-    const auto added = Builder().Add({"FILE", path.c_str()});
-    ASSERT_EQ(added.code, PG_ACCEPTED);
-    EXPECT_EQ(static_cast<PGX_DicomDirReportNode*>(added.leaf)->conceptNameCodeSequence, nullptr);
+// A report whose concept name ends so many bytes before its end.
+class CutConceptName : public LeafBuilder {
+  protected:
+    PGX_Node* CopyOf(const std::string& name, size_t missing) {
+        StreamBuilder item;
+        item.Item().Element(0x0040, 0xA160, "UT", name);
+        Bytes bytes = WithContentTimes(kReport).SetSequence(0x0040, 0xA043, item).Data();
+        bytes.resize(bytes.size() - missing);
+        const std::string path = directory_.Write("FILE", bytes);
+        const auto added = Builder().Add({"FILE", path.c_str()});
+        EXPECT_EQ(added.code, PG_ACCEPTED);
+        return static_cast<PGX_DicomDirReportNode*>(added.leaf)->conceptNameCodeSequence;
+    }
+};
+
+TEST_F(CutConceptName, IsCopiedWithZerosInThePlaceOfWhatIsMissing) {
+    PGX_Node* const copy = CopyOf(std::string(300, 'x'), 100);
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(TextOf(Child(copy->first, 0x0040, 0xA160)),
+              std::string(200, 'x') + std::string(100, '\0'));
+}
+
+// It would be written as so many zeros.
+TEST_F(CutConceptName, IsNotCopiedWhenMuchIsMissing) {
+    EXPECT_EQ(CopyOf(std::string(70000, 'x'), 69000), nullptr);
 }
 
 TEST_F(LeafBuilder, FillsKeyObjects) {

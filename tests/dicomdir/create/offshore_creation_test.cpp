@@ -72,6 +72,27 @@ TEST_F(OffshoreCreation, WritesTheFilesThatWereAdded) {
               "ID1(1.2.3(1.2.3.4(1.2.3.4.1 1.2.3.4.2))) ID2(1.2.3(1.2.3.4(1.2.3.4.3)))");
 }
 
+// Its lines, without the header.
+std::string ListAt(const std::string& path) {
+    if (!std::filesystem::exists(path)) return "no list";
+    const Bytes bytes = pgkit_test::ReadFile(path);
+    std::string text(bytes.begin(), bytes.end());
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    const size_t headerEnd = text.find("\n\n");
+    return headerEnd == std::string::npos ? text : text.substr(headerEnd + 2);
+}
+
+TEST_F(OffshoreCreation, ListsFilesAlsoWhenTheListIsTakenAway) {
+    options_.flags = 0;
+    Start();
+    EXPECT_EQ(AddPath("missing", "missing"), 2u);
+    EXPECT_EQ(ListAt(medium_.Path("dcmdir.lst")), "2\tmissing\n");
+    std::filesystem::remove(medium_.Path("dcmdir.lst"));
+    EXPECT_EQ(ListAt(medium_.Path("dcmdir.lst")), "no list");
+    EXPECT_EQ(AddPath("missing", "missing"), 2u);
+    EXPECT_EQ(ListAt(medium_.Path("dcmdir.lst")), "2\tmissing\n");
+}
+
 TEST_F(OffshoreCreation, RefersToFilesByTheNamesThatWereGiven) {
     Start();
     Add("Sub dir\\a.dcm", Instance(1));
