@@ -19,6 +19,7 @@ namespace pgkit::platform {
 FILE* OpenForReading(const char* path);
 // The same; size receives the length of the file.
 FILE* OpenForReading(const char* path, uint64_t& size);
+// Also a device, but no pipe.
 FILE* OpenForUpdate(const char* path);
 // Creates or truncates a file; null on failure, also for a pipe that nobody reads.
 FILE* CreateBinary(const char* path);
