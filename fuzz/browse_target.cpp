@@ -14,6 +14,8 @@ namespace {
 
 constexpr uint32_t kLimits[] = {0, 64, 0x20000, 0xFFFFFFFF};
 
+constexpr int32_t kModes[] = {0, 0x2C, 0x34, 0x4C, 0x2D, 0x28};
+
 int32_t Pass(PGX_DicomDirCallbackReason*, const char*, void*) { return 0; }
 
 // A random child; null when there is none.
@@ -36,12 +38,21 @@ void RemoveOne(PGX_List* patients, Input& input) {
     pgRemoveLeaf(patients, Pick<PGX_DicomDirLeafNode>(series->leaves, input));
 }
 
+// Saved links still lead to the same records of the tree.
+void SaveAndBrowseAgain(PGX_DicomDir& directory, const std::string& path, int32_t mode) {
+    if (directory.dataSet->SaveDataSetAsEx(path.c_str(), mode) != 0) return;
+    const int32_t leafCount = directory.leafCount;
+    directory.Browse(Pass, nullptr);
+    Require(directory.leafCount == leafCount, "a directory that was saved is browsed as before");
+}
+
 }  // namespace
 
 void Browse(Bytes bytes) {
     Input input(bytes);
     const uint32_t limit = input.Pick(kLimits);
     const uint8_t removals = input.Byte() % 16;
+    const int32_t mode = input.Pick(kModes);
     const pgkit_test::TempDir medium;
     const std::string path = pgkit_test::LibraryPath(medium.Write("DICOMDIR", input.Rest()));
     pgkit_test::PatientList patients;
@@ -50,6 +61,7 @@ void Browse(Bytes bytes) {
         if (directory.OpenDicomDir(path.c_str(), limit) == 0) return;
         Require(directory.Browse(Pass, nullptr) == directory.GetPatientList(),
                 "a browse gives the list");
+        SaveAndBrowseAgain(directory, medium.Path("SAVED"), mode);
         directory.RelocateOffshoreDicomdir("X:\\ELSEWHERE\\DICOMDIR");
         patients.reset(directory.GiveAndForgetPatientList());
     }

@@ -43,8 +43,8 @@ struct FileIdentity {
 std::optional<FileIdentity> IdentityOf(FILE* stream);
 std::optional<FileIdentity> IdentityOf(const char* path);
 
-// What a directory holds, hidden entries too, in the byte order of their names. On POSIX a link to a
-// directory is a directory. Everything else is not, whether it can be read (files) or not (pipes,
+// What a directory holds, hidden entries too, in the byte order of their names. On POSIX a link to
+// a directory is a directory. Everything else is not, whether it can be read (files) or not (pipes,
 // devices, links that lead nowhere). Empty for a path that is no readable directory.
 struct DirectoryEntry {
     std::string name;

@@ -6,6 +6,7 @@
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
 #include "dicomdir/record_keys.h"
+#include "dictionary/vr_traits.h"
 #include "frame/byte_order.h"
 
 namespace pgkit {
@@ -15,14 +16,23 @@ namespace {
 // What a file lacks reads as zeros, but a damaged one must not make a directory of gigabytes of
 // them.
 constexpr size_t kMostMissing = 64 * 1024;
+// In a header of explicit VR.
+constexpr uint32_t kLongestShortLength = 65534;
 
-struct FindsMissingBytes {
+// One file must not spoil the directory of all: whether an element could not be written, or not
+// read again.
+bool IsUnfitForRecord(const PGX_Node& node) {
+    if (node.nodeType != NT_DataElement || node.valueRep == VR_SQ) return false;
+    if (node.length == kUndefinedLength) return node.encapsulated == 0;
+    if (node.length > kLongestShortLength && !HasLongHeader(node.valueRep)) return true;
+    return node.length - AvailableLength(node) > kMostMissing;
+}
+
+struct FindsUnfitElement {
     bool found = false;
 
     WalkStep Enter(PGX_Node& node, size_t) {
-        const bool hasValue = node.nodeType == NT_DataElement && node.valueRep != VR_SQ &&
-                              node.length != kUndefinedLength;
-        found = found || (hasValue && node.length - AvailableLength(node) > kMostMissing);
+        found = found || IsUnfitForRecord(node);
         return found ? WalkStep::Unwind : WalkStep::Continue;
     }
     WalkStep Leave(PGX_Node&, size_t) { return WalkStep::Continue; }
@@ -47,7 +57,7 @@ bool ModifiesConcept(PGX_Node& item) {
 
 NodeTree CopyForRecord(PGX_Node* node) {
     if (node == nullptr) return nullptr;
-    FindsMissingBytes check;
+    FindsUnfitElement check;
     WalkTree(*node, check);
     if (check.found) return nullptr;
     NodeTree copy(node->DuplicateNode(1));

@@ -7,7 +7,8 @@
 namespace pgkit {
 
 // A deep copy of a sequence or an item in host byte order, for a data set that is written from
-// memory; null for null, and when a value claims to be much longer than what the file holds of it.
+// memory; null for null, and when it holds what cannot be written: a value that is too long for its
+// VR, that has no end, or that claims to be much longer than what the file holds of it.
 NodeTree CopyForRecord(PGX_Node* node);
 
 // A sequence of copies of those items of a Content Sequence that modify the concept of their

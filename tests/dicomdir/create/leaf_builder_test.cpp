@@ -222,6 +222,27 @@ TEST_F(CutConceptName, IsNotCopiedWhenMuchIsMissing) {
     EXPECT_EQ(CopyOf(std::string(70000, 'x'), 69000), nullptr);
 }
 
+// One such file would make the DICOMDIR of all of them fail, or unreadable.
+TEST_F(LeafBuilder, CopiesNoSequenceWithAValueThatHasNoEnd) {
+    StreamBuilder item;
+    item.Item().Header(0x0009, 0x1001, "UL", kUndefined);
+    const auto& report =
+        LeafOf<PGX_DicomDirReportNode>(WithContentTimes(kReport).SetSequence(0x0040, 0xA043, item));
+    EXPECT_EQ(report.conceptNameCodeSequence, nullptr);
+}
+
+TEST_F(LeafBuilder, CopiesNoSequenceWithAValueThatIsTooLongForItsVr) {
+    StreamBuilder implicit(VrMode::Implicit);
+    implicit.Part10("1.2.840.10008.1.2").Element(0x0008, 0x0016, "UI", PaddedUid(kReport));
+    implicit.Element(0x0008, 0x0018, "UI", "1.9 ").Element(0x0020, 0x000D, "UI", "1.8 ");
+    implicit.Element(0x0020, 0x000E, "UI", "1.7 ").Sequence(0x0040, 0xA043).Item();
+    implicit.Element(0x0008, 0x0104, "LO", std::string(70000, 'm')).EndItem().EndSequence();
+    const std::string path = directory_.Write("LONG", implicit.Data());
+    const auto added = Builder().Add({"LONG", path.c_str()});
+    ASSERT_EQ(added.code, PG_ACCEPTED);
+    EXPECT_EQ(static_cast<PGX_DicomDirReportNode*>(added.leaf)->conceptNameCodeSequence, nullptr);
+}
+
 TEST_F(LeafBuilder, FillsKeyObjects) {
     const auto& object = LeafOf<PGX_DicomDirKeyObjectNode>(WithContentTimes(kKeyObject));
     EXPECT_STREQ(object.contentDate, "20210304");
