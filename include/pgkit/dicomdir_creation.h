@@ -114,8 +114,8 @@ PGKIT_API uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory,
 
 // Makes the DICOMDIR of a directory: creates the acceptance list file, adds every file that the
 // profile (null or empty: none) allows, and writes the DICOMDIR. Files come in the byte order of
-// their names, those of a directory before those of its subdirectories. A directory that several
-// links lead to is visited by one of them.
+// their names, those of a directory before those of its subdirectories. What links lead to comes
+// last: a directory is visited once, by its own path where that is below the directory.
 //
 // The plain form has no options. Patient ID, Study ID, Study Date and Time and Series Number are
 // made up, on demand, where they are empty. A trailing backslash of the directory is dropped.

@@ -10,17 +10,21 @@ std::string Joined(const std::string& directory, const std::string& name) {
 
 }  // namespace
 
+// What links lead to comes last, so that a directory that has a path without links is known by it.
 void DirectoryScan::Run(bool descends) {
     std::vector<Subdirectory> pending{{"", false}};
-    while (!pending.empty()) {
-        const Subdirectory current = std::move(pending.back());
-        pending.pop_back();
+    std::vector<Subdirectory> linked;
+    while (!pending.empty() || !linked.empty()) {
+        std::vector<Subdirectory>& source = pending.empty() ? linked : pending;
+        const Subdirectory current = std::move(source.back());
+        source.pop_back();
         if (!IsNew(current)) continue;
         const auto entries = platform::ListDirectory(FullPath(current.path).c_str());
         if (!AddFiles(current.path, entries) || !descends) return;
         for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
             if (!entry->isDirectory) continue;
-            pending.push_back({Joined(current.path, entry->name), entry->isLink});
+            const bool isLinked = current.isLinked || entry->isLink;
+            (isLinked ? linked : pending).push_back({Joined(current.path, entry->name), isLinked});
         }
     }
 }
@@ -29,9 +33,9 @@ void DirectoryScan::Run(bool descends) {
 // itself.
 bool DirectoryScan::IsNew(const Subdirectory& subdirectory) {
     const auto identity = platform::IdentityOf(FullPath(subdirectory.path).c_str());
-    if (!identity) return !subdirectory.isLink;
+    if (!identity) return !subdirectory.isLinked;
     const bool isNew = visited_.insert({identity->volume, identity->index}).second;
-    return isNew || !subdirectory.isLink;
+    return isNew || !subdirectory.isLinked;
 }
 
 bool DirectoryScan::AddFiles(const std::string& subdirectory,

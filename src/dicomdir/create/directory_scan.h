@@ -27,7 +27,7 @@ class DirectoryScan {
   private:
     struct Subdirectory {
         std::string path;  // relative, with backslashes; empty for the scanned directory itself
-        bool isLink;
+        bool isLinked;     // a link is part of the path
     };
 
     bool IsNew(const Subdirectory& subdirectory);

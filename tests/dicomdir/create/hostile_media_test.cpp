@@ -166,8 +166,28 @@ TEST_F(HostileMedia, LinksInCirclesAreFollowedOnce) {
     }
     ASSERT_TRUE(LinkDirectory("A", "A/SELF") && LinkDirectory(".", "B/ROOT"));
     EXPECT_EQ(Create(), 0u);
-    EXPECT_EQ(seen_.substr(0, seen_.find("2|")), "1|A|0;");
+    EXPECT_EQ(seen_, "1|A|0;2|B|0;");
     EXPECT_EQ(CountRecords(), 5u);
+}
+
+TEST_F(HostileMedia, DirectoriesAreKnownByTheirOwnPaths) {
+    medium_.Write("M/DEEP/1", Instance(1));
+    if (!LinkDirectory("M/DEEP", "A") || !LinkDirectory("M", "B")) {
+        GTEST_SKIP() << "no links here";
+    }
+    EXPECT_EQ(Create(), 0u);
+    EXPECT_EQ(seen_, "1|M\\DEEP|0;");
+}
+
+TEST_F(HostileMedia, WhatLinksLeadToComesLast) {
+    const TempDir elsewhere;
+    elsewhere.Write("1", Instance(1).Data());
+    std::error_code error;
+    fs::create_directory_symlink(elsewhere.Path("."), medium_.Path("A"), error);
+    if (error) GTEST_SKIP() << "no links here";
+    medium_.Write("B/2", Instance(2));
+    EXPECT_EQ(Create(), 0u);
+    EXPECT_EQ(seen_, "2|B|0;1|A|0;");
 }
 
 // Two links to each next directory: as many paths as powers of two.
