@@ -26,7 +26,7 @@ class PGX_ListElement {
     PGX_ListElement* next;  // null in the last cell
 
     PGKIT_API PGX_ListElement();
-    // Frees nothing.
+    // Frees nothing, and leaves both fields null.
     PGKIT_API ~PGX_ListElement();
     PGKIT_API PGX_ListElement& operator=(const PGX_ListElement& other);
     PGX_ListElement(const PGX_ListElement&) = delete;
@@ -39,7 +39,7 @@ class PGX_List {
     PGX_ListElement* tail;
 
     PGKIT_API PGX_List();
-    // Frees the cells, not the objects.
+    // Frees the cells, not the objects. The count is 0 afterwards.
     PGKIT_API ~PGX_List();
     // Copies the three fields: afterwards both lists share the cells, those that this list had are
     // lost, and only one of the two may be changed, emptied or destroyed.

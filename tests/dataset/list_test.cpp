@@ -244,4 +244,20 @@ TEST(List, DestroyingAListLeavesTheObjectsAlive) {
     EXPECT_EQ(object, "alive");
 }
 
+TEST(List, DestructorsLeaveNothingToFollow) {
+    alignas(PGX_ListElement) unsigned char cell[sizeof(PGX_ListElement)];
+    auto* element = new (cell) PGX_ListElement;
+    element->data = a;
+    element->next = element;
+    element->~PGX_ListElement();
+    EXPECT_EQ(*reinterpret_cast<void* volatile*>(cell), nullptr);
+    EXPECT_EQ(*reinterpret_cast<void* volatile*>(cell + sizeof(void*)), nullptr);
+
+    alignas(PGX_List) unsigned char storage[sizeof(PGX_List)];
+    auto* list = new (storage) PGX_List;
+    Fill(*list, {a, b});
+    list->~PGX_List();
+    EXPECT_EQ(*reinterpret_cast<volatile int32_t*>(storage), 0);
+}
+
 }  // namespace
