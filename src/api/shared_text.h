@@ -5,6 +5,9 @@
 
 namespace pgkit {
 
+// The text of what is not there, at one address.
+inline constexpr char kNoText[] = "";
+
 // A copy of the text, cut to 519 characters.
 const char* ShareText(std::string_view text);
 
@@ -12,7 +15,7 @@ const char* ShareText(std::string_view text);
 // null handle gives an empty text and leaves the buffer alone.
 template <typename Handle, typename Object, size_t Size>
 const char* TextOf(Handle* handle, char (Object::*field)[Size]) {
-    return handle == nullptr ? "" : ShareText(static_cast<Object*>(handle)->*field);
+    return handle == nullptr ? kNoText : ShareText(static_cast<Object*>(handle)->*field);
 }
 
 }  // namespace pgkit

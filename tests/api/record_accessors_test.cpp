@@ -202,6 +202,7 @@ TEST(SharedText, IsNotTouchedByNullHandles) {
     const char* id = pgKitDirGetPatientID(&patient);
     EXPECT_STREQ(pgKitDirGetPatientID(nullptr), "");
     EXPECT_NE(pgKitDirGetPatientID(nullptr), id);
+    EXPECT_EQ(pgKitDirGetPatientID(nullptr), pgKitDirGetLeafInstanceUID(nullptr));
     EXPECT_STREQ(id, "4711");
 }
 
