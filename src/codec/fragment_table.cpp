@@ -32,9 +32,7 @@ FragmentEntry* AllocateTable(PGX_Node& pixelData, size_t count, size_t capacity)
 
 // Reads the table's offsets into absolute positions of the frames' first values, and the lengths
 // that follow from them: each frame reaches up to the item header of the next. Offsets are taken as
-// they stand, in 32 bits; a table that is wrong gives entries that are wrong. Only the last must
-// lie behind the table: the data set goes on behind it, and would be read again from an earlier
-// place.
+// they stand, in 32 bits; a table that is wrong gives entries that are wrong.
 bool ReadOffsets(StreamReader& reader, PGX_Node& pixelData, uint32_t tableLength) {
     const size_t count = tableLength / sizeof(uint32_t);
     const uint64_t firstItem = reader.Position() + tableLength;
@@ -53,12 +51,14 @@ bool ReadOffsets(StreamReader& reader, PGX_Node& pixelData, uint32_t tableLength
             entries[i - 1].length = entries[i].offset - entries[i - 1].offset - kItemHeaderSize;
         }
     }
-    return entries[count - 1].offset >= firstValue;
+    return true;
 }
 
 // The last frame must be one item, directly followed by the delimiter. Half of the item's tag is
-// enough to recognise it.
+// enough to recognise it. It must lie behind the table, where the reader stands: the data set goes
+// on behind the frame, and would be read again from an earlier place.
 bool ReadLastFrame(StreamReader& reader, FragmentEntry& last) {
+    if (last.offset < reader.Position() + kItemHeaderSize) return false;
     reader.Seek(last.offset - kItemHeaderSize);
     TagHeader header;
     if (!ReadItemHeader(reader, header)) return false;

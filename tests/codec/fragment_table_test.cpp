@@ -407,6 +407,17 @@ TEST_F(LoadEncodedPixelTable, FailureGivesMinus1AndNoTable) {
     EXPECT_EQ(node_.LoadEncodedPixelTable(node_.file, nullptr, 1, &consumed_), -1);
 }
 
+TEST_F(LoadEncodedPixelTable, CountsATableWhoseLastFrameIsNotThere) {
+    for (const uint32_t last : {1000u, 0xFFFFFFF8u, 0xFFFFFFFFu}) {
+        StreamBuilder stream = UpToPixelData();
+        const uint32_t start = stream.Size();
+        OffsetTable(stream, {0, last});
+        Fragment(stream, 10).EndSequence();
+        EXPECT_EQ(Load(stream, start, 0), -1);
+        EXPECT_EQ(consumed_, 16u);
+    }
+}
+
 TEST_F(LoadEncodedPixelTable, MayBeRepeated) {
     StreamBuilder stream = UpToPixelData();
     const uint32_t start = stream.Size();
