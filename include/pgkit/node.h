@@ -282,8 +282,8 @@ class PGX_Node {
     // Saves this root data set as a file: computes the lengths, sets the group lengths
     // (UpdateGroupLengths), writes, and patches pending offsets with the positions at which the
     // nodes were really written, in the byte order of the file. So it does with all links of a
-    // DICOMDIR that was browsed. In the tree, links to records that were read go on saying where
-    // these were read from: it can be browsed and saved again.
+    // DICOMDIR that was browsed or saved before. In the tree, links go on saying where their
+    // records were read from or first written to: it can be browsed and saved again.
     //
     // Mode 0 keeps the encoding the tree was read with. With PG_META the
     // file is a Part 10 file. The transfer syntax element (0002,0010), if there is one, is set to

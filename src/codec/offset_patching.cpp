@@ -60,10 +60,10 @@ WriteResult WriteOffset(std::optional<uint32_t> offset, std::optional<uint64_t> 
     return written ? kWritten : kWriteFailed;
 }
 
-// Items that were read keep the position they were read from, and what counts in the tree are the
-// positions of its nodes: links go on leading to their targets when the tree is browsed again.
+// Items keep the position they were read from or first written to, and what counts in the tree are
+// the positions of its nodes: links go on leading to their targets when the tree is browsed again.
 std::optional<uint32_t> OffsetInTree(const PGX_Node& target, std::optional<uint32_t> inFile) {
-    return target.file != nullptr ? OffsetOfItem(NodePosition(target)) : inFile;
+    return target.fileOffset != 0 ? OffsetOfItem(NodePosition(target)) : inFile;
 }
 
 // The item that was read from where the offset says.
@@ -156,7 +156,7 @@ WriteResult PendingOffsets::PatchPending(const Link& link, FILE* stream, ByteOrd
 WriteResult PendingOffsets::PatchSettled(const Link& link, FILE* stream, ByteOrder order) {
     const std::optional<uint64_t> valuePosition = positions_.Find(link.element);
     const std::optional<uint64_t> position = positions_.Find(link.target);
-    if (!valuePosition || !position || link.target->file == nullptr) return kWritten;
+    if (!valuePosition || !position) return kWritten;
     // Whoever has given it another value wanted that.
     const std::optional<uint32_t> inTree = OffsetInTree(*link.target, std::nullopt);
     const bool isValid = link.element->length == sizeof(uint32_t) &&

@@ -134,6 +134,28 @@ TEST_F(Offsets, OfARecordThatHasMovedFollowItInTheNextSave) {
     EXPECT_EQ(NumberAt(ReadFile(path_), 12 + 8), kUpperItem + 12);
 }
 
+TEST_F(Offsets, AreRightInEverySaveOfATreeThatWasBuilt) {
+    Link(firstRecord_, upper_);
+    Link(lower_, inner_);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), PG_IMPLICIT_VR | PG_LITTLE_ENDIAN), 0u);
+    const Bytes implicit = ReadFile(path_);
+    EXPECT_EQ(NumberAt(implicit, 8), kUpperItem - 4);
+    EXPECT_EQ(NumberAt(implicit, kUpperItem - 4 + 8 + 12 + 8), kInnerItem - 4);
+    EXPECT_EQ(NumberAt(implicit, kInnerItem - 4), 0xE000FFFEu);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    EXPECT_EQ(NumberAt(ReadFile(path_), 8), kUpperItem);
+}
+
+TEST_F(Offsets, ThatTheCallerHasChangedSinceTheLastSaveStay) {
+    Link(firstRecord_, upper_);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    const uint32_t none = 0;
+    firstRecord_->SetValue(&none, 4);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), PG_IMPLICIT_VR | PG_LITTLE_ENDIAN), 0u);
+    EXPECT_EQ(NumberAt(ReadFile(path_), 8), 0u);
+}
+
 TEST_F(Offsets, GetRoomForFourBytes) {
     firstRecord_->SetValue("xx", 2);
     lower_->SetValue(nullptr, 0);
