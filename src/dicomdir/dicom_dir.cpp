@@ -1,5 +1,6 @@
 // PGX_DicomDir: opening, and the steps of a browse.
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -51,16 +52,18 @@ PGX_DicomDir::~PGX_DicomDir() {
 }
 
 int32_t PGX_DicomDir::OpenDicomDir(const char* path, uint32_t maxLoadLength) {
+    // The path may be a text of a record that goes now.
+    const std::string copy(path != nullptr ? path : "");
     ResetPatientList();
     pgCloseDataSet(dataSet);
     dataSet = nullptr;
-    if (path == nullptr || path[0] == '\0') return 0;
-    dataSet = pgOpenDataSetFile(path, maxLoadLength);
+    if (copy.empty()) return 0;
+    dataSet = pgOpenDataSetFile(copy.c_str(), maxLoadLength);
     if (dataSet == nullptr) {
-        PrintOut("** PGX_DicomDir::OpenDicomDir file open failed... <%s>\n", path);
+        PrintOut("** PGX_DicomDir::OpenDicomDir file open failed... <%s>\n", copy.c_str());
         return 0;
     }
-    pgkit::CopyToField(folder, FolderOf(path));
+    pgkit::CopyToField(folder, FolderOf(copy));
     return 1;
 }
 

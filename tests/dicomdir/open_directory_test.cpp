@@ -37,13 +37,14 @@ class OpenDirectory : public testing::Test {
         return LibraryPath(files_.Write(name, content));
     }
     std::string Path(const char* name) { return LibraryPath(files_.Path(name)); }
-    std::string FirstFullPath() {
+    PGX_DicomDirLeafNode& FirstLeaf() {
         CapturePrinted([&] { directory_.Browse(nullptr, nullptr); });
         auto* patient = static_cast<PGX_DicomDirPatientNode*>(directory_.patientList->GetHead());
         auto* study = static_cast<PGX_DicomDirStudyNode*>(patient->studies.GetHead());
         auto* series = static_cast<PGX_DicomDirSeriesNode*>(study->series.GetHead());
-        return static_cast<PGX_DicomDirLeafNode*>(series->leaves.GetHead())->fullPath;
+        return *static_cast<PGX_DicomDirLeafNode*>(series->leaves.GetHead());
     }
+    std::string FirstFullPath() { return FirstLeaf().fullPath; }
 
     TempDir files_;
     PGX_DicomDir directory_;
@@ -104,6 +105,14 @@ TEST_F(OpenDirectory, PathWithoutBackslashIsTheFolderAsAWhole) {
     EXPECT_EQ(FirstFullPath(), "DICOMDIR\\IMG\\X1");
     directory_.OpenDicomDir(nullptr, 0);
     std::filesystem::current_path(before);
+}
+
+TEST_F(OpenDirectory, TakesAPathOutOfTheListThatItDiscards) {
+    directory_.OpenDicomDir(Write("DICOMDIR", OneImage().Build()).c_str(), 0x20000);
+    std::filesystem::create_directory(files_.Path("IMG"));
+    Write("IMG/X1", OneImage().Build());
+    EXPECT_EQ(directory_.OpenDicomDir(FirstLeaf().fullPath, 0x20000), 1);
+    EXPECT_EQ(directory_.folder, Upper(Path("IMG")));
 }
 
 TEST_F(OpenDirectory, DiscardsWhatWasOpen) {
