@@ -47,4 +47,22 @@ void WalkTree(PGX_Node& start, Visitor& visitor) {
     }
 }
 
+// Whether the predicate holds for a node or for anything below it.
+template <typename Predicate>
+bool AnyInTree(PGX_Node& start, Predicate predicate) {
+    struct Search {
+        Predicate predicate;
+        bool found = false;
+
+        WalkStep Enter(PGX_Node& node, size_t) {
+            found = predicate(node);
+            return found ? WalkStep::Unwind : WalkStep::Continue;
+        }
+        WalkStep Leave(PGX_Node&, size_t) { return WalkStep::Continue; }
+    };
+    Search search{predicate};
+    WalkTree(start, search);
+    return search.found;
+}
+
 }  // namespace pgkit

@@ -19,6 +19,10 @@ namespace {
 // never asked to fill gigabytes that a damaged length merely claims.
 constexpr size_t kUncheckedRead = 0x10000;
 
+// A value that lacks more than this is one that a damaged length claims, not one that was cut
+// short.
+constexpr uint32_t kFewBytes = 4096;
+
 uint64_t BytesFrom(FILE* stream, uint64_t position) {
     const uint64_t size = platform::StreamSize(stream);
     return size > position ? size - position : 0;
@@ -104,6 +108,14 @@ uint32_t AvailableLength(const PGX_Node& node) {
         available = platform::FileSize(node.contentFile).value_or(0);
     }
     return static_cast<uint32_t>(std::min<uint64_t>(node.length, available));
+}
+
+bool LacksMuch(const PGX_Node& node) {
+    if (node.length <= kFewBytes || node.length == kUndefinedLength) return false;
+    const bool wasLoaded = node.value != nullptr && node.file != nullptr;
+    const uint64_t available =
+        wasLoaded ? BytesFrom(node.file, node.fileOffset) : AvailableLength(node);
+    return available + kFewBytes < node.length;
 }
 
 size_t FetchValue(const PGX_Node& node, uint64_t offset, uint8_t* out, size_t count) {

@@ -24,6 +24,10 @@ ValueSource FindValueSource(const PGX_Node& node);
 // 0 for an undefined length and for a position in the file that is not representable.
 uint32_t AvailableLength(const PGX_Node& node);
 
+// Whether the tree's file holds much less of the value, loaded or not, than its length says: a copy
+// would consist of zeros.
+bool LacksMuch(const PGX_Node& node);
+
 // Copies up to count bytes from an offset in the value, as they are kept (in the byte order of the
 // node). Returns how many there were. Moves the node's file.
 size_t FetchValue(const PGX_Node& node, uint64_t offset, uint8_t* out, size_t count);

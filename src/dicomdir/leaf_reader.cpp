@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "dataset/tree_walk.h"
+#include "dataset/value_source.h"
 #include "dicomdir/record_keys.h"
 #include "frame/text.h"
 #include "pgkit/sopclass.h"
@@ -47,9 +49,12 @@ constexpr NamedType kNamedTypes[] = {
     {"WAVEFORM", PG_LEAF_WAVEFORM},         {"RAW DATA", PG_LEAF_RAW_DATA},
 };
 
+// Null also for one that a damaged length makes larger than the DICOMDIR: many leaves may share the
+// record, and each has copies of its own.
 PGX_Node* CopySequence(PGX_Node& record, KeyTag tag) {
     PGX_Node* sequence = record.FindNode(tag.group, tag.element);
-    return sequence == nullptr ? nullptr : sequence->DuplicateNode(1);
+    if (sequence == nullptr || AnyInTree(*sequence, LacksMuch)) return nullptr;
+    return sequence->DuplicateNode(1);
 }
 
 void ReadFields(PGX_Node& record, PGX_DicomDirImageNode& image) {

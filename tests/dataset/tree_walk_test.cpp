@@ -80,6 +80,19 @@ TEST(TreeWalk, SiblingsOfTheStartAreNotVisited) {
     EXPECT_EQ(recorder.path, " +1 -1");
 }
 
+TEST(TreeWalk, FindsWhetherAnyNodeHasAProperty) {
+    const NodeTree tree(Numbered(1, Numbered(2, Numbered(3, nullptr, nullptr), nullptr), nullptr));
+    for (const int number : {1, 2, 3, 4}) {
+        int seen = 0;
+        const bool found = pgkit::AnyInTree(*tree, [&](const PGX_Node& node) {
+            ++seen;
+            return node.element == number;
+        });
+        EXPECT_EQ(found, number < 4);
+        EXPECT_EQ(seen, number < 4 ? number : 3);
+    }
+}
+
 TEST(TreeWalk, DepthCostsNoStack) {
     PGX_Node* root = Numbered(1, nullptr, nullptr);
     for (int level = 0; level < 1'000'000; ++level)

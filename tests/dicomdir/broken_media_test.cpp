@@ -147,6 +147,24 @@ TEST(SharedRecords, ThatAreLargeAreBoundedByTheirSize) {
     EXPECT_LT(browsed->leafCount, 100);
 }
 
+// The last value of the file claims what is not there; every leaf would have zeros of its own.
+TEST(SharedRecords, DoNotCopyWhatALengthMerelyClaims) {
+    for (const uint32_t claimed : {8000u, 60'000'000u, 0xF0000000u}) {
+        DirectoryBuilder directory = FullyShared(20);
+        StreamBuilder item;
+        item.Item(0xFFFFFFFF).Header(0x0040, 0xA160, "UT", claimed);
+        directory[60]
+            .Set(0x0004, 0x1430, "CS", "SR DOCUMENT")
+            .Set(0x0040, 0xA043, "SQ", "")
+            .Set(0x0040, 0xA730, "SQ", std::string(item.Data().begin(), item.Data().end()));
+        BrowsedDirectory browsed(directory.Build(), 0xFFFFFFFF);
+        ASSERT_GT(browsed->leafCount, 4000);
+        const auto& report = static_cast<PGX_DicomDirReportNode&>(browsed.Leaf());
+        EXPECT_NE(report.conceptNameCodeSequence, nullptr);
+        EXPECT_EQ(report.contentSequence, nullptr);
+    }
+}
+
 TEST(BrokenFile, MissingSequence) {
     DirectoryBuilder directory = OnePatient();
     directory.hasSequence = false;

@@ -13,9 +13,6 @@ namespace pgkit {
 
 namespace {
 
-// What a file lacks reads as zeros, but a damaged one must not make a directory of gigabytes of
-// them.
-constexpr size_t kMostMissing = 64 * 1024;
 // In a header of explicit VR.
 constexpr uint32_t kLongestShortLength = 65534;
 
@@ -25,18 +22,8 @@ bool IsUnfitForRecord(const PGX_Node& node) {
     if (node.nodeType != NT_DataElement || node.valueRep == VR_SQ) return false;
     if (node.length == kUndefinedLength) return node.encapsulated == 0;
     if (node.length > kLongestShortLength && !HasLongHeader(node.valueRep)) return true;
-    return node.length - AvailableLength(node) > kMostMissing;
+    return LacksMuch(node);
 }
-
-struct FindsUnfitElement {
-    bool found = false;
-
-    WalkStep Enter(PGX_Node& node, size_t) {
-        found = found || IsUnfitForRecord(node);
-        return found ? WalkStep::Unwind : WalkStep::Continue;
-    }
-    WalkStep Leave(PGX_Node&, size_t) { return WalkStep::Continue; }
-};
 
 // Copies have their values in host order and say what the original had.
 struct SetsHostOrder {
@@ -56,10 +43,7 @@ bool ModifiesConcept(PGX_Node& item) {
 }  // namespace
 
 NodeTree CopyForRecord(PGX_Node* node) {
-    if (node == nullptr) return nullptr;
-    FindsUnfitElement check;
-    WalkTree(*node, check);
-    if (check.found) return nullptr;
+    if (node == nullptr || AnyInTree(*node, IsUnfitForRecord)) return nullptr;
     NodeTree copy(node->DuplicateNode(1));
     SetsHostOrder setter;
     WalkTree(*copy, setter);
