@@ -1,18 +1,28 @@
 #include "pgkit/list.h"
 
+#include <utility>
+
 #include "dataset/list_cells.h"
+
+using pgkit::LinkAfter;
+using pgkit::NewCell;
+using pgkit::RemoveAfter;
 
 namespace pgkit {
 
-PGX_ListElement* InsertAfter(PGX_List& list, PGX_ListElement* before, void* data) {
-    PGX_ListElement* cell = new PGX_ListElement;
-    PGX_ListElement*& link = before == nullptr ? list.head : before->next;
+std::unique_ptr<PGX_ListElement> NewCell(void* data) {
+    auto cell = std::make_unique<PGX_ListElement>();
     cell->data = data;
-    cell->next = link;
-    link = cell;
-    if (cell->next == nullptr) list.tail = cell;
-    ++list.count;
     return cell;
+}
+
+void LinkAfter(PGX_List& list, PGX_ListElement* before,
+               std::unique_ptr<PGX_ListElement> cell) noexcept {
+    PGX_ListElement*& link = before == nullptr ? list.head : before->next;
+    cell->next = link;
+    if (cell->next == nullptr) list.tail = cell.get();
+    link = cell.release();
+    ++list.count;
 }
 
 void* RemoveAfter(PGX_List& list, PGX_ListElement* before) {
@@ -64,9 +74,9 @@ void* PGX_List::GetHead() { return head == nullptr ? nullptr : head->data; }
 
 void* PGX_List::GetTail() { return tail == nullptr ? nullptr : tail->data; }
 
-void PGX_List::AddHead(void* data) { pgkit::InsertAfter(*this, nullptr, data); }
+void PGX_List::AddHead(void* data) { LinkAfter(*this, nullptr, NewCell(data)); }
 
-void PGX_List::AddTail(void* data) { pgkit::InsertAfter(*this, tail, data); }
+void PGX_List::AddTail(void* data) { LinkAfter(*this, tail, NewCell(data)); }
 
 void PGX_List::InsertAt(int32_t index, void* data) {
     if (index >= count) return AddTail(data);
@@ -74,12 +84,10 @@ void PGX_List::InsertAt(int32_t index, void* data) {
     PGX_ListElement* before = head;
     for (int32_t i = 1; i < index; ++i)
         before = before->next;
-    pgkit::InsertAfter(*this, before, data);
+    LinkAfter(*this, before, NewCell(data));
 }
 
-void* PGX_List::RemoveHead() {
-    return head == nullptr ? nullptr : pgkit::RemoveAfter(*this, nullptr);
-}
+void* PGX_List::RemoveHead() { return head == nullptr ? nullptr : RemoveAfter(*this, nullptr); }
 
 void* PGX_List::RemoveTail() {
     if (tail == nullptr) return nullptr;
@@ -87,7 +95,7 @@ void* PGX_List::RemoveTail() {
     PGX_ListElement* before = head;
     while (before->next != tail)
         before = before->next;
-    return pgkit::RemoveAfter(*this, before);
+    return RemoveAfter(*this, before);
 }
 
 void* PGX_List::RemoveElement(void* data) {
@@ -96,7 +104,7 @@ void* PGX_List::RemoveElement(void* data) {
     if (tail == nullptr) return nullptr;
     if (tail->data == data) return RemoveTail();
     for (PGX_ListElement* before = head; before->next != nullptr; before = before->next) {
-        if (before->next->data == data) return pgkit::RemoveAfter(*this, before);
+        if (before->next->data == data) return RemoveAfter(*this, before);
     }
     return nullptr;
 }

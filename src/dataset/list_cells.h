@@ -2,12 +2,18 @@
 // head. Null stands for the place in front of the head.
 #pragma once
 
+#include <memory>
+
 #include "pgkit/list.h"
 
 namespace pgkit {
 
-// Adds a cell behind another one of the list and returns it.
-PGX_ListElement* InsertAfter(PGX_List& list, PGX_ListElement* before, void* data);
+// A cell of no list.
+std::unique_ptr<PGX_ListElement> NewCell(void* data);
+
+// Puts a cell behind another one of the list.
+void LinkAfter(PGX_List& list, PGX_ListElement* before,
+               std::unique_ptr<PGX_ListElement> cell) noexcept;
 
 // Removes the cell, which must exist, behind another one of the list and returns what it held.
 void* RemoveAfter(PGX_List& list, PGX_ListElement* before);

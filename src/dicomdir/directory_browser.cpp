@@ -75,7 +75,10 @@ int32_t DirectoryBrowser::BrowseSeries(RecordNumber first, PGX_DicomDirStudyNode
 }
 
 int32_t DirectoryBrowser::BrowseLeaves(RecordNumber first, PGX_DicomDirSeriesNode& series) {
-    LeafOrder& order = leafOrders_[&series];
+    const auto numberOf = [](const PGX_DicomDirLeafNode& leaf) { return leaf.instanceNumber; };
+    LeafOrder& order =
+        leafOrders_.try_emplace(&series, series.leaves, numberOf, Ties::BehindGreatest)
+            .first->second;
     return WalkChain(RecordLevel::Leaf, first,
                      [&](RecordNumber number) { return HandleLeaf(number, series, order); });
 }
@@ -163,8 +166,8 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number,
         PrintOut("Instance already found : (%s)\n", instanceUid);
         return Outcome::Handled;
     }
-    PGX_DicomDirLeafNode& leaf = order.Insert(
-        series.leaves, ReadLeaf(record, kind->type, recordType, instanceUid, directory_.folder));
+    PGX_DicomDirLeafNode& leaf =
+        order.Insert(ReadLeaf(record, kind->type, recordType, instanceUid, directory_.folder));
     leaves_.insert({&series, leaf.instanceUid});
     ReportLeaf(leaf);
     return Outcome::Handled;

@@ -11,7 +11,7 @@
 
 #include "dicomdir/browse_guard.h"
 #include "dicomdir/hierarchy_index.h"
-#include "dicomdir/leaf_order.h"
+#include "dicomdir/insertion_order.h"
 #include "dicomdir/record_table.h"
 #include "pgkit/directory.h"
 
@@ -31,6 +31,8 @@ class DirectoryBrowser {
     int32_t BrowseLeaves(RecordNumber first, PGX_DicomDirSeriesNode& series);
 
   private:
+    using LeafOrder = InsertionOrder<PGX_DicomDirLeafNode>;
+
     // What became of one record of a chain. Broken ends the walk.
     enum class Outcome { Handled, Skipped, Broken };
 

@@ -1,6 +1,8 @@
 // The lists of a hierarchy as what they hold: objects of one class.
 #pragma once
 
+#include <memory>
+
 #include "dicomdir/leaf_destruction.h"
 #include "pgkit/list.h"
 
@@ -32,6 +34,13 @@ class Records {
   private:
     PGX_List& list_;
 };
+
+// Appends an object, which the list's owner owns from then on.
+template <typename Record>
+Record& Append(PGX_List& list, std::unique_ptr<Record> record) {
+    list.AddTail(record.get());
+    return *record.release();
+}
 
 template <typename Record>
 void Destroy(Record* record) {

@@ -87,6 +87,11 @@ class JobMedium {
         options_.fillMissingKeys = 1;
         std::filesystem::create_directories(files_.Path("MEDIUM/SUB"));
         Write("A", InstanceFile().Instance("1.2.3.4.1"));
+        // In descending order, in a series and in a study.
+        Write("A2", InstanceFile().Instance("1.2.3.4.12").InstanceNumber(-2));
+        Write("A3", InstanceFile().Instance("1.2.3.4.13").InstanceNumber(-3));
+        Write("A4", SeriesFile("1.2.3.4.14", "-4"));
+        Write("A5", SeriesFile("1.2.3.4.15", "-5"));
         Write("SUB/B", InstanceFile().Instance("1.2.3.4.2").Study("1.9").Series("1.9.1"));
         Write("C", InstanceFile().Instance("1.2.3.4.3").Patient("4713", "ROE^JANE"));
         files_.Write("MEDIUM/TEXT", "no file of this kind");
@@ -128,17 +133,22 @@ class JobMedium {
 
     template <typename WhileFailing>
     void CreateOffshore(WhileFailing&& whileFailing) const {
-        const std::string path = files_.Path("MEDIUM/A");
         void* handle = nullptr;
         whileFailing(
             [&] { handle = pgStartCreateOffshoreDicomdir(medium_.c_str(), "", &options_); });
         if (handle == nullptr) return;
-        whileFailing([&] { pgAddFileToOffshoreDicomdir(handle, "A", path.c_str()); });
+        for (const char* name : {"A", "A2", "A3", "A4", "A5", "C"}) {
+            const std::string path = files_.Path(std::string("MEDIUM/") + name);
+            whileFailing([&] { pgAddFileToOffshoreDicomdir(handle, name, path.c_str()); });
+        }
         // The handle is gone after this, whatever happens.
         whileFailing([&] { pgEndCreateOffshoreDicomdir(handle); });
     }
 
   private:
+    static InstanceFile SeriesFile(const std::string& uid, const char* number) {
+        return InstanceFile().Instance(uid).Series(uid + ".1").Set(0x0020, 0x0011, "IS", number);
+    }
     void Write(const std::string& name, const InstanceFile& file) const {
         files_.Write("MEDIUM/" + name, file.Data());
     }

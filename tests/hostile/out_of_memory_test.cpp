@@ -10,6 +10,7 @@
 #include "hostile/every_failure.h"
 #include "hostile/failing_jobs.h"
 #include "sopclass/sop_class_set.h"
+#include "support/browsed_directory.h"
 
 namespace {
 
@@ -213,6 +214,12 @@ class OutOfMemoryWithMedia : public OutOfMemory {
         return records;
     }
 
+    // Whether no patient, study or series is without children.
+    static bool IsComplete(PGX_List& patients) {
+        const std::string outline = Outline(&patients);
+        return outline.find("()") == std::string::npos;
+    }
+
     JobMedium medium_;
 };
 
@@ -261,13 +268,14 @@ TEST_F(OutOfMemoryWithMedia, WritesNoRecordWithoutItsKeys) {
     EXPECT_GE(allocations, 100u);
 }
 
-TEST_F(OutOfMemoryWithMedia, LosesNothingInADiskBrowse) {
+TEST_F(OutOfMemoryWithMedia, AddsFilesWithAllTheirRecordsInADiskBrowse) {
     const size_t allocations = Sweep([&](auto&& whileFailing) {
         PGX_List patients;
         whileFailing([&] {
             pgBrowseDisk(medium_.Directory().c_str(), "", &medium_.Options(), &patients, nullptr,
                          nullptr);
         });
+        EXPECT_TRUE(IsComplete(patients));
         pgEmptyPatientList(&patients);
     });
     EXPECT_GE(allocations, 100u);

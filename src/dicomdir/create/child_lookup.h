@@ -31,8 +31,8 @@ class ChildLookup {
         return found == index_.end() ? nullptr : found->second;
     }
 
-    // To be told of every child that joins a list.
-    void Added(PGX_List& children, Child& child) {
+    // To be told of every child before it joins a list.
+    void WillJoin(PGX_List& children, Child& child) {
         const auto list = lists_.find(&children);
         if (list != lists_.end() && list->second) {
             index_.try_emplace({&children, UidOf(child)}, &child);

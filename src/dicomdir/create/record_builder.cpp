@@ -14,13 +14,11 @@ namespace pgkit {
 
 namespace {
 
-int32_t SeriesNumberOf(const void* series) {
-    return LeadingInteger(static_cast<const PGX_DicomDirSeriesNode*>(series)->seriesNumber);
+int32_t SeriesNumberOf(const PGX_DicomDirSeriesNode& series) {
+    return LeadingInteger(series.seriesNumber);
 }
 
-int32_t InstanceNumberOf(const void* leaf) {
-    return static_cast<const PGX_DicomDirLeafNode*>(leaf)->instanceNumber;
-}
+int32_t InstanceNumberOf(const PGX_DicomDirLeafNode& leaf) { return leaf.instanceNumber; }
 
 bool IsSamePatient(const PGX_DicomDirPatientNode& known, const PGX_DicomDirPatientNode& keys) {
     return std::strcmp(known.patientId, keys.patientId) == 0 &&
@@ -45,8 +43,20 @@ AddedRecords RecordBuilder::Add(const FileToAdd& file) {
         }
         return added;
     } catch (const std::bad_alloc&) {
+        ForgetIndexes();
         return {PG_NOT_A_DATA_SET};
     }
+}
+
+// They may know objects that were to be added and are gone.
+void RecordBuilder::ForgetIndexes() {
+    hasPatientIndex_ = false;
+    patientIndex_.clear();
+    studies_ = {};
+    series_ = {};
+    leaves_ = {};
+    seriesOrders_.clear();
+    leafOrders_.clear();
 }
 
 // Nothing is added before everything about the file is known.
@@ -63,11 +73,8 @@ AddedRecords RecordBuilder::Place(const FileToAdd& file) {
         leaves_.Find(added.series->leaves, candidate.instanceUid) != nullptr) {
         return {PG_INSTANCE_KNOWN};
     }
-    auto leaf = NewLeaf(candidate, file, options_);
-    if (added.patient == nullptr) AddPatient(std::move(patient), added);
-    if (added.study == nullptr) AddStudy(dataSet, added);
-    if (added.series == nullptr) AddSeries(dataSet, added);
-    AddLeaf(std::move(leaf), added);
+    NewParents parents{dataSet, std::move(patient)};
+    AddLeaf(NewLeaf(candidate, file, options_), parents, added);
     AddSeriesIcon(file, *added.series, *added.leaf);
     return added;
 }
@@ -99,34 +106,51 @@ PGX_DicomDirPatientNode* RecordBuilder::FindPatient(PGX_DicomDirPatientNode& key
     return found == patientIndex_.end() ? nullptr : *found;
 }
 
+void RecordBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, NewParents& parents,
+                            AddedRecords& added) {
+    added.leaf = leaf.get();
+    if (added.series == nullptr) {
+        auto series = NewSeries(parents.dataSet);
+        Append(series->leaves, std::move(leaf));
+        return AddSeries(std::move(series), parents, added);
+    }
+    PGX_List& siblings = added.series->leaves;
+    leaves_.WillJoin(siblings, *leaf);
+    leafOrders_.try_emplace(&siblings, siblings, InstanceNumberOf, Ties::InFront)
+        .first->second.Insert(std::move(leaf));
+}
+
+void RecordBuilder::AddSeries(std::unique_ptr<PGX_DicomDirSeriesNode> series, NewParents& parents,
+                              AddedRecords& added) {
+    added.series = series.get();
+    if (added.study == nullptr) {
+        auto study = NewStudy(parents.dataSet);
+        Append(study->series, std::move(series));
+        return AddStudy(std::move(study), parents, added);
+    }
+    PGX_List& siblings = added.study->series;
+    series_.WillJoin(siblings, *series);
+    seriesOrders_.try_emplace(&siblings, siblings, SeriesNumberOf, Ties::InFront)
+        .first->second.Insert(std::move(series));
+}
+
+void RecordBuilder::AddStudy(std::unique_ptr<PGX_DicomDirStudyNode> study, NewParents& parents,
+                             AddedRecords& added) {
+    added.study = study.get();
+    if (added.patient == nullptr) {
+        Append(parents.patient->studies, std::move(study));
+        return AddPatient(std::move(parents.patient), added);
+    }
+    PGX_List& siblings = added.patient->studies;
+    studies_.WillJoin(siblings, *study);
+    Append(siblings, std::move(study));
+}
+
 void RecordBuilder::AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient,
                                AddedRecords& added) {
-    patients_.AddTail(patient.get());
-    added.patient = patient.release();
-    if (hasPatientIndex_) patientIndex_.insert(added.patient);
-}
-
-void RecordBuilder::AddStudy(PGX_Node& dataSet, AddedRecords& added) {
-    auto study = NewStudy(dataSet);
-    PGX_List& siblings = added.patient->studies;
-    siblings.AddTail(study.get());
-    added.study = study.release();
-    studies_.Added(siblings, *added.study);
-}
-
-void RecordBuilder::AddSeries(PGX_Node& dataSet, AddedRecords& added) {
-    auto series = NewSeries(dataSet);
-    PGX_List& siblings = added.study->series;
-    orders_.try_emplace(&siblings, siblings, SeriesNumberOf).first->second.Insert(series.get());
-    added.series = series.release();
-    series_.Added(siblings, *added.series);
-}
-
-void RecordBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, AddedRecords& added) {
-    PGX_List& siblings = added.series->leaves;
-    orders_.try_emplace(&siblings, siblings, InstanceNumberOf).first->second.Insert(leaf.get());
-    added.leaf = leaf.release();
-    leaves_.Added(siblings, *added.leaf);
+    added.patient = patient.get();
+    if (hasPatientIndex_) patientIndex_.insert(patient.get());
+    Append(patients_, std::move(patient));
 }
 
 // A series looks like the first of its images that has an icon. It gets one of its own from the

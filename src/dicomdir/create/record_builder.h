@@ -3,14 +3,15 @@
 // hierarchy.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <unordered_map>
 
 #include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/child_lookup.h"
 #include "dicomdir/create/file_gate.h"
-#include "dicomdir/create/insertion_order.h"
 #include "dicomdir/hierarchy_index.h"
+#include "dicomdir/insertion_order.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/directory_records.h"
 
@@ -31,19 +32,34 @@ class RecordBuilder {
     RecordBuilder(PGX_List& patients, std::string profile, const PgDicomdirOptions& options,
                   AcceptanceList* refusals);
 
-    // Does not throw.
+    // Does not throw. A file for which memory does not suffice is refused like one that is no data
+    // set, and leaves the hierarchy as it was.
     AddedRecords Add(const FileToAdd& file);
 
   private:
+    // What the parents of a leaf are made of.
+    struct NewParents {
+        PGX_Node& dataSet;
+        std::unique_ptr<PGX_DicomDirPatientNode> patient;
+    };
+
     AddedRecords Place(const FileToAdd& file);
     AddedRecords FindParents(const Candidate& candidate, PGX_DicomDirPatientNode& patient);
     PGX_DicomDirPatientNode* FindPatient(PGX_DicomDirPatientNode& keys);
+
+    // Each of these adds an object to its parent or, where there is none yet, to one that it makes
+    // and adds in turn. What is new joins the hierarchy at last, and as a whole.
+    void AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, NewParents& parents,
+                 AddedRecords& added);
+    void AddSeries(std::unique_ptr<PGX_DicomDirSeriesNode> series, NewParents& parents,
+                   AddedRecords& added);
+    void AddStudy(std::unique_ptr<PGX_DicomDirStudyNode> study, NewParents& parents,
+                  AddedRecords& added);
     void AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient, AddedRecords& added);
-    void AddStudy(PGX_Node& dataSet, AddedRecords& added);
-    void AddSeries(PGX_Node& dataSet, AddedRecords& added);
+
     void AddSeriesIcon(const FileToAdd& file, PGX_DicomDirSeriesNode& series,
                        PGX_DicomDirLeafNode& leaf);
-    void AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, AddedRecords& added);
+    void ForgetIndexes();
 
     PGX_List& patients_;
     std::string profile_;
@@ -56,7 +72,8 @@ class RecordBuilder {
     ChildLookup<PGX_DicomDirStudyNode> studies_;
     ChildLookup<PGX_DicomDirSeriesNode> series_;
     ChildLookup<PGX_DicomDirLeafNode> leaves_;
-    std::unordered_map<const PGX_List*, InsertionOrder> orders_;
+    std::unordered_map<const PGX_List*, InsertionOrder<PGX_DicomDirSeriesNode>> seriesOrders_;
+    std::unordered_map<const PGX_List*, InsertionOrder<PGX_DicomDirLeafNode>> leafOrders_;
 };
 
 }  // namespace pgkit
