@@ -35,7 +35,7 @@ void Icon(Bytes bytes) {
     const std::string path = WriteScratch("icon", input.Rest());
     const pgkit_test::DataSet image(pgOpenDataSetFile(path.c_str(), 0x10000));
     if (image == nullptr) return;
-    const pgkit::BitmapHandle bitmap(pgkit::NewIconBitmap(*image));
+    const pgkit::BitmapHandle bitmap = pgkit::NewIconBitmap(*image);
     if (bitmap == nullptr) return;
     Require(pgkit::ReceivedBitmap(bitmap.get()).Header().has_value(), "a bitmap is all there");
     pgkit::NewIconItem(bitmap.get());

@@ -1,4 +1,5 @@
 // Accessors: DICOMDIR files.
+#include <memory>
 #include <new>
 
 #include "api/handle_access.h"
@@ -7,12 +8,13 @@
 using pgkit::CallOn;
 
 PGX_DicomDir* pgKitOpenDicomDir(const char* path, uint32_t maxLoadLength) {
-    PGX_DicomDir* directory = new (std::nothrow) PGX_DicomDir;
-    if (directory == nullptr) return nullptr;
-    directory->OpenDicomDir(path, maxLoadLength);
-    if (directory->IsDicomDir() == 1) return directory;
-    delete directory;
-    return nullptr;
+    try {
+        auto directory = std::make_unique<PGX_DicomDir>();
+        directory->OpenDicomDir(path, maxLoadLength);
+        return directory->IsDicomDir() == 1 ? directory.release() : nullptr;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 void pgKitCloseDicomDir(PGX_DicomDir* directory) { delete directory; }

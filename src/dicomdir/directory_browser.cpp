@@ -206,7 +206,7 @@ PGX_DicomDirSeriesNode& DirectoryBrowser::FindOrAddSeries(PGX_Node& record,
     cells_.Append(study.series, owned.get());
     PGX_DicomDirSeriesNode& series = *owned.release();
     AddModality(series.modality, study);
-    series.icon = ReadIcon(record);
+    series.icon = ReadIcon(record).release();
     return series;
 }
 

@@ -1,19 +1,19 @@
 #include "dicomdir/icon_bitmap.h"
 
 #include <cstdint>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <vector>
 
 #include "dataset/value_source.h"
+#include "dicomdir/bitmap_format.h"
 #include "frame/byte_order.h"
-#include "platform/global_block.h"
 
 namespace pgkit {
 
 namespace {
 
-constexpr size_t kHeaderSize = 40;  // a BITMAPINFOHEADER
 constexpr uint32_t kGrayCount = 256;
 
 // How the samples of the pixels lie in the value.
@@ -41,10 +41,10 @@ struct BitmapLayout {
     explicit BitmapLayout(const PixelLayout& pixels)
         : bitCount(8 * pixels.samplesPerPixel),
           grayCount(pixels.samplesPerPixel == 1 ? kGrayCount : 0),
-          stride((uint64_t{pixels.columns} * pixels.samplesPerPixel + 3) / 4 * 4),
+          stride(BitmapStride(pixels.columns, bitCount)),
           imageSize(stride * pixels.rows) {}
 
-    uint64_t PixelsOffset() const { return kHeaderSize + uint64_t{4} * grayCount; }
+    uint64_t PixelsOffset() const { return kBitmapHeaderSize + uint64_t{4} * grayCount; }
     uint64_t Size() const { return PixelsOffset() + imageSize; }
 };
 
@@ -98,14 +98,19 @@ uint8_t ToByte(uint32_t sample, uint32_t highBit) {
 }
 
 void WriteHeader(const PixelLayout& pixels, const BitmapLayout& bitmap, uint8_t* out) {
-    constexpr ByteOrder kLittle = ByteOrder::Little;
-    Store<uint32_t>(out, kHeaderSize, kLittle);
-    Store<uint32_t>(out + 4, pixels.columns, kLittle);
-    Store<uint32_t>(out + 8, pixels.rows, kLittle);  // positive: the bottom row comes first
-    Store<uint16_t>(out + 12, 1, kLittle);           // planes
-    Store<uint16_t>(out + 14, static_cast<uint16_t>(bitmap.bitCount), kLittle);
-    Store<uint32_t>(out + 20, static_cast<uint32_t>(bitmap.imageSize), kLittle);
-    Store<uint32_t>(out + 32, bitmap.grayCount, kLittle);
+    const auto put32 = [out](size_t field, uint32_t number) {
+        Store<uint32_t>(out + field, number, ByteOrder::Little);
+    };
+    const auto put16 = [out](size_t field, uint16_t number) {
+        Store<uint16_t>(out + field, number, ByteOrder::Little);
+    };
+    put32(0, kBitmapHeaderSize);
+    put32(kBitmapWidth, pixels.columns);
+    put32(kBitmapHeight, pixels.rows);
+    put16(kBitmapPlanes, 1);
+    put16(kBitmapBitCount, static_cast<uint16_t>(bitmap.bitCount));
+    put32(kBitmapImageSize, static_cast<uint32_t>(bitmap.imageSize));
+    put32(kBitmapColoursUsed, bitmap.grayCount);
 }
 
 void WriteGrays(const PixelLayout& pixels, const BitmapLayout& bitmap, uint8_t* out) {
@@ -131,9 +136,18 @@ void WriteRow(const PixelLayout& pixels, const uint8_t* frame, uint64_t row, uin
     }
 }
 
-}  // namespace
+void WriteBitmap(const PixelLayout& pixels, const BitmapLayout& bitmap, const uint8_t* frame,
+                 uint8_t* out) {
+    WriteHeader(pixels, bitmap, out);
+    WriteGrays(pixels, bitmap, out + kBitmapHeaderSize);
+    uint8_t* rowOut = out + bitmap.Size();
+    for (uint64_t row = 0; row < pixels.rows; ++row) {
+        rowOut -= bitmap.stride;
+        WriteRow(pixels, frame, row, rowOut);
+    }
+}
 
-void* NewIconBitmap(PGX_Node& dataSet) {
+BitmapHandle NewBitmap(PGX_Node& dataSet) {
     const std::optional<PixelLayout> pixels = ReadPixelLayout(dataSet);
     if (!pixels) return nullptr;
     const BitmapLayout bitmap(*pixels);
@@ -141,21 +155,22 @@ void* NewIconBitmap(PGX_Node& dataSet) {
     const std::vector<uint8_t> frame = ReadFrame(dataSet, *pixels);
     if (frame.empty()) return nullptr;
 
-    void* handle = platform::AllocateGlobalBlock(bitmap.Size());
-    uint8_t* out = platform::LockGlobalBlock(handle);
-    if (out == nullptr) {
-        platform::FreeGlobalBlock(handle);
+    BitmapHandle handle(platform::AllocateGlobalBlock(bitmap.Size()));
+    uint8_t* const out = platform::LockGlobalBlock(handle.get());
+    if (out == nullptr) return nullptr;
+    WriteBitmap(*pixels, bitmap, frame.data(), out);
+    platform::UnlockGlobalBlock(handle.get());
+    return handle;
+}
+
+}  // namespace
+
+BitmapHandle NewIconBitmap(PGX_Node& dataSet) {
+    try {
+        return NewBitmap(dataSet);
+    } catch (const std::bad_alloc&) {
         return nullptr;
     }
-    WriteHeader(*pixels, bitmap, out);
-    WriteGrays(*pixels, bitmap, out + kHeaderSize);
-    uint8_t* rowOut = out + bitmap.Size();
-    for (uint64_t row = 0; row < pixels->rows; ++row) {
-        rowOut -= bitmap.stride;
-        WriteRow(*pixels, frame.data(), row, rowOut);
-    }
-    platform::UnlockGlobalBlock(handle);
-    return handle;
 }
 
 }  // namespace pgkit

@@ -64,7 +64,7 @@ void ReadFields(PGX_Node& record, PGX_DicomDirImageNode& image) {
     ReadKey(record, {0x0028, 0x0004}, image.photometricInterpretation, "??");
     ReadKey(record, {0x0008, 0x0008}, image.imageType);
     ReadKey(record, {0x0050, 0x0004}, image.calibrationImage);
-    image.icon = ReadIcon(record);
+    image.icon = ReadIcon(record).release();
 }
 
 void ReadFields(PGX_Node& record, PGX_DicomDirReportNode& report) {

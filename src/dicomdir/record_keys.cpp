@@ -115,7 +115,7 @@ void ReadDocumentKeys(PGX_Node& source, PGX_DicomDirEncapsulatedDocNode& documen
     ReadKey(source, {0x0042, 0x0012}, document.mimeType);
 }
 
-void* ReadIcon(PGX_Node& record) {
+BitmapHandle ReadIcon(PGX_Node& record) {
     PGX_Node* sequence = record.FindNode(0x0088, 0x0200);
     if (sequence == nullptr || sequence->first == nullptr) return nullptr;
     return NewIconBitmap(*sequence->first);

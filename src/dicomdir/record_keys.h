@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "dicomdir/bitmap_handle.h"
 #include "frame/text.h"
 #include "pgkit/directory_records.h"
 #include "pgkit/node.h"
@@ -63,6 +64,6 @@ void ReadPresentationKeys(PGX_Node& source, PGX_DicomDirPresentationNode& presen
 void ReadDocumentKeys(PGX_Node& source, PGX_DicomDirEncapsulatedDocNode& document);
 
 // A bitmap of the record's Icon Image Sequence, null when it has none that can be shown.
-void* ReadIcon(PGX_Node& record);
+BitmapHandle ReadIcon(PGX_Node& record);
 
 }  // namespace pgkit

@@ -51,13 +51,10 @@ struct Icon {
 class Bitmap {
   public:
     explicit Bitmap(PGX_Node& dataSet) : handle_(pgkit::NewIconBitmap(dataSet)) {
-        bytes_ = pgkit::platform::LockGlobalBlock(handle_);
+        bytes_ = pgkit::platform::LockGlobalBlock(handle_.get());
     }
     explicit Bitmap(const Icon& icon) : Bitmap(*icon.Build()) {}
-    ~Bitmap() {
-        pgkit::platform::UnlockGlobalBlock(handle_);
-        pgkit::platform::FreeGlobalBlock(handle_);
-    }
+    ~Bitmap() { pgkit::platform::UnlockGlobalBlock(handle_.get()); }
     Bitmap(const Bitmap&) = delete;
     Bitmap& operator=(const Bitmap&) = delete;
 
@@ -75,7 +72,7 @@ class Bitmap {
     Bytes Rows() const { return Part(40 + 4 * U32(32), U32(20)); }
 
   private:
-    void* handle_;
+    pgkit::BitmapHandle handle_;
     uint8_t* bytes_;
 };
 

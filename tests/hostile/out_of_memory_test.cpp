@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "dicomdir/icon_bitmap.h"
 #include "dictionary/private_dictionary.h"
 #include "hostile/every_failure.h"
 #include "hostile/failing_jobs.h"
@@ -235,6 +236,30 @@ TEST_F(OutOfMemoryWithMedia, LosesNothingInABrowse) {
         delete patients;
     });
     EXPECT_GE(allocations, 100u);
+}
+
+TEST_F(OutOfMemoryWithMedia, GivesNoHandleOfADicomdir) {
+    const size_t allocations = Sweep([&](auto&& whileFailing) {
+        PGX_DicomDir* dicomDir = nullptr;
+        whileFailing([&] {
+            EXPECT_NO_THROW(dicomDir = pgKitOpenDicomDir(medium_.OtherDicomdir().c_str(), 0x20000));
+        });
+        pgKitCloseDicomDir(dicomDir);
+    });
+    EXPECT_GE(allocations, 100u);
+}
+
+TEST_F(OutOfMemoryWithMedia, GivesNoBitmapOfAnIcon) {
+    const DataSet dicomdir(pgOpenDataSetFile(medium_.OtherDicomdir().c_str(), 0));
+    PGX_Node* const records = dicomdir->FindNode(0x0004, 0x1220);
+    PGX_Node* icon = nullptr;
+    for (PGX_Node* item = records->first; item != nullptr && icon == nullptr; item = item->next)
+        icon = item->FindNode(0x0088, 0x0200);
+    ASSERT_NE(icon, nullptr);
+    const size_t allocations = Sweep([&](auto&& whileFailing) {
+        whileFailing([&] { EXPECT_NO_THROW(pgkit::NewIconBitmap(*icon->first)); });
+    });
+    EXPECT_GE(allocations, 1u);
 }
 
 TEST_F(OutOfMemoryWithMedia, LosesNothingInAPatientListFile) {

@@ -4,6 +4,7 @@
 
 #include "codec/write_result.h"
 #include "dataset/node_ptr.h"
+#include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/generated_values.h"
 #include "dicomdir/create/record_items.h"
 #include "dicomdir/record_list.h"
@@ -125,9 +126,12 @@ uint32_t pgBuildDicomdir(PGX_List* patients, const char* directory) {
 uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory, const char* fileSetId) {
     if (patients == nullptr || directory == nullptr) return pgkit::kCannotCreate;
     try {
-        pgkit::AcceptanceList list(directory);
-        return pgkit::BuildDicomdir(
-            *patients, {directory, fileSetId == nullptr ? "" : fileSetId, false, &list});
+        const std::string medium = pgkit::WithoutTrailingBackslash(directory);
+        pgkit::AcceptanceList list(medium);
+        return pgkit::BuildDicomdir(*patients, {.directory = medium,
+                                                .fileSetId = fileSetId == nullptr ? "" : fileSetId,
+                                                .wantsFileSizes = false,
+                                                .list = &list});
     } catch (const std::bad_alloc&) {
         return pgkit::kOutOfMemory;
     }

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "dicomdir/create/imaging_module.h"
+#include "dicomdir/create/received_bitmap.h"
 
 namespace pgkit {
 

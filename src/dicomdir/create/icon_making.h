@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "dicomdir/create/received_bitmap.h"
+#include "dicomdir/bitmap_handle.h"
 
 namespace pgkit {
 

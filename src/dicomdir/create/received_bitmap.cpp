@@ -1,12 +1,12 @@
 #include "dicomdir/create/received_bitmap.h"
 
 #include "frame/byte_order.h"
+#include "platform/global_block.h"
 
 namespace pgkit {
 
 namespace {
 
-constexpr uint32_t kSmallestHeader = 40;
 constexpr uint32_t kLongestSide = 0xFFFF;
 
 // Four colour bits and less index a table; more than eight have none, but may bring one along.
@@ -19,16 +19,14 @@ uint32_t CountColours(uint32_t used, uint32_t bitCount) {
 bool IsSide(uint32_t length) { return length > 0 && length <= kLongestSide; }
 
 std::optional<BitmapHeader> ReadHeader(const uint8_t* bytes, size_t size) {
-    if (bytes == nullptr || size < kSmallestHeader) return std::nullopt;
-    const auto u32 = [&](size_t offset) {
-        return Load<uint32_t>(bytes + offset, ByteOrder::Little);
-    };
-    BitmapHeader header{u32(0), u32(4), u32(8), 0, 0};
-    header.bitCount = Load<uint16_t>(bytes + 14, ByteOrder::Little);
-    const bool isCompressed = u32(16) != 0;
-    if (header.size < kSmallestHeader || isCompressed) return std::nullopt;
+    if (bytes == nullptr || size < kBitmapHeaderSize) return std::nullopt;
+    const auto u32 = [&](size_t field) { return Load<uint32_t>(bytes + field, ByteOrder::Little); };
+    BitmapHeader header{u32(0), u32(kBitmapWidth), u32(kBitmapHeight), 0, 0};
+    header.bitCount = Load<uint16_t>(bytes + kBitmapBitCount, ByteOrder::Little);
+    const bool isCompressed = u32(kBitmapCompression) != 0;
+    if (header.size < kBitmapHeaderSize || isCompressed) return std::nullopt;
     if (!IsSide(header.width) || !IsSide(header.height)) return std::nullopt;
-    header.colourCount = CountColours(u32(32), header.bitCount);
+    header.colourCount = CountColours(u32(kBitmapColoursUsed), header.bitCount);
     if (header.PixelsOffset() + header.Stride() * header.height > size) return std::nullopt;
     return header;
 }
@@ -38,8 +36,7 @@ std::optional<BitmapHeader> ReadHeader(const uint8_t* bytes, size_t size) {
 ReceivedBitmap::ReceivedBitmap(void* handle)
     : handle_(handle),
       bytes_(platform::LockGlobalBlock(handle)),
-      size_(platform::GlobalBlockSize(handle)),
-      header_(ReadHeader(bytes_, size_)) {}
+      header_(ReadHeader(bytes_, platform::GlobalBlockSize(handle))) {}
 
 ReceivedBitmap::~ReceivedBitmap() {
     if (bytes_ != nullptr) platform::UnlockGlobalBlock(handle_);

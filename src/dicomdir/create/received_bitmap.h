@@ -4,17 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 
-#include "platform/global_block.h"
+#include "dicomdir/bitmap_format.h"
 
 namespace pgkit {
-
-struct FreeBitmap {
-    void operator()(void* handle) const { platform::FreeGlobalBlock(handle); }
-};
-using BitmapHandle = std::unique_ptr<void, FreeBitmap>;
 
 // What a BITMAPINFOHEADER says of an uncompressed bitmap with the bottom row first.
 struct BitmapHeader {
@@ -24,7 +18,7 @@ struct BitmapHeader {
     uint32_t bitCount;
     uint32_t colourCount;  // entries of the colour table
 
-    size_t Stride() const { return (size_t{width} * bitCount + 31) / 32 * 4; }
+    size_t Stride() const { return BitmapStride(width, bitCount); }
     size_t PixelsOffset() const { return size + size_t{4} * colourCount; }
 };
 
@@ -44,14 +38,10 @@ class ReceivedBitmap {
     const uint8_t* Row(size_t row) const {
         return bytes_ + header_->PixelsOffset() + row * header_->Stride();
     }
-    // The whole block; null for no bitmap.
-    const uint8_t* Bytes() const { return bytes_; }
-    size_t Size() const { return size_; }
 
   private:
     void* handle_;
     const uint8_t* bytes_;
-    size_t size_;
     std::optional<BitmapHeader> header_;
 };
 
