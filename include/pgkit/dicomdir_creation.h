@@ -99,7 +99,8 @@ typedef int32_t (*PgDicomdirScanCallback)(const PgDicomdirScanReason* reason);
 // Writes the DICOMDIR of a hierarchy, the list of its PGX_DicomDirPatientNode, to the file DICOMDIR
 // of a directory, and appends a line with code 0 for every leaf to the acceptance list file there,
 // dcmdir.lst. Records have the keys of their objects, also the empty ones, and refer to files by
-// referencedFileId; leaves of referencedDataSetSize 0 say no size. Without a File-set ID (null or
+// referencedFileId; leaves of referencedDataSetSize 0 say no size. A trailing backslash of the
+// directory is dropped. Without a File-set ID (null or
 // empty) it is "KIT_ZORVA_2865". The hierarchy is left as it is.
 //
 // Icons of images and series are written as Icon Image Sequence (0088,0200), in MONOCHROME2, when

@@ -412,6 +412,21 @@ TEST(BuildDicomdir, HasADefaultForTheFileSetId) {
     }
 }
 
+TEST(BuildDicomdir, ListsPathsBelowADirectoryThatIsGivenWithABackslash) {
+    Medium medium;
+    medium.Write("A", InstanceFile());
+    PgDicomdirOptions options = {};
+    options.flags = PG_DICOMDIR_NO_LIST;
+    PGX_List patients;
+    ASSERT_EQ(
+        pgAddFile(&patients, medium.Directory().c_str(), medium.Path("A").c_str(), "", &options),
+        0u);
+    EXPECT_EQ(pgBuildDicomdir(&patients, (medium.Directory() + "\\").c_str()), 0u);
+    EXPECT_EQ(TextFile(medium.Path("dcmdir.lst")), "0\tA\n");
+    EXPECT_NE(medium.Open(), nullptr);
+    pgEmptyPatientList(&patients);
+}
+
 TEST(BuildDicomdir, AppendsItsLeavesToTheList) {
     const TempDir directory;
     PGX_List patients;
