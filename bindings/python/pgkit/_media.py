@@ -5,6 +5,7 @@ from __future__ import annotations
 import ctypes
 import dataclasses
 import enum
+import threading
 from typing import Any, Callable, Dict, Iterator, List, Optional
 
 from ._errors import CreateError, PgkitError
@@ -161,9 +162,19 @@ def _objects(handle: Optional[int]) -> Iterator[int]:
         cell = cell.contents.next
 
 
+# All getters of texts answer in one buffer of the library's, and other threads run during the call.
+_text_buffer = threading.Lock()
+
+
+def _bytes(getter: str, handle: int) -> bytes:
+    function = getattr(lib, "pgKitDirGet" + getter)
+    with _text_buffer:
+        data: bytes = function(handle)
+    return data
+
+
 def _text(getter: str, handle: int, codec: str) -> str:
-    data: bytes = getattr(lib, "pgKitDirGet" + getter)(handle)
-    return data.decode(codec, "replace").rstrip(" ")
+    return _bytes(getter, handle).decode(codec, "replace").rstrip(" ")
 
 
 def _patient(handle: int, codec: str) -> Patient:
@@ -193,7 +204,7 @@ def _leaf(handle: int, codec: str) -> Leaf:
         is_number = function.restype is ctypes.c_int32
         keys[key] = function(handle) if is_number else _text(getter, handle, codec)
     return Leaf(kind, _text("LeafRecordType", handle, codec),
-                decoded_path(lib.pgKitDirGetLeafFullPath(handle)).rstrip(" "),
+                decoded_path(_bytes("LeafFullPath", handle)).rstrip(" "),
                 _text("LeafInstanceUID", handle, codec), _text("LeafSOPClassUID", handle, codec),
                 lib.pgKitDirGetLeafInstanceNumber(handle), keys)
 

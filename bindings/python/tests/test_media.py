@@ -1,5 +1,7 @@
 import pathlib
 import shutil
+import sys
+import threading
 import unittest
 
 import pgkit
@@ -35,6 +37,24 @@ class Browsing(TemporaryDirectory):
 
         with self.assertRaises(ZeroDivisionError):
             pgkit.browse(DICOMDIR, progress=progress)
+
+    def test_threads_get_the_texts_of_their_own_directories(self):
+        interval = sys.getswitchinterval()
+        self.addCleanup(sys.setswitchinterval, interval)
+        sys.setswitchinterval(1e-6)
+        expected = pgkit.browse(DICOMDIR)
+        are_right = []
+
+        def browse_often():
+            for _ in range(30):
+                are_right.append(pgkit.browse(DICOMDIR) == expected)
+
+        threads = [threading.Thread(target=browse_often) for _ in range(4)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        self.assertEqual((are_right.count(True), are_right.count(False)), (120, 0))
 
     def test_what_is_no_dicomdir_raises(self):
         with self.assertRaises(FileNotFoundError):
