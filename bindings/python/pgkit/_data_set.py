@@ -456,8 +456,18 @@ def open(path: StrPath, *, load_below: int = _LOAD_BELOW, flags: int = 0) -> Dat
     try:
         size = os.stat(path).st_size
     except OSError:  # the library also finds names in another case
-        size = _UNDEFINED_LENGTH - 1
+        size = _size_of_file(root)
     return DataSet(root, size, is_built=False)
+
+
+def _size_of_file(root: int) -> int:
+    """How many bytes there are in the file that a data set was read from, up to 4 GiB."""
+    byte = ctypes.create_string_buffer(1)
+    size = 0
+    for bit in reversed(range(32)):
+        if lib.pgKitGetFileData(root, byte, size + (1 << bit) - 1, 1):
+            size += 1 << bit
+    return size
 
 
 def new() -> DataSet:

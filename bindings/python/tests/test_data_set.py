@@ -123,6 +123,17 @@ class Reading(unittest.TestCase):
                 with self.assertRaises(pgkit.PgkitError):
                     data_set["PixelData"].raw
 
+    def test_a_file_named_in_another_case_has_its_own_size(self):
+        with tempfile.TemporaryDirectory() as directory:
+            path = pathlib.Path(directory) / "lie.dcm"
+            path.write_bytes(b"\x10\x00\x10\x00\x04\x00\x00\x00DOE^"
+                             b"\x10\x00\x20\x00\x4c\x00\x00\x00" + b"7" * 76
+                             + b"\xe0\x7f\x10\x00\x00\x00\x00\xf0")
+            with pgkit.open(path.with_name("LIE.DCM")) as data_set:
+                self.assertEqual(len(data_set["PatientID"].raw), 76)
+                with self.assertRaises(pgkit.PgkitError):
+                    data_set["PixelData"].raw
+
     def test_the_dump_is_text(self):
         with pgkit.open(MR) as data_set:
             lines = data_set.dump().splitlines()
