@@ -192,6 +192,8 @@ class Editing(TemporaryDirectory):
                                   ("PatientsName", 5, TypeError), ("PixelData", "text", TypeError),
                                   ("PatientsAge", 4, TypeError), ("ImageType", "Ä", ValueError),
                                   ("PixelSpacing", float("nan"), ValueError),
+                                  ("PixelSpacing", [1.5, True], TypeError),
+                                  ("InstanceNumber", True, TypeError),
                                   ("FrameIncrementPointer", (1, 70000), ValueError),
                                   ("ReferencedImageSequence", "x", TypeError)):
             count = len(self.data_set)
