@@ -1,12 +1,12 @@
 // pgtool set: changes values of a data set.
 #include <charconv>
-#include <cstring>
 #include <optional>
 
 #include "command.h"
 #include "data_set.h"
 #include "options.h"
 #include "pgkit/dictionary.h"
+#include "tag.h"
 
 namespace pgtool {
 

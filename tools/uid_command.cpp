@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "command.h"
-#include "options.h"
 #include "pgkit/sopclass.h"
 
 namespace pgtool {
