@@ -1,5 +1,4 @@
 // pgtool browse: what a medium holds, by its DICOMDIR.
-#include <chrono>
 #include <cstdio>
 
 #include "command.h"
@@ -9,37 +8,18 @@
 #include "medium.h"
 #include "options.h"
 #include "pgkit/pgkit.h"
+#include "progress_line.h"
 #include "standard_streams.h"
 
 namespace pgtool {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 // Keys and icons are shorter.
 constexpr uint32_t kLoadLimit = 0x20000;
 
-constexpr std::chrono::milliseconds kProgressInterval{100};
-
-// The progress line: the next one, or whatever else is printed, overwrites it.
-struct Progress {
-    Clock::time_point next = Clock::now();
-
-    void Show(const char* message) {
-        const Clock::time_point now = Clock::now();
-        if (now < next) return;
-        next = now + kProgressInterval;
-        Rewrite(message);
-    }
-    static void Rewrite(const char* message) {
-        std::fprintf(stderr, "\r%-30s\r", message);
-        std::fflush(stderr);
-    }
-};
-
 int32_t ShowProgress(PGX_DicomDirCallbackReason*, const char* message, void* progress) {
-    static_cast<Progress*>(progress)->Show(message);
+    static_cast<ProgressLine*>(progress)->Show(message);
     return 0;
 }
 
@@ -50,11 +30,8 @@ bool Open(PGX_DicomDir& directory, const std::string& path) {
 
 PGX_List* BrowseOpen(PGX_DicomDir& directory) {
     const DivertedOutput messagesToStandardError;
-    if (!StandardErrorIsTerminal()) return directory.Browse(nullptr, nullptr);
-    Progress progress;
-    PGX_List* patients = directory.Browse(ShowProgress, &progress);
-    Progress::Rewrite("");
-    return patients;
+    ProgressLine progress;
+    return directory.Browse(ShowProgress, &progress);
 }
 
 int Browse(const Arguments& arguments) {

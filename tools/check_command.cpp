@@ -15,14 +15,14 @@ namespace pgtool {
 namespace {
 
 // The files so far, as one medium would hold them.
-class Medium {
+class JudgedFiles {
   public:
-    explicit Medium(const std::string& profile) : profile_(profile) {
+    explicit JudgedFiles(const std::string& profile) : profile_(profile) {
         options_.flags = PG_DICOMDIR_NO_LIST;
     }
-    ~Medium() { pgEmptyPatientList(&patients_); }
-    Medium(const Medium&) = delete;
-    Medium& operator=(const Medium&) = delete;
+    ~JudgedFiles() { pgEmptyPatientList(&patients_); }
+    JudgedFiles(const JudgedFiles&) = delete;
+    JudgedFiles& operator=(const JudgedFiles&) = delete;
 
     uint32_t Add(const std::string& file) {
         const DivertedOutput diverted;
@@ -44,10 +44,10 @@ int Check(const Arguments& arguments) {
     if (!complaint.empty()) return Misuse(kCheckCommand, complaint);
     if (files.empty()) return Misuse(kCheckCommand, "a file is expected");
 
-    Medium medium(profile);
+    JudgedFiles judged(profile);
     int status = kDone;
     for (const std::string& file : files) {
-        const uint32_t code = medium.Add(file);
+        const uint32_t code = judged.Add(file);
         std::printf("%s: %s\n", file.c_str(), DescribeAcceptance(code).c_str());
         if (code != PG_ACCEPTED) status = kFailed;
     }

@@ -38,4 +38,9 @@ extern const Command kUidCommand;
 int Fail(const Command& command, const std::string& reason);
 int Misuse(const Command& command, const std::string& reason);
 
+// Runs a command that answers one question about each operand and has no options. print gives false
+// when it has no answer, which fails the command but does not end it.
+int AnswerEach(const Command& command, const Arguments& arguments, const std::string& expected,
+               bool (*print)(const std::string& operand));
+
 }  // namespace pgtool

@@ -12,6 +12,7 @@
 #include "library_path.h"
 #include "options.h"
 #include "pgkit/dicomdir_creation.h"
+#include "progress_line.h"
 #include "standard_streams.h"
 
 namespace pgtool {
@@ -23,31 +24,13 @@ namespace fs = std::filesystem;
 constexpr uint32_t kMaxIcon = 256;
 constexpr size_t kMaxFileSetId = 16;  // that of its VR
 
-// A line on the terminal that counts the files; nothing where nobody looks.
-class Progress {
-  public:
-    Progress() : isShown_(StandardErrorIsTerminal()) {}
-    ~Progress() {
-        if (isShown_) std::fputs("\r                    \r", stderr);
-    }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    void Show(uint32_t files) const {
-        if (isShown_) std::fprintf(stderr, "\r%u files", files);
-    }
-
-  private:
-    bool isShown_;
-};
-
 struct Judged {
     AcceptanceSummary summary;
-    Progress progress;
+    ProgressLine progress;
 
     void Count(uint32_t code) {
         summary.Count(code);
-        progress.Show(summary.Files());
+        progress.Show(std::to_string(summary.Files()) + " files");
     }
 };
 

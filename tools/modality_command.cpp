@@ -1,28 +1,23 @@
 // pgtool modality: the mnemonic of a SOP class, or the meaning of a modality code.
 #include <cstdio>
-#include <memory>
 
 #include "command.h"
-#include "options.h"
+#include "lookup.h"
 #include "pgkit/sopclass.h"
 
 namespace pgtool {
 
 namespace {
 
-// Built-in texts have at most 50 characters, but a site's file may hold longer ones.
-constexpr size_t kMaxText = size_t{16} << 20;
-
 bool IsUid(const std::string& text) {
     return text.find_first_not_of("0123456789.") == std::string::npos;
 }
 
 bool PrintModality(const std::string& text) {
-    const auto answer = std::make_unique_for_overwrite<char[]>(kMaxText);
-    const int32_t result = IsUid(text) ? pgGetSOPClassUIDToModality(text.c_str(), answer.get())
-                                       : pgGetModalityName(text.c_str(), answer.get());
-    if (result != 0) return false;
-    std::printf("%s %s\n", text.c_str(), answer.get());
+    const auto answer =
+        IsUid(text) ? Lookup(pgGetSOPClassUIDToModality, text) : Lookup(pgGetModalityName, text);
+    if (!answer) return false;
+    std::printf("%s %s\n", text.c_str(), answer->c_str());
     return true;
 }
 

@@ -1,12 +1,12 @@
 // pgtool set: changes values of a data set.
 #include <charconv>
-#include <cstring>
 #include <optional>
 
 #include "command.h"
 #include "data_set.h"
 #include "options.h"
 #include "pgkit/dictionary.h"
+#include "tag.h"
 
 namespace pgtool {
 
@@ -30,14 +30,18 @@ std::optional<Assignment> ParseAssignment(const std::string& text) {
     return Assignment{*tag, text.substr(equals + 1)};
 }
 
+// The numbers between backslashes; nothing at all is no number.
 template <typename Number>
 std::optional<std::string> Numbers(const std::string& text) {
     std::string bytes;
-    for (const char *next = text.data(), *end = next + text.size(); next < end; ++next) {
+    const char* const end = text.data() + text.size();
+    for (const char* next = text.data(); !text.empty(); ++next) {
         Number number{};
         const auto [stop, error] = std::from_chars(next, end, number);
-        if (error != std::errc() || (stop != end && *stop != '\\')) return std::nullopt;
+        if (error != std::errc()) return std::nullopt;
         bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+        if (stop == end) break;
+        if (*stop != '\\') return std::nullopt;
         next = stop;
     }
     return bytes;
@@ -48,7 +52,6 @@ std::optional<std::string> Numbers(const std::string& text) {
 std::optional<std::string> Encode(uint32_t valueRep, const std::string& text) {
     switch (valueRep) {
         case VR_US:
-        case VR_USSS:
             return Numbers<uint16_t>(text);
         case VR_SS:
             return Numbers<int16_t>(text);
@@ -67,6 +70,7 @@ std::optional<std::string> Encode(uint32_t valueRep, const std::string& text) {
         case VR_OWOB:
         case VR_SQ:
         case VR_UN:
+        case VR_USSS:
         case VR_Unknown:
             return std::nullopt;
         default:
@@ -74,11 +78,18 @@ std::optional<std::string> Encode(uint32_t valueRep, const std::string& text) {
     }
 }
 
+// What US or SS is: Pixel Representation (0028,0103) says whether pixels are signed.
+uint32_t ValueRepOfPixels(PGX_Node& root) {
+    PGX_Node* const representation = root.FindNode(0x0028, 0x0103);
+    return representation != nullptr && representation->GetUSValue() == 1 ? VR_SS : VR_US;
+}
+
 // An element that exists keeps its VR; a new one has that of the dictionary.
 uint32_t ValueRepOf(PGX_Node& root, const Tag& tag) {
     const PGX_Node* element = root.FindNode(tag.group, tag.element);
-    return element != nullptr ? element->valueRep
-                              : pgFindValueRepresentation(tag.group, tag.element);
+    const uint32_t valueRep =
+        element != nullptr ? element->valueRep : pgFindValueRepresentation(tag.group, tag.element);
+    return valueRep == VR_USSS ? ValueRepOfPixels(root) : valueRep;
 }
 
 bool Apply(PGX_Node& root, const Assignment& assignment) {
@@ -116,7 +127,8 @@ const Command kSetCommand = {
     "  -o OUT  the file to write, in the encoding of FILE; it may be FILE itself\n"
     "TAG is a name (PatientsName) or a group and an element (0010,0010). Elements that do\n"
     "not exist are inserted. VALUE is text; of numeric elements decimal numbers, several of\n"
-    "them with backslashes between. Sequences and binary values cannot be set.\n",
+    "them with backslashes between, signed where Pixel Representation decides and is 1.\n"
+    "Sequences and binary values cannot be set.\n",
     Set};
 
 }  // namespace pgtool

@@ -4,12 +4,11 @@
 #include "command.h"
 #include "options.h"
 #include "pgkit/dictionary.h"
+#include "tag.h"
 
 namespace pgtool {
 
 namespace {
-
-constexpr uint32_t kNoIdentifier = 0xFFFFFFFF;
 
 // One line: tag, value representation, name and, for a tag with a row of its own, the element
 // identifier. False when the dictionary knows nothing.

@@ -1,17 +1,13 @@
 // pgtool uid: what the UID tables know about a UID.
 #include <cstdio>
-#include <memory>
 
 #include "command.h"
-#include "options.h"
+#include "lookup.h"
 #include "pgkit/sopclass.h"
 
 namespace pgtool {
 
 namespace {
-
-// Built-in texts are shorter than 70 characters, but a site's file may hold longer ones.
-constexpr size_t kMaxText = size_t{16} << 20;
 
 struct Category {
     const char* name;
@@ -34,14 +30,12 @@ constexpr Category kCategories[] = {
 // One line: UID, name, and for a SOP class its modality mnemonic and categories. False when the
 // tables know nothing.
 bool PrintUid(const std::string& uid) {
-    const auto name = std::make_unique_for_overwrite<char[]>(kMaxText);
-    const auto mnemonic = std::make_unique_for_overwrite<char[]>(kMaxText);
-    const bool isNamed = pgGetUIDName(uid.c_str(), name.get()) == 0;
-    const bool hasModality = pgGetSOPClassUIDToModality(uid.c_str(), mnemonic.get()) == 0;
-    if (!isNamed && !hasModality) return false;
+    const auto name = Lookup(pgGetUIDName, uid);
+    const auto mnemonic = Lookup(pgGetSOPClassUIDToModality, uid);
+    if (!name && !mnemonic) return false;
 
-    std::printf("%s %s", uid.c_str(), name.get());
-    if (hasModality) std::printf(" %s", mnemonic.get());
+    std::printf("%s %s", uid.c_str(), name.value_or("").c_str());
+    if (mnemonic) std::printf(" %s", mnemonic->c_str());
     for (const Category& category : kCategories) {
         if (category.contains(uid.c_str())) std::printf(" %s", category.name);
     }

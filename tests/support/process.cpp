@@ -10,7 +10,12 @@ namespace {
 
 constexpr bool kIsWindows = std::filesystem::path::preferred_separator == '\\';
 
-std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
+// As one argument. On Windows backslashes in front of a quotation mark count double.
+std::string Quoted(const std::string& text) {
+    if (!kIsWindows) return "'" + text + "'";
+    const size_t atEnd = text.size() - (text.find_last_not_of('\\') + 1);
+    return "\"" + text + std::string(atEnd, '\\') + "\"";
+}
 
 // The Windows command processor's own status when it could not start a program. No program under
 // test ends with it. Wine's gives it now and then on a busy machine for a program that is there.

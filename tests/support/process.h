@@ -12,7 +12,7 @@ struct Finished {
     std::string err;  // line ends read as "\n" on every platform
 };
 
-// The arguments may hold blanks but no quotation marks.
+// The arguments may hold blanks and backslashes but no quotation marks of either kind.
 Finished RunProgram(const std::string& path, const std::vector<std::string>& arguments);
 
 }  // namespace pgkit_test

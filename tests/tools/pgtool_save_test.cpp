@@ -111,6 +111,27 @@ TEST_F(PgtoolWriting, SetTakesSeveralNumbers) {
     EXPECT_EQ(rows->value[4], 0xFF);
 }
 
+TEST_F(PgtoolWriting, SetFollowsPixelRepresentationWhereTheFileLeavesTheSignOpen) {
+    const DataSet isSigned = Written({"set", source_, "SmallestImagePixelValue=-5", "-o", output_});
+    EXPECT_EQ(Child(isSigned.get(), 0x0028, 0x0106)->GetSSValue(), -5);
+    const DataSet isUnsigned = Written(
+        {"set", source_, "PixelRepresentation=0", "SmallestImagePixelValue=65000", "-o", output_});
+    EXPECT_EQ(Child(isUnsigned.get(), 0x0028, 0x0106)->GetUSValue(), 65000);
+    for (const std::vector<std::string>& assignments : std::vector<std::vector<std::string>>{
+             {"SmallestImagePixelValue=65000"},
+             {"PixelRepresentation=0", "SmallestImagePixelValue=-5"},
+             {"PixelRepresentation=", "SmallestImagePixelValue=-5"}}) {
+        std::vector<std::string> arguments = {"set", source_, "-o", output_};
+        arguments.insert(arguments.end(), assignments.begin(), assignments.end());
+        EXPECT_EQ(Pgtool(arguments).exitStatus, 1) << assignments.back();
+    }
+}
+
+TEST_F(PgtoolWriting, SetEmptiesNumbers) {
+    const DataSet root = Written({"set", source_, "0028,0010=", "-o", output_});
+    EXPECT_EQ(Child(root.get(), 0x0028, 0x0010)->length, 0u);
+}
+
 TEST_F(PgtoolWriting, SetMayWriteOverItsSource) {
     const std::string file = directory_.Write("file", ReadFile(source_));
     ASSERT_EQ(Pgtool({"set", file, "PatientID=7", "-o", file}).exitStatus, 0);
@@ -122,8 +143,9 @@ TEST_F(PgtoolWriting, SetMayWriteOverItsSource) {
 }
 
 TEST_F(PgtoolWriting, SetRefusesWhatItCannotSet) {
-    for (const char* assignment : {"0028,0010=many", "0028,0010=-1", "0028,0010=70000",
-                                   "7FE0,0010=ab", "0008,1140=x", "0099,1001=x"}) {
+    for (const char* assignment :
+         {"0028,0010=many", "0028,0010=-1", "0028,0010=70000", "0028,0010=1\\", "0028,0010=\\1",
+          "0028,0010=1\\\\2", "7FE0,0010=ab", "0008,1140=x", "0099,1001=x"}) {
         const Finished run = Pgtool({"set", source_, assignment, "-o", output_});
         EXPECT_EQ(run.exitStatus, 1) << assignment;
         EXPECT_THAT(run.err, HasSubstr(assignment));

@@ -13,7 +13,8 @@ import tempfile
 import weakref
 from typing import Any, Iterator, NoReturn
 
-from ._dictionary import Tag, TagLike, element_name, find_tag, value_representation, vr_code, vr_name
+from ._dictionary import (UNKNOWN_VR, Tag, TagLike, element_name, find_tag, value_representation,
+                          vr_code, vr_name)
 from ._errors import ClosedError, PgkitError, SaveError
 from ._library import StrPath, c_text, encoded_path, lib
 from ._values import Value, codec_of, decode, encode, split_text
@@ -146,25 +147,35 @@ class Item(_Node):
         """
         tag = find_tag(key)
         found = self.find(tag)
+        new_vr = self._vr_to_set(tag, found, vr)
+        # Everything that can be wrong, before the tree changes.
+        if new_vr == "SQ":
+            raise TypeError(f"{_tag_text(tag)} has items, not a value: use insert_sequence")
+        if found is not None:
+            found._refuse_parts()
+        data = self._encoded(value, new_vr)
         if found is None:
-            found = self._insert(tag, value, vr)
-        elif vr is not None:
+            found = self._insert_empty(tag)
+        if vr is not None:
             found._change_vr(vr)
-        found.value = value
+        found._store(data)
         return found
 
-    def _insert(self, tag: Tag, value: Any, vr: str | None) -> Element:
+    def _vr_to_set(self, tag: Tag, found: Element | None, wanted: str | None) -> str:
+        if wanted is not None:
+            return vr_name(vr_code(wanted))
+        if found is not None:
+            return found.vr
         known = value_representation(tag)
-        if vr is None and known == "??":
+        if known == UNKNOWN_VR:
             raise ValueError(f"the dictionary does not know {_tag_text(tag)}: give its vr")
-        if (vr or known) == "SQ":
-            raise TypeError("a sequence has items, not a value: use insert_sequence")
-        # Everything that can be wrong with a value, before the tree changes.
-        encode(value, self._numeric_vr(vr or known), self._codec())
-        element = self._insert_empty(tag)
-        if vr is not None:
-            element._change_vr(vr)
-        return element
+        return known
+
+    def _encoded(self, value: Any, vr: str) -> bytes:
+        data = encode(value, self._numeric_vr(vr), self._codec())
+        if len(data) >= _UNDEFINED_LENGTH:
+            raise ValueError("values are shorter than 4 GiB")
+        return data
 
     def _insert_empty(self, tag: Tag) -> Element:
         handle = lib.pgKitInsertNodeWithGroupElement(self._live, *tag, None, 0)
@@ -387,11 +398,17 @@ class Element(_Node):
     @value.setter
     def value(self, value: Any) -> None:
         """Sets one value, a list of them, bytes as they are, or None for an empty value."""
-        if self.is_sequence or self.is_encapsulated:
+        self._refuse_parts()
+        if self.vr == "SQ":
+            raise TypeError(f"{_tag_text(self.tag)} has items, not a value")
+        assert isinstance(self._parent, Item)
+        self._store(self._parent._encoded(value, self.vr))
+
+    def _refuse_parts(self) -> None:
+        if self.is_encapsulated or lib.pgKitGetFirst(self._live) is not None:
             raise TypeError(f"{_tag_text(self.tag)} has items or fragments, not a value")
-        data = encode(value, self._effective_vr, self._codec())
-        if len(data) >= _UNDEFINED_LENGTH:
-            raise ValueError("values are shorter than 4 GiB")
+
+    def _store(self, data: bytes) -> None:
         if not lib.pgKitSetValue(self._live, data, len(data)):
             raise MemoryError
         # An odd one is padded.
@@ -456,8 +473,18 @@ def open(path: StrPath, *, load_below: int = _LOAD_BELOW, flags: int = 0) -> Dat
     try:
         size = os.stat(path).st_size
     except OSError:  # the library also finds names in another case
-        size = _UNDEFINED_LENGTH - 1
+        size = _size_of_file(root)
     return DataSet(root, size, is_built=False)
+
+
+def _size_of_file(root: int) -> int:
+    """How many bytes there are in the file that a data set was read from, up to 4 GiB."""
+    byte = ctypes.create_string_buffer(1)
+    size = 0
+    for bit in reversed(range(32)):
+        if lib.pgKitGetFileData(root, byte, size + (1 << bit) - 1, 1):
+            size += 1 << bit
+    return size
 
 
 def new() -> DataSet:

@@ -174,6 +174,15 @@ def encoded_path(path: StrPath) -> bytes:
     return c_text(os.fspath(path), encoding, errors)
 
 
+def backslashed_path(path: StrPath) -> bytes:
+    """A path as the library takes it where it looks for its folder: with a backslash at least."""
+    # Before it is encoded: the second byte of a character may be that of a backslash.
+    text = os.fspath(path).replace("/", "\\")
+    if not text:
+        raise ValueError("the path is empty")
+    return encoded_path(text if "\\" in text else ".\\" + text)
+
+
 def decoded_path(path: bytes) -> str:
     """A path, or a name of a file, that the library gave."""
     return path.decode("mbcs", "replace") if os.name == "nt" else os.fsdecode(path)

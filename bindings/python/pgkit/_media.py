@@ -5,11 +5,12 @@ from __future__ import annotations
 import ctypes
 import dataclasses
 import enum
+import threading
 from typing import Any, Callable, Dict, Iterator, List, Optional
 
 from ._errors import CreateError, PgkitError
-from ._library import (BrowseCallback, DicomdirOptions, ObjectList, ScanCallback, StrPath, c_text,
-                       decoded_path, encoded_path, lib)
+from ._library import (BrowseCallback, DicomdirOptions, ObjectList, ScanCallback, StrPath,
+                       backslashed_path, c_text, decoded_path, lib)
 
 
 class LeafType(enum.IntEnum):
@@ -27,7 +28,11 @@ class LeafType(enum.IntEnum):
 
 @dataclasses.dataclass
 class Leaf:
-    """A file. ``keys`` has what the DICOMDIR says about files of its type, rows for instance."""
+    """A file. ``keys`` has what the DICOMDIR says about files of its type, rows for instance.
+
+    ``path`` is in upper case and with backslashes, whatever the file is called: ``pgkit.open``
+    finds it, other functions need not.
+    """
 
     type: LeafType
     record_type: str
@@ -122,9 +127,9 @@ def browse(path: StrPath, *, progress: Optional[Callable[[str], Any]] = None,
            codec: str = "latin-1") -> List[Patient]:
     """The hierarchy of a DICOMDIR file, copied: nothing stays open.
 
-    progress is called with the path of every file that is found. codec is what texts are decoded
-    with; the records of one DICOMDIR may use several. Raises OSError or PgkitError for a file that
-    is no DICOMDIR, and what progress raised, once the browse has ended.
+    progress is called with the path of every file that is found, as leaves have it. codec is what
+    texts are decoded with; the records of one DICOMDIR may use several. Raises OSError or
+    PgkitError for a file that is no DICOMDIR, and what progress raised, once the browse has ended.
     """
     with open(path, "rb"):
         pass
@@ -133,12 +138,12 @@ def browse(path: StrPath, *, progress: Optional[Callable[[str], Any]] = None,
     def on_leaf(reason: Any, _message: bytes, _data: Any) -> int:
         if progress is not None and not raised:
             try:
-                progress(decoded_path(reason.contents.path))
+                progress(_leaf_path(reason.contents.path))
             except BaseException as error:  # noqa: BLE001  passed on below
                 raised.append(error)
         return 0
 
-    directory = lib.pgKitOpenDicomDir(encoded_path(path), 0x20000)
+    directory = lib.pgKitOpenDicomDir(backslashed_path(path), 0x20000)
     if directory is None:
         raise PgkitError(f"{path}: not a DICOMDIR")
     try:
@@ -161,9 +166,23 @@ def _objects(handle: Optional[int]) -> Iterator[int]:
         cell = cell.contents.next
 
 
+# All getters of texts answer in one buffer of the library's, and other threads run during the call.
+_text_buffer = threading.Lock()
+
+
+def _bytes(getter: str, handle: int) -> bytes:
+    function = getattr(lib, "pgKitDirGet" + getter)
+    with _text_buffer:
+        data: bytes = function(handle)
+    return data
+
+
 def _text(getter: str, handle: int, codec: str) -> str:
-    data: bytes = getattr(lib, "pgKitDirGet" + getter)(handle)
-    return data.decode(codec, "replace").rstrip(" ")
+    return _bytes(getter, handle).decode(codec, "replace").rstrip(" ")
+
+
+def _leaf_path(data: bytes) -> str:
+    return decoded_path(data).rstrip(" ")
 
 
 def _patient(handle: int, codec: str) -> Patient:
@@ -193,7 +212,7 @@ def _leaf(handle: int, codec: str) -> Leaf:
         is_number = function.restype is ctypes.c_int32
         keys[key] = function(handle) if is_number else _text(getter, handle, codec)
     return Leaf(kind, _text("LeafRecordType", handle, codec),
-                decoded_path(lib.pgKitDirGetLeafFullPath(handle)).rstrip(" "),
+                _leaf_path(_bytes("LeafFullPath", handle)),
                 _text("LeafInstanceUID", handle, codec), _text("LeafSOPClassUID", handle, codec),
                 lib.pgKitDirGetLeafInstanceNumber(handle), keys)
 
@@ -224,7 +243,7 @@ def create(directory: StrPath, profile: Optional[str] = None, *, icon_size: int 
             raised.append(error)
             return 1
 
-    result = lib.pgCreateDicomdirEx(encoded_path(directory),
+    result = lib.pgCreateDicomdirEx(backslashed_path(directory),
                                     c_text(profile) if profile else None, options,
                                     ScanCallback(on_file), None)
     if raised:

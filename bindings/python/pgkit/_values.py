@@ -116,10 +116,11 @@ def _tag(tag: Any) -> tuple[int, int]:
 def _text(value: Any, vr: str) -> str:
     if isinstance(value, str):
         return value
-    if vr == "IS" and isinstance(value, int):
-        return str(value)
-    if vr == "DS" and isinstance(value, (int, float)):
-        return _decimal(value)
+    if not isinstance(value, bool):  # an int to Python, but its text is no number
+        if vr == "IS" and isinstance(value, int):
+            return str(value)
+        if vr == "DS" and isinstance(value, (int, float)):
+            return _decimal(value)
     raise TypeError(f"a value of {vr} is a text, not {type(value).__name__}")
 
 

@@ -123,6 +123,17 @@ class Reading(unittest.TestCase):
                 with self.assertRaises(pgkit.PgkitError):
                     data_set["PixelData"].raw
 
+    def test_a_file_named_in_another_case_has_its_own_size(self):
+        with tempfile.TemporaryDirectory() as directory:
+            path = pathlib.Path(directory) / "lie.dcm"
+            path.write_bytes(b"\x10\x00\x10\x00\x04\x00\x00\x00DOE^"
+                             b"\x10\x00\x20\x00\x4c\x00\x00\x00" + b"7" * 76
+                             + b"\xe0\x7f\x10\x00\x00\x00\x00\xf0")
+            with pgkit.open(path.with_name("LIE.DCM")) as data_set:
+                self.assertEqual(len(data_set["PatientID"].raw), 76)
+                with self.assertRaises(pgkit.PgkitError):
+                    data_set["PixelData"].raw
+
     def test_the_dump_is_text(self):
         with pgkit.open(MR) as data_set:
             lines = data_set.dump().splitlines()
@@ -181,6 +192,8 @@ class Editing(TemporaryDirectory):
                                   ("PatientsName", 5, TypeError), ("PixelData", "text", TypeError),
                                   ("PatientsAge", 4, TypeError), ("ImageType", "Ä", ValueError),
                                   ("PixelSpacing", float("nan"), ValueError),
+                                  ("PixelSpacing", [1.5, True], TypeError),
+                                  ("InstanceNumber", True, TypeError),
                                   ("FrameIncrementPointer", (1, 70000), ValueError),
                                   ("ReferencedImageSequence", "x", TypeError)):
             count = len(self.data_set)
@@ -188,6 +201,38 @@ class Editing(TemporaryDirectory):
                 self.data_set[key] = value
             self.assertEqual(len(self.data_set), count, key)
         self.assertEqual(self.data_set["Rows"].value, 64)
+
+    def test_a_refused_value_leaves_the_element_and_its_vr_alone(self):
+        for key, value, vr, error in (("PatientID", object(), "UL", ValueError),
+                                      ("PatientID", 1 << 32, "UL", ValueError),
+                                      ("PatientID", "X", "SQ", TypeError),
+                                      ("PatientID", b"X", "ZZ", ValueError),
+                                      ((0x0099, 0x1001), b"X", "ZZ", ValueError),
+                                      ((0x0099, 0x1001), "X", "SQ", TypeError)):
+            before = [(element.tag, element.vr, element.length) for element in self.data_set]
+            with self.assertRaises(error, msg=(key, vr)):
+                self.data_set.set(key, value, vr=vr)
+            self.assertEqual([(element.tag, element.vr, element.length)
+                              for element in self.data_set], before, (key, vr))
+
+    def test_what_has_items_or_fragments_keeps_its_vr(self):
+        sequence = self.data_set.insert_sequence("ReferencedImageSequence")
+        sequence.append_item()
+        with pgkit.open(DATA / "encapsulated/rtdose_rle_15frames_no_bot.dcm") as encapsulated:
+            for data_set, key, vr in ((self.data_set, "ReferencedImageSequence", "LO"),
+                                      (encapsulated, "PixelData", "UN")):
+                before = data_set[key].vr
+                with self.assertRaises(TypeError):
+                    data_set.set(key, b"X", vr=vr)
+                self.assertEqual(data_set[key].vr, before)
+
+    def test_the_vr_of_an_element_can_be_changed(self):
+        self.data_set.set("PatientID", [1, 2], vr="UL")
+        self.assertEqual((self.data_set["PatientID"].vr, self.data_set["PatientID"].value),
+                         ("UL", [1, 2]))
+        self.data_set.insert_sequence("ReferencedImageSequence")
+        self.data_set.set("ReferencedImageSequence", "text", vr="LO")
+        self.assertEqual(self.data_set["ReferencedImageSequence"].value, "text")
 
     def test_texts_are_encoded_by_the_character_set(self):
         with self.assertRaises(UnicodeEncodeError):

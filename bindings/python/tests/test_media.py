@@ -1,5 +1,8 @@
+import os
 import pathlib
 import shutil
+import sys
+import threading
 import unittest
 
 import pgkit
@@ -7,6 +10,11 @@ import pgkit
 from test_data_set import DATA, MR, TemporaryDirectory
 
 DICOMDIR = DATA / "dicomdir/DICOMDIR_implicit"
+
+
+def leaves_of(dicomdir, **options):
+    return [leaf for patient in pgkit.browse(dicomdir, **options) for study in patient.studies
+            for series in study.series for leaf in series.leaves]
 
 
 class Browsing(TemporaryDirectory):
@@ -36,6 +44,24 @@ class Browsing(TemporaryDirectory):
         with self.assertRaises(ZeroDivisionError):
             pgkit.browse(DICOMDIR, progress=progress)
 
+    def test_threads_get_the_texts_of_their_own_directories(self):
+        interval = sys.getswitchinterval()
+        self.addCleanup(sys.setswitchinterval, interval)
+        sys.setswitchinterval(1e-6)
+        expected = pgkit.browse(DICOMDIR)
+        are_right = []
+
+        def browse_often():
+            for _ in range(30):
+                are_right.append(pgkit.browse(DICOMDIR) == expected)
+
+        threads = [threading.Thread(target=browse_often) for _ in range(4)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        self.assertEqual((are_right.count(True), are_right.count(False)), (120, 0))
+
     def test_what_is_no_dicomdir_raises(self):
         with self.assertRaises(FileNotFoundError):
             pgkit.browse(self.directory / "DICOMDIR")
@@ -64,11 +90,33 @@ class Creation(TemporaryDirectory):
                          ["DICOMDIR", "IM1", "NOTES", "SUB"])
         with pgkit.open(self.directory / "DICOMDIR") as data_set:
             self.assertEqual(data_set["FilesetID"].value, "TEST")
-        leaves = [leaf for patient in pgkit.browse(self.directory / "DICOMDIR")
-                  for study in patient.studies for series in study.series for leaf in series.leaves]
+        leaves = leaves_of(self.directory / "DICOMDIR")
         self.assertEqual(len(leaves), 2)
         image = next(leaf for leaf in leaves if leaf.type == pgkit.LeafType.IMAGE)
         self.assertEqual((image.keys["rows"], image.keys["columns"]), (64, 64))
+
+    def test_the_files_of_leaves_can_be_opened(self):
+        pgkit.create(self.directory)
+        told = []
+        leaves = leaves_of(self.directory / "DICOMDIR", progress=told.append)
+        self.assertEqual(told, [leaf.path for leaf in leaves])
+        for leaf in leaves:
+            with pgkit.open(leaf.path) as data_set:
+                self.assertEqual(data_set["SOPInstanceUID"].value, leaf.instance_uid)
+
+    def test_leaves_beside_a_dicomdir_without_a_directory_can_be_opened(self):
+        pgkit.create(self.directory)
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(self.directory)
+        for leaf in leaves_of("DICOMDIR"):
+            with pgkit.open(leaf.path) as data_set:
+                self.assertEqual(data_set["SOPInstanceUID"].value, leaf.instance_uid)
+
+    def test_a_directory_may_end_in_a_slash_but_not_be_empty(self):
+        pgkit.create(str(self.directory) + "/")
+        self.assertEqual(len(leaves_of(self.directory / "DICOMDIR")), 2)
+        with self.assertRaises(ValueError):
+            pgkit.create("")
 
     def test_a_profile_refuses(self):
         scanned = pgkit.create(self.directory, "STD-DEN", recurse=False)
