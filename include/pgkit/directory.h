@@ -97,8 +97,9 @@ class PGX_DicomDir {
   private:
     friend class pgkit::DirectoryBrowser;
 
-    // The steps of a browse. A walk handles one chain of records from record on and returns 0 when
-    // it is broken; firstItem is the first item of the Directory Record Sequence.
+    // The steps of a browse, which belong to the binary interface. A walk handles one chain of
+    // records from record on and returns 0 when it is broken; firstItem is the first item of the
+    // Directory Record Sequence.
     PGKIT_API void ResetPatientList();
     PGKIT_API int32_t BrowseDicomDir();
     PGKIT_API int32_t ResolveDicomdirLinks();

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "dicomdir/class_uids.h"
 #include "dicomdir/directory_browser.h"
 #include "dicomdir/record_links.h"
 #include "frame/diagnostics.h"
@@ -14,11 +15,10 @@
 #include "platform/platform.h"
 
 using pgkit::DirectoryBrowser;
+using pgkit::kMediaStorageDirectory;
 using pgkit::PrintOut;
 
 namespace {
-
-constexpr std::string_view kMediaStorageDirectory = "1.2.840.10008.1.3.10";
 
 PGX_Node* FindRecordSequence(PGX_Node& dataSet) { return dataSet.FindNode(0x0004, 0x1220); }
 

@@ -5,6 +5,7 @@
 
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
+#include "dicomdir/class_uids.h"
 #include "dicomdir/record_keys.h"
 #include "frame/text.h"
 #include "pgkit/sopclass.h"
@@ -14,9 +15,7 @@ namespace pgkit {
 namespace {
 
 constexpr std::string_view kKeyObjectSelection = "1.2.840.10008.5.1.4.1.1.88.59";
-constexpr std::string_view kRawDataStorage = "1.2.840.10008.5.1.4.1.1.66";
 constexpr std::string_view kGrayscalePresentationState = "1.2.840.10008.5.1.4.1.1.11.1";
-constexpr std::string_view kMediaStorageDirectory = "1.2.840.10008.1.3.10";
 
 constexpr KeyTag kSopClassUid = {0x0004, 0x1510};
 constexpr KeyTag kReferencedSeriesSequence = {0x0008, 0x1115};

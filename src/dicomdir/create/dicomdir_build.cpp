@@ -4,10 +4,13 @@
 
 #include "codec/write_result.h"
 #include "dataset/node_ptr.h"
+#include "dicomdir/class_uids.h"
 #include "dicomdir/create/creation_options.h"
+#include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/generated_values.h"
 #include "dicomdir/create/record_items.h"
 #include "dicomdir/record_list.h"
+#include "dicomdir/record_table.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/directory_records.h"
 
@@ -23,7 +26,7 @@ NodeTree NewFileSet(std::string_view fileSetId) {
     NodeTree root(pgAllocateDataSetNode());
     if (root == nullptr) throw std::bad_alloc();
     PutBytes(*root, 0x0002, 0x0001, kMetaInformationVersion, sizeof kMetaInformationVersion);
-    PutText(*root, 0x0002, 0x0002, "1.2.840.10008.1.3.10");
+    PutText(*root, 0x0002, 0x0002, kMediaStorageDirectory);
     PutText(*root, 0x0002, 0x0003, NewDicomdirUid());
     PutText(*root, 0x0002, 0x0010, "1.2.840.10008.1.2.1");
     PutText(*root, 0x0002, 0x0012, "1.2.999.1.47.453.2865");

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "codec/open.h"
+#include "dicomdir/class_uids.h"
 #include "dicomdir/record_keys.h"
 #include "frame/text.h"
 
@@ -14,9 +15,8 @@ namespace {
 constexpr uint32_t kLoadLimit = 64;
 
 // The Media Storage Directory class and those of its kind.
-constexpr std::string_view kDirectoryClassPrefix = "1.2.840.10008.1.3.10";
 
-bool IsDirectoryClass(std::string_view uid) { return uid.starts_with(kDirectoryClassPrefix); }
+bool IsDirectoryClass(std::string_view uid) { return uid.starts_with(kMediaStorageDirectory); }
 
 PgAcceptanceCode Open(const char* path, bool skipChecks, OpenedDataSet& dataSet) {
     constexpr uint32_t kFlags = PG_OPEN_SKIP_FRAGMENTS;

@@ -5,8 +5,8 @@
 #include <new>
 #include <vector>
 
+#include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/received_bitmap.h"
-#include "dicomdir/create/record_items.h"
 
 namespace pgkit {
 

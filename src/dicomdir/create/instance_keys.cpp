@@ -1,10 +1,6 @@
 #include "dicomdir/create/instance_keys.h"
 
-#include <algorithm>
-#include <charconv>
 #include <cstring>
-#include <string_view>
-#include <system_error>
 
 #include "dicomdir/record_keys.h"
 
@@ -63,17 +59,6 @@ std::unique_ptr<PGX_DicomDirSeriesNode> NewSeries(PGX_Node& dataSet) {
 
 void ReadInstanceCharacterSet(PGX_Node& dataSet, char (&field)[272]) {
     ReadKey(dataSet, {0x0008, 0x0005}, field, "ISO_IR 100");
-}
-
-int32_t LeadingInteger(const char* text) {
-    std::string_view rest(text);
-    rest.remove_prefix(std::min(rest.find_first_not_of(" \t\n\v\f\r"), rest.size()));
-    const bool hasPlus = rest.starts_with('+') && !rest.starts_with("+-");
-    if (hasPlus) rest.remove_prefix(1);
-    int32_t number = 0;
-    const auto error = std::from_chars(rest.data(), rest.data() + rest.size(), number).ec;
-    if (error == std::errc::result_out_of_range) return rest[0] == '-' ? INT32_MIN : INT32_MAX;
-    return number;
 }
 
 }  // namespace pgkit

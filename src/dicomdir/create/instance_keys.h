@@ -1,7 +1,6 @@
 // The objects of the upper three levels, made from a file's data set.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 
 #include "pgkit/directory_records.h"
@@ -15,9 +14,5 @@ std::unique_ptr<PGX_DicomDirSeriesNode> NewSeries(PGX_Node& dataSet);
 
 // Specific Character Set, that of western texts when the data set has none.
 void ReadInstanceCharacterSet(PGX_Node& dataSet, char (&field)[272]);
-
-// The number that a text begins with, as "%d" reads it: blanks and a sign may come first. 0 when
-// there is none; the nearest number where it does not fit.
-int32_t LeadingInteger(const char* text);
 
 }  // namespace pgkit

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "dicomdir/class_uids.h"
 #include "dicomdir/create/icon_making.h"
 #include "dicomdir/create/instance_keys.h"
 #include "dicomdir/create/sequence_copy.h"
@@ -17,7 +18,6 @@ namespace pgkit {
 namespace {
 
 constexpr std::string_view kEncapsulatedPdf = "1.2.840.10008.5.1.4.1.1.104.1";
-constexpr std::string_view kRawData = "1.2.840.10008.5.1.4.1.1.66";
 
 PGX_Node* CopyOf(PGX_Node& dataSet, uint16_t group, uint16_t element) {
     return CopyForRecord(dataSet.FindNode(group, element)).release();
@@ -96,7 +96,7 @@ std::unique_ptr<PGX_DicomDirLeafNode> NewLeafOfClass(PGX_Node& dataSet, const ch
     if (pgIsPresentationSOPClass(sopClass)) return NewLeafOf<PGX_DicomDirPresentationNode>(dataSet);
     if (pgIsWaveformSOPClass(sopClass)) return NewLeafOf<PGX_DicomDirWaveformNode>(dataSet);
     if (sopClass == kEncapsulatedPdf) return NewLeafOf<PGX_DicomDirEncapsulatedDocNode>(dataSet);
-    if (sopClass != kRawData) return NewLeafOf<PGX_DicomDirImageNode>(dataSet);
+    if (sopClass != kRawDataStorage) return NewLeafOf<PGX_DicomDirImageNode>(dataSet);
     return NewLeafOf<PGX_DicomDirRawDataNode>(dataSet);
 }
 

@@ -7,6 +7,7 @@
 #include "dicomdir/create/icon_making.h"
 #include "dicomdir/create/instance_keys.h"
 #include "dicomdir/create/leaf_builder.h"
+#include "dicomdir/create/series_number.h"
 #include "dicomdir/record_list.h"
 #include "pgkit/dataset.h"
 

@@ -3,8 +3,10 @@
 #include <new>
 #include <string>
 
+#include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/icon_item.h"
 #include "dicomdir/create/sequence_copy.h"
+#include "dicomdir/record_table.h"
 
 namespace pgkit {
 
@@ -173,15 +175,6 @@ NodeTree NewLeafItem(const PGX_DicomDirLeafNode& leaf, bool wantsFileSize) {
         PutFileSize(*item, leaf.referencedDataSetSize);
     }
     return item;
-}
-
-void PutBytes(PGX_Node& dataSet, uint16_t group, uint16_t element, const void* data,
-              uint32_t size) {
-    if (dataSet.InsertNode(group, element, data, size) == nullptr) throw std::bad_alloc();
-}
-
-void PutText(PGX_Node& dataSet, uint16_t group, uint16_t element, std::string_view text) {
-    PutBytes(dataSet, group, element, text.data(), static_cast<uint32_t>(text.size()));
 }
 
 }  // namespace pgkit

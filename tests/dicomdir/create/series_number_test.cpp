@@ -1,4 +1,4 @@
-#include "dicomdir/create/instance_keys.h"
+#include "dicomdir/create/series_number.h"
 
 #include <gtest/gtest.h>
 
