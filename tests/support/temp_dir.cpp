@@ -44,9 +44,15 @@ std::string LibraryPath(std::string path) {
 }
 
 Bytes ReadFile(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
+    std::ifstream stream(path, std::ios::binary | std::ios::ate);
     EXPECT_TRUE(stream.good()) << path;
-    return Bytes(std::istreambuf_iterator<char>(stream), {});
+    if (!stream) return {};
+    Bytes content(static_cast<size_t>(stream.tellg()));
+    stream.seekg(0);
+    stream.read(reinterpret_cast<char*>(content.data()),
+                static_cast<std::streamsize>(content.size()));
+    EXPECT_TRUE(stream.good()) << path;
+    return content;
 }
 
 std::string TestData(std::string_view name) { return (fs::path(PGKIT_TEST_DATA) / name).string(); }
