@@ -15,7 +15,7 @@ import zipfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
-sys.path.insert(0, str(HERE.parent / "interop"))
+sys.path.insert(0, str(HERE.parent / "support"))
 from check_runner import run_checks  # noqa: E402
 
 TOOLCHAIN = ROOT / "cmake/mingw-w64-x86_64.cmake"

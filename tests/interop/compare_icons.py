@@ -30,7 +30,7 @@ import warnings
 
 import pydicom
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import files_below, run_comparison  # noqa: E402
 
