@@ -22,13 +22,13 @@ import tempfile
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tests/support"))
 from check_runner import run_checks  # noqa: E402
+from markdown_links import dead_links  # noqa: E402
 
 DOCUMENTS = [ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "SECURITY.md",
                                       "bindings/python/README.md", "fuzz/README.md",
                                       "tests/data/README.md")]
 QUOTE = re.compile(r"<!-- quote (\S+) -->\n+```\w*\n(.*?\n)```\n", re.DOTALL)
 TRANSCRIPT = re.compile(r"<!-- transcript -->\n+```\w*\n(.*?\n)```\n", re.DOTALL)
-LINK = re.compile(r"\]\(([^)#:]+)(?:#[^)]*)?\)")
 PATH = re.compile(r"`((?:\w+/)+[\w.-]*)`")
 FOLDERS = ("bench", "bindings", "cmake", "docs", "examples", "fuzz", "imaging", "include", "scripts",
            "src", "tests", "tools")
@@ -73,7 +73,7 @@ def is_missing(path):
 
 def check_references(document):
     text = document.read_text()
-    missing = [target for target in LINK.findall(text) if not (document.parent / target).exists()]
+    missing = dead_links(document)
     missing += [path for path in PATH.findall(text) if is_missing(path)]
     if len(QUOTE.findall(text)) + len(TRANSCRIPT.findall(text)) != text.count("\n<!-- "):
         return "a marked block has a form that this check cannot read"
