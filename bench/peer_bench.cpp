@@ -7,9 +7,11 @@
 #include <algorithm>
 #include <fstream>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "bench_files.h"
+#include "register_large.h"
 
 namespace pgkit_bench {
 
@@ -81,29 +83,28 @@ void SaveSmallPeer(benchmark::State& state) {
 }
 BENCHMARK(SaveSmallPeer)->Name("small file, saved/DCMTK")->Unit(benchmark::kMicrosecond);
 
-void SwapLargePeer(benchmark::State& state) { Save(state, ImageFile(1024), EXS_BigEndianExplicit); }
-BENCHMARK(SwapLargePeer)->Name("save, 1 GiB swapped/DCMTK")->Unit(benchmark::kMillisecond);
-
-void SaveLargePeer(benchmark::State& state) {
-    Save(state, ImageFile(1024), EXS_LittleEndianExplicit);
-}
-BENCHMARK(SaveLargePeer)->Name("save, 1 GiB of pixels/DCMTK")->Unit(benchmark::kMillisecond);
-
-void SaveStreamedPeer(benchmark::State& state) {
-    Save(state, ImageFile(64), EXS_LittleEndianExplicit);
-}
-BENCHMARK(SaveStreamedPeer)->Name("save, 64 MiB from file/DCMTK")->Unit(benchmark::kMillisecond);
-
-void SaveLoadedPeer(benchmark::State& state) {
+void SaveLoaded(benchmark::State& state, const std::string& source) {
     DcmFileFormat file;
-    if (file.loadFile(ImageFile(64).c_str()).bad()) return state.SkipWithError("cannot open");
+    if (file.loadFile(source.c_str()).bad()) return state.SkipWithError("cannot open");
     file.loadAllDataIntoMemory();
     for (auto _ : state) {
         if (file.saveFile(OutputPath().c_str(), EXS_LittleEndianExplicit).bad())
             return state.SkipWithError("cannot save");
     }
 }
-BENCHMARK(SaveLoadedPeer)->Name("save, 64 MiB from memory/DCMTK")->Unit(benchmark::kMillisecond);
+
+const bool areImagesRegistered = [] {
+    using benchmark::State;
+    RegisterLarge("save, 64 MiB from memory/DCMTK",
+                  [](State& state) { SaveLoaded(state, ImageFile(64)); });
+    RegisterLarge("save, 64 MiB from file/DCMTK",
+                  [](State& state) { Save(state, ImageFile(64), EXS_LittleEndianExplicit); });
+    RegisterLarge("save, 1 GiB of pixels/DCMTK",
+                  [](State& state) { Save(state, ImageFile(1024), EXS_LittleEndianExplicit); });
+    RegisterLarge("save, 1 GiB swapped/DCMTK",
+                  [](State& state) { Save(state, ImageFile(1024), EXS_BigEndianExplicit); });
+    return true;
+}();
 
 void DumpPeer(benchmark::State& state) {
     DcmFileFormat file;

@@ -4,13 +4,13 @@
 
 #include <cstdio>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "bench_files.h"
 #include "pgkit/pgkit.h"
+#include "register_large.h"
 
 namespace pgkit_bench {
 
@@ -67,13 +67,6 @@ void SaveLoaded(benchmark::State& state, const std::string& source) {
             return state.SkipWithError("cannot save");
     }
     pgCloseDataSet(root);
-}
-
-// The first copies write into pages that the machine may have to get first.
-void RegisterLarge(const std::string& name, const std::function<void(benchmark::State&)>& run) {
-    benchmark::RegisterBenchmark(name.c_str(), run)
-        ->Unit(benchmark::kMillisecond)
-        ->MinWarmUpTime(1);
 }
 
 const bool areImagesRegistered = [] {

@@ -1,6 +1,5 @@
 // Runs inputs through a target without a fuzzer: pgkit_replay TARGET FILE|DIRECTORY...
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -12,12 +11,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using pgkit_fuzz::Target;
-
-const Target* FindTarget(const char* name) {
-    for (const Target& target : pgkit_fuzz::kTargets)
-        if (std::strcmp(target.name, name) == 0) return &target;
-    return nullptr;
-}
 
 bool Replay(const Target& target, const fs::path& path) {
     try {
@@ -41,7 +34,7 @@ int ReplayAll(const Target& target, const fs::path& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const Target* const target = argc > 2 ? FindTarget(argv[1]) : nullptr;
+    const Target* const target = argc > 2 ? pgkit_fuzz::FindTarget(argv[1]) : nullptr;
     if (target == nullptr) {
         std::fputs("usage: pgkit_replay TARGET FILE|DIRECTORY...\n", stderr);
         return 2;

@@ -2,15 +2,17 @@
 // Violation when a promise does not hold. What the bytes are is said with each.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace pgkit_fuzz {
 
 using Bytes = std::span<const uint8_t>;
 
 struct Target {
-    const char* name;
+    std::string_view name;
     void (*run)(Bytes input);
 };
 
@@ -45,5 +47,14 @@ inline constexpr Target kTargets[] = {
     {"sop_classes", SOPClassFile},
     {"accessors", Accessors},
 };
+
+// Null when there is no such target.
+constexpr const Target* FindTarget(std::string_view name) {
+    const Target* const found = std::ranges::find(kTargets, name, &Target::name);
+    return found == std::ranges::end(kTargets) ? nullptr : found;
+}
+
+// Does not compile when there is no such target.
+consteval const Target& TargetNamed(std::string_view name) { return *FindTarget(name); }
 
 }  // namespace pgkit_fuzz

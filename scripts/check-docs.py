@@ -7,7 +7,7 @@
 - A block behind "<!-- quote FILE -->" is part of that file, line by line.
 - A block behind "<!-- transcript -->" is what its commands ("$ pgtool ...") really print; a line
   "..." stands for any number of lines.
-- Links between the documents lead somewhere, and paths in backquotes exist.
+- Links between the documents lead somewhere, and paths in backquotes exist, in the root or in src/.
 
 The last line is "N passed, M failed".
 """
@@ -20,17 +20,19 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests/interop"))
+sys.path.insert(0, str(ROOT / "tests/support"))
 from check_runner import run_checks  # noqa: E402
+from markdown_links import dead_links  # noqa: E402
 
-DOCUMENTS = [ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md",
-                                      "bindings/python/README.md")]
+DOCUMENTS = [ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "SECURITY.md",
+                                      "bindings/python/README.md", "fuzz/README.md",
+                                      "tests/data/README.md")]
 QUOTE = re.compile(r"<!-- quote (\S+) -->\n+```\w*\n(.*?\n)```\n", re.DOTALL)
 TRANSCRIPT = re.compile(r"<!-- transcript -->\n+```\w*\n(.*?\n)```\n", re.DOTALL)
-LINK = re.compile(r"\]\(([^)#:]+)(?:#[^)]*)?\)")
 PATH = re.compile(r"`((?:\w+/)+[\w.-]*)`")
-FOLDERS = ("bench", "bindings", "cmake", "docs", "examples", "imaging", "include", "scripts", "src",
-           "tests", "tools")
+FOLDERS = ("bench", "bindings", "cmake", "docs", "examples", "fuzz", "imaging", "include", "scripts",
+           "src", "tests", "tools")
+SOURCE_FOLDERS = tuple(path.name for path in (ROOT / "src").iterdir() if path.is_dir())
 
 
 def check_api():
@@ -62,11 +64,17 @@ def check_transcript(text, programs):
     return None
 
 
+def is_missing(path):
+    """Paths begin in the root, those of the module's sources in src/, too."""
+    folder = path.split("/")[0]
+    return (folder in FOLDERS + SOURCE_FOLDERS and not (ROOT / path).exists()
+            and not (folder in SOURCE_FOLDERS and (ROOT / "src" / path).exists()))
+
+
 def check_references(document):
     text = document.read_text()
-    missing = [target for target in LINK.findall(text) if not (document.parent / target).exists()]
-    missing += [path for path in PATH.findall(text)
-                if path.split("/")[0] in FOLDERS and not (ROOT / path).exists()]
+    missing = dead_links(document)
+    missing += [path for path in PATH.findall(text) if is_missing(path)]
     if len(QUOTE.findall(text)) + len(TRANSCRIPT.findall(text)) != text.count("\n<!-- "):
         return "a marked block has a form that this check cannot read"
     return f"do not exist: {missing}" if missing else None
@@ -85,4 +93,6 @@ def checks(programs):
 
 
 if __name__ == "__main__":
+    if len(sys.argv) != 2:
+        sys.exit("usage: check-docs.py DIRECTORY_OF_PROGRAMS")
     sys.exit(run_checks(list(checks(os.path.abspath(sys.argv[1])))))

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Counts the instructions of a few jobs: numbers that do not depend on how busy the machine is. The
-# small jobs are the difference of two runs, so that starting the program does not count.
+# Counts the instructions of a few jobs: numbers that do not depend on how busy the machine is. Each
+# is the difference of two runs, so that starting the program does not count.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

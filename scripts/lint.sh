@@ -4,6 +4,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+for tool in run-clang-tidy cppcheck; do
+    command -v "$tool" >/dev/null || { echo "lint.sh: $tool is not installed" >&2; exit 127; }
+done
 cmake --preset native >/dev/null
 run-clang-tidy -quiet -p build/native "^$PWD/(src|imaging|tools|examples)/.*\.cpp" 2>/dev/null |
     { ! grep -E '(warning|error):'; }

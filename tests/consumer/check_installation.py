@@ -15,8 +15,9 @@ import zipfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
-sys.path.insert(0, str(HERE.parent / "interop"))
+sys.path.insert(0, str(HERE.parent / "support"))
 from check_runner import run_checks  # noqa: E402
+from markdown_links import dead_links  # noqa: E402
 
 TOOLCHAIN = ROOT / "cmake/mingw-w64-x86_64.cmake"
 RLE_IMAGE = ROOT / "tests/data/encapsulated/rtdose_rle_15frames_no_bot.dcm"
@@ -125,8 +126,9 @@ def check_content(kit):
     modules = (["bin/pgkit.dll", "bin/pgview32.dll", "bin/pgtool.exe", "lib/libpgkit.dll.a",
                 "lib/libpgview32.dll.a", "lib/pgkit.def", "lib/pgview32.def"] if kit.wine else
                ["bin/pgtool", "lib/libpgkit.so", "lib/pgview32.so"])
-    documents = ["LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "docs/api.md", "docs/files.md",
-                 "docs/ownership.md", "docs/architecture.md", "examples/CMakeLists.txt"]
+    documents = ["LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "SECURITY.md", "docs/api.md",
+                 "docs/files.md", "docs/ownership.md", "docs/architecture.md",
+                 "examples/CMakeLists.txt"]
     expected = (modules + [f"share/doc/pgkit/{name}" for name in documents]
                 + [f"include/pgkit/{path.name}" for path in ROOT.glob("include/pgkit/*.h")]
                 + ["share/pgkit/python/pgkit/__init__.py", "share/pgkit/debugger/pgkit.natvis",
@@ -143,6 +145,13 @@ def check_content(kit):
     telling = [name for name, path in found.items() if path.suffix in (".cmake", ".pc")
                and (str(ROOT) in path.read_text() or "/first" in path.read_text())]
     return f"name their origin: {telling}" if telling else None
+
+
+def check_links(kit):
+    """Links between the installed documents lead to what is installed."""
+    dead = [f"{path.relative_to(kit.prefix)}: {target}" for path in kit.prefix.rglob("*.md")
+            for target in dead_links(path)]
+    return f"lead nowhere: {dead}" if dead else None
 
 
 def install(build, work, name):
@@ -176,7 +185,8 @@ def main(native, windows, wine):
     with tempfile.TemporaryDirectory(prefix="pgkit-install-") as directory:
         kits = {kit.name: kit for kit in prepare(native, windows, wine, pathlib.Path(directory))}
         checks = [(name, check.__name__, check, (kits[name],)) for name, check in [
-            *((name, check) for name in kits for check in (check_consumer, check_content)),
+            *((name, check) for name in kits for check in (check_consumer, check_content,
+                                                            check_links)),
             *((name, check) for name in ("linux", "windows") for check in (check_examples,
                                                                            check_tool)),
             ("linux", check_pkg_config), ("linux", check_python),

@@ -15,7 +15,7 @@ import sys
 import xml.etree.ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests/interop"))
+sys.path.insert(0, str(ROOT / "tests/support"))
 from check_runner import run_checks  # noqa: E402
 
 PRINTERS = ROOT / "tools/debugger/pgkit_gdb.py"

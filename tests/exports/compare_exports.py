@@ -12,7 +12,7 @@ import sys
 
 from declared import GCC_LINUX, GCC_WINDOWS, gcc_symbols, microsoft_symbols, output_of
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "interop"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import report  # noqa: E402
 

@@ -10,7 +10,7 @@ import re
 import subprocess
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "interop"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import report  # noqa: E402
 

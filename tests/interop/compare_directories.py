@@ -22,7 +22,7 @@ import subprocess
 import sys
 import warnings
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import run_comparison  # noqa: E402
 from directory_records import DIRECTORY_CLASS, Hierarchy  # noqa: E402

@@ -3,10 +3,11 @@
 
     compare_icons.py CREATION_PROBE [WINDOWS_CREATION_PROBE COMMAND...]
 
-The images are those of tests/data and, when the environment variable PGKIT_SAMPLES names a directory,
-of that; of the files that are bad on purpose no two readers have to make the same. Every file becomes a medium of its own; pydicom reads the DICOMDIR and the image,
-and the icon that it must have is made here from the raw bytes: stored bits, sign, rescaling, window,
-then the mean of the area that each pixel of the icon covers. Three kinds of checks, a line each:
+The images are those of tests/data and, when the environment variable PGKIT_SAMPLES names a
+directory, of that; of the files that are bad on purpose no two readers have to make the same. Every
+file becomes a medium of its own; pydicom reads the DICOMDIR and the image, and the icon that it must
+have is made here from the raw bytes: stored bits, sign, rescaling, window, then the mean of the area
+that each pixel of the icon covers. Three kinds of checks, a line each:
 
   icon    the icon has the size that fits into the square and, pixel by pixel, the gray of the
           rendering, with a tolerance of one gray and a half: where a gray lies between two, this
@@ -30,7 +31,7 @@ import warnings
 
 import pydicom
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import files_below, run_comparison  # noqa: E402
 

@@ -23,7 +23,7 @@ import subprocess
 import sys
 import warnings
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import files_below, run_comparison  # noqa: E402
 from dump_text import DumpReader  # noqa: E402

@@ -24,7 +24,7 @@ import sys
 import tempfile
 import warnings
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import files_below, run_comparison  # noqa: E402
 from compare_readers import NO_COMMON_READING, broken_files  # noqa: E402

@@ -31,7 +31,7 @@ import warnings
 
 import pydicom
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import report  # noqa: E402
 from expected_directory import (  # noqa: E402
