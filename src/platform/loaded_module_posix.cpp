@@ -33,7 +33,7 @@ void* LoadFrom(std::string directory, const std::string& file) {
 
 void* OpenModule(const char* name) {
     const std::string file = std::string(name) + ".so";
-    void* module = LoadFrom(DirectoryOf(HostProgramPath()), file);
+    void* module = LoadFrom(HostProgramDirectory(), file);
     if (module == nullptr) module = LoadFrom(DirectoryOf(OwnPath()), file);
     return module != nullptr ? module : ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
 }

@@ -70,9 +70,11 @@ std::optional<uint64_t> Tell(FILE* stream);
 // The length of what the stream reads; 0 when it cannot be told. May move the stream.
 uint64_t StreamSize(FILE* stream);
 
-// Full path of the host process's executable, with backslashes. Empty when it is not known or as
-// long as the buffer of 1024 bytes that the lookup of files beside it allows.
-std::string HostProgramPath();
+// The directory of the host process's executable, with backslashes, one of them at its end. Where
+// the executable is not known, or its path as long as the buffer of 1024 bytes that it is asked for
+// with, this is "C:\" on Windows and empty on POSIX: there, that would be a name in the current
+// directory.
+std::string HostProgramDirectory();
 
 struct CalendarTime {
     int year;

@@ -272,13 +272,15 @@ uint64_t StreamSize(FILE* stream) {
     return SeekToEnd(stream) ? Tell(stream).value_or(0) : 0;
 }
 
-std::string HostProgramPath() {
+// The system's answer for a program that it cannot reach any more does not begin at the root.
+std::string HostProgramDirectory() {
     char path[1024];
     const ssize_t length = ::readlink("/proc/self/exe", path, sizeof path);
     if (length <= 0 || static_cast<size_t>(length) >= sizeof path) return std::string();
+    if (path[0] != '/') return std::string();
     std::string result(path, static_cast<size_t>(length));
     std::replace(result.begin(), result.end(), '/', '\\');
-    return result;
+    return result.substr(0, result.rfind('\\') + 1);
 }
 
 CalendarTime LocalTime() {

@@ -184,10 +184,12 @@ uint64_t StreamSize(FILE* stream) {
     return static_cast<uint64_t>(status.st_size);
 }
 
-std::string HostProgramPath() {
+std::string HostProgramDirectory() {
     char path[1024];
     const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
-    return length < sizeof path ? std::string(path, length) : std::string();
+    const std::string program = length < sizeof path ? std::string(path, length) : std::string();
+    const size_t backslash = program.rfind('\\');
+    return backslash == std::string::npos ? "C:\\" : program.substr(0, backslash + 1);
 }
 
 CalendarTime LocalTime() {
