@@ -3,11 +3,13 @@
 // The library-wide objects are constructed here, in this file's order, and nowhere else: first the
 // private dictionary, then the SOP classes that a site adds, each read from a file beside the host
 // program. A missing or broken file is never an error; nothing may stop the module from loading.
+// Before them, the module notes where it lies.
 
 #include <optional>
 #include <string>
 
 #include "dictionary/private_dictionary.h"
+#include "platform/loaded_module.h"
 #include "platform/platform.h"
 #include "sopclass/sop_class_set.h"
 
@@ -21,6 +23,17 @@ std::optional<std::string> PathBesideHost(const char* file) {
     if (directory.empty()) return std::nullopt;
     return directory + file;
 }
+
+class OwnDirectoryNote {
+  public:
+    OwnDirectoryNote() noexcept {
+        try {
+            platform::NoteOwnDirectory();
+        } catch (...) {
+            // Then nothing is looked for beside the module.
+        }
+    }
+};
 
 class PrivateDictionaryLoad {
   public:
@@ -48,6 +61,7 @@ class SOPClassSetLoad {
     }
 };
 
+const OwnDirectoryNote ownDirectoryNote;
 const PrivateDictionaryLoad privateDictionaryLoad;
 const SOPClassSetLoad sopClassSetLoad;
 
