@@ -132,9 +132,11 @@ void SaveBare(PGX_Node& root, bool undefinedLengths, const char* path) {
     PendingOffsets offsets(root);
     WriteResult result = WriteTree(root, kLengthMode, mode, file.get(), offsets);
     result = CloseWritten(std::move(file), result);
-    if (offsets.Patch(target.OpenForUpdate(), kHostByteOrder) == kCannotReopen) {
+    const WriteResult patched = offsets.Patch(target.OpenForUpdate(), kHostByteOrder);
+    if (patched == kCannotReopen) {
         PrintError("pgSaveDataSetAs : unable to reopen %s\n", PrintablePath(path));
     }
+    if (result == kWritten) result = patched;
     if (result == kWritten && !target.PutInPlace()) {
         PrintError("pgSaveDataSetAs : unable to open %s\n", PrintablePath(path));
     }
