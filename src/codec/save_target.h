@@ -30,8 +30,11 @@ class SaveTarget {
     bool PutInPlace();
 
   private:
+    const char* WrittenPath() const { return replacement_.empty() ? path_ : replacement_.c_str(); }
+
     const char* path_;
-    std::string replacement_;  // empty when the target itself is written
+    bool isSource_ = false;
+    std::string replacement_;  // of a source, between its creation and the end
 };
 
 }  // namespace pgkit

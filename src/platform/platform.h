@@ -53,12 +53,13 @@ struct DirectoryEntry {
 };
 std::vector<DirectoryEntry> ListDirectory(const char* path);
 
-// A path in the directory of an existing file (of the file itself where the path is a link to it)
-// at which there is nothing yet.
-std::string UnusedPathBeside(const char* path);
-// Puts a finished file in the place of an existing one; streams that are open on the old file keep
-// its content. On failure nothing has changed. On Windows a file that is open can be replaced only
-// when it was opened by OpenForReading.
+// Creates a file in the directory of an existing one (of the file itself where the path is a link
+// to it), under a name that nothing had, not even a link that leads nowhere, and tells its path. On
+// POSIX nobody but the owner can open it. Null on failure; there is no path then.
+FILE* CreateReplacement(const char* path, std::string& replacement);
+// Puts a finished file in the place of an existing one, whose permissions it takes over on POSIX;
+// streams that are open on the old file keep its content. On failure nothing has changed. On
+// Windows a file that is open can be replaced only when it was opened by OpenForReading.
 bool ReplaceWith(const char* path, const char* replacement);
 bool RemoveFile(const char* path);
 

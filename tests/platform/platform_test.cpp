@@ -270,6 +270,50 @@ TEST(CompareNames, GivesTheOrder) {
     EXPECT_EQ(platform::CompareNames("", ""), 0);
 }
 
+class Replacement : public Platform {
+  protected:
+    const std::string path_ = Path("Disc\\Images\\Im0001.dcm");
+    std::string replacement_;
+};
+
+TEST_F(Replacement, IsCreatedBesideTheFileUnderAnUnusedName) {
+    directory_.Write("Disc/Images/Im0001.dcm.new0", "taken");
+    const File file(platform::CreateReplacement(path_.c_str(), replacement_));
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(replacement_.ends_with("Im0001.dcm.new1")) << replacement_;
+    EXPECT_EQ(platform::FileSize(replacement_.c_str()), 0u);
+    EXPECT_EQ(LineOf(Path("Disc\\Images\\Im0001.dcm.new0")), "taken");
+}
+
+TEST_F(Replacement, PassesOverDirectoriesAndLinksThatLeadNowhere) {
+    fs::create_directory(directory_.Path("Disc/Images/Im0001.dcm.new0"));
+    std::error_code noLinksHere;
+    fs::create_symlink(directory_.Path("nothing"), directory_.Path("Disc/Images/Im0001.dcm.new1"),
+                       noLinksHere);
+    const File file(platform::CreateReplacement(path_.c_str(), replacement_));
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(replacement_.ends_with(noLinksHere ? ".new1" : ".new2")) << replacement_;
+    EXPECT_FALSE(fs::exists(directory_.Path("nothing")));
+}
+
+TEST_F(Replacement, IsNobodyElsesToReadBeforeItIsInPlace) {
+    using fs::perms;
+    const fs::path file = directory_.Path("Disc/Images/Im0001.dcm");
+    fs::permissions(file, perms::owner_read | perms::owner_write | perms::others_read);
+    const perms before = fs::status(file).permissions();
+    if ((before & perms::group_read) != perms::none) GTEST_SKIP() << "no permissions here";
+    File(platform::CreateReplacement(path_.c_str(), replacement_)).reset();
+    EXPECT_EQ(fs::status(replacement_).permissions(), perms::owner_read | perms::owner_write);
+    EXPECT_TRUE(platform::ReplaceWith(path_.c_str(), replacement_.c_str()));
+    EXPECT_EQ(fs::status(file).permissions(), before);
+}
+
+TEST_F(Replacement, HasNoPathWhenItCannotBeCreated) {
+    replacement_ = "before";
+    EXPECT_EQ(platform::CreateReplacement(Path("Other\\New.dcm").c_str(), replacement_), nullptr);
+    EXPECT_EQ(replacement_, "");
+}
+
 // "name", with a slash behind directories.
 std::string NamesIn(const std::string& directory) {
     std::string names;

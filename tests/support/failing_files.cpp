@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 extern "C" {
 size_t __real_fread(void* out, size_t size, size_t count, FILE* stream);
@@ -28,6 +29,8 @@ FILE* RealOpenForUpdate(Path path) REAL_NAME("13OpenForUpdateEPKc");
 FILE* RealCreateBinary(Path path) REAL_NAME("12CreateBinaryEPKc");
 FILE* RealCreateText(Path path) REAL_NAME("10CreateTextEPKc");
 FILE* RealAppendText(Path path) REAL_NAME("10AppendTextEPKc");
+FILE* RealCreateReplacement(Path path, std::string& replacement)
+    REAL_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
 bool RealReplaceWith(Path path, Path replacement) REAL_NAME("11ReplaceWithEPKcS2_");
 bool RealSeek(FILE* stream, uint64_t position)
     REAL_NAME("4SeekE" PGKIT_TEST_MANGLED_FILE PGKIT_TEST_MANGLED_UINT64);
@@ -40,6 +43,8 @@ FILE* WrappedOpenForUpdate(Path path) WRAPPED_NAME("13OpenForUpdateEPKc");
 FILE* WrappedCreateBinary(Path path) WRAPPED_NAME("12CreateBinaryEPKc");
 FILE* WrappedCreateText(Path path) WRAPPED_NAME("10CreateTextEPKc");
 FILE* WrappedAppendText(Path path) WRAPPED_NAME("10AppendTextEPKc");
+FILE* WrappedCreateReplacement(Path path, std::string& replacement)
+    WRAPPED_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
 bool WrappedReplaceWith(Path path, Path replacement) WRAPPED_NAME("11ReplaceWithEPKcS2_");
 bool WrappedSeek(FILE* stream, uint64_t position)
     WRAPPED_NAME("4SeekE" PGKIT_TEST_MANGLED_FILE PGKIT_TEST_MANGLED_UINT64);
@@ -98,6 +103,10 @@ FILE* WrappedCreateText(Path path) {
 
 FILE* WrappedAppendText(Path path) {
     return CountedOpen([&] { return RealAppendText(path); });
+}
+
+FILE* WrappedCreateReplacement(Path path, std::string& replacement) {
+    return CountedOpen([&] { return RealCreateReplacement(path, replacement); });
 }
 
 bool WrappedReplaceWith(Path path, Path replacement) {
