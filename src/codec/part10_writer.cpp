@@ -115,8 +115,8 @@ WriteResult Save(PGX_Node& root, const char* path, uint32_t mode) {
         result =
             offsets.Patch(target.OpenForUpdate(), isLittle ? ByteOrder::Little : ByteOrder::Big);
     }
-    if (result == kWritten && !target.PutInPlace()) return CannotCreate(path);
-    return result;
+    if (result == kWritten) result = target.PutInPlace();
+    return result == kCannotCreate ? CannotCreate(path) : result;
 }
 
 // The older form writes a bare data set in implicit VR big endian, whatever the tree holds.
@@ -137,7 +137,8 @@ void SaveBare(PGX_Node& root, bool undefinedLengths, const char* path) {
         PrintError("pgSaveDataSetAs : unable to reopen %s\n", PrintablePath(path));
     }
     if (result == kWritten) result = patched;
-    if (result == kWritten && !target.PutInPlace()) {
+    if (result == kWritten) result = target.PutInPlace();
+    if (result == kCannotCreate) {
         PrintError("pgSaveDataSetAs : unable to open %s\n", PrintablePath(path));
     }
 }

@@ -64,11 +64,12 @@ platform::FileHandle SaveTarget::OpenForUpdate() const {
     return platform::FileHandle(platform::OpenForUpdate(WrittenPath()));
 }
 
-bool SaveTarget::PutInPlace() {
-    if (!isSource_) return true;
-    if (!platform::ReplaceWith(path_, replacement_.c_str())) return false;
+WriteResult SaveTarget::PutInPlace() {
+    if (!isSource_) return kWritten;
+    if (!platform::FlushToDisk(replacement_.c_str())) return kWriteFailed;
+    if (!platform::ReplaceWith(path_, replacement_.c_str())) return kCannotCreate;
     replacement_.clear();
-    return true;
+    return kWritten;
 }
 
 }  // namespace pgkit

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <string>
 
+#include "codec/write_result.h"
 #include "pgkit/node.h"
 #include "platform/file_handle.h"
 
@@ -25,9 +26,9 @@ class SaveTarget {
     platform::FileHandle Create();
     platform::FileHandle OpenForUpdate() const;
 
-    // Makes what was written the content of the target. False when the target cannot be replaced;
-    // it is then as it was.
-    bool PutInPlace();
+    // Makes what was written the content of the target: kWritten, kWriteFailed when it does not get
+    // to the disk, or kCannotCreate when the target cannot be replaced; it is then as it was.
+    WriteResult PutInPlace();
 
   private:
     const char* WrittenPath() const { return replacement_.empty() ? path_ : replacement_.c_str(); }

@@ -57,6 +57,10 @@ std::vector<DirectoryEntry> ListDirectory(const char* path);
 // to it), under a name that nothing had, not even a link that leads nowhere, and tells its path. On
 // POSIX nobody but the owner can open it. Null on failure; there is no path then.
 FILE* CreateReplacement(const char* path, std::string& replacement);
+// Waits until a replacement, which is closed, is on the disk: a file system may put a new name
+// there before the content, and a loss of power in between would leave neither the old file nor the
+// new.
+bool FlushToDisk(const char* replacement);
 // Puts a finished file in the place of an existing one, whose permissions it takes over on POSIX;
 // streams that are open on the old file keep its content. On failure nothing has changed. On
 // Windows a file that is open can be replaced only when it was opened by OpenForReading.

@@ -261,6 +261,13 @@ FILE* CreateReplacement(const char* path, std::string& replacement) {
     }
 }
 
+bool FlushToDisk(const char* replacement) {
+    const int descriptor = ::open(replacement, O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor < 0) return false;
+    const bool isFlushed = ::fsync(descriptor) == 0;
+    return ::close(descriptor) == 0 && isFlushed;
+}
+
 bool ReplaceWith(const char* path, const char* replacement) {
     const std::string target = WithoutLinks(NativePath(path));
     struct stat status;

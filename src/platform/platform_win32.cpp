@@ -192,6 +192,13 @@ FILE* CreateReplacement(const char* path, std::string& replacement) {
     return nullptr;
 }
 
+bool FlushToDisk(const char* replacement) {
+    const std::unique_ptr<HANDLE, CloseFileHandle> handle(
+        CreateFileA(replacement, GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    return handle.get() != INVALID_HANDLE_VALUE && FlushFileBuffers(handle.get());
+}
+
 // An open file cannot be overwritten by a rename, but it can itself be renamed, and vanishes from
 // there when the last stream on it is closed.
 bool ReplaceWith(const char* path, const char* replacement) {

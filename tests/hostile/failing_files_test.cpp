@@ -183,6 +183,36 @@ TEST_F(FailingFile, IsNeverReplacedByHalfASaveInTheOlderForm) {
                                                prefix + "open " + path_ + "\n"}));
 }
 
+// After a loss of power one of the two is there as well. Other files are only written.
+TEST_F(FailingFile, IsReplacedOnlyByAFileThatIsOnTheDisk) {
+    const FailingFiles none(SIZE_MAX);
+    const DataSet root = Open(0);
+    EXPECT_EQ(root->SaveDataSetAsEx(directory_.Path("other").c_str(), kPart10Explicit), 0u);
+    EXPECT_EQ(FilesFlushedToDisk(), 0u);
+    EXPECT_EQ(root->SaveDataSetAsEx(path_.c_str(), kPart10Explicit), 0u);
+    EXPECT_EQ(FilesFlushedToDisk(), 1u);
+    Open(0)->SaveDataSetAs(0, path_.c_str());
+    EXPECT_EQ(FilesFlushedToDisk(), 2u);
+}
+
+TEST_F(FailingFile, ThatDoesNotGetToTheDiskIsAFailedWrite) {
+    constexpr uint32_t kWriteFailed = 3;
+    const Bytes before = ReadFile(path_);
+    const DataSet root = Open(0);
+    uint32_t result = 0;
+    size_t flushed = 0;
+    for (size_t allowed = 0; allowed < 40 && flushed == 0; ++allowed) {
+        CapturePrinted([&] {
+            const FailingFiles failing(allowed);
+            result = root->SaveDataSetAsEx(path_.c_str(), kPart10Explicit);
+            flushed = FilesFlushedToDisk();
+        });
+    }
+    EXPECT_EQ(flushed, 1u);
+    EXPECT_EQ(result, kWriteFailed);
+    EXPECT_EQ(ReadFile(path_), before);
+}
+
 TEST_F(FailingFile, LeavesNoFilesBehindWhenATreeIsSavedOverItsSource) {
     const Bytes before = ReadFile(path_);
     Sweep([&](auto&& whileFailing) {
