@@ -3,10 +3,13 @@
 // The library-wide objects are constructed here, in this file's order, and nowhere else: first the
 // private dictionary, then the SOP classes that a site adds, each read from a file beside the host
 // program. A missing or broken file is never an error; nothing may stop the module from loading.
+// Before them, the module notes where it lies.
 
+#include <optional>
 #include <string>
 
 #include "dictionary/private_dictionary.h"
+#include "platform/loaded_module.h"
 #include "platform/platform.h"
 #include "sopclass/sop_class_set.h"
 
@@ -14,18 +17,31 @@ namespace pgkit {
 
 namespace {
 
-// The directory of the host program, with its trailing backslash.
-std::string HostDirectory() {
-    const std::string program = platform::HostProgramPath();
-    const size_t backslash = program.rfind('\\');
-    return backslash == std::string::npos ? "C:\\" : program.substr(0, backslash + 1);
+// Nothing when there is no directory to look in.
+std::optional<std::string> PathBesideHost(const char* file) {
+    const std::string directory = platform::HostProgramDirectory();
+    if (directory.empty()) return std::nullopt;
+    return directory + file;
 }
+
+class OwnDirectoryNote {
+  public:
+    OwnDirectoryNote() noexcept {
+        try {
+            platform::NoteOwnDirectory();
+        } catch (...) {
+            // Then nothing is looked for beside the module.
+        }
+    }
+};
 
 class PrivateDictionaryLoad {
   public:
     PrivateDictionaryLoad() noexcept {
         try {
-            PrivateDictionary::Instance().LoadFile((HostDirectory() + "privdict.dic").c_str());
+            PrivateDictionary& dictionary = PrivateDictionary::Instance();
+            const auto path = PathBesideHost("privdict.dic");
+            if (path) dictionary.LoadFile(path->c_str());
         } catch (...) {
             PrivateDictionary::Instance().Clear();
         }
@@ -36,13 +52,16 @@ class SOPClassSetLoad {
   public:
     SOPClassSetLoad() noexcept {
         try {
-            SOPClassSet::Instance().load((HostDirectory() + "halvorix.xml").c_str(), "properties");
+            SOPClassSet& classes = SOPClassSet::Instance();
+            const auto path = PathBesideHost("halvorix.xml");
+            if (path) classes.load(path->c_str(), "properties");
         } catch (...) {
             SOPClassSet::Instance().Clear();
         }
     }
 };
 
+const OwnDirectoryNote ownDirectoryNote;
 const PrivateDictionaryLoad privateDictionaryLoad;
 const SOPClassSetLoad sopClassSetLoad;
 

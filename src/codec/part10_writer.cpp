@@ -115,8 +115,8 @@ WriteResult Save(PGX_Node& root, const char* path, uint32_t mode) {
         result =
             offsets.Patch(target.OpenForUpdate(), isLittle ? ByteOrder::Little : ByteOrder::Big);
     }
-    if (result == kWritten && !target.PutInPlace()) return CannotCreate(path);
-    return result;
+    if (result == kWritten) result = target.PutInPlace();
+    return result == kCannotCreate ? CannotCreate(path) : result;
 }
 
 // The older form writes a bare data set in implicit VR big endian, whatever the tree holds.
@@ -132,10 +132,13 @@ void SaveBare(PGX_Node& root, bool undefinedLengths, const char* path) {
     PendingOffsets offsets(root);
     WriteResult result = WriteTree(root, kLengthMode, mode, file.get(), offsets);
     result = CloseWritten(std::move(file), result);
-    if (offsets.Patch(target.OpenForUpdate(), kHostByteOrder) == kCannotReopen) {
+    const WriteResult patched = offsets.Patch(target.OpenForUpdate(), kHostByteOrder);
+    if (patched == kCannotReopen) {
         PrintError("pgSaveDataSetAs : unable to reopen %s\n", PrintablePath(path));
     }
-    if (result == kWritten && !target.PutInPlace()) {
+    if (result == kWritten) result = patched;
+    if (result == kWritten) result = target.PutInPlace();
+    if (result == kCannotCreate) {
         PrintError("pgSaveDataSetAs : unable to open %s\n", PrintablePath(path));
     }
 }

@@ -48,7 +48,7 @@ bool ReadsFrom(PGX_Node& root, const platform::FileIdentity& file) {
 
 SaveTarget::SaveTarget(const char* path, PGX_Node& root) : path_(path) {
     const std::optional<platform::FileIdentity> existing = platform::IdentityOf(path);
-    if (existing && ReadsFrom(root, *existing)) replacement_ = platform::UnusedPathBeside(path);
+    isSource_ = existing && ReadsFrom(root, *existing);
 }
 
 SaveTarget::~SaveTarget() {
@@ -56,20 +56,20 @@ SaveTarget::~SaveTarget() {
 }
 
 platform::FileHandle SaveTarget::Create() {
-    return platform::FileHandle(
-        platform::CreateBinary(replacement_.empty() ? path_ : replacement_.c_str()));
+    return platform::FileHandle(isSource_ ? platform::CreateReplacement(path_, replacement_)
+                                          : platform::CreateBinary(path_));
 }
 
 platform::FileHandle SaveTarget::OpenForUpdate() const {
-    return platform::FileHandle(
-        platform::OpenForUpdate(replacement_.empty() ? path_ : replacement_.c_str()));
+    return platform::FileHandle(platform::OpenForUpdate(WrittenPath()));
 }
 
-bool SaveTarget::PutInPlace() {
-    if (replacement_.empty()) return true;
-    if (!platform::ReplaceWith(path_, replacement_.c_str())) return false;
+WriteResult SaveTarget::PutInPlace() {
+    if (!isSource_) return kWritten;
+    if (!platform::FlushToDisk(replacement_.c_str())) return kWriteFailed;
+    if (!platform::ReplaceWith(path_, replacement_.c_str())) return kCannotCreate;
     replacement_.clear();
-    return true;
+    return kWritten;
 }
 
 }  // namespace pgkit

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <string>
 
+#include "codec/write_result.h"
 #include "pgkit/node.h"
 #include "platform/file_handle.h"
 
@@ -25,13 +26,16 @@ class SaveTarget {
     platform::FileHandle Create();
     platform::FileHandle OpenForUpdate() const;
 
-    // Makes what was written the content of the target. False when the target cannot be replaced;
-    // it is then as it was.
-    bool PutInPlace();
+    // Makes what was written the content of the target: kWritten, kWriteFailed when it does not get
+    // to the disk, or kCannotCreate when the target cannot be replaced; it is then as it was.
+    WriteResult PutInPlace();
 
   private:
+    const char* WrittenPath() const { return replacement_.empty() ? path_ : replacement_.c_str(); }
+
     const char* path_;
-    std::string replacement_;  // empty when the target itself is written
+    bool isSource_ = false;
+    std::string replacement_;  // of a source, between its creation and the end
 };
 
 }  // namespace pgkit

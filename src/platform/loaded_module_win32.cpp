@@ -43,6 +43,9 @@ HMODULE LoadBesideThis(const std::string& file) {
 
 }  // namespace
 
+// The system knows every module by its full path.
+void NoteOwnDirectory() {}
+
 void* OpenModule(const char* name) {
     const WithoutErrorBoxes quiet;
     const std::string file = std::string(name) + ".dll";

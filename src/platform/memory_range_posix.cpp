@@ -6,18 +6,24 @@ namespace pgkit::platform {
 
 namespace {
 
+// GCC tells by a name of its own, clang by a feature.
+#if !defined(__has_feature)
+#define __has_feature(feature) 0
+#endif
+#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
+constexpr bool kHasAddressSanitizer = true;
+#else
+constexpr bool kHasAddressSanitizer = false;
+#endif
+
 constexpr int kUnbacked = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
 
 }  // namespace
 
 void* ReserveAddresses(size_t size) {
-#if defined(__SANITIZE_ADDRESS__)
-    static_cast<void>(size);
-    return nullptr;
-#else
+    if (kHasAddressSanitizer) return nullptr;
     void* range = ::mmap(nullptr, size, PROT_NONE, kUnbacked, -1, 0);
     return range == MAP_FAILED ? nullptr : range;
-#endif
 }
 
 bool CommitMemory(void* piece, size_t size) {

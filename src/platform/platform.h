@@ -53,12 +53,17 @@ struct DirectoryEntry {
 };
 std::vector<DirectoryEntry> ListDirectory(const char* path);
 
-// A path in the directory of an existing file (of the file itself where the path is a link to it)
-// at which there is nothing yet.
-std::string UnusedPathBeside(const char* path);
-// Puts a finished file in the place of an existing one; streams that are open on the old file keep
-// its content. On failure nothing has changed. On Windows a file that is open can be replaced only
-// when it was opened by OpenForReading.
+// Creates a file in the directory of an existing one (of the file itself where the path is a link
+// to it), under a name that nothing had, not even a link that leads nowhere, and tells its path. On
+// POSIX nobody but the owner can open it. Null on failure; there is no path then.
+FILE* CreateReplacement(const char* path, std::string& replacement);
+// Waits until a replacement, which is closed, is on the disk: a file system may put a new name
+// there before the content, and a loss of power in between would leave neither the old file nor the
+// new.
+bool FlushToDisk(const char* replacement);
+// Puts a finished file in the place of an existing one, whose permissions it takes over on POSIX;
+// streams that are open on the old file keep its content. On failure nothing has changed. On
+// Windows a file that is open can be replaced only when it was opened by OpenForReading.
 bool ReplaceWith(const char* path, const char* replacement);
 bool RemoveFile(const char* path);
 
@@ -70,9 +75,11 @@ std::optional<uint64_t> Tell(FILE* stream);
 // The length of what the stream reads; 0 when it cannot be told. May move the stream.
 uint64_t StreamSize(FILE* stream);
 
-// Full path of the host process's executable, with backslashes. Empty when it is not known or as
-// long as the buffer of 1024 bytes that the lookup of files beside it allows.
-std::string HostProgramPath();
+// The directory of the host process's executable, with backslashes, one of them at its end. Where
+// the executable is not known, or its path as long as the buffer of 1024 bytes that it is asked for
+// with, this is "C:\" on Windows and empty on POSIX: there, that would be a name in the current
+// directory.
+std::string HostProgramDirectory();
 
 struct CalendarTime {
     int year;

@@ -147,6 +147,22 @@ FILE* OpenRegular(const char* path, uint64_t& size) {
     return Unbuffered(stream);
 }
 
+// The stream owns the descriptor, which is closed when there is no memory for it.
+FILE* StreamOf(int descriptor, const char* mode) {
+    if (descriptor < 0) return nullptr;
+    FILE* stream = ::fdopen(descriptor, mode);
+    if (stream == nullptr) ::close(descriptor);
+    return stream;
+}
+
+// Of the file itself: a link is not followed.
+void SetPermissions(const char* path, mode_t permissions) {
+    const int descriptor = ::open(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor < 0) return;
+    ::fchmod(descriptor, permissions);
+    ::close(descriptor);
+}
+
 // A pipe that nobody reads fails at once instead of waiting; one that is read is written to as
 // usual.
 FILE* Create(const char* path, int disposition, const char* mode) {
@@ -155,9 +171,7 @@ FILE* Create(const char* path, int disposition, const char* mode) {
     const int descriptor = ::open(NativePath(path).c_str(), flags, 0666);
     if (descriptor < 0) return nullptr;
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
-    FILE* stream = ::fdopen(descriptor, mode);
-    if (stream == nullptr) ::close(descriptor);
-    return stream;
+    return StreamOf(descriptor, mode);
 }
 
 }  // namespace
@@ -229,20 +243,38 @@ std::vector<DirectoryEntry> ListDirectory(const char* path) {
     return entries;
 }
 
-std::string UnusedPathBeside(const char* path) {
+FILE* CreateReplacement(const char* path, std::string& replacement) {
+    constexpr int kNewOnly = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    replacement.clear();
     const std::string target = WithoutLinks(NativePath(path));
     for (unsigned number = 0;; ++number) {
         std::string candidate = target + ".new" + std::to_string(number);
-        if (!PathExists(candidate.c_str())) return candidate;
+        const int descriptor = ::open(candidate.c_str(), kNewOnly, S_IRUSR | S_IWUSR);
+        if (descriptor < 0 && errno == EEXIST) continue;
+        FILE* stream = Unbuffered(StreamOf(descriptor, "wb"));
+        if (stream != nullptr) {
+            replacement.swap(candidate);
+        } else if (descriptor >= 0) {
+            ::unlink(candidate.c_str());
+        }
+        return stream;
     }
+}
+
+bool FlushToDisk(const char* replacement) {
+    const int descriptor = ::open(replacement, O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor < 0) return false;
+    const bool isFlushed = ::fsync(descriptor) == 0;
+    return ::close(descriptor) == 0 && isFlushed;
 }
 
 bool ReplaceWith(const char* path, const char* replacement) {
     const std::string target = WithoutLinks(NativePath(path));
     struct stat status;
     if (::stat(target.c_str(), &status) != 0) return false;
-    // The new file takes over who may read the old one, where the file system knows of it.
-    ::chmod(replacement, status.st_mode & 07777);
+    // Only now may others read it who may read the old one. Not every file system can tell them
+    // apart.
+    SetPermissions(replacement, status.st_mode & 07777);
     return ::rename(replacement, target.c_str()) == 0;
 }
 
@@ -272,13 +304,15 @@ uint64_t StreamSize(FILE* stream) {
     return SeekToEnd(stream) ? Tell(stream).value_or(0) : 0;
 }
 
-std::string HostProgramPath() {
+// The system's answer for a program that it cannot reach any more does not begin at the root.
+std::string HostProgramDirectory() {
     char path[1024];
     const ssize_t length = ::readlink("/proc/self/exe", path, sizeof path);
     if (length <= 0 || static_cast<size_t>(length) >= sizeof path) return std::string();
+    if (path[0] != '/') return std::string();
     std::string result(path, static_cast<size_t>(length));
     std::replace(result.begin(), result.end(), '/', '\\');
-    return result;
+    return result.substr(0, result.rfind('\\') + 1);
 }
 
 CalendarTime LocalTime() {

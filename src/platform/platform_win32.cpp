@@ -29,22 +29,51 @@ FILE* RegularOnly(FILE* stream, uint64_t& size) {
     return Unbuffered(stream);
 }
 
+// The stream owns the handle, which is closed when there is no memory for it.
+FILE* StreamOf(HANDLE handle, int flags, const char* mode) {
+    if (handle == INVALID_HANDLE_VALUE) return nullptr;
+    const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), flags | _O_BINARY);
+    if (descriptor < 0) {
+        CloseHandle(handle);
+        return nullptr;
+    }
+    FILE* stream = _fdopen(descriptor, mode);
+    if (stream == nullptr) _close(descriptor);
+    return stream;
+}
+
 // fopen would not share the file for deletion: nobody could then rename or replace it while it is
 // open.
 FILE* OpenShared(const char* path) {
     const HANDLE handle =
         CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return nullptr;
-    const int descriptor =
-        _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_RDONLY | _O_BINARY);
-    if (descriptor < 0) {
-        CloseHandle(handle);
-        return nullptr;
+    return StreamOf(handle, _O_RDONLY, "rb");
+}
+
+// Names that are tried for a file beside another one.
+constexpr unsigned kMaxNames = 1000;
+
+std::string NameBeside(const char* path, unsigned number) {
+    return path + (".new" + std::to_string(number));
+}
+
+// Whether the last call failed because of something that has the name. Access is denied, too, to
+// the name of a deleted file until the last stream on it is closed.
+bool IsNameTaken() {
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS ||
+           error == ERROR_ACCESS_DENIED;
+}
+
+// Gives a file an unused name beside its own; empty on failure.
+std::string MoveAside(const char* path) {
+    for (unsigned number = 0; number < kMaxNames; ++number) {
+        std::string aside = NameBeside(path, number);
+        if (MoveFileExA(path, aside.c_str(), 0)) return aside;
+        if (!IsNameTaken()) break;
     }
-    FILE* stream = _fdopen(descriptor, "rb");
-    if (stream == nullptr) _close(descriptor);
-    return stream;
+    return std::string();
 }
 
 struct CloseFileHandle {
@@ -143,18 +172,38 @@ std::vector<DirectoryEntry> ListDirectory(const char* path) {
     return entries;
 }
 
-std::string UnusedPathBeside(const char* path) {
-    for (unsigned number = 0;; ++number) {
-        std::string candidate = path + (".new" + std::to_string(number));
-        if (!PathExists(candidate.c_str())) return candidate;
+// A link of the name counts as what it is: followed, it would lead to a file created elsewhere.
+FILE* CreateReplacement(const char* path, std::string& replacement) {
+    constexpr DWORD kNotThroughLinks = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
+    replacement.clear();
+    for (unsigned number = 0; number < kMaxNames; ++number) {
+        std::string candidate = NameBeside(path, number);
+        const HANDLE handle = CreateFileA(candidate.c_str(), GENERIC_WRITE, FILE_SHARE_READ,
+                                          nullptr, CREATE_NEW, kNotThroughLinks, nullptr);
+        if (handle == INVALID_HANDLE_VALUE && IsNameTaken()) continue;
+        FILE* stream = Unbuffered(StreamOf(handle, _O_WRONLY, "wb"));
+        if (stream != nullptr) {
+            replacement.swap(candidate);
+        } else if (handle != INVALID_HANDLE_VALUE) {
+            DeleteFileA(candidate.c_str());
+        }
+        return stream;
     }
+    return nullptr;
+}
+
+bool FlushToDisk(const char* replacement) {
+    const std::unique_ptr<HANDLE, CloseFileHandle> handle(
+        CreateFileA(replacement, GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    return handle.get() != INVALID_HANDLE_VALUE && FlushFileBuffers(handle.get());
 }
 
 // An open file cannot be overwritten by a rename, but it can itself be renamed, and vanishes from
 // there when the last stream on it is closed.
 bool ReplaceWith(const char* path, const char* replacement) {
-    const std::string aside = UnusedPathBeside(path);
-    if (!MoveFileExA(path, aside.c_str(), 0)) return false;
+    const std::string aside = MoveAside(path);
+    if (aside.empty()) return false;
     if (!MoveFileExA(replacement, path, 0)) {
         MoveFileExA(aside.c_str(), path, 0);
         return false;
@@ -184,10 +233,12 @@ uint64_t StreamSize(FILE* stream) {
     return static_cast<uint64_t>(status.st_size);
 }
 
-std::string HostProgramPath() {
+std::string HostProgramDirectory() {
     char path[1024];
     const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
-    return length < sizeof path ? std::string(path, length) : std::string();
+    const std::string program = length < sizeof path ? std::string(path, length) : std::string();
+    const size_t backslash = program.rfind('\\');
+    return backslash == std::string::npos ? "C:\\" : program.substr(0, backslash + 1);
 }
 
 CalendarTime LocalTime() {

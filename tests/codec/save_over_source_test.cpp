@@ -96,6 +96,42 @@ TEST_F(SaveOverSource, PatchesOffsetsBeforeTheFileIsInPlace) {
                                    .Data());
 }
 
+// Anyone who may write into the directory can have put it there.
+TEST_F(SaveOverSource, DoesNotWriteThroughALinkUnderTheNameOfTheNewFile) {
+    OpenSource();
+    std::error_code error;
+    const fs::path elsewhere = directory_.Path("elsewhere");
+    fs::create_symlink(elsewhere, path_ + ".new0", error);
+    if (error) GTEST_SKIP() << "no links here";
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(path_)));
+    EXPECT_EQ(ReadFile(path_), explicitFile_);
+    EXPECT_FALSE(fs::exists(elsewhere));
+    EXPECT_TRUE(fs::is_symlink(path_ + ".new0"));
+}
+
+TEST_F(SaveOverSource, LeavesOtherFilesAlone) {
+    OpenSource();
+    for (const char* number : {"0", "1", "2"})
+        directory_.Write(std::string("source.dcm.new") + number, number);
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    EXPECT_EQ(ReadFile(path_), explicitFile_);
+    root_.reset();
+    for (const char* number : {"0", "1", "2"})
+        EXPECT_EQ(ReadFile(path_ + ".new" + number), Bytes{static_cast<uint8_t>(number[0])});
+    EXPECT_EQ(FilesInDirectory(), 4u);
+}
+
+TEST_F(SaveOverSource, KeepsThePermissionsOfTheFile) {
+    OpenSource();
+    constexpr fs::perms kOwnAndGroup =
+        fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    fs::permissions(path_, kOwnAndGroup);
+    const fs::perms before = fs::status(path_).permissions();
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
+    EXPECT_EQ(fs::status(path_).permissions(), before);
+}
+
 TEST_F(SaveOverSource, SparesAContentFileToo) {
     DataSet root(pgAllocateDataSetNode());
     const std::string path = directory_.Write("content", "abcd");

@@ -18,6 +18,7 @@ using pgkit_test::TempDir;
 constexpr const char* kQuestion = "0019 1010";
 constexpr const char* kUnknown = "255 <Unknown Tag>\n";
 constexpr const char* kKnown = "5 Name\n";
+constexpr bool kIsWindows = fs::path::preferred_separator == '\\';
 const std::string kLine = "(0019,\"X\",1010) LO Name 1\n";
 
 struct HostRun {
@@ -35,17 +36,30 @@ class ModuleLoad : public testing::Test {
         Copy(PGKIT_TEST_MODULE);
     }
 
-    HostRun RunHost(const std::string& arguments) const {
+    HostRun RunHost(const std::string& arguments) const { return RunHost(host_, arguments); }
+
+    HostRun RunHost(const std::string& host, const std::string& arguments) const {
         const std::string out = directory_.Path("out.txt");
         const std::string err = directory_.Path("err.txt");
         // The Windows command interpreter takes the quotes off a line that begins with one.
         const std::string command =
-            "cd . && " + Quoted(host_) + " " + arguments + " >" + Quoted(out) + " 2>" + Quoted(err);
+            "cd . && " + Quoted(host) + " " + arguments + " >" + Quoted(out) + " 2>" + Quoted(err);
         HostRun run;
         run.exitCode = std::system(command.c_str());
         run.out = Text(out);
         run.err = Text(err);
         return run;
+    }
+
+    // Longer than the buffer in which the module asks for it.
+    std::string CopyOfHostWithLongPath() const {
+        fs::path directory = directory_.Path("");
+        while (directory.string().size() < 1024)
+            directory /= std::string(200, 'd');
+        fs::create_directories(directory);
+        const fs::path copy = directory / fs::path(host_).filename();
+        fs::copy_file(host_, copy);
+        return copy.string();
     }
 
     TempDir& Directory() { return directory_; }
@@ -96,6 +110,22 @@ TEST_F(ModuleLoad, DoesNotLookInTheCurrentDirectory) {
     const HostRun run = RunHost(kQuestion);
     fs::current_path(before);
     EXPECT_EQ(run.out, kUnknown);
+}
+
+// A directory that is not known used to be C:\, which is the name of an entry there elsewhere.
+TEST_F(ModuleLoad, DoesNotLookInTheCurrentDirectoryWhenTheHostsIsNotKnown) {
+    if (kIsWindows) GTEST_SKIP() << "C:\\ is a directory of its own here";
+    fs::create_directory(Directory().Path("C:"));
+    Directory().Write("C:/privdict.dic", kLine);
+    Directory().Write("C:/halvorix.xml", "<properties><broken</properties>");
+    const std::string host = CopyOfHostWithLongPath();
+    const fs::path before = fs::current_path();
+    fs::current_path(Directory().Path(""));
+    const HostRun run = RunHost(host, kQuestion);
+    fs::current_path(before);
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.out, kUnknown);
+    EXPECT_EQ(run.err, "");
 }
 
 TEST_F(ModuleLoad, IsNotStoppedByADirectoryInPlaceOfTheFile) {

@@ -30,6 +30,14 @@ class FailingFile : public testing::Test {
         return DataSet(pgOpenDataSetFile(path_.c_str(), maxLoadLength));
     }
 
+    // From the tree to an item of its own.
+    static void AddPendingLink(PGX_Node& root) {
+        const uint32_t none = 0;
+        PGX_Node* const offset = root.InsertNode(0x0004, 0x1200, &none, 4);
+        offset->offsetPending = 1;
+        offset->offsetTarget = root.FindNode(0x0040, 0xA730)->first;
+    }
+
     TempDir directory_;
     std::string path_ = directory_.Write("file", RichFile().Data());
     std::string whole_ = Describe(Open().get());
@@ -145,6 +153,64 @@ TEST_F(FailingFile, IsNeverLostWhenATreeIsSavedOverItsSource) {
         }
     });
     EXPECT_GE(calls, 5u);
+}
+
+// A link that could not be put right must not get into the file that is replaced.
+TEST_F(FailingFile, IsNeverReplacedByHalfASaveInTheOlderForm) {
+    const Bytes before = ReadFile(path_);
+    std::set<Bytes> contents;
+    std::set<std::string> messages;
+    for (size_t allowed = 0; allowed < 40; ++allowed) {
+        directory_.Write("file", before);
+        DataSet root = Open(0);
+        ASSERT_NE(root, nullptr);
+        AddPendingLink(*root);
+        const Printed printed = CapturePrinted([&] {
+            const FailingFiles failing(allowed, Failures::OneCall);
+            root->SaveDataSetAs(0, path_.c_str());
+        });
+        root = nullptr;
+        contents.insert(ReadFile(path_));
+        messages.insert(printed.err);
+        if (!printed.err.empty()) {
+            EXPECT_EQ(ReadFile(path_), before) << printed.err;
+        }
+    }
+    EXPECT_EQ(contents.size(), 2u);
+    EXPECT_TRUE(contents.contains(before));
+    const std::string prefix = "pgSaveDataSetAs : unable to ";
+    EXPECT_EQ(messages, (std::set<std::string>{"", prefix + "reopen " + path_ + "\n",
+                                               prefix + "open " + path_ + "\n"}));
+}
+
+// After a loss of power one of the two is there as well. Other files are only written.
+TEST_F(FailingFile, IsReplacedOnlyByAFileThatIsOnTheDisk) {
+    const FailingFiles none(SIZE_MAX);
+    const DataSet root = Open(0);
+    EXPECT_EQ(root->SaveDataSetAsEx(directory_.Path("other").c_str(), kPart10Explicit), 0u);
+    EXPECT_EQ(FilesFlushedToDisk(), 0u);
+    EXPECT_EQ(root->SaveDataSetAsEx(path_.c_str(), kPart10Explicit), 0u);
+    EXPECT_EQ(FilesFlushedToDisk(), 1u);
+    Open(0)->SaveDataSetAs(0, path_.c_str());
+    EXPECT_EQ(FilesFlushedToDisk(), 2u);
+}
+
+TEST_F(FailingFile, ThatDoesNotGetToTheDiskIsAFailedWrite) {
+    constexpr uint32_t kWriteFailed = 3;
+    const Bytes before = ReadFile(path_);
+    const DataSet root = Open(0);
+    uint32_t result = 0;
+    size_t flushed = 0;
+    for (size_t allowed = 0; allowed < 40 && flushed == 0; ++allowed) {
+        CapturePrinted([&] {
+            const FailingFiles failing(allowed);
+            result = root->SaveDataSetAsEx(path_.c_str(), kPart10Explicit);
+            flushed = FilesFlushedToDisk();
+        });
+    }
+    EXPECT_EQ(flushed, 1u);
+    EXPECT_EQ(result, kWriteFailed);
+    EXPECT_EQ(ReadFile(path_), before);
 }
 
 TEST_F(FailingFile, LeavesNoFilesBehindWhenATreeIsSavedOverItsSource) {

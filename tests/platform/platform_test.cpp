@@ -253,13 +253,14 @@ TEST_F(Platform, PositionsAndSizesGoBeyondFourGibibytes) {
     EXPECT_EQ(platform::Tell(file.get()), kFar + 1);
 }
 
-TEST(HostProgramPath, IsTheFullPathOfThisProgramWithBackslashes) {
-    const std::string path = platform::HostProgramPath();
-    EXPECT_EQ(path.find('/'), std::string::npos);
-    const size_t backslash = path.rfind('\\');
-    ASSERT_NE(backslash, std::string::npos);
-    EXPECT_TRUE(path.substr(backslash + 1).starts_with("pgkit_unit_tests")) << path;
-    EXPECT_TRUE(platform::FileSize(path.c_str()).has_value()) << path;
+TEST(HostProgramDirectory, IsThatOfThisProgramWithBackslashes) {
+    const std::string directory = platform::HostProgramDirectory();
+    EXPECT_EQ(directory.find('/'), std::string::npos);
+    EXPECT_TRUE(directory.ends_with('\\')) << directory;
+    const auto entries = platform::ListDirectory((directory + ".").c_str());
+    EXPECT_TRUE(std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
+        return entry.name.starts_with("pgkit_unit_tests");
+    })) << directory;
 }
 
 TEST(CompareNames, GivesTheOrder) {
@@ -267,6 +268,50 @@ TEST(CompareNames, GivesTheOrder) {
     EXPECT_EQ(platform::CompareNames("a", "b"), -1);
     EXPECT_EQ(platform::CompareNames("b", "a"), 1);
     EXPECT_EQ(platform::CompareNames("", ""), 0);
+}
+
+class Replacement : public Platform {
+  protected:
+    const std::string path_ = Path("Disc\\Images\\Im0001.dcm");
+    std::string replacement_;
+};
+
+TEST_F(Replacement, IsCreatedBesideTheFileUnderAnUnusedName) {
+    directory_.Write("Disc/Images/Im0001.dcm.new0", "taken");
+    const File file(platform::CreateReplacement(path_.c_str(), replacement_));
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(replacement_.ends_with("Im0001.dcm.new1")) << replacement_;
+    EXPECT_EQ(platform::FileSize(replacement_.c_str()), 0u);
+    EXPECT_EQ(LineOf(Path("Disc\\Images\\Im0001.dcm.new0")), "taken");
+}
+
+TEST_F(Replacement, PassesOverDirectoriesAndLinksThatLeadNowhere) {
+    fs::create_directory(directory_.Path("Disc/Images/Im0001.dcm.new0"));
+    std::error_code noLinksHere;
+    fs::create_symlink(directory_.Path("nothing"), directory_.Path("Disc/Images/Im0001.dcm.new1"),
+                       noLinksHere);
+    const File file(platform::CreateReplacement(path_.c_str(), replacement_));
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(replacement_.ends_with(noLinksHere ? ".new1" : ".new2")) << replacement_;
+    EXPECT_FALSE(fs::exists(directory_.Path("nothing")));
+}
+
+TEST_F(Replacement, IsNobodyElsesToReadBeforeItIsInPlace) {
+    using fs::perms;
+    const fs::path file = directory_.Path("Disc/Images/Im0001.dcm");
+    fs::permissions(file, perms::owner_read | perms::owner_write | perms::others_read);
+    const perms before = fs::status(file).permissions();
+    if ((before & perms::group_read) != perms::none) GTEST_SKIP() << "no permissions here";
+    File(platform::CreateReplacement(path_.c_str(), replacement_)).reset();
+    EXPECT_EQ(fs::status(replacement_).permissions(), perms::owner_read | perms::owner_write);
+    EXPECT_TRUE(platform::ReplaceWith(path_.c_str(), replacement_.c_str()));
+    EXPECT_EQ(fs::status(file).permissions(), before);
+}
+
+TEST_F(Replacement, HasNoPathWhenItCannotBeCreated) {
+    replacement_ = "before";
+    EXPECT_EQ(platform::CreateReplacement(Path("Other\\New.dcm").c_str(), replacement_), nullptr);
+    EXPECT_EQ(replacement_, "");
 }
 
 // "name", with a slash behind directories.

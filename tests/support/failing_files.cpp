@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 extern "C" {
 size_t __real_fread(void* out, size_t size, size_t count, FILE* stream);
@@ -28,6 +29,9 @@ FILE* RealOpenForUpdate(Path path) REAL_NAME("13OpenForUpdateEPKc");
 FILE* RealCreateBinary(Path path) REAL_NAME("12CreateBinaryEPKc");
 FILE* RealCreateText(Path path) REAL_NAME("10CreateTextEPKc");
 FILE* RealAppendText(Path path) REAL_NAME("10AppendTextEPKc");
+FILE* RealCreateReplacement(Path path, std::string& replacement)
+    REAL_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
+bool RealFlushToDisk(Path path) REAL_NAME("11FlushToDiskEPKc");
 bool RealReplaceWith(Path path, Path replacement) REAL_NAME("11ReplaceWithEPKcS2_");
 bool RealSeek(FILE* stream, uint64_t position)
     REAL_NAME("4SeekE" PGKIT_TEST_MANGLED_FILE PGKIT_TEST_MANGLED_UINT64);
@@ -40,6 +44,9 @@ FILE* WrappedOpenForUpdate(Path path) WRAPPED_NAME("13OpenForUpdateEPKc");
 FILE* WrappedCreateBinary(Path path) WRAPPED_NAME("12CreateBinaryEPKc");
 FILE* WrappedCreateText(Path path) WRAPPED_NAME("10CreateTextEPKc");
 FILE* WrappedAppendText(Path path) WRAPPED_NAME("10AppendTextEPKc");
+FILE* WrappedCreateReplacement(Path path, std::string& replacement)
+    WRAPPED_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
+bool WrappedFlushToDisk(Path path) WRAPPED_NAME("11FlushToDiskEPKc");
 bool WrappedReplaceWith(Path path, Path replacement) WRAPPED_NAME("11ReplaceWithEPKcS2_");
 bool WrappedSeek(FILE* stream, uint64_t position)
     WRAPPED_NAME("4SeekE" PGKIT_TEST_MANGLED_FILE PGKIT_TEST_MANGLED_UINT64);
@@ -52,6 +59,7 @@ namespace {
 
 pgkit_test::FailurePlan plan;
 size_t filesOpened = 0;
+size_t filesFlushed = 0;
 
 template <typename Open>
 FILE* CountedOpen(Open&& open) {
@@ -100,6 +108,15 @@ FILE* WrappedAppendText(Path path) {
     return CountedOpen([&] { return RealAppendText(path); });
 }
 
+FILE* WrappedCreateReplacement(Path path, std::string& replacement) {
+    return CountedOpen([&] { return RealCreateReplacement(path, replacement); });
+}
+
+bool WrappedFlushToDisk(Path path) {
+    ++filesFlushed;
+    return !plan.Fails() && RealFlushToDisk(path);
+}
+
 bool WrappedReplaceWith(Path path, Path replacement) {
     return !plan.Fails() && RealReplaceWith(path, replacement);
 }
@@ -114,6 +131,7 @@ namespace pgkit_test {
 
 FailingFiles::FailingFiles(size_t allowed, Failures failures) {
     filesOpened = 0;
+    filesFlushed = 0;
     plan.Arm(allowed, failures);
 }
 
@@ -122,5 +140,7 @@ FailingFiles::~FailingFiles() { plan.Disarm(); }
 bool FailingFiles::HasFailed() const { return plan.HasFailed(); }
 
 size_t FilesOpened() { return filesOpened; }
+
+size_t FilesFlushedToDisk() { return filesFlushed; }
 
 }  // namespace pgkit_test

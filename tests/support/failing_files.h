@@ -25,4 +25,7 @@ class FailingFiles {
 // How many calls to open or create a file there were since the last FailingFiles was made.
 size_t FilesOpened();
 
+// How many files it was waited for to be on the disk since then.
+size_t FilesFlushedToDisk();
+
 }  // namespace pgkit_test

@@ -95,6 +95,45 @@ TEST_F(ImagingModule, IsNotLookedForInTheCurrentDirectory) {
     fs::current_path(before);
 }
 
+// A host that starts in the directory of the library, loads it from there by a relative path, and
+// goes elsewhere before it makes the DICOMDIR.
+class ImagingModuleOfALibraryLoadedByARelativePath : public ImagingModule {
+  protected:
+    void SetUp() override {
+        fs::create_directories(library_);
+        fs::create_directories(elsewhere_);
+        fs::copy_file(PGKIT_TEST_MODULE, library_ / fs::path(PGKIT_TEST_MODULE).filename());
+        host_ = programs_.Path(fs::path(PGKIT_TEST_RELATIVE_CREATION_PROBE).filename().string());
+        fs::copy_file(PGKIT_TEST_RELATIVE_CREATION_PROBE, host_);
+        medium_.Write("IMAGE", Image(1));
+    }
+
+    std::string SizeOfIcon() const {
+        const fs::path before = fs::current_path();
+        fs::current_path(library_);
+        const Finished run =
+            RunProgram(host_.string(), {medium_.Directory(), "16", elsewhere_.string()});
+        fs::current_path(before);
+        EXPECT_EQ(run.exitStatus, 0);
+        EXPECT_EQ(run.out + run.err, "");
+        return IconSize(ImageRecord(medium_.Open().get(), "IMAGE"));
+    }
+
+    const fs::path library_ = programs_.Path("library");
+    const fs::path elsewhere_ = programs_.Path("elsewhere");
+};
+
+TEST_F(ImagingModuleOfALibraryLoadedByARelativePath, IsNotLookedForInTheDirectoryEnteredSince) {
+    InstallAs(elsewhere_, PGKIT_TEST_IMAGING_MODULE);
+    EXPECT_EQ(SizeOfIcon(), "none");
+}
+
+TEST_F(ImagingModuleOfALibraryLoadedByARelativePath, IsStillFoundBesideTheLibrary) {
+    InstallAs(library_, PGKIT_TEST_IMAGING_MODULE);
+    InstallAs(elsewhere_, PGKIT_TEST_BROKEN_IMAGING);
+    EXPECT_EQ(SizeOfIcon(), "16x8");
+}
+
 TEST_F(ImagingModule, MayBeNoModuleAtAll) {
     programs_.Write(fs::path(PGKIT_TEST_IMAGING_MODULE).filename().string(), "not a module");
     EXPECT_EQ(SizeWith("IMAGE"), "none");
