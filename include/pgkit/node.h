@@ -237,8 +237,8 @@ class PGX_Node {
     PGKIT_API int32_t GetEncodedPixelInfo(uint32_t index, uint32_t* entryLength,
                                           uint32_t* entryOffset);
     // One frame of native Pixel Data: frameSize bytes from frameIndex * frameSize on, in host byte
-    // order. Bytes beyond the end of the value read as zeros. Returns 0 for anything but a
-    // non-empty, not encapsulated element.
+    // order. Bytes beyond the end of the value read as zeros. Returns 0, and leaves the buffer
+    // alone, where GetValue does and for an empty element.
     PGKIT_API int32_t GetPixelData(uint32_t frameIndex, uint32_t frameSize, void* buffer);
     // Inserts encapsulated Pixel Data with count empty fragments into this data set. Null when this
     // node is not a data set ("pgInsertNode: can only insert a PixelData node in a NT_DataSet
