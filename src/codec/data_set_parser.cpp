@@ -20,9 +20,12 @@ constexpr uint32_t kShortHeaderSize = 8;
 constexpr uint32_t kLongHeaderSize = 12;
 constexpr uint32_t kDelimiterSize = 8;
 
-// Values of private groups are loaded only up to this limit.
+// Values of private groups are loaded only below this limit. Few hosts ask for them, and there may
+// be many or large ones; short numbers and codes are there at once all the same.
 constexpr uint32_t kPrivateLoadLimit = 22;
 
+// Private elements are looked up through the creators of their data set, one after the other. They
+// are bounded so that a hostile file cannot make that costly; a LO has at most 64 characters.
 constexpr size_t kMaxPrivateCreators = 39;
 constexpr uint32_t kMaxCreatorLength = 64;
 
