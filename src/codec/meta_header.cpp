@@ -30,15 +30,10 @@ void CopyUid(PGX_Node& dataSet, uint16_t sourceElement, uint16_t metaElement) {
     dataSet.AddOrReplaceNode(0x0002, metaElement, uid.data(), SizeOf(uid));
 }
 
+// The flags of a tree that was not read have all bits, and so those of explicit little endian too.
 std::string_view UidOfSyntaxFlags(uint32_t flags) {
-    constexpr uint32_t kNotRead = 0xFFFFFFFF;
-    const auto has = [flags](uint32_t bits) { return (flags & bits) == bits; };
-    if (flags == kNotRead || has(PG_LITTLE_ENDIAN | PG_EXPLICIT_VR)) {
-        return kExplicitVrLittleEndianUid;
-    }
-    if (has(PG_LITTLE_ENDIAN | PG_IMPLICIT_VR)) return kImplicitVrLittleEndianUid;
-    if (has(PG_BIG_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrBigEndianUid;
-    return kExplicitVrLittleEndianUid;
+    const std::string_view uid = UidOfMode(flags);
+    return uid.empty() ? kExplicitVrLittleEndianUid : uid;
 }
 
 }  // namespace

@@ -25,20 +25,10 @@ constexpr uint32_t kNoSyntaxFlags = 0xFFFFFFFF;
 constexpr uint32_t kByteOrders = PG_LITTLE_ENDIAN | PG_BIG_ENDIAN;
 constexpr uint32_t kVrForms = PG_EXPLICIT_VR | PG_IMPLICIT_VR;
 
-bool HasAll(uint32_t mode, uint32_t bits) { return (mode & bits) == bits; }
-
 bool WritePreamble(FILE* stream) {
     std::array<char, kPreambleSize + 4> preamble{};
     std::memcpy(preamble.data() + kPreambleSize, "DICM", 4);
     return std::fwrite(preamble.data(), 1, preamble.size(), stream) == preamble.size();
-}
-
-// The UID of the encoding that a mode asks for in full; empty when it leaves something open.
-std::string_view UidOfMode(uint32_t mode) {
-    if (HasAll(mode, PG_LITTLE_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrLittleEndianUid;
-    if (HasAll(mode, PG_LITTLE_ENDIAN | PG_IMPLICIT_VR)) return kImplicitVrLittleEndianUid;
-    if (HasAll(mode, PG_BIG_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrBigEndianUid;
-    return {};
 }
 
 // What a mode leaves open is taken from the transfer syntax.
