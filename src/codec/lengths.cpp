@@ -42,7 +42,8 @@ class LengthComputation {
         open_.pop_back();
         if (open_.empty()) return WalkStep::Continue;
         const bool isItem = node.nodeType == NT_DataSet;
-        open_.back().total += total + (isItem ? kItemHeaderSize : HeaderSize(node));
+        open_.back().total +=
+            total + (isItem ? kItemHeaderSize : HeaderSize(node.valueRep, explicitVr_));
         return WalkStep::Continue;
     }
 
@@ -53,15 +54,12 @@ class LengthComputation {
         uint64_t total;
     };
 
-    uint32_t HeaderSize(const PGX_Node& element) const {
-        return explicitVr_ && HasLongHeader(element.valueRep) ? 12 : 8;
-    }
-
     // An undefined length counts as the number it is written as, in 32 bits. What is around such
     // an element is written without the length that comes of it.
     uint64_t ElementSize(const PGX_Node& element) const {
-        if (element.length == kUndefinedLength) return HeaderSize(element) - 1;
-        return uint64_t{element.length} + HeaderSize(element);
+        const uint32_t headerSize = HeaderSize(element.valueRep, explicitVr_);
+        if (element.length == kUndefinedLength) return headerSize - 1;
+        return uint64_t{element.length} + headerSize;
     }
 
     bool explicitVr_;

@@ -7,8 +7,6 @@ namespace pgkit {
 namespace {
 
 constexpr size_t kTagSize = 4;
-constexpr size_t kShortHeaderSize = 8;
-constexpr size_t kLongHeaderSize = 12;
 
 // Writers that do not know a VR have put these characters into short headers.
 bool IsPlaceholderVr(const uint8_t* vr) {

@@ -16,19 +16,13 @@ bool IsExplicit(uint16_t group, uint32_t mode) {
     return (mode & PG_EXPLICIT_VR) != 0 || (group == kMetaGroup && (mode & PG_META) != 0);
 }
 
-// Tag, VR and length field take 8 bytes in either form but the long explicit one.
-uint32_t EncodedLength(const PGX_Node& element, bool isExplicit) {
-    const uint32_t header = isExplicit && HasLongHeader(element.valueRep) ? 12 : 8;
-    return header + element.length;
-}
-
 // Sets a group length from the elements of its group that follow it.
 int32_t SetGroupLength(PGX_Node& groupLength, uint32_t mode) {
     const bool isExplicit = IsExplicit(groupLength.group, mode);
     uint32_t sum = 0;
     for (const PGX_Node* element = groupLength.next;
          element != nullptr && element->group == groupLength.group; element = element->next) {
-        sum += EncodedLength(*element, isExplicit);
+        sum += HeaderSize(element->valueRep, isExplicit) + element->length;
     }
     return groupLength.SetValue(&sum, sizeof sum);
 }
