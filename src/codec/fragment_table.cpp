@@ -17,11 +17,6 @@ constexpr uint32_t kItemHeaderSize = 8;
 // The capacity of a table is a multiple of this; growing does not copy at each step, though.
 constexpr size_t kCapacityStep = 250;
 
-// Items are little endian, and have no VR field, in every transfer syntax with fragments.
-bool ReadItemHeader(StreamReader& reader, TagHeader& header) {
-    return ReadTagHeader(reader, ByteOrder::Little, true, header);
-}
-
 FragmentEntry* AllocateTable(PGX_Node& pixelData, size_t count, size_t capacity) {
     pixelData.fragments = NewFragmentTable(capacity);
     if (pixelData.fragments == nullptr) throw std::bad_alloc();

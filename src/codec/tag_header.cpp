@@ -60,4 +60,9 @@ bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHe
     return true;
 }
 
+bool ReadItemHeader(StreamReader& reader, TagHeader& header) {
+    constexpr bool kImplicitVr = true;
+    return ReadTagHeader(reader, ByteOrder::Little, kImplicitVr, header);
+}
+
 }  // namespace pgkit
