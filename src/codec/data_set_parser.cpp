@@ -6,6 +6,7 @@
 #include <new>
 
 #include "codec/fragment_table.h"
+#include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
@@ -16,8 +17,7 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint32_t kItemHeaderSize = 8;
-constexpr uint32_t kDelimiterSize = 8;
+constexpr uint32_t kDelimiterSize = kItemHeaderSize;
 
 // Values of private groups are loaded only below this limit. Few hosts ask for them, and there may
 // be many or large ones; short numbers and codes are there at once all the same.

@@ -4,6 +4,7 @@
 #include <new>
 #include <vector>
 
+#include "codec/part10_format.h"
 #include "codec/tag_header.h"
 #include "dataset/node_memory.h"
 #include "frame/byte_order.h"
@@ -11,8 +12,6 @@
 namespace pgkit {
 
 namespace {
-
-constexpr uint32_t kItemHeaderSize = 8;
 
 // The capacity of a table is a multiple of this; growing does not copy at each step, though.
 constexpr size_t kCapacityStep = 250;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 #include "dictionary/vr_traits.h"
@@ -11,8 +12,6 @@
 namespace pgkit {
 
 namespace {
-
-constexpr uint64_t kItemHeaderSize = 8;
 
 void PrintMisuse() { PrintOut("pgComputeLengths: can only work with NT_DataSet type\n"); }
 

@@ -1,5 +1,6 @@
 // Group length elements (gggg,0000): the encoded size of the rest of their group.
 #include "dataset/new_element.h"
+#include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
 #include "frame/diagnostics.h"
 #include "pgkit/node.h"
@@ -7,8 +8,6 @@
 namespace pgkit {
 
 namespace {
-
-constexpr uint16_t kMetaGroup = 0x0002;
 
 enum class Missing { Add, AddInMetaGroup };
 
