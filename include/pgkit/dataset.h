@@ -28,13 +28,16 @@ typedef enum PgOpenFlags {
 PGKIT_BEGIN_C
 
 // Opens a DICOM file: with or without preamble, with or without File Meta Information, in explicit
-// or implicit VR, little or big endian. Returns the root data set, or null when the file cannot be
-// opened or has not even one readable header. Nothing is printed.
+// or implicit VR, little or big endian. Returns the root data set; or null when the file cannot be
+// opened, when memory runs out, when File Meta Information is cut short or no tag but (FFFF,FFFF)
+// follows it, and when a file without it has fewer than 6 bytes. Everything else gives a tree, if
+// an empty one. Nothing is printed.
 //
 // maxLoadLength, in bytes, decides which values are loaded now: those of a length below it (in
 // private, that is odd, groups below 22 at most). Other values stay in the file and are read
-// through it when asked for, so the tree keeps the file open until pgCloseDataSet. 0 loads nothing;
-// 0xFFFFFFFF loads every value that the file really holds.
+// through it when asked for, so the tree keeps the file open until pgCloseDataSet; those of group
+// 0002 always do. 0 loads nothing; 0xFFFFFFFF loads every value that the file really holds but
+// those of group 0002 and private ones of 22 bytes or more.
 //
 // A file that is cut short, or whose structure breaks, yields the part of the tree that precedes
 // the break. Sequences nested deeper than 2,048 levels count as such a break.

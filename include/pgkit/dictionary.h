@@ -62,9 +62,11 @@ PGKIT_API uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char*
 //
 //   (0019,"ACME 1.1",10) LO Name 1
 //
-// that is group, creator, low byte of the element, VR, name and multiplicity. Other lines are
-// skipped silently, and so are lines with a field longer than 127 characters (creator, name) or 15
-// (others). Every 1023 characters of a longer line count as a line of their own.
+// that is group, creator, low byte of the element, VR, name and multiplicity. A range of groups
+// (6000-60FF) counts as its first, and the VR ox is read as OWOB. Other lines are skipped silently,
+// and so are lines whose group begins with "7F" (exactly so), whose VR is up, xs or na, or with a
+// field longer than 127 characters (creator, name) or 15 (others). Every 1023 characters of a
+// longer line count as a line of their own.
 PGKIT_API uint32_t pgSetPrivateDictionaryFile(const char* path);
 
 // Switches the decoding of UN elements on (any value but 0; the state after loading) or off, and

@@ -64,8 +64,8 @@ class PGX_Node {
     uint16_t group;     // 0 for a data set
     uint16_t element;   // 0 for a data set
     uint32_t valueRep;  // ValueRepresentation; 255 unknown or none
-    uint32_t length;    // value length in bytes; 0xFFFFFFFF is undefined; 0 for an item
-    FILE* file;         // the file from which the value can be read, null when built in memory
+    uint32_t length;  // value length in bytes; 0xFFFFFFFF is undefined; 0 for an item until a save
+    FILE* file;       // the file from which the value can be read, null when built in memory
     // Position in file of the first value byte; of a data set, of its first element's header. After
     // writing a node built in memory, the position at which it was written. 0xFFFFFFFF marks a
     // position beyond 4 GiB, from which nothing can be read later.
@@ -184,17 +184,22 @@ class PGX_Node {
 
     // Replaces the value with a copy of size bytes, which are in host byte order. An odd size is
     // made even with one pad byte: NUL for UI and OB, else a blank. The node no longer refers to
-    // the file. data may be the node's own value; null stores pad bytes. Returns 0 when memory runs
-    // out (the node then has the new length and no value) or size is 0xFFFFFFFF (nothing changes).
+    // the file. data may be the node's own value; null stores pad bytes. Returns 0 when size is
+    // 0xFFFFFFFF (nothing changes) or memory runs out: then the node has the new length and no
+    // value in memory, and one that refers to a file reads that many bytes from there.
     PGKIT_API int32_t SetValue(const void* data, uint32_t size);
 
     // Takes the value from a file, as long as that is (evened), whenever it is needed. Returns 0,
     // and changes nothing, for a path that is null, missing, a directory or a file of 4 GiB or
     // more. A node that still refers to the file it was read from keeps reading from that.
     PGKIT_API int32_t SetFileContentValue(const char* path);
-    // Writes the value, in host byte order, to a new file. Returns 0 when a file cannot be created
-    // or opened, path is the file that this node reads from, or memory runs out; 1 otherwise, also
-    // when there is no value (nothing is created then) or writing fails later.
+    // Writes the value, in host byte order, to a new file; a content file is copied whole and as it
+    // is. A node with a value in memory, or that was read from a file, creates the file whatever
+    // its kind: a sequence gives as many bytes as its length says from its position on, or fewer
+    // when its file ends; an empty element, or a data set as it was read, gives an empty file. Only
+    // a node with neither, and without a content file that exists, creates nothing. Returns 0 when
+    // a file cannot be created or opened, path is the file that this node reads from, or memory
+    // runs out; 1 otherwise, also when nothing is created or writing fails later.
     PGKIT_API int32_t GetFileContentValue(const char* path);
 
     // ---- Group lengths --------------------------------------------------------------------------
@@ -204,6 +209,11 @@ class PGX_Node {
     // are not in tag order, every run of elements of one group counts as a group of its own, with
     // its length element in front of it. On a node that is not a data set both print
     // "AddGroupLengths: can only work with NT_DataSet type\n" on the standard output and return 0.
+    //
+    // What is counted is what nodes say: group lengths are wrong, and not to be relied on, where
+    // PG_UNDEFINED_LENGTHS makes delimiters, which are not counted, and in the group of
+    // encapsulated Pixel Data, whose fragments are not (an undefined length is added as it stands,
+    // in 32 bits). Group lengths in items are not updated.
 
     // Gives every group of this data set a group length element and sets them all.
     PGKIT_API int32_t AddGroupLengths(uint32_t mode);
@@ -237,8 +247,8 @@ class PGX_Node {
     PGKIT_API int32_t GetEncodedPixelInfo(uint32_t index, uint32_t* entryLength,
                                           uint32_t* entryOffset);
     // One frame of native Pixel Data: frameSize bytes from frameIndex * frameSize on, in host byte
-    // order. Bytes beyond the end of the value read as zeros. Returns 0 for anything but a
-    // non-empty, not encapsulated element.
+    // order. Bytes beyond the end of the value read as zeros. Returns 0, and leaves the buffer
+    // alone, where GetValue does and for an empty element.
     PGKIT_API int32_t GetPixelData(uint32_t frameIndex, uint32_t frameSize, void* buffer);
     // Inserts encapsulated Pixel Data with count empty fragments into this data set. Null when this
     // node is not a data set ("pgInsertNode: can only insert a PixelData node in a NT_DataSet
@@ -279,18 +289,19 @@ class PGX_Node {
     PGKIT_API void WriteNodeOffset(FILE* stream);
     PGKIT_API uint32_t WriteNodeOffsetEx(FILE* stream);
 
-    // Saves this root data set as a file: computes the lengths, sets the group lengths
-    // (UpdateGroupLengths), writes, and patches pending offsets with the positions at which the
-    // nodes were really written, in the byte order of the file. So it does with all links of a
-    // DICOMDIR that was browsed or saved before. In the tree, links go on saying where their
-    // records were read from or first written to: it can be browsed and saved again.
+    // Saves this root data set as a file: computes the lengths, sets the root's group lengths
+    // (UpdateGroupLengths, which see for those that are wrong), writes, and patches pending offsets
+    // with the positions at which the nodes were really written, in the byte order of the file. So
+    // it does with all links of a DICOMDIR that was browsed or saved before. In the tree, links go
+    // on saying where their records were read from or first written to: it can be browsed and saved
+    // again.
     //
-    // Mode 0 keeps the encoding the tree was read with. With PG_META the
-    // file is a Part 10 file. The transfer syntax element (0002,0010), if there is one, is set to
-    // match the mode, and says what the mode leaves open; any syntax but the three native ones
-    // forces explicit VR little endian. Without the element the data set is explicit VR unless the
-    // mode has PG_IMPLICIT_VR. Files that cannot be created are reported on the standard error
-    // stream ("pgSaveDataSetAsEx : unable to open %s\n"). A failure leaves a partial file.
+    // Mode 0 keeps the encoding the tree was read with. With PG_META the file is a Part 10 file.
+    // The transfer syntax element (0002,0010), if there is one, is set to match the mode, and says
+    // what the mode leaves open; any syntax but the three native ones forces explicit VR little
+    // endian. Without the element the data set is explicit VR unless the mode has PG_IMPLICIT_VR.
+    // Files that cannot be created are reported on the standard error stream ("pgSaveDataSetAsEx :
+    // unable to open %s\n"). A failure leaves a partial file.
     //
     // A file that the tree still reads values from may be the target: it is replaced when the new
     // one is complete beside it, stays as it was when that fails, and the tree goes on reading the

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "codec/fragment_table.h"
+#include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
@@ -16,13 +17,14 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint32_t kShortHeaderSize = 8;
-constexpr uint32_t kLongHeaderSize = 12;
-constexpr uint32_t kDelimiterSize = 8;
+constexpr uint32_t kDelimiterSize = kItemHeaderSize;
 
-// Values of private groups are loaded only up to this limit.
+// Values of private groups are loaded only below this limit. Few hosts ask for them, and there may
+// be many or large ones; short numbers and codes are there at once all the same.
 constexpr uint32_t kPrivateLoadLimit = 22;
 
+// Private elements are looked up through the creators of their data set, one after the other. They
+// are bounded so that a hostile file cannot make that costly; a LO has at most 64 characters.
 constexpr size_t kMaxPrivateCreators = 39;
 constexpr uint32_t kMaxCreatorLength = 64;
 
@@ -32,11 +34,6 @@ constexpr uint32_t kAlwaysLoadable = 64 << 20;
 
 bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
     return declaredLength != kUndefinedLength && bytes >= declaredLength;
-}
-
-// Bytes of an element header as containers of defined length account for them.
-uint32_t CountedHeaderSize(bool implicitVr, bool longHeader) {
-    return !implicitVr && longHeader ? kLongHeaderSize : kShortHeaderSize;
 }
 
 // Formats a name for a tag into the buffer.
@@ -123,7 +120,7 @@ bool DataSetParser::OpenNextItem(Level& level) {
     TagHeader header;
     if (!ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return false;
     if (!header.IsItem()) return false;
-    level.sequenceBytes += kShortHeaderSize;
+    level.sequenceBytes += kItemHeaderSize;
 
     PGX_Node* item = NewNode();
     *level.itemLink = item;
@@ -145,7 +142,7 @@ void DataSetParser::CloseSequence() {
     uint32_t bytes = level.sequenceBytes;
     if (level.sequence->length == kUndefinedLength) bytes += kDelimiterSize;
     // The sequence's own header counts by the VR mode of its items, whatever it was read in.
-    bytes += CountedHeaderSize(level.implicitVr, true);
+    bytes += HeaderSize(VR_SQ, !level.implicitVr);
     levels_.pop_back();
     levels_.back().dataSetBytes += bytes;
 }
@@ -189,11 +186,10 @@ bool DataSetParser::ReadElement() {
 
     PGX_Node& element = *AppendElement(header, identity);
     if (IsPixelData(header.group, header.element) && header.length == kUndefinedLength) {
-        level.dataSetBytes += CountedHeaderSize(level.implicitVr, true);
+        level.dataSetBytes += HeaderSize(VR_OB, !level.implicitVr);
         ReadFragments(element);
     } else {
-        level.dataSetBytes += CountedHeaderSize(level.implicitVr, HasLongHeader(header.valueRep));
-        level.dataSetBytes += header.length;
+        level.dataSetBytes += HeaderSize(header.valueRep, !level.implicitVr) + header.length;
         ReadValue(element);
     }
     NoteElement(element);

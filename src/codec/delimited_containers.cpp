@@ -4,6 +4,7 @@
 
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
+#include "dictionary/dictionary.h"
 
 namespace pgkit {
 
@@ -28,7 +29,7 @@ class Collector {
     // Elements whose written size no computed length counts.
     static bool HasUncountedSize(const PGX_Node& element) {
         const bool isUndefined = element.valueRep != VR_SQ && element.length == kUndefinedLength;
-        return element.encapsulated != 0 || element.group == 0x0002 || isUndefined;
+        return element.encapsulated != 0 || element.group == kMetaGroup || isUndefined;
     }
 
     // What is in the set already is so with all that is around it.

@@ -56,8 +56,7 @@ class FragmentEncoding {
         return CopyFragment(sources_.At(pixelData_.file, entry.offset), entry.length, out_);
     }
 
-    // Fragments without a table are found item by item as they are copied. Their stream is of a
-    // compressed syntax, which is always little endian.
+    // Fragments without a table are found item by item as they are copied.
     WriteResult CopyUnindexedFragments() {
         if (pixelData_.fileOffset == kUnreadablePosition) return out_.Fail(kReadFailed);
         StreamReader* reader = sources_.At(pixelData_.file, pixelData_.fileOffset);
@@ -74,8 +73,7 @@ class FragmentEncoding {
     }
 
     static bool ReadItem(StreamReader& reader, TagHeader& item) {
-        constexpr bool kImplicitVr = true;
-        return ReadTagHeader(reader, ByteOrder::Little, kImplicitVr, item) && item.IsItem();
+        return ReadItemHeader(reader, item) && item.IsItem();
     }
 
     const PGX_Node& pixelData_;

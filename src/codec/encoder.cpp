@@ -11,6 +11,7 @@
 #include "codec/value_writer.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
+#include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
@@ -70,7 +71,7 @@ class Encoder {
     bool IsOpen(const PGX_Node& node) const { return !open_.empty() && open_.back().node == &node; }
 
     Form FormOf(uint16_t group) const {
-        if (group == 0x0002) return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0};
+        if (group == kMetaGroup) return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0};
         return {(mode_ & PG_LITTLE_ENDIAN) != 0 ? ByteOrder::Little : ByteOrder::Big,
                 (mode_ & PG_EXPLICIT_VR) != 0};
     }
@@ -98,7 +99,7 @@ class Encoder {
 
     WriteResult BeginElement(PGX_Node& node) {
         NotePosition(node);
-        if (node.group == 0x0002 && (mode_ & kMetaModes) == 0) return kWritten;
+        if (node.group == kMetaGroup && (mode_ & kMetaModes) == 0) return kWritten;
         const Form form = FormOf(node.group);
         if (node.valueRep == VR_SQ) return BeginSequence(node, form);
         if (node.encapsulated != 0) return WriteEncapsulated(node, form.order, sources_, out_);

@@ -4,6 +4,7 @@
 #include <new>
 #include <vector>
 
+#include "codec/part10_format.h"
 #include "codec/tag_header.h"
 #include "dataset/node_memory.h"
 #include "frame/byte_order.h"
@@ -12,15 +13,8 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint32_t kItemHeaderSize = 8;
-
 // The capacity of a table is a multiple of this; growing does not copy at each step, though.
 constexpr size_t kCapacityStep = 250;
-
-// Items are little endian, and have no VR field, in every transfer syntax with fragments.
-bool ReadItemHeader(StreamReader& reader, TagHeader& header) {
-    return ReadTagHeader(reader, ByteOrder::Little, true, header);
-}
 
 FragmentEntry* AllocateTable(PGX_Node& pixelData, size_t count, size_t capacity) {
     pixelData.fragments = NewFragmentTable(capacity);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 #include "dictionary/vr_traits.h"
@@ -11,8 +12,6 @@
 namespace pgkit {
 
 namespace {
-
-constexpr uint64_t kItemHeaderSize = 8;
 
 void PrintMisuse() { PrintOut("pgComputeLengths: can only work with NT_DataSet type\n"); }
 
@@ -42,7 +41,8 @@ class LengthComputation {
         open_.pop_back();
         if (open_.empty()) return WalkStep::Continue;
         const bool isItem = node.nodeType == NT_DataSet;
-        open_.back().total += total + (isItem ? kItemHeaderSize : HeaderSize(node));
+        open_.back().total +=
+            total + (isItem ? kItemHeaderSize : HeaderSize(node.valueRep, explicitVr_));
         return WalkStep::Continue;
     }
 
@@ -53,15 +53,12 @@ class LengthComputation {
         uint64_t total;
     };
 
-    uint32_t HeaderSize(const PGX_Node& element) const {
-        return explicitVr_ && HasLongHeader(element.valueRep) ? 12 : 8;
-    }
-
     // An undefined length counts as the number it is written as, in 32 bits. What is around such
     // an element is written without the length that comes of it.
     uint64_t ElementSize(const PGX_Node& element) const {
-        if (element.length == kUndefinedLength) return HeaderSize(element) - 1;
-        return uint64_t{element.length} + HeaderSize(element);
+        const uint32_t headerSize = HeaderSize(element.valueRep, explicitVr_);
+        if (element.length == kUndefinedLength) return headerSize - 1;
+        return uint64_t{element.length} + headerSize;
     }
 
     bool explicitVr_;

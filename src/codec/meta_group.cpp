@@ -5,8 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "codec/part10_format.h"
 #include "codec/tag_header.h"
 #include "dataset/node_memory.h"
+#include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
 #include "pgkit/dictionary.h"
 
@@ -14,9 +16,7 @@ namespace pgkit {
 
 namespace {
 
-constexpr size_t kPreambleSize = 128;
 constexpr size_t kTagSize = 4;
-constexpr uint16_t kMetaGroup = 0x0002;
 constexpr uint16_t kTransferSyntaxElement = 0x0010;
 constexpr size_t kMaxUidBytes = 127;
 
@@ -131,9 +131,10 @@ Encoding GuessEncoding(const uint8_t* bytes, uint32_t flags) {
 }  // namespace
 
 bool SkipPreamble(StreamReader& reader) {
-    constexpr size_t kPrefixEnd = kPreambleSize + 4;
+    constexpr size_t kPrefixEnd = kPreambleSize + kPrefix.size();
     const uint8_t* bytes = reader.Peek(kPrefixEnd);
-    if (bytes == nullptr || std::memcmp(bytes + kPreambleSize, "DICM", 4) != 0) return false;
+    if (bytes == nullptr) return false;
+    if (std::memcmp(bytes + kPreambleSize, kPrefix.data(), kPrefix.size()) != 0) return false;
     reader.Skip(kPrefixEnd);
     return true;
 }

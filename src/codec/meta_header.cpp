@@ -6,6 +6,7 @@
 #include "codec/transfer_syntax.h"
 #include "dataset/node_memory.h"
 #include "dataset/value_source.h"
+#include "dictionary/dictionary.h"
 
 namespace pgkit {
 
@@ -19,26 +20,21 @@ constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
 uint32_t SizeOf(std::string_view text) { return static_cast<uint32_t>(text.size()); }
 
 void InsertIfAbsent(PGX_Node& dataSet, uint16_t element, std::string_view text) {
-    if (dataSet.FindNode(0x0002, element) != nullptr) return;
-    dataSet.InsertNode(0x0002, element, text.data(), SizeOf(text));
+    if (dataSet.FindNode(kMetaGroup, element) != nullptr) return;
+    dataSet.InsertNode(kMetaGroup, element, text.data(), SizeOf(text));
 }
 
 void CopyUid(PGX_Node& dataSet, uint16_t sourceElement, uint16_t metaElement) {
     PGX_Node* source = dataSet.FindNode(0x0008, sourceElement);
     if (source == nullptr) return;
     const std::string uid = UidText(*source);
-    dataSet.AddOrReplaceNode(0x0002, metaElement, uid.data(), SizeOf(uid));
+    dataSet.AddOrReplaceNode(kMetaGroup, metaElement, uid.data(), SizeOf(uid));
 }
 
+// The flags of a tree that was not read have all bits, and so those of explicit little endian too.
 std::string_view UidOfSyntaxFlags(uint32_t flags) {
-    constexpr uint32_t kNotRead = 0xFFFFFFFF;
-    const auto has = [flags](uint32_t bits) { return (flags & bits) == bits; };
-    if (flags == kNotRead || has(PG_LITTLE_ENDIAN | PG_EXPLICIT_VR)) {
-        return kExplicitVrLittleEndianUid;
-    }
-    if (has(PG_LITTLE_ENDIAN | PG_IMPLICIT_VR)) return kImplicitVrLittleEndianUid;
-    if (has(PG_BIG_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrBigEndianUid;
-    return kExplicitVrLittleEndianUid;
+    const std::string_view uid = UidOfMode(flags);
+    return uid.empty() ? kExplicitVrLittleEndianUid : uid;
 }
 
 }  // namespace
@@ -66,7 +62,7 @@ int32_t PGX_Node::AddPart10Elements(const char* transferSyntaxUid) {
     pgkit::CopyUid(*this, 0x0016, 0x0002);
     pgkit::CopyUid(*this, 0x0018, 0x0003);
     pgkit::InsertIfAbsent(*this, 0x0013, pgkit::kImplementationVersionName);
-    InsertNode(0x0002, 0x0001, pgkit::kMetaInformationVersion,
+    InsertNode(pgkit::kMetaGroup, 0x0001, pgkit::kMetaInformationVersion,
                sizeof pgkit::kMetaInformationVersion);
     pgkit::InsertIfAbsent(*this, 0x0012, pgkit::kImplementationClassUid);
     pgkit::InsertIfAbsent(*this, 0x0010,

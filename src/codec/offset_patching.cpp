@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 #include "platform/platform.h"
@@ -12,7 +13,6 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint64_t kItemHeaderSize = 8;
 // Of an element of VR UL, in explicit and in implicit VR.
 constexpr uint64_t kElementHeaderSize = 8;
 
@@ -38,7 +38,8 @@ std::optional<uint64_t> NodePosition(const PGX_Node& node) {
 // An offset counts from the item's tag, and its position is that of its first element. Nothing when
 // the tag is beyond what 32 bits can say.
 std::optional<uint32_t> OffsetOfItem(std::optional<uint64_t> firstElement) {
-    if (!firstElement || *firstElement > UINT32_MAX + kItemHeaderSize) return std::nullopt;
+    if (!firstElement || *firstElement > uint64_t{UINT32_MAX} + kItemHeaderSize)
+        return std::nullopt;
     return static_cast<uint32_t>(*firstElement - kItemHeaderSize);
 }
 

@@ -1,6 +1,5 @@
 // Saving a tree as a file: a DICOM Part 10 file or a bare data set.
 #include <array>
-#include <cstring>
 #include <new>
 #include <optional>
 #include <string>
@@ -11,8 +10,11 @@
 #include "codec/lengths.h"
 #include "codec/meta_header.h"
 #include "codec/offset_patching.h"
+#include "codec/part10_format.h"
 #include "codec/save_target.h"
 #include "codec/transfer_syntax.h"
+#include "dataset/node_memory.h"
+#include "dictionary/dictionary.h"
 #include "frame/diagnostics.h"
 #include "pgkit/node.h"
 
@@ -20,25 +22,13 @@ namespace pgkit {
 
 namespace {
 
-constexpr size_t kPreambleSize = 128;
-constexpr uint32_t kNoSyntaxFlags = 0xFFFFFFFF;
 constexpr uint32_t kByteOrders = PG_LITTLE_ENDIAN | PG_BIG_ENDIAN;
 constexpr uint32_t kVrForms = PG_EXPLICIT_VR | PG_IMPLICIT_VR;
 
-bool HasAll(uint32_t mode, uint32_t bits) { return (mode & bits) == bits; }
-
 bool WritePreamble(FILE* stream) {
-    std::array<char, kPreambleSize + 4> preamble{};
-    std::memcpy(preamble.data() + kPreambleSize, "DICM", 4);
+    std::array<char, kPreambleSize + kPrefix.size()> preamble{};
+    kPrefix.copy(preamble.data() + kPreambleSize, kPrefix.size());
     return std::fwrite(preamble.data(), 1, preamble.size(), stream) == preamble.size();
-}
-
-// The UID of the encoding that a mode asks for in full; empty when it leaves something open.
-std::string_view UidOfMode(uint32_t mode) {
-    if (HasAll(mode, PG_LITTLE_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrLittleEndianUid;
-    if (HasAll(mode, PG_LITTLE_ENDIAN | PG_IMPLICIT_VR)) return kImplicitVrLittleEndianUid;
-    if (HasAll(mode, PG_BIG_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrBigEndianUid;
-    return {};
 }
 
 // What a mode leaves open is taken from the transfer syntax.
@@ -51,7 +41,7 @@ uint32_t CompletedMode(uint32_t mode, uint32_t byteOrder, uint32_t vrForm) {
 // Brings the transfer syntax element and the mode into agreement. The data of any syntax but the
 // three native ones cannot be turned into another: it stays explicit VR little endian.
 WriteResult ReconcileTransferSyntax(PGX_Node& root, uint32_t& mode) {
-    PGX_Node* element = root.FindNode(0x0002, 0x0010);
+    PGX_Node* element = root.FindNode(kMetaGroup, 0x0010);
     if (element == nullptr) {
         if ((mode & PG_IMPLICIT_VR) == 0) mode |= PG_EXPLICIT_VR;
         return kWritten;

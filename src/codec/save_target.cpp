@@ -7,41 +7,17 @@ namespace pgkit {
 
 namespace {
 
-// Looks for a value of the tree in one file.
-class SourceSearch {
-  public:
-    explicit SourceSearch(const platform::FileIdentity& file) : file_(file) {}
-
-    bool Found() const { return found_; }
-
-    WalkStep Enter(PGX_Node& node, size_t) {
-        found_ = ReadsFromStream(node) || ReadsFromContentFile(node);
-        return found_ ? WalkStep::Unwind : WalkStep::Continue;
-    }
-
-    WalkStep Leave(PGX_Node&, size_t) { return WalkStep::Continue; }
-
-  private:
-    // A tree has one stream, or a few: that of the node before is nearly always this one.
-    bool ReadsFromStream(const PGX_Node& node) {
-        if (node.file == nullptr || node.file == other_) return false;
-        other_ = node.file;
-        return platform::IdentityOf(node.file) == file_;
-    }
-
-    bool ReadsFromContentFile(const PGX_Node& node) const {
-        return node.contentFile != nullptr && platform::IdentityOf(node.contentFile) == file_;
-    }
-
-    platform::FileIdentity file_;
-    FILE* other_ = nullptr;
-    bool found_ = false;
-};
-
+// Whether a value of the tree is still read from the file.
 bool ReadsFrom(PGX_Node& root, const platform::FileIdentity& file) {
-    SourceSearch search(file);
-    WalkTree(root, search);
-    return search.Found();
+    // A tree has one stream, or a few: that of the node before is nearly always this one.
+    FILE* other = nullptr;
+    return AnyInTree(root, [&](const PGX_Node& node) {
+        if (node.file != nullptr && node.file != other) {
+            other = node.file;
+            if (platform::IdentityOf(node.file) == file) return true;
+        }
+        return node.contentFile != nullptr && platform::IdentityOf(node.contentFile) == file;
+    });
 }
 
 }  // namespace

@@ -7,8 +7,6 @@ namespace pgkit {
 namespace {
 
 constexpr size_t kTagSize = 4;
-constexpr size_t kShortHeaderSize = 8;
-constexpr size_t kLongHeaderSize = 12;
 
 // Writers that do not know a VR have put these characters into short headers.
 bool IsPlaceholderVr(const uint8_t* vr) {
@@ -60,6 +58,11 @@ bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHe
     header.length = Load<uint32_t>(bytes + 8, order);
     reader.Skip(kLongHeaderSize);
     return true;
+}
+
+bool ReadItemHeader(StreamReader& reader, TagHeader& header) {
+    constexpr bool kImplicitVr = true;
+    return ReadTagHeader(reader, ByteOrder::Little, kImplicitVr, header);
 }
 
 }  // namespace pgkit

@@ -24,4 +24,8 @@ struct TagHeader {
 // whose item header fails goes on behind them.
 bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHeader& header);
 
+// The same of an item of encapsulated Pixel Data, or of what ends them. Items are little endian,
+// and have no VR field, in every transfer syntax with fragments.
+bool ReadItemHeader(StreamReader& reader, TagHeader& header);
+
 }  // namespace pgkit

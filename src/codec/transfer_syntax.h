@@ -1,9 +1,11 @@
 // The transfer syntaxes that are told apart by their UIDs.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "frame/byte_order.h"
+#include "pgkit/node.h"
 
 namespace pgkit {
 
@@ -30,6 +32,16 @@ constexpr Encoding EncodingOf(std::string_view transferSyntaxUid) {
     // A private syntax of another: explicit VR big endian.
     if (transferSyntaxUid == "1.2.840.113704.7.0.4.5") return kExplicitBig;
     return kExplicitLittle;
+}
+
+// The native syntax that a set of PgSyntaxFlags asks for in full; empty when it leaves something
+// open.
+constexpr std::string_view UidOfMode(uint32_t mode) {
+    const auto hasAll = [mode](uint32_t bits) { return (mode & bits) == bits; };
+    if (hasAll(PG_LITTLE_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrLittleEndianUid;
+    if (hasAll(PG_LITTLE_ENDIAN | PG_IMPLICIT_VR)) return kImplicitVrLittleEndianUid;
+    if (hasAll(PG_BIG_ENDIAN | PG_EXPLICIT_VR)) return kExplicitVrBigEndianUid;
+    return {};
 }
 
 }  // namespace pgkit

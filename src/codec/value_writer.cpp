@@ -26,7 +26,9 @@ WriteResult WriteAsIs(const uint8_t* value, uint32_t length, OutputWriter& out) 
     return kWritten;
 }
 
-// The source ended inside a piece: the whole units before its end still belong to the output.
+// The source ended inside a piece. What is swapped counts unit by unit: the whole units before the
+// end still belong to the output. What is copied as it is (a unit of 1) counts piece by piece, each
+// read and written as one: nothing of a broken one belongs to it.
 WriteResult EndShort(uint8_t* piece, size_t got, size_t unit, OutputWriter& out) {
     const size_t whole = unit > 1 ? got - got % unit : 0;
     SwapUnits(piece, whole, unit);

@@ -1,5 +1,6 @@
 // Group length elements (gggg,0000): the encoded size of the rest of their group.
 #include "dataset/new_element.h"
+#include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
 #include "frame/diagnostics.h"
 #include "pgkit/node.h"
@@ -8,18 +9,10 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint16_t kMetaGroup = 0x0002;
-
 enum class Missing { Add, AddInMetaGroup };
 
 bool IsExplicit(uint16_t group, uint32_t mode) {
     return (mode & PG_EXPLICIT_VR) != 0 || (group == kMetaGroup && (mode & PG_META) != 0);
-}
-
-// Tag, VR and length field take 8 bytes in either form but the long explicit one.
-uint32_t EncodedLength(const PGX_Node& element, bool isExplicit) {
-    const uint32_t header = isExplicit && HasLongHeader(element.valueRep) ? 12 : 8;
-    return header + element.length;
 }
 
 // Sets a group length from the elements of its group that follow it.
@@ -28,7 +21,7 @@ int32_t SetGroupLength(PGX_Node& groupLength, uint32_t mode) {
     uint32_t sum = 0;
     for (const PGX_Node* element = groupLength.next;
          element != nullptr && element->group == groupLength.group; element = element->next) {
-        sum += EncodedLength(*element, isExplicit);
+        sum += HeaderSize(element->valueRep, isExplicit) + element->length;
     }
     return groupLength.SetValue(&sum, sizeof sum);
 }

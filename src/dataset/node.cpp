@@ -28,7 +28,7 @@ PGX_Node::PGX_Node(NodeType type, EndianType byteOrder, uint16_t tagGroup, uint1
       next(nullptr),
       contentFile(nullptr),
       bitsAllocated(0),
-      syntaxFlags(0xFFFFFFFF),
+      syntaxFlags(pgkit::kNoSyntaxFlags),
       offsetPending(0),
       offsetTarget(nullptr),
       tagName(nullptr) {}

@@ -19,6 +19,9 @@ constexpr uint32_t kUndefinedLength = 0xFFFFFFFF;
 // Stands in fileOffset for a position that does not fit 32 bits; nothing is ever read from there.
 constexpr uint32_t kUnreadablePosition = 0xFFFFFFFF;
 
+// Stands in syntaxFlags of a node that is no root of an opened file.
+constexpr uint32_t kNoSyntaxFlags = 0xFFFFFFFF;
+
 constexpr uint32_t ToFileOffset(uint64_t position) {
     return position < kUnreadablePosition ? static_cast<uint32_t>(position) : kUnreadablePosition;
 }

@@ -58,7 +58,10 @@ bool IsTooLarge(std::string_view number, std::chars_format format) {
     const size_t point = std::min(mantissa.find('.'), mantissa.size());
     const size_t firstDigit = mantissa.find_first_not_of("-0.");
     const int64_t exponent = e == number.size() ? 0 : ReadExponent(number.substr(e + 1));
-    return static_cast<int64_t>(point) - static_cast<int64_t>(firstDigit) + exponent > 0;
+    // The exponent of a hexadecimal number counts bits, of which a digit is four.
+    const int64_t digitSize = isHex ? 4 : 1;
+    const int64_t digits = static_cast<int64_t>(point) - static_cast<int64_t>(firstDigit);
+    return digits * digitSize + exponent > 0;
 }
 
 std::string_view SkipBlanksAndPlus(std::string_view text) {

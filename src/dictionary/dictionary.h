@@ -34,6 +34,9 @@ constexpr uint32_t TagKey(uint16_t group, uint16_t element) {
     return (uint32_t{group} << 16) | element;
 }
 
+// The group of the File Meta Information.
+constexpr uint16_t kMetaGroup = 0x0002;
+
 constexpr bool IsBitsAllocated(uint16_t group, uint16_t element) {
     return group == 0x0028 && element == 0x0100;
 }

@@ -129,10 +129,13 @@ void PrivateDictionary::AddLine(const char* line) {
     if (!fields) return;
     // A range such as 6000-60FF stands for its first group.
     if (fields->group.size() > 4 && fields->group[4] == '-') fields->group.resize(4);
+    // The groups of Pixel Data, which is read by rules of its own.
     if (fields->group.starts_with("7F")) return;
     const std::optional<uint16_t> group = ParseHex(fields->group);
     const std::optional<uint16_t> element = ParseHex(fields->element);
     if (!group || !element) return;
+    // Tables of other programs have names for more than VRs: ox is OW or OB, and up (a pointer), xs
+    // (US or SS, which takes another element to tell) and na (none) are nothing to read a value by.
     if (fields->valueRep == "ox") fields->valueRep = "OWOB";
     if (fields->valueRep == "up" || fields->valueRep == "xs" || fields->valueRep == "na") return;
 

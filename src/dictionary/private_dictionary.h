@@ -18,7 +18,10 @@ struct PrivateDictionaryEntry {
     std::string creator;  // trimmed, upper case
 };
 
-// A private creator element seen in a data set: it reserves the elements block00 to blockFF.
+// A private creator element seen in a data set: it reserves the elements block00 to blockFF. Its
+// group is not kept: within one data set a block is known by its number alone. So the trap is that
+// creators of two odd groups may have the same block. The first of them that the dictionary knows
+// in an element's group then answers for the element, even if it is the other group's.
 struct PrivateCreator {
     std::string text;  // trimmed, upper case
     uint16_t block;

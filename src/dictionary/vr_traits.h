@@ -28,6 +28,15 @@ constexpr bool HasLongHeader(uint32_t vr) {
     }
 }
 
+constexpr uint32_t kShortHeaderSize = 8;
+constexpr uint32_t kLongHeaderSize = 12;
+
+// Bytes of tag, VR field and length field. In implicit VR there is no VR field, and every length
+// has 32 bits.
+constexpr uint32_t HeaderSize(uint32_t vr, bool explicitVr) {
+    return HasLongHeader(vr) && explicitVr ? kLongHeaderSize : kShortHeaderSize;
+}
+
 // Bytes of the unit in which values are swapped when they are read, copied or written between byte
 // orders; 1 for values that are bytes or text.
 constexpr size_t SwapUnit(uint32_t vr) {

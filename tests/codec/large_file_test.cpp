@@ -75,6 +75,15 @@ TEST_F(LargeFile, LargeValuesBeyondFourGibibytesAreThereButHaveNoBytes) {
     EXPECT_EQ(TextOf(Child(root, 0x0060, 0x3002)), "behind");
 }
 
+TEST_F(LargeFile, PixelsBeyondFourGibibytesAreReportedAsMissingRatherThanBlack) {
+    StreamBuilder tail;
+    tail.Element(0x7FE0, 0x0010, "OW", kFiller);
+    PGX_Node* pixelData = Child(OpenWithTail(tail), 0x7FE0, 0x0010);
+    std::string frame(4, '?');
+    EXPECT_EQ(pixelData->GetPixelData(0, 4, frame.data()), 0);
+    EXPECT_EQ(frame, "????");
+}
+
 TEST_F(LargeFile, SequencesBeyondFourGibibytesAreParsed) {
     StreamBuilder tail;
     tail.Sequence(0x0070, 0x0001).Item().Element(0x0070, 0x0006, "ST", "text");

@@ -91,7 +91,7 @@ TEST_F(PrivateElements, CreatorTextIsTrimmedAndCaseIgnored) {
         "DS AcmeScale");
 }
 
-TEST_F(PrivateElements, BlockAndGroupMustFit) {
+TEST_F(PrivateElements, BlockOfTheCreatorAndGroupOfTheEntryMustFit) {
     EXPECT_EQ(
         Last(Implicit().Element(0x0019, 0x0010, "", "ACME 1.1").Element(0x0019, 0x1101, "", "1 ")),
         "???? <unknown tag>");
@@ -111,6 +111,18 @@ TEST_F(PrivateElements, SecondCreatorOfABlockIsAskedToo) {
                        .Element(0x0019, 0x0010, "", "OTHER ")
                        .Element(0x0019, 0x1001, "", "1 ")),
               "IS OtherNumber");
+}
+
+// The block of group 0009 answers for group 0019, whose own creator comes later.
+TEST_F(PrivateElements, CreatorOfAnotherGroupCountsWhenTheDictionaryKnowsItInThisOne) {
+    SetDictionary(
+        "(0019,\"OTHER\",01) IS OtherNumber 1\n"
+        "(0019,\"ACME 1.1\",01) US AcmeCount 1\n");
+    EXPECT_EQ(Last(Implicit()
+                       .Element(0x0009, 0x0010, "", "ACME 1.1")
+                       .Element(0x0019, 0x0010, "", "OTHER ")
+                       .Element(0x0019, 0x1001, "", "abcd")),
+              "US AcmeCount");
 }
 
 TEST_F(PrivateElements, CreatorsCountWithinTheirDataSetOnly) {

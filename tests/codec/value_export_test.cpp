@@ -82,6 +82,18 @@ TEST_F(ValueExport, CreatesNothingWithoutAValue) {
     EXPECT_FALSE(std::filesystem::exists(out_));
 }
 
+TEST_F(ValueExport, WhatWasReadGivesAFileWhateverItIs) {
+    StreamBuilder stream;
+    stream.Element(0x0008, 0x0080, "LO", "").Sequence(0x0008, 0x1140, 10);
+    stream.Item(2).Text("ab");
+    OpenedStream opened(stream);
+    EXPECT_EQ(Export(opened.Root()), Bytes());
+    EXPECT_EQ(Export(Child(opened.Root(), 0x0008, 0x0080)), Bytes());
+    PGX_Node* sequence = Child(opened.Root(), 0x0008, 0x1140);
+    EXPECT_EQ(Export(sequence), FromText(std::string_view("\xFE\xFF\0\xE0\2\0\0\0ab", 10)));
+    EXPECT_EQ(Export(sequence->first), Bytes());
+}
+
 TEST_F(ValueExport, FailsWhereNoFileCanBeCreated) {
     const std::string nowhere = (std::filesystem::path(out_) / "file").string();
     PGX_Node* node = root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);

@@ -327,6 +327,14 @@ TEST(GetDecimal, BeyondTheRangeOfDoubleIsInfiniteOrZero) {
     EXPECT_EQ(DoubleOf("0." + std::string(400, '0') + "1e401"), 1.0);
 }
 
+TEST(GetDecimal, DigitOfAHexadecimalNumberCountsFourBitsOfItsExponent) {
+    EXPECT_EQ(DoubleOf("0x1" + std::string(499, '0') + "p-600"), HUGE_VAL);
+    EXPECT_EQ(DoubleOf("-0x1" + std::string(499, '0') + "p-600"), -HUGE_VAL);
+    EXPECT_EQ(DoubleOf("0x1" + std::string(499, '0') + "p-1996"), 1.0);
+    EXPECT_EQ(DoubleOf("0x1" + std::string(499, '0') + "p-4000"), 0.0);
+    EXPECT_EQ(DoubleOf("0x0." + std::string(400, '0') + "1p410"), 0.0);
+}
+
 TEST(GetDecimal, LongTextsAreReadAsFarAsTheNumberGoes) {
     EXPECT_EQ(DoubleOf(std::string(1000, ' ') + "7"), 7.0);
     EXPECT_EQ(DoubleOf("1" + std::string(290, '0') + "e-290 "), 1.0);

@@ -25,6 +25,14 @@ TEST(VrTraits, LongHeadersAreThoseOfSevenCodesAndOfUnknownOnes) {
               (std::set<uint32_t>{VR_OB, VR_OW, VR_OWOB, VR_OF, VR_SQ, VR_UN, VR_UT, VR_Unknown}));
 }
 
+TEST(VrTraits, HeadersHaveTwelveBytesWhenTheyAreExplicitAndLong) {
+    EXPECT_EQ(pgkit::HeaderSize(VR_OB, true), 12u);
+    EXPECT_EQ(pgkit::HeaderSize(VR_Unknown, true), 12u);
+    EXPECT_EQ(pgkit::HeaderSize(VR_US, true), 8u);
+    EXPECT_EQ(pgkit::HeaderSize(VR_OB, false), 8u);
+    EXPECT_EQ(pgkit::HeaderSize(VR_US, false), 8u);
+}
+
 TEST(VrTraits, SwapUnitsAreThoseOfTheNumbersInside) {
     EXPECT_EQ(CodesWithSwapUnit(2),
               (std::set<uint32_t>{VR_US, VR_AT, VR_SS, VR_USSS, VR_OW, VR_OWOB}));

@@ -35,8 +35,7 @@ int32_t PGX_Node::GetEncodedPixelInfo(uint32_t index, uint32_t* entryLength,
 }
 
 int32_t PGX_Node::GetPixelData(uint32_t frameIndex, uint32_t frameSize, void* buffer) {
-    if (!IsPlainElement(*this) || encapsulated != 0 || length == 0) return 0;
-    if (buffer == nullptr) return 0;
+    if (!pgkit::HasValue(*this) || length == 0 || buffer == nullptr) return 0;
     uint8_t* frame = static_cast<uint8_t*>(buffer);
     const uint64_t start = uint64_t{frameIndex} * frameSize;
     const size_t available = pgkit::FetchValue(*this, start, frame, frameSize);

@@ -68,6 +68,18 @@ TEST(GetPixelData, BeyondTheValueReadsAsZeros) {
     }
 }
 
+// An undefined length outside encapsulated Pixel Data belongs to a damaged file.
+TEST(GetPixelData, UndefinedLengthHasNoFrames) {
+    StreamBuilder stream;
+    stream.Header(0x7FE0, 0x0010, "OW", 8).Text("abcdefgh");
+    OpenedStream opened(stream, 0);
+    PGX_Node* pixelData = Child(opened.Root(), 0x7FE0, 0x0010);
+    pixelData->length = 0xFFFFFFFF;
+    char buffer[8] = "xxxxxxx";
+    EXPECT_EQ(pixelData->GetPixelData(0, 4, buffer), 0);
+    EXPECT_STREQ(buffer, "xxxxxxx");
+}
+
 TEST(GetPixelData, IsForNonEmptyElementsOnly) {
     StreamBuilder stream;
     stream.Element(0x0008, 0x0060, "CS", "").Sequence(0x0008, 0x1140, 0);
