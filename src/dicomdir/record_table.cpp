@@ -2,17 +2,11 @@
 
 #include <algorithm>
 
+#include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "platform/platform.h"
 
 namespace pgkit {
-
-namespace {
-
-// Offsets lead to the item tag; the parser notes where the first element of the item stands.
-constexpr uint32_t kItemHeaderSize = 8;
-
-}  // namespace
 
 RecordTable::RecordTable(PGX_Node* firstItem) {
     if (firstItem == nullptr) return;
@@ -30,7 +24,8 @@ RecordTable::RecordTable(PGX_Node* firstItem) {
     }
 }
 
-// The sum wraps, as offsets are 32 bits wide.
+// Offsets lead to the item tag; the parser notes where the first element of the item stands. The
+// sum wraps, as offsets are 32 bits wide.
 std::optional<RecordNumber> RecordTable::FindOffset(uint32_t offset) const {
     const uint32_t position = offset + kItemHeaderSize;
     const auto found = std::ranges::lower_bound(positions_, position, {}, &Position::position);

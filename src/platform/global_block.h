@@ -11,11 +11,11 @@ namespace pgkit::platform {
 // A block of zeroed bytes; null when memory runs out.
 void* AllocateGlobalBlock(size_t size);
 
-// The block's bytes, which stay in place until it is unlocked; null for a null or stale handle.
+// The block's bytes, which stay in place until it is unlocked; null for a null handle.
 uint8_t* LockGlobalBlock(void* handle);
 void UnlockGlobalBlock(void* handle);
 
-// The size of a block, which may be a little more than was asked for; 0 for a null or stale handle.
+// The size of a block, which may be a little more than was asked for; 0 for a null handle.
 size_t GlobalBlockSize(void* handle);
 
 // Null is allowed.
