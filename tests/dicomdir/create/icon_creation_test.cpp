@@ -16,9 +16,7 @@ using namespace pgkit_test;
 
 // 8-bit pixels that a window leaves as they are.
 InstanceFile Image(int number, uint16_t columns, uint16_t rows, const Bytes& pixels) {
-    return InstanceFile()
-        .Instance("1.2.3.4." + std::to_string(number))
-        .InstanceNumber(number)
+    return Instance(number)
         .SetUS(0x0028, 0x0002, 1)
         .SetUS(0x0028, 0x0010, rows)
         .SetUS(0x0028, 0x0011, columns)

@@ -15,8 +15,7 @@ namespace fs = std::filesystem;
 using namespace pgkit_test;
 
 InstanceFile Image(int number) {
-    return InstanceFile()
-        .Instance("1.2.3.4." + std::to_string(number))
+    return Instance(number)
         .SetUS(0x0028, 0x0010, 4)
         .SetUS(0x0028, 0x0011, 8)
         .SetUS(0x0028, 0x0100, 8)
