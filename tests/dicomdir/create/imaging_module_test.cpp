@@ -7,12 +7,15 @@
 #include <string>
 
 #include "dicomdir/create/medium.h"
-#include "support/process.h"
+#include "support/host_directory.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace pgkit_test;
+
+// The name of the imaging module.
+const std::string kName = FileName(PGKIT_TEST_IMAGING_MODULE);
 
 InstanceFile Image(int number) {
     return Instance(number)
@@ -24,21 +27,14 @@ InstanceFile Image(int number) {
 
 class ImagingModule : public testing::Test {
   protected:
-    void SetUp() override {
-        host_ = Copy(PGKIT_TEST_CREATION_PROBE);
-        Copy(PGKIT_TEST_MODULE);
+    // Puts a file beside the host, or in a directory there, under the name that the module has.
+    void Install(const std::string& module, const std::string& directory = ".") const {
+        host_.Copy(module, directory + "/" + kName);
     }
-
-    // Puts a file beside the host, under the name that the module has.
-    void InstallAs(const fs::path& directory, const char* module) const {
-        fs::create_directories(directory);
-        fs::copy_file(module, directory / fs::path(PGKIT_TEST_IMAGING_MODULE).filename());
-    }
-    void Install(const char* module) const { InstallAs(host_.parent_path(), module); }
 
     // Makes the DICOMDIR; nobody says anything.
     DataSet Create(const std::string& edge = "16") const {
-        const Finished run = RunProgram(host_.string(), {medium_.Directory(), edge});
+        const Finished run = host_.Run({medium_.Directory(), edge});
         EXPECT_EQ(run.exitStatus, 0);
         EXPECT_EQ(run.out + run.err, "");
         return medium_.Open();
@@ -50,16 +46,9 @@ class ImagingModule : public testing::Test {
     }
 
     Medium medium_;
-    TempDir programs_;
-    fs::path host_;
+    const HostDirectory host_{PGKIT_TEST_CREATION_PROBE};
 
   private:
-    fs::path Copy(const fs::path& file) const {
-        const fs::path copy = programs_.Path(file.filename().string());
-        fs::copy_file(file, copy);
-        return copy;
-    }
-
     int images_ = 0;
 };
 
@@ -86,21 +75,20 @@ TEST_F(ImagingModule, ChangesNothingElse) {
 
 // It may be a disc of anyone's making.
 TEST_F(ImagingModule, IsNotLookedForInTheCurrentDirectory) {
-    const fs::path elsewhere = programs_.Path("elsewhere");
-    InstallAs(elsewhere, PGKIT_TEST_IMAGING_MODULE);
+    Install(PGKIT_TEST_IMAGING_MODULE, "elsewhere");
     const fs::path before = fs::current_path();
-    fs::current_path(elsewhere);
+    fs::current_path(host_.Path("elsewhere"));
     EXPECT_EQ(SizeWith("IMAGE"), "none");
     fs::current_path(before);
 }
 
 TEST_F(ImagingModule, MayBeNoModuleAtAll) {
-    programs_.Write(fs::path(PGKIT_TEST_IMAGING_MODULE).filename().string(), "not a module");
+    host_.Write(kName, "not a module");
     EXPECT_EQ(SizeWith("IMAGE"), "none");
 }
 
 TEST_F(ImagingModule, MayBeADirectory) {
-    fs::create_directory(host_.parent_path() / fs::path(PGKIT_TEST_IMAGING_MODULE).filename());
+    fs::create_directory(host_.Path(kName));
     EXPECT_EQ(SizeWith("IMAGE"), "none");
 }
 
