@@ -30,7 +30,7 @@ Bytes Frame(const StreamBuilder& stream, uint32_t limit, uint32_t index, uint32_
 }
 
 Bytes LittleFrame(const StreamBuilder& stream, uint32_t limit, uint32_t index, uint32_t size) {
-    OpenedStream opened(stream, limit, 0x28);
+    OpenedStream opened(stream, limit, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_LITTLE_ENDIAN);
     Bytes frame(size, 0xEE);
     EXPECT_EQ(Child(opened.Root(), 0x7FE0, 0x0010)->GetPixelData(index, size, frame.data()), 1);
     return frame;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/sample_files.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
 #include "support/tree.h"
@@ -66,7 +67,10 @@ class RoundTrip : public testing::TestWithParam<std::string> {
 };
 
 TEST_P(RoundTrip, GivesAnEqualTreeAndThenIdenticalFiles) {
-    for (const int32_t mode : {0, 0x2C, 0x34, 0x4C, 0x2D, 0x35, 0x4D}) {
+    for (const int32_t mode :
+         {kAsRead, kPart10Explicit, kPart10Implicit, kPart10Big,
+          kPart10Explicit | PG_UNDEFINED_LENGTHS, kPart10Implicit | PG_UNDEFINED_LENGTHS,
+          kPart10Big | PG_UNDEFINED_LENGTHS}) {
         SCOPED_TRACE(testing::Message() << std::hex << mode);
         Check(mode, kLoadAll);
         Check(mode, 0);

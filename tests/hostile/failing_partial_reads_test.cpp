@@ -132,7 +132,10 @@ INSTANTIATE_TEST_SUITE_P(ByteOrders, FailingPartialRead, testing::Values(Order::
 
 // A tree is whole, or ends where it could not be read any further.
 TEST_P(FailingPartialRead, IsATreeOrNoneWithEveryFlag) {
-    for (const uint32_t flags : {0u, 0x01u, 0x08u, 0x201u, 0x400u}) {
+    for (const uint32_t flags :
+         {uint32_t{0}, uint32_t{PG_OPEN_SKIP_FRAGMENTS}, uint32_t{PG_OPEN_FORCE_EXPLICIT_VR},
+          uint32_t{PG_OPEN_SKIP_FRAGMENTS | PG_OPEN_UN_AS_STREAM},
+          uint32_t{PG_OPEN_UN_BY_INSPECTION}}) {
         const std::string whole = Describe(Open(9, flags).get());
         const auto open = [&](bool mayBreakOff) {
             return [&, mayBreakOff](auto&& whileFailing) {
@@ -157,7 +160,8 @@ TEST_P(FailingPartialRead, LeavesTheStreamOfTheHostInGoodHands) {
             FILE* const stream = std::fopen(path_.c_str(), "rb");
             ASSERT_NE(stream, nullptr);
             DataSet root;
-            whileFailing([&] { root.reset(pgOpenDataSetFileHandleEx(stream, 0, 0x01)); });
+            whileFailing(
+                [&] { root.reset(pgOpenDataSetFileHandleEx(stream, 0, PG_OPEN_SKIP_FRAGMENTS)); });
             if (root == nullptr && isHostsWithoutTree) std::fclose(stream);
         };
     };
@@ -168,7 +172,7 @@ TEST_P(FailingPartialRead, LeavesTheStreamOfTheHostInGoodHands) {
 TEST_P(FailingPartialRead, IndexesFragmentsLaterOrNot) {
     if (GetParam() == Order::Big) GTEST_SKIP() << "fragments are little endian";
     const auto index = [&](auto&& whileFailing) {
-        const DataSet root = Open(0, 0x01);
+        const DataSet root = Open(0, PG_OPEN_SKIP_FRAGMENTS);
         ASSERT_NE(root, nullptr);
         PGX_Node* const pixelData = Child(root.get(), 0x7FE0, 0x0010);
         uint32_t consumed = 0;

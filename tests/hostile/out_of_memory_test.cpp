@@ -11,6 +11,7 @@
 #include "hostile/every_failure.h"
 #include "hostile/failing_jobs.h"
 #include "sopclass/sop_class_set.h"
+#include "support/save_modes.h"
 
 namespace {
 
@@ -152,16 +153,15 @@ std::set<std::string> GroupLengthsOf(PGX_Node& root) {
 }
 
 TEST_F(OutOfMemory, IsReportedByGroupLengths) {
-    constexpr uint32_t kMode = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
     const DataSet complete = Open(64);
-    ASSERT_EQ(complete->AddGroupLengths(kMode), 1);
+    ASSERT_EQ(complete->AddGroupLengths(kExplicitLittle), 1);
     const std::set<std::string> lengths = GroupLengthsOf(*complete);
     int32_t isAdded = 0;
     int32_t isUpdated = 0;
     const auto add = [&](PGX_Node& root) {
         isAdded = isUpdated = 0;
-        isAdded = root.AddGroupLengths(kMode);
-        isUpdated = root.UpdateGroupLengths(kMode);
+        isAdded = root.AddGroupLengths(kExplicitLittle);
+        isUpdated = root.UpdateGroupLengths(kExplicitLittle);
     };
     const size_t allocations = SweepOnTree(add, [&](PGX_Node& root) {
         if (isAdded == 1) {

@@ -9,6 +9,7 @@
 #include "dicomdir/create/medium.h"
 #include "support/captured.h"
 #include "support/patient_list.h"
+#include "support/save_modes.h"
 
 namespace {
 
@@ -257,7 +258,7 @@ class IconsOfAnotherDicomdir : public IconCreation {
                                        static_cast<uint32_t>(std::strlen(interpretation)));
             }
         }
-        EXPECT_EQ(dicomdir->SaveDataSetAsEx(medium_.Path("DICOMDIR").c_str(), 0x2C), 0u);
+        EXPECT_EQ(dicomdir->SaveDataSetAsEx(medium_.Path("DICOMDIR").c_str(), kPart10Explicit), 0u);
     }
 
     DataSet Rebuild() {
