@@ -290,9 +290,9 @@ TEST_F(Save, MayWriteToADevice) {
 
 TEST_F(Save, HasAFormWithoutResult) {
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    root_->SaveDataSetAs(path_.c_str(), 0x28);
+    root_->SaveDataSetAs(path_.c_str(), kExplicitLittle);
     EXPECT_EQ(ReadFile(path_).size(), 16u);
-    const Printed printed = CapturePrinted([&] { root_->SaveDataSetAs("", 0x28); });
+    const Printed printed = CapturePrinted([&] { root_->SaveDataSetAs("", kExplicitLittle); });
     EXPECT_EQ(printed.err, "pgSaveDataSetAsEx : unable to open \n");
 }
 
