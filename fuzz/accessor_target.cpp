@@ -6,6 +6,7 @@
 
 #include "input.h"
 #include "scratch_files.h"
+#include "support/save_modes.h"
 #include "targets.h"
 #include "violation.h"
 
@@ -78,7 +79,7 @@ void Accessors(Bytes bytes) {
     PGX_Node* const root = pgKitOpenDataSetFile(path.c_str(), choices.Byte());
     if (root == nullptr) return;
     Walk(root, choices);
-    pgKitSaveDataSetAsEx(root, ScratchPath("saved").c_str(), 0x2C);
+    pgKitSaveDataSetAsEx(root, ScratchPath("saved").c_str(), pgkit_test::kPart10Explicit);
     pgKitCloseDataSet(root);
 }
 

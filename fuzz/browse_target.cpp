@@ -4,6 +4,7 @@
 
 #include "input.h"
 #include "support/patient_list.h"
+#include "support/save_modes.h"
 #include "support/temp_dir.h"
 #include "targets.h"
 #include "violation.h"
@@ -14,7 +15,14 @@ namespace {
 
 constexpr uint32_t kLimits[] = {0, 64, 0x20000, 0xFFFFFFFF};
 
-constexpr int32_t kModes[] = {0, 0x2C, 0x34, 0x4C, 0x2D, 0x28};
+using namespace pgkit_test;
+
+constexpr int32_t kModes[] = {kAsRead,
+                              kPart10Explicit,
+                              kPart10Implicit,
+                              kPart10Big,
+                              kPart10Explicit | PG_UNDEFINED_LENGTHS,
+                              kExplicitLittle};
 
 int32_t Pass(PGX_DicomDirCallbackReason*, const char*, void*) { return 0; }
 

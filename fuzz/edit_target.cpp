@@ -5,6 +5,7 @@
 
 #include "input.h"
 #include "scratch_files.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
 #include "targets.h"
 #include "tree_nodes.h"
@@ -14,7 +15,16 @@ namespace pgkit_fuzz {
 
 namespace {
 
-constexpr uint32_t kModes[] = {0, 0x2C, 0x34, 0x4C, 0x2D, 0x35, 0x28, 0x01};
+using namespace pgkit_test;
+
+constexpr uint32_t kModes[] = {kAsRead,
+                               kPart10Explicit,
+                               kPart10Implicit,
+                               kPart10Big,
+                               kPart10Explicit | PG_UNDEFINED_LENGTHS,
+                               kPart10Implicit | PG_UNDEFINED_LENGTHS,
+                               kExplicitLittle,
+                               PG_UNDEFINED_LENGTHS};
 constexpr uint32_t kMaxEdits = 64;
 constexpr uint32_t kMaxFragments = 16;
 

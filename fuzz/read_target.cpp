@@ -15,7 +15,11 @@ namespace pgkit_fuzz {
 namespace {
 
 constexpr uint32_t kLimits[] = {0, 1, 22, 64, 0x10000, 0xFFFFFFFF};
-constexpr uint32_t kFlags = 0x679;  // all that have a meaning
+// All that have a meaning.
+constexpr uint32_t kFlags = PG_OPEN_SKIP_FRAGMENTS | PG_OPEN_FORCE_EXPLICIT_VR |
+                            PG_OPEN_FORCE_IMPLICIT_VR | PG_OPEN_FORCE_LITTLE_ENDIAN |
+                            PG_OPEN_FORCE_BIG_ENDIAN | PG_OPEN_UN_AS_STREAM |
+                            PG_OPEN_UN_BY_INSPECTION;
 // What a host would make room for.
 constexpr uint32_t kMaxValue = 1 << 16;
 

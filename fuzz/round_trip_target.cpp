@@ -7,6 +7,7 @@
 
 #include "input.h"
 #include "scratch_files.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
 #include "support/tree_comparison.h"
 #include "targets.h"
@@ -17,7 +18,15 @@ namespace pgkit_fuzz {
 
 namespace {
 
-constexpr int32_t kModes[] = {0, 0x2C, 0x34, 0x4C, 0x2D, 0x35, 0x4D};
+using namespace pgkit_test;
+
+constexpr int32_t kModes[] = {kAsRead,
+                              kPart10Explicit,
+                              kPart10Implicit,
+                              kPart10Big,
+                              kPart10Explicit | PG_UNDEFINED_LENGTHS,
+                              kPart10Implicit | PG_UNDEFINED_LENGTHS,
+                              kPart10Big | PG_UNDEFINED_LENGTHS};
 constexpr uint32_t kLimits[] = {0, 64, 0xFFFFFFFF};
 constexpr uint32_t kEncodingBits =
     PG_EXPLICIT_VR | PG_IMPLICIT_VR | PG_LITTLE_ENDIAN | PG_BIG_ENDIAN;

@@ -6,6 +6,7 @@
 
 #include "pgkit/accessors.h"
 #include "support/nodes.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
 #include "support/tree.h"
@@ -13,6 +14,7 @@
 namespace {
 
 using pgkit_test::Bytes;
+using pgkit_test::kExplicitLittle;
 using pgkit_test::NewDataSet;
 using pgkit_test::NewElement;
 using pgkit_test::OpenedStream;
@@ -21,8 +23,6 @@ using pgkit_test::ReadFile;
 using pgkit_test::StreamBuilder;
 using pgkit_test::TempDir;
 using pgkit_test::Tree;
-
-constexpr uint32_t kExplicitLittle = 0x28;
 
 std::string TextOf(const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); }
 

@@ -107,8 +107,10 @@ TEST_P(EveryPrefix, GivesTheElementsWhoseHeadersItHolds) {
 
 TEST_P(EveryPrefix, OfABareDataSetGivesATreeFromSixBytesOn) {
     const Sample sample = MakeSample(GetParam().mode, GetParam().order);
-    uint32_t flags = GetParam().mode == VrMode::Implicit ? 0x10 : 0x08;
-    flags |= GetParam().order == Order::Big ? 0x40 : 0x20;
+    uint32_t flags =
+        GetParam().mode == VrMode::Implicit ? PG_OPEN_FORCE_IMPLICIT_VR : PG_OPEN_FORCE_EXPLICIT_VR;
+    flags |=
+        GetParam().order == Order::Big ? PG_OPEN_FORCE_BIG_ENDIAN : PG_OPEN_FORCE_LITTLE_ENDIAN;
     const Bytes& body = sample.body.Data();
     for (size_t size = 0; size <= body.size(); ++size) {
         OpenedStream opened(Bytes(body.begin(), body.begin() + static_cast<ptrdiff_t>(size)),

@@ -122,7 +122,7 @@ TEST(ElementHeader, ImplicitHeadersTakeTheirVrFromTheDictionary) {
 TEST(ElementHeader, BigEndianNumbersAreSwapped) {
     StreamBuilder stream(VrMode::Explicit, Order::Big);
     stream.ElementUS(0x0028, 0x0010, 0x0102).Element(0x7FE0, 0x0010, "OW", "abcd");
-    OpenedStream opened(stream, kLoadAll, 0x48);
+    OpenedStream opened(stream, kLoadAll, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN);
     EXPECT_EQ(Describe(opened.Root()), "[(0028,0010)US:2 (7FE0,0010)OW:4]");
     EXPECT_EQ(opened->first->GetUSValue(), 0x0102);
     // The parser leaves value bytes as they are.

@@ -5,23 +5,13 @@
 #include <pgkit/pgkit.h>
 
 #include <cstdio>
-#include <memory>
 #include <string>
+#include <string_view>
 
+#include "support/stream.h"
 #include "support/temp_dir.h"
 
 namespace pgkit_test {
-
-struct CloseStream {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-};
-using Stream = std::unique_ptr<FILE, CloseStream>;
-
-inline Stream OpenStream(const std::string& path, const char* mode) {
-    Stream stream(std::fopen(path.c_str(), mode));
-    EXPECT_NE(stream, nullptr) << path;
-    return stream;
-}
 
 struct Encoded {
     uint32_t result;

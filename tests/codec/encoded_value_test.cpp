@@ -6,19 +6,14 @@
 #include <string>
 
 #include "codec/encoded.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
+#include "support/write_results.h"
 
 namespace {
 
 using namespace pgkit_test;
-
-constexpr uint32_t kImplicitLittle = PG_IMPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr uint32_t kExplicitLittle = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr uint32_t kExplicitBig = PG_EXPLICIT_VR | PG_BIG_ENDIAN;
-
-constexpr uint32_t kNoSource = 2;
-constexpr uint32_t kReadFailed = 4;
 
 class EncodedValue : public testing::Test {
   protected:

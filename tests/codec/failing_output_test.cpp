@@ -5,6 +5,7 @@
 #include "codec/encoder.h"
 #include "codec/failing_sink.h"
 #include "codec/lengths.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
 
@@ -12,8 +13,6 @@ namespace {
 
 using namespace pgkit_test;
 using pgkit::EncodeNode;
-
-constexpr uint32_t kExplicitLittle = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
 
 // Headers of every form, values from memory and from a stream, items and fragments.
 DataSet SmallTree(FILE* source) {
@@ -54,7 +53,11 @@ TEST_P(FailingOutput, IsReportedAfterAnyNumberOfBytes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, FailingOutput,
-                         testing::Values(0x00, 0x01, 0x2C, 0x2D, 0x2A, 0x34, 0x35, 0x4C, 0x4D));
+                         testing::Values(0u, PG_UNDEFINED_LENGTHS, kPart10Explicit,
+                                         kPart10Explicit | PG_UNDEFINED_LENGTHS,
+                                         kExplicitLittle | PG_META_IMPLICIT_VR, kPart10Implicit,
+                                         kPart10Implicit | PG_UNDEFINED_LENGTHS, kPart10Big,
+                                         kPart10Big | PG_UNDEFINED_LENGTHS));
 
 // An element that cannot be written stands behind others: which failure comes first decides.
 TEST(FailingOutputs, AreReportedBeforeAFailureBehindThem) {

@@ -1,5 +1,11 @@
-// An output that takes a given number of bytes and then fails, as a full disk does.
+// An output that takes a given number of bytes and then fails, as a full disk does; and bytes for
+// it.
 #pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 
 #include "codec/output_writer.h"
 #include "support/temp_dir.h"
@@ -28,5 +34,13 @@ class FailingSink : public pgkit::ByteSink {
     uint64_t position_;
     Bytes written_;
 };
+
+// Bytes whose period fits no buffer: one that is lost or written twice shows.
+inline Bytes Pattern(size_t size) {
+    Bytes bytes(size);
+    for (size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<uint8_t>(i * 7 + i / 251);
+    return bytes;
+}
 
 }  // namespace pgkit_test

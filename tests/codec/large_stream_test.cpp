@@ -6,6 +6,7 @@
 
 #include "codec/encoded.h"
 #include "platform/platform.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
 
@@ -15,7 +16,6 @@ using namespace pgkit_test;
 namespace platform = pgkit::platform;
 
 constexpr uint64_t kFourGiB = 0x1'0000'0000;
-constexpr uint32_t kExplicitLittle = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
 
 class LargeStream : public testing::Test {
   protected:

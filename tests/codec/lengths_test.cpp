@@ -4,6 +4,7 @@
 
 #include "codec/encoded.h"
 #include "support/captured.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
 
 namespace {
@@ -11,20 +12,18 @@ namespace {
 using namespace pgkit_test;
 using pgkit::ComputeLengths;
 
-constexpr uint32_t kImplicit = PG_IMPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr uint32_t kExplicit = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
 constexpr uint32_t kUndefinedLength = 0xFFFFFFFF;
 
 TEST(Lengths, OfAnEmptyDataSetAreZero) {
     const DataSet root(pgAllocateDataSetNode());
-    EXPECT_EQ(ComputeLengths(*root, kExplicit), 0u);
+    EXPECT_EQ(ComputeLengths(*root, kExplicitLittle), 0u);
 }
 
 TEST(Lengths, CountEightBytesForEveryHeaderInImplicitVr) {
     const DataSet root(pgAllocateDataSetNode());
     NewElement(*root, 0x0009, 0x1001, VR_OB, "abcdefghij");
     NewElement(*root, 0x0009, 0x1002, VR_LO, "ab");
-    EXPECT_EQ(ComputeLengths(*root, kImplicit), 18u + 10u);
+    EXPECT_EQ(ComputeLengths(*root, kImplicitLittle), 18u + 10u);
     EXPECT_EQ(root->length, 28u);
 }
 
@@ -32,11 +31,11 @@ TEST(Lengths, CountTwelveBytesForLongHeadersInExplicitVr) {
     for (const uint32_t vr : {VR_OB, VR_OW, VR_OWOB, VR_OF, VR_UN, VR_UT, VR_Unknown}) {
         const DataSet root(pgAllocateDataSetNode());
         NewElement(*root, 0x0009, 0x1001, vr, "abcdefghij");
-        EXPECT_EQ(ComputeLengths(*root, kExplicit), 22u) << vr;
+        EXPECT_EQ(ComputeLengths(*root, kExplicitLittle), 22u) << vr;
     }
     const DataSet root(pgAllocateDataSetNode());
     NewElement(*root, 0x0009, 0x1001, VR_US, "ab");
-    EXPECT_EQ(ComputeLengths(*root, kExplicit), 10u);
+    EXPECT_EQ(ComputeLengths(*root, kExplicitLittle), 10u);
 }
 
 TEST(Lengths, OfSequencesAreThoseOfTheirItemsWithTheItemHeaders) {
@@ -48,7 +47,7 @@ TEST(Lengths, OfSequencesAreThoseOfTheirItemsWithTheItemHeaders) {
     PGX_Node* inner = second->InsertNode(0x0008, 0x1140, nullptr, 0);
     AddItem(*inner)->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
 
-    EXPECT_EQ(ComputeLengths(*root, kExplicit), 12u + 62u);
+    EXPECT_EQ(ComputeLengths(*root, kExplicitLittle), 12u + 62u);
     EXPECT_EQ(first->length, 10u);
     EXPECT_EQ(inner->first->length, 16u);
     EXPECT_EQ(inner->length, 24u);
@@ -56,20 +55,20 @@ TEST(Lengths, OfSequencesAreThoseOfTheirItemsWithTheItemHeaders) {
     EXPECT_EQ(sequence->length, 8u + 10u + 8u + 36u);
     EXPECT_EQ(root->length, 12u + sequence->length);
 
-    EXPECT_EQ(ComputeLengths(*root, kImplicit), 8u + 58u);
+    EXPECT_EQ(ComputeLengths(*root, kImplicitLittle), 8u + 58u);
     EXPECT_EQ(second->length, 8u + 24u);
 }
 
 TEST(Lengths, CountNoDelimitersInTheModeThatWritesThem) {
     const DataSet root(pgAllocateDataSetNode());
     AddItem(*root->InsertNode(0x0008, 0x1140, nullptr, 0));
-    EXPECT_EQ(ComputeLengths(*root, kImplicit | PG_UNDEFINED_LENGTHS), 16u);
+    EXPECT_EQ(ComputeLengths(*root, kImplicitLittle | PG_UNDEFINED_LENGTHS), 16u);
 }
 
 TEST(Lengths, CountGroupTwoByTheModeOfTheOthers) {
     const DataSet root(pgAllocateDataSetNode());
     NewElement(*root, 0x0002, 0x0001, VR_OB, "ab");
-    EXPECT_EQ(ComputeLengths(*root, kImplicit | PG_META), 10u);
+    EXPECT_EQ(ComputeLengths(*root, kImplicitLittle | PG_META), 10u);
 }
 
 TEST(Lengths, ReplaceThoseThatWereRead) {
@@ -77,7 +76,7 @@ TEST(Lengths, ReplaceThoseThatWereRead) {
     PGX_Node* sequence = root->InsertNode(0x0008, 0x1140, nullptr, 0);
     sequence->length = kUndefinedLength;
     AddItem(*sequence)->length = kUndefinedLength;
-    ComputeLengths(*root, kImplicit);
+    ComputeLengths(*root, kImplicitLittle);
     EXPECT_EQ(sequence->length, 8u);
     EXPECT_EQ(sequence->first->length, 0u);
 }
@@ -91,13 +90,13 @@ TEST(Lengths, BecomeUndefinedWhereTheSumDoesNotFit) {
     NewElement(*large, 0x0009, 0x1001, VR_UN, "")->length = 0x80000000;
     PGX_Node* second = NewElement(*large, 0x0009, 0x1002, VR_UN, "");
     second->length = 0x7FFFFFFF - 24 - 1;
-    EXPECT_EQ(ComputeLengths(*root, kExplicit), kUndefinedLength);
+    EXPECT_EQ(ComputeLengths(*root, kExplicitLittle), kUndefinedLength);
     EXPECT_EQ(small->length, 16u);
     EXPECT_EQ(large->length, 0xFFFFFFFEu);
     EXPECT_EQ(sequence->length, kUndefinedLength);
 
     second->length += 16;
-    ComputeLengths(*root, kExplicit);
+    ComputeLengths(*root, kExplicitLittle);
     EXPECT_EQ(large->length, kUndefinedLength);
 }
 
@@ -105,7 +104,7 @@ TEST(Lengths, CountAnUndefinedOneAsTheNumberItIsWrittenAs) {
     const DataSet root(pgAllocateDataSetNode());
     PGX_Node* item = AddItem(*root->InsertNode(0x0008, 0x1140, nullptr, 0));
     item->InsertEncodedPixelDataNode(0)->length = kUndefinedLength;
-    ComputeLengths(*root, kExplicit);
+    ComputeLengths(*root, kExplicitLittle);
     EXPECT_EQ(item->length, 0xFFFFFFFFu + 12u);  // in 32 bits
     EXPECT_EQ(item->next, nullptr);
     EXPECT_EQ(root->first->length, 11u + 8u);
@@ -116,7 +115,7 @@ TEST(Lengths, AreComputedForDataSetsOnly) {
     const DataSet root(pgAllocateDataSetNode());
     PGX_Node* element = root->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
     const Printed printed =
-        CapturePrinted([&] { EXPECT_EQ(ComputeLengths(*element, kExplicit), 0u); });
+        CapturePrinted([&] { EXPECT_EQ(ComputeLengths(*element, kExplicitLittle), 0u); });
     EXPECT_EQ(printed.out, "pgComputeLengths: can only work with NT_DataSet type\n");
     EXPECT_EQ(printed.err, "");
     EXPECT_EQ(element->length, 8u);
@@ -127,7 +126,7 @@ TEST(Lengths, CountAnItemThatIsNoDataSetAsItsHeader) {
     PGX_Node* sequence = root->InsertNode(0x0008, 0x1140, nullptr, 0);
     sequence->first = new PGX_Node(NT_DataElement, ET_LittleEndian, 0x0010, 0x0010, VR_PN, 8);
     const Printed printed =
-        CapturePrinted([&] { EXPECT_EQ(ComputeLengths(*root, kImplicit), 16u); });
+        CapturePrinted([&] { EXPECT_EQ(ComputeLengths(*root, kImplicitLittle), 16u); });
     EXPECT_EQ(printed.out, "pgComputeLengths: can only work with NT_DataSet type\n");
 }
 
@@ -138,7 +137,7 @@ TEST(Lengths, AreComputedAtAnyDepth) {
     for (uint32_t i = 0; i < kDepth; ++i) {
         dataSet = AddItem(*dataSet->InsertNode(0x0008, 0x1140, nullptr, 0));
     }
-    EXPECT_EQ(ComputeLengths(*root, kExplicit), 20 * kDepth);
+    EXPECT_EQ(ComputeLengths(*root, kExplicitLittle), 20 * kDepth);
 }
 
 }  // namespace

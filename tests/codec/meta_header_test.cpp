@@ -5,6 +5,7 @@
 
 #include "codec/encoded.h"
 #include "support/captured.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
 
 namespace {
@@ -94,7 +95,7 @@ TEST_F(MetaHeader, AddedTwiceHasTwoVersions) {
 }
 
 TEST_F(MetaHeader, TakesTheTransferSyntaxItIsGiven) {
-    root_->syntaxFlags = 0x34;
+    root_->syntaxFlags = kPart10Implicit;
     root_->AddPart10Elements("1.2.840.10008.1.2.4.70");
     EXPECT_EQ(Meta(0x0010), "1.2.840.10008.1.2.4.70");
 }

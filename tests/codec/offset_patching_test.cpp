@@ -5,15 +5,13 @@
 #include <string>
 
 #include "codec/encoded.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
+#include "support/write_results.h"
 
 namespace {
 
 using namespace pgkit_test;
-
-constexpr int32_t kPart10Explicit = PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr int32_t kExplicitLittle = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr uint32_t kWriteFailed = 3;
 
 uint32_t NumberAt(const Bytes& bytes, size_t position) {
     uint32_t number = 0;
@@ -103,7 +101,7 @@ TEST_F(Offsets, CountFromTheStartOfAPart10File) {
 
 TEST_F(Offsets, AreRightInImplicitVrToo) {
     Link(firstRecord_, upper_);
-    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), PG_IMPLICIT_VR | PG_LITTLE_ENDIAN), 0u);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kImplicitLittle), 0u);
     const Bytes file = ReadFile(path_);
     EXPECT_EQ(NumberAt(file, 8), kUpperItem - 4);
     EXPECT_EQ(NumberAt(file, kUpperItem - 4), 0xE000FFFEu);
@@ -138,7 +136,7 @@ TEST_F(Offsets, AreRightInEverySaveOfATreeThatWasBuilt) {
     Link(firstRecord_, upper_);
     Link(lower_, inner_);
     ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
-    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), PG_IMPLICIT_VR | PG_LITTLE_ENDIAN), 0u);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kImplicitLittle), 0u);
     const Bytes implicit = ReadFile(path_);
     EXPECT_EQ(NumberAt(implicit, 8), kUpperItem - 4);
     EXPECT_EQ(NumberAt(implicit, kUpperItem - 4 + 8 + 12 + 8), kInnerItem - 4);
@@ -152,7 +150,7 @@ TEST_F(Offsets, ThatTheCallerHasChangedSinceTheLastSaveStay) {
     ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u);
     const uint32_t none = 0;
     firstRecord_->SetValue(&none, 4);
-    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), PG_IMPLICIT_VR | PG_LITTLE_ENDIAN), 0u);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kImplicitLittle), 0u);
     EXPECT_EQ(NumberAt(ReadFile(path_), 8), 0u);
 }
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "support/captured.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
 
 namespace {
@@ -15,6 +16,7 @@ using pgkit_test::CapturePrinted;
 using pgkit_test::Child;
 using pgkit_test::DataSet;
 using pgkit_test::Describe;
+using pgkit_test::kExplicitLittle;
 using pgkit_test::Printed;
 using pgkit_test::StreamBuilder;
 using pgkit_test::TempDir;
@@ -180,7 +182,7 @@ TEST(Open, HandleFormsTakeFlags) {
     content.Element(0x0010, 0x0010, "PN", "AB");
     const std::string path = directory.Write("file", content.Data());
     const DataSet root(pgOpenDataSetFileHandleEx(std::fopen(path.c_str(), "rb"), 64, 0x08));
-    EXPECT_EQ(root->syntaxFlags, 0x28u);
+    EXPECT_EQ(root->syntaxFlags, kExplicitLittle);
 }
 
 TEST(IsDicomFile, LooksForThePrefixOnly) {

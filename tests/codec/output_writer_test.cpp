@@ -11,13 +11,7 @@ namespace {
 using namespace pgkit;
 using pgkit_test::Bytes;
 using pgkit_test::FailingSink;
-
-Bytes Pattern(size_t size) {
-    Bytes bytes(size);
-    for (size_t i = 0; i < size; ++i)
-        bytes[i] = static_cast<uint8_t>(i * 7 + i / 251);
-    return bytes;
-}
+using pgkit_test::Pattern;
 
 TEST(OutputWriter, PassesOnPiecesOfEverySizeInTheirOrder) {
     const Bytes pattern = Pattern(3 * OutputWriter::kCapacity);

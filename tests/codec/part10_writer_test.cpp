@@ -7,22 +7,19 @@
 
 #include "codec/encoded.h"
 #include "support/captured.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
+#include "support/write_results.h"
 
 namespace {
 
 using namespace pgkit_test;
 
-constexpr uint32_t kCannotCreate = 1;
-constexpr uint32_t kReadFailed = 4;
-constexpr uint32_t kValueTooLong = 6;
-constexpr uint32_t kCannotReopen = 7;
-
-constexpr const char* kImplicitLittle = "1.2.840.10008.1.2";
-constexpr const char* kExplicitLittle = "1.2.840.10008.1.2.1";
-constexpr const char* kExplicitBig = "1.2.840.10008.1.2.2";
-constexpr const char* kJpegLossless = "1.2.840.10008.1.2.4.70";
+constexpr const char* kImplicitLittleUid = "1.2.840.10008.1.2";
+constexpr const char* kExplicitLittleUid = "1.2.840.10008.1.2.1";
+constexpr const char* kExplicitBigUid = "1.2.840.10008.1.2.2";
+constexpr const char* kJpegLosslessUid = "1.2.840.10008.1.2.4.70";
 
 // ---- The transfer syntax and the mode ----------------------------------------------------------
 
@@ -39,16 +36,16 @@ Reconciled Reconcile(std::string uid, uint32_t mode) {
     const bool explicitVr = (mode & PG_EXPLICIT_VR) != 0;
     const bool implicitVr = (mode & PG_IMPLICIT_VR) != 0;
     if (uid.empty()) return {uid, explicitVr || !implicitVr, little};
-    if (uid == kJpegLossless) return {uid, true, true};
+    if (uid == kJpegLosslessUid) return {uid, true, true};
 
-    const bool takesLittle = !little && !big && uid != kExplicitBig;
-    const bool takesExplicit = !explicitVr && !implicitVr && uid != kImplicitLittle;
+    const bool takesLittle = !little && !big && uid != kExplicitBigUid;
+    const bool takesExplicit = !explicitVr && !implicitVr && uid != kImplicitLittleUid;
     if (little && explicitVr) {
-        uid = kExplicitLittle;
+        uid = kExplicitLittleUid;
     } else if (little && implicitVr) {
-        uid = kImplicitLittle;
+        uid = kImplicitLittleUid;
     } else if (big && explicitVr) {
-        uid = kExplicitBig;
+        uid = kExplicitBigUid;
     }
     return {uid, explicitVr || takesExplicit, little || takesLittle};
 }
@@ -121,8 +118,8 @@ TEST_P(Reconciliation, OfEveryModeShowsInTheElementAndInTheBytes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Uids, Reconciliation,
-                         testing::Values(kExplicitBig, kExplicitLittle, kImplicitLittle,
-                                         kJpegLossless, ""));
+                         testing::Values(kExplicitBigUid, kExplicitLittleUid, kImplicitLittleUid,
+                                         kJpegLosslessUid, ""));
 
 // ---- Single cases, spelt out -------------------------------------------------------------------
 
@@ -142,26 +139,26 @@ class Save : public testing::Test {
 };
 
 TEST_F(Save, WritesPreamblePrefixMetaGroupAndDataSet) {
-    SetTransferSyntax(kExplicitBig);
+    SetTransferSyntax(kExplicitBigUid);
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    EXPECT_EQ(SaveAs(0x2C), 0u);
+    EXPECT_EQ(SaveAs(kPart10Explicit), 0u);
     EXPECT_EQ(ReadFile(path_), StreamBuilder()
                                    .Zeros(128)
                                    .Text("DICM")
                                    .ElementUL(0x0002, 0x0000, 28)
-                                   .Element(0x0002, 0x0010, "UI", PaddedUid(kExplicitLittle))
+                                   .Element(0x0002, 0x0010, "UI", PaddedUid(kExplicitLittleUid))
                                    .Element(0x0010, 0x0010, "PN", "DOE^JOHN")
                                    .Data());
 }
 
 TEST_F(Save, LeavesACompressedSyntaxExplicitLittleEndian) {
-    SetTransferSyntax(kJpegLossless);
+    SetTransferSyntax(kJpegLosslessUid);
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    EXPECT_EQ(SaveAs(0x34), 0u);
+    EXPECT_EQ(SaveAs(kPart10Implicit), 0u);
     EXPECT_EQ(ReadFile(path_), StreamBuilder()
                                    .Preamble()
                                    .ElementUL(0x0002, 0x0000, 30)
-                                   .Element(0x0002, 0x0010, "UI", PaddedUid(kJpegLossless))
+                                   .Element(0x0002, 0x0010, "UI", PaddedUid(kJpegLosslessUid))
                                    .Element(0x0010, 0x0010, "PN", "DOE^JOHN")
                                    .Data());
 }
@@ -169,7 +166,7 @@ TEST_F(Save, LeavesACompressedSyntaxExplicitLittleEndian) {
 TEST_F(Save, WithoutTransferSyntaxAndByteOrderIsBigEndianBehindItsMetaGroup) {
     root_->InsertNode(0x0002, 0x0001, "\0\1", 2);
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    EXPECT_EQ(SaveAs(0x04), 0u);
+    EXPECT_EQ(SaveAs(PG_META), 0u);
     EXPECT_EQ(ReadFile(path_), StreamBuilder()
                                    .Preamble()
                                    .ElementUL(0x0002, 0x0000, 14)
@@ -182,9 +179,10 @@ TEST_F(Save, WithoutTransferSyntaxAndByteOrderIsBigEndianBehindItsMetaGroup) {
 
 TEST_F(Save, InModeZeroKeepsTheEncodingOfATreeThatWasRead) {
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    for (const auto& [flags, vr, order] : {std::tuple(0x28u, VrMode::Explicit, Order::Little),
-                                           std::tuple(0x30u, VrMode::Implicit, Order::Little),
-                                           std::tuple(0x48u, VrMode::Explicit, Order::Big)}) {
+    for (const auto& [flags, vr, order] :
+         {std::tuple(kExplicitLittle, VrMode::Explicit, Order::Little),
+          std::tuple(kImplicitLittle, VrMode::Implicit, Order::Little),
+          std::tuple(kExplicitBig, VrMode::Explicit, Order::Big)}) {
         root_->syntaxFlags = flags;
         EXPECT_EQ(SaveAs(0), 0u);
         EXPECT_EQ(ReadFile(path_),
@@ -208,7 +206,7 @@ TEST_F(Save, InModeZeroWritesATreeBuiltInMemoryExplicitBigEndian) {
 TEST_F(Save, UpdatesGroupLengthsThatExist) {
     root_->InsertNode(0x0010, 0x0000, nullptr, 0);
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    EXPECT_EQ(SaveAs(0x28), 0u);
+    EXPECT_EQ(SaveAs(kExplicitLittle), 0u);
     EXPECT_EQ(ReadFile(path_), StreamBuilder()
                                    .ElementUL(0x0010, 0x0000, 16)
                                    .Element(0x0010, 0x0010, "PN", "DOE^JOHN")
@@ -217,30 +215,30 @@ TEST_F(Save, UpdatesGroupLengthsThatExist) {
 
 TEST_F(Save, CountsTheUidOnlyUpToItsEnd) {
     SetTransferSyntax(std::string_view("1.2.840.10008.1.2\0junk", 22));
-    EXPECT_EQ(SaveAs(0x24), 0u);
+    EXPECT_EQ(SaveAs(PG_META | PG_LITTLE_ENDIAN), 0u);
     EXPECT_EQ(root_->FindNode(0x0002, 0x0010)->length, 22u);
-    EXPECT_EQ(SaveAs(0x2C), 0u);
+    EXPECT_EQ(SaveAs(kPart10Explicit), 0u);
     EXPECT_EQ(root_->FindNode(0x0002, 0x0010)->length, 20u);
 }
 
 TEST_F(Save, OfAnEmptyDataSetIsAnEmptyFile) {
-    EXPECT_EQ(SaveAs(0x28), 0u);
+    EXPECT_EQ(SaveAs(kExplicitLittle), 0u);
     EXPECT_TRUE(ReadFile(path_).empty());
-    EXPECT_EQ(SaveAs(0x2C), 0u);
+    EXPECT_EQ(SaveAs(kPart10Explicit), 0u);
     EXPECT_EQ(ReadFile(path_), StreamBuilder().Preamble().Data());
 }
 
 TEST_F(Save, ReplacesWhatTheFileHeld) {
     directory_.Write("file.dcm", std::string(1000, 'x'));
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    EXPECT_EQ(SaveAs(0x28), 0u);
+    EXPECT_EQ(SaveAs(kExplicitLittle), 0u);
     EXPECT_EQ(ReadFile(path_).size(), 16u);
 }
 
 TEST_F(Save, OfAnElementWritesIt) {
     PGX_Node* element = root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    const Printed printed =
-        CapturePrinted([&] { EXPECT_EQ(element->SaveDataSetAsEx(path_.c_str(), 0x28), 0u); });
+    const Printed printed = CapturePrinted(
+        [&] { EXPECT_EQ(element->SaveDataSetAsEx(path_.c_str(), kExplicitLittle), 0u); });
     EXPECT_EQ(printed.out,
               "pgComputeLengths: can only work with NT_DataSet type\n"
               "AddGroupLengths: can only work with NT_DataSet type\n");
@@ -252,22 +250,24 @@ TEST_F(Save, OfAnElementWritesIt) {
 TEST_F(Save, ReportsAFileThatCannotBeCreated) {
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
     const std::string nowhere = (std::filesystem::path(path_) / "file").string();
-    const Printed printed = CapturePrinted(
-        [&] { EXPECT_EQ(root_->SaveDataSetAsEx(nowhere.c_str(), 0x28), kCannotCreate); });
+    const Printed printed = CapturePrinted([&] {
+        EXPECT_EQ(root_->SaveDataSetAsEx(nowhere.c_str(), kExplicitLittle), kCannotCreate);
+    });
     EXPECT_EQ(printed.err, "pgSaveDataSetAsEx : unable to open " + nowhere + "\n");
     EXPECT_EQ(printed.out, "");
 }
 
 TEST_F(Save, ReportsAFileWithoutName) {
-    const Printed printed =
-        CapturePrinted([&] { EXPECT_EQ(root_->SaveDataSetAsEx(nullptr, 0x28), kCannotCreate); });
+    const Printed printed = CapturePrinted(
+        [&] { EXPECT_EQ(root_->SaveDataSetAsEx(nullptr, kExplicitLittle), kCannotCreate); });
     EXPECT_EQ(printed.err, "pgSaveDataSetAsEx : unable to open \n");
 }
 
 TEST_F(Save, LeavesAPartialFileWhereTheEncoderFails) {
     root_->InsertNode(0x0008, 0x0060, "CT", 2);
     NewElement(*root_, 0x0009, 0x1001, VR_LO, std::string(65536, 'x'));
-    const Printed printed = CapturePrinted([&] { EXPECT_EQ(SaveAs(0x28), kValueTooLong); });
+    const Printed printed =
+        CapturePrinted([&] { EXPECT_EQ(SaveAs(kExplicitLittle), kValueTooLong); });
     EXPECT_EQ(printed.err + printed.out, "");
     EXPECT_EQ(ReadFile(path_).size(), 16u);
 }
@@ -275,14 +275,14 @@ TEST_F(Save, LeavesAPartialFileWhereTheEncoderFails) {
 TEST_F(Save, ReportsAValueThatCannotBeRead) {
     const Stream source = OpenStream(directory_.Write("source", "abc"), "rb");
     SetSource(*root_->InsertNode(0x0010, 0x0010, nullptr, 0), source.get(), 1, 100);
-    EXPECT_EQ(SaveAs(0x28), kReadFailed);
+    EXPECT_EQ(SaveAs(kExplicitLittle), kReadFailed);
 }
 
 TEST_F(Save, MayWriteToADevice) {
     const char* device = std::filesystem::exists("/dev/null") ? "/dev/null" : "NUL";
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
     const Printed printed = CapturePrinted([&] {
-        EXPECT_EQ(root_->SaveDataSetAsEx(device, 0x28), 0u);
+        EXPECT_EQ(root_->SaveDataSetAsEx(device, kExplicitLittle), 0u);
         root_->SaveDataSetAs(0, device);
     });
     EXPECT_EQ(printed.err + printed.out, "");
@@ -290,9 +290,9 @@ TEST_F(Save, MayWriteToADevice) {
 
 TEST_F(Save, HasAFormWithoutResult) {
     root_->InsertNode(0x0010, 0x0010, "DOE^JOHN", 8);
-    root_->SaveDataSetAs(path_.c_str(), 0x28);
+    root_->SaveDataSetAs(path_.c_str(), kExplicitLittle);
     EXPECT_EQ(ReadFile(path_).size(), 16u);
-    const Printed printed = CapturePrinted([&] { root_->SaveDataSetAs("", 0x28); });
+    const Printed printed = CapturePrinted([&] { root_->SaveDataSetAs("", kExplicitLittle); });
     EXPECT_EQ(printed.err, "pgSaveDataSetAsEx : unable to open \n");
 }
 
@@ -301,9 +301,9 @@ TEST_F(Save, HasAFormWithoutResult) {
 class OlderSave : public Save {
   protected:
     void SetUp() override {
-        SetTransferSyntax(kExplicitLittle);
+        SetTransferSyntax(kExplicitLittleUid);
         AddBody(*root_);
-        root_->syntaxFlags = 0x2C;
+        root_->syntaxFlags = kPart10Explicit;
     }
 };
 

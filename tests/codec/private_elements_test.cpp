@@ -248,7 +248,7 @@ TEST_F(PrivateElements, UndefinedUnKeepsTheByteOrderOfItsStream) {
     StreamBuilder stream(VrMode::Explicit, Order::Big);
     stream.Header(0x0019, 0x1001, "UN", 0xFFFFFFFF).Mode(VrMode::Implicit);
     stream.Item().ElementUS(0x0028, 0x0010, 258).EndItem().EndSequence();
-    OpenedStream opened(stream, kLoadAll, 0x48);
+    OpenedStream opened(stream, kLoadAll, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN);
     EXPECT_EQ(Describe(opened.Root()), "[(0019,1001)SQ:-1{[(0028,0010)US:2]}]");
     EXPECT_EQ(Child(opened->first->first, 0x0028, 0x0010)->GetUSValue(), 258u);
 }

@@ -2,11 +2,12 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
-#include <algorithm>
-#include <filesystem>
+#include <cctype>
 #include <string>
 #include <vector>
 
+#include "support/sample_files.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
 #include "support/tree.h"
@@ -15,7 +16,6 @@
 namespace {
 
 using namespace pgkit_test;
-namespace fs = std::filesystem;
 
 // Files that are not read as what they are, or not written as what their reader takes them for.
 bool IsLostInTranslation(const std::string& name) {
@@ -26,17 +26,11 @@ bool IsLostInTranslation(const std::string& name) {
     return name == "native/mr_ge_private_syntax_be_pixels.dcm";
 }
 
-std::vector<std::string> BundledFiles() {
-    std::vector<std::string> names;
-    const fs::path root(PGKIT_TEST_DATA);
-    for (const char* folder :
-         {"native", "encapsulated", "sequences", "charset", "headerless", "dicomdir"}) {
-        for (const auto& entry : fs::directory_iterator(root / folder)) {
-            const std::string name = std::string(folder) + "/" + entry.path().filename().string();
-            if (entry.is_regular_file() && !IsLostInTranslation(name)) names.push_back(name);
-        }
-    }
-    std::sort(names.begin(), names.end());
+std::vector<std::string> WholeFiles() {
+    std::vector<std::string> names = SampleFiles();
+    std::erase_if(names, [](const std::string& name) {
+        return name.starts_with("bad/") || IsLostInTranslation(name);
+    });
     return names;
 }
 
@@ -73,14 +67,17 @@ class RoundTrip : public testing::TestWithParam<std::string> {
 };
 
 TEST_P(RoundTrip, GivesAnEqualTreeAndThenIdenticalFiles) {
-    for (const int32_t mode : {0, 0x2C, 0x34, 0x4C, 0x2D, 0x35, 0x4D}) {
+    for (const int32_t mode :
+         {kAsRead, kPart10Explicit, kPart10Implicit, kPart10Big,
+          kPart10Explicit | PG_UNDEFINED_LENGTHS, kPart10Implicit | PG_UNDEFINED_LENGTHS,
+          kPart10Big | PG_UNDEFINED_LENGTHS}) {
         SCOPED_TRACE(testing::Message() << std::hex << mode);
         Check(mode, kLoadAll);
         Check(mode, 0);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Bundled, RoundTrip, testing::ValuesIn(BundledFiles()),
+INSTANTIATE_TEST_SUITE_P(Bundled, RoundTrip, testing::ValuesIn(WholeFiles()),
                          [](const testing::TestParamInfo<std::string>& tested) {
                              std::string name = tested.param;
                              for (char& c : name) {

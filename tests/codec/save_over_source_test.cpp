@@ -7,17 +7,15 @@
 
 #include "codec/encoded.h"
 #include "support/captured.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
+#include "support/write_results.h"
 
 namespace {
 
 using namespace pgkit_test;
 namespace fs = std::filesystem;
-
-constexpr int32_t kExplicitLittle = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr uint32_t kCannotCreate = 1;
-constexpr uint32_t kValueTooLong = 6;
 
 class SaveOverSource : public testing::Test {
   protected:

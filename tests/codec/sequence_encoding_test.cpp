@@ -4,18 +4,14 @@
 #include <string>
 
 #include "codec/encoded.h"
+#include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
+#include "support/write_results.h"
 
 namespace {
 
 using namespace pgkit_test;
-
-constexpr uint32_t kImplicitLittle = PG_IMPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr uint32_t kExplicitLittle = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr uint32_t kExplicitBig = PG_EXPLICIT_VR | PG_BIG_ENDIAN;
-
-constexpr uint32_t kValueTooLong = 6;
 
 class EncodedSequence : public testing::Test {
   protected:
@@ -123,7 +119,7 @@ TEST_F(EncodedSequence, EndWhereAnItemFailsWhenTheyHaveNoDelimiters) {
 
 TEST_F(EncodedSequence, OfGroupTwoHaveItemHeadersInItsByteOrder) {
     sequence_->group = 0x0002;
-    EXPECT_EQ(Encode(kExplicitBig | PG_META | PG_UNDEFINED_LENGTHS).bytes,
+    EXPECT_EQ(Encode(kPart10Big | PG_UNDEFINED_LENGTHS).bytes,
               StreamBuilder()
                   .Sequence(0x0002, 0x1140)
                   .Item()

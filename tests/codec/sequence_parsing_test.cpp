@@ -174,7 +174,7 @@ TEST(SequenceNodes, ItemsDescribeThemselves) {
     const uint32_t sequenceValue = stream.Size();
     stream.Item().Element(0x0010, 0x0010, "PN", "AB").EndItem().EndSequence();
 
-    OpenedStream opened(stream, kLoadAll, 0x48);
+    OpenedStream opened(stream, kLoadAll, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN);
 
     PGX_Node* sequence = opened->FindNode(0x0008, 0x1140);
     EXPECT_EQ(sequence->fileOffset, sequenceValue);

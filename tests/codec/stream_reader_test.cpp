@@ -2,18 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 
+#include "support/stream.h"
 #include "support/temp_dir.h"
 
 namespace {
 
 using pgkit::StreamReader;
-
-struct FileCloser {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-};
 
 class StreamReaderTest : public testing::Test {
   protected:
@@ -22,7 +18,7 @@ class StreamReaderTest : public testing::Test {
         pgkit_test::Bytes content(size);
         for (size_t i = 0; i < size; ++i)
             content[i] = Expected(i);
-        stream_.reset(std::fopen(directory_.Write("stream", content).c_str(), "rb"));
+        stream_ = pgkit_test::OpenStream(directory_.Write("stream", content), "rb");
         return stream_.get();
     }
     static uint8_t Expected(uint64_t position) { return static_cast<uint8_t>(position % 251); }
@@ -35,7 +31,7 @@ class StreamReaderTest : public testing::Test {
 
   private:
     pgkit_test::TempDir directory_;
-    std::unique_ptr<FILE, FileCloser> stream_;
+    pgkit_test::Stream stream_;
 };
 
 TEST_F(StreamReaderTest, ReadsThroughManyBuffers) {

@@ -4,13 +4,20 @@
 
 #include <ostream>
 
+#include "support/save_modes.h"
 #include "support/tree.h"
 
 namespace {
 
 using pgkit_test::Bytes;
 using pgkit_test::Describe;
+using pgkit_test::kExplicitBig;
+using pgkit_test::kExplicitLittle;
+using pgkit_test::kImplicitLittle;
 using pgkit_test::kLoadAll;
+using pgkit_test::kPart10Big;
+using pgkit_test::kPart10Explicit;
+using pgkit_test::kPart10Implicit;
 using pgkit_test::OpenedStream;
 using pgkit_test::Order;
 using pgkit_test::PaddedUid;
@@ -48,14 +55,15 @@ TEST_P(TransferSyntax, DecidesHowTheDataSetIsDecoded) {
 
 INSTANTIATE_TEST_SUITE_P(
     Known, TransferSyntax,
-    testing::Values(SyntaxCase{"1.2.840.10008.1.2", VrMode::Implicit, Order::Little, 0x34},
-                    SyntaxCase{"1.2.840.10008.1.2.1", VrMode::Explicit, Order::Little, 0x2C},
-                    SyntaxCase{"1.2.840.10008.1.2.2", VrMode::Explicit, Order::Big, 0x4C},
-                    SyntaxCase{"1.2.840.113619.5.2", VrMode::Implicit, Order::Little, 0x34},
-                    SyntaxCase{"1.2.840.113704.7.0.4.5", VrMode::Explicit, Order::Big, 0x4C},
-                    SyntaxCase{"1.2.840.10008.1.2.4.50", VrMode::Explicit, Order::Little, 0x2C},
-                    SyntaxCase{"1.2.840.10008.1.2.5", VrMode::Explicit, Order::Little, 0x2C},
-                    SyntaxCase{"9.9", VrMode::Explicit, Order::Little, 0x2C}));
+    testing::Values(
+        SyntaxCase{"1.2.840.10008.1.2", VrMode::Implicit, Order::Little, kPart10Implicit},
+        SyntaxCase{"1.2.840.10008.1.2.1", VrMode::Explicit, Order::Little, kPart10Explicit},
+        SyntaxCase{"1.2.840.10008.1.2.2", VrMode::Explicit, Order::Big, kPart10Big},
+        SyntaxCase{"1.2.840.113619.5.2", VrMode::Implicit, Order::Little, kPart10Implicit},
+        SyntaxCase{"1.2.840.113704.7.0.4.5", VrMode::Explicit, Order::Big, kPart10Big},
+        SyntaxCase{"1.2.840.10008.1.2.4.50", VrMode::Explicit, Order::Little, kPart10Explicit},
+        SyntaxCase{"1.2.840.10008.1.2.5", VrMode::Explicit, Order::Little, kPart10Explicit},
+        SyntaxCase{"9.9", VrMode::Explicit, Order::Little, kPart10Explicit}));
 
 TEST(StreamStart, MetaElementsStandFirstWithTheirValuesOnDisk) {
     StreamBuilder stream;
@@ -98,7 +106,7 @@ TEST(StreamStart, PreambleMayHoldAnything) {
     stream.Text(std::string(128, 'x')).Text("DICM");
     stream.MetaElement(0x0010, "UI", PaddedUid("1.2.840.10008.1.2"));
     stream.Mode(VrMode::Implicit).Element(0x0008, 0x0060, "CS", "CT");
-    EXPECT_EQ(OpenedStream(stream)->syntaxFlags, 0x34u);
+    EXPECT_EQ(OpenedStream(stream)->syntaxFlags, kPart10Implicit);
 }
 
 TEST(StreamStart, MetaGroupWithoutPreambleIsRecognisedByItsGroupLength) {
@@ -110,7 +118,7 @@ TEST(StreamStart, MetaGroupWithoutPreambleIsRecognisedByItsGroupLength) {
 
     OpenedStream opened(stream);
 
-    EXPECT_EQ(opened->syntaxFlags, 0x4Cu);
+    EXPECT_EQ(opened->syntaxFlags, kPart10Big);
     EXPECT_EQ(Tags(opened.Root()), "0002,0000 0002,0010 0008,0060");
 }
 
@@ -121,14 +129,14 @@ TEST(StreamStart, MetaGroupWithoutPreambleIsRecognisedByItsSopClass) {
         .Mode(VrMode::Implicit)
         .Element(0x0008, 0x0060, "CS", "CT");
     OpenedStream opened(stream);
-    EXPECT_EQ(opened->syntaxFlags, 0x34u);
+    EXPECT_EQ(opened->syntaxFlags, kPart10Implicit);
     EXPECT_EQ(Tags(opened.Root()), "0002,0002 0002,0010 0008,0060");
 }
 
 TEST(StreamStart, AnyOtherFirstMetaElementIsNoMetaGroup) {
     StreamBuilder stream;
     stream.Element(0x0002, 0x0001, "OB", "xx").Element(0x0008, 0x0060, "CS", "CT");
-    EXPECT_EQ(OpenedStream(stream)->syntaxFlags, 0x30u);
+    EXPECT_EQ(OpenedStream(stream)->syntaxFlags, kImplicitLittle);
 }
 
 TEST(StreamStart, MetaGroupMayBeImplicit) {
@@ -139,7 +147,7 @@ TEST(StreamStart, MetaGroupMayBeImplicit) {
         .Mode(VrMode::Explicit)
         .Element(0x0008, 0x0060, "CS", "CT");
     OpenedStream opened(stream);
-    EXPECT_EQ(opened->syntaxFlags, 0x2Cu);
+    EXPECT_EQ(opened->syntaxFlags, kPart10Explicit);
     EXPECT_EQ(Describe(opened.Root()), "[(0002,0000)UL:4 (0002,0010)UI:20 (0008,0060)CS:2]");
 }
 
@@ -170,7 +178,7 @@ TEST(StreamStart, MetaElementsMayRepeatAndFollowAGroupLengthOfAnyKind) {
         .Mode(VrMode::Implicit)
         .Element(0x0008, 0x0060, "CS", "CT");
     OpenedStream opened(stream);
-    EXPECT_EQ(opened->syntaxFlags, 0x34u);
+    EXPECT_EQ(opened->syntaxFlags, kPart10Implicit);
     EXPECT_EQ(Tags(opened.Root()), "0002,0000 0002,0000 0002,0010 0002,0010 0008,0060");
 }
 
@@ -180,7 +188,7 @@ TEST(StreamStart, TransferSyntaxIsTheFirstWordOfItsText) {
         StreamBuilder stream;
         stream.Preamble().MetaElement(0x0010, "UI", text);
         stream.Mode(VrMode::Implicit).Element(0x0008, 0x0060, "CS", "CT");
-        EXPECT_EQ(OpenedStream(stream)->syntaxFlags, 0x34u) << text;
+        EXPECT_EQ(OpenedStream(stream)->syntaxFlags, kPart10Implicit) << text;
     }
 }
 
@@ -189,73 +197,82 @@ TEST(StreamStart, OverlongTransferSyntaxIsCutAndSkippedWhole) {
     stream.Preamble().MetaElement(0x0010, "UI", std::string(5000, '1'));
     stream.Element(0x0008, 0x0060, "CS", "CT");
     OpenedStream opened(stream);
-    EXPECT_EQ(opened->syntaxFlags, 0x2Cu);
+    EXPECT_EQ(opened->syntaxFlags, kPart10Explicit);
     EXPECT_EQ(Tags(opened.Root()), "0002,0010 0008,0060");
 }
 
 TEST(StreamStart, MetaGroupWithoutTransferSyntaxIsExplicitLittleEndian) {
     StreamBuilder stream;
     stream.Preamble().MetaElement(0x0002, "UI", "1.2 ").Element(0x0008, 0x0060, "CS", "CT");
-    EXPECT_EQ(OpenedStream(stream)->syntaxFlags, 0x2Cu);
+    EXPECT_EQ(OpenedStream(stream)->syntaxFlags, kPart10Explicit);
 }
 
 TEST(StreamStart, PrefixWithoutMetaElementsIsExplicitLittleEndian) {
     StreamBuilder stream;
     stream.Preamble().Element(0x0008, 0x0060, "CS", "CT");
     OpenedStream opened(stream);
-    EXPECT_EQ(opened->syntaxFlags, 0x2Cu);
+    EXPECT_EQ(opened->syntaxFlags, kPart10Explicit);
     EXPECT_EQ(Describe(opened.Root()), "[(0008,0060)CS:2]");
 }
 
 TEST(StreamStart, BareDataSetIsImplicitUnlessLettersStandForAVr) {
     StreamBuilder implicitVr(VrMode::Implicit);
     implicitVr.Element(0x0008, 0x0005, "CS", "ISO_IR 100");
-    EXPECT_EQ(OpenedStream(implicitVr)->syntaxFlags, 0x30u);
+    EXPECT_EQ(OpenedStream(implicitVr)->syntaxFlags, kImplicitLittle);
 
     StreamBuilder explicitVr;
     explicitVr.Element(0x0008, 0x0005, "CS", "ISO_IR 100");
-    EXPECT_EQ(OpenedStream(explicitVr)->syntaxFlags, 0x28u);
+    EXPECT_EQ(OpenedStream(explicitVr)->syntaxFlags, kExplicitLittle);
 }
 
 TEST(StreamStart, LettersOfEitherCaseCountButOnlyInGroup0008) {
     StreamBuilder lower;
     lower.Element(0x0008, 0x0005, "cs", "ISO_IR 100");
-    EXPECT_EQ(OpenedStream(lower)->syntaxFlags, 0x28u);
+    EXPECT_EQ(OpenedStream(lower)->syntaxFlags, kExplicitLittle);
 
     StreamBuilder group10;
     group10.Element(0x0010, 0x0010, "PN", "DOE^JOHN");
-    EXPECT_EQ(OpenedStream(group10)->syntaxFlags, 0x30u);
+    EXPECT_EQ(OpenedStream(group10)->syntaxFlags, kImplicitLittle);
 }
 
 TEST(StreamStart, FlagsForceTheEncodingOfABareDataSet) {
     StreamBuilder big(VrMode::Explicit, Order::Big);
     big.Element(0x0010, 0x0010, "PN", "DOE^JOHN");
-    EXPECT_EQ(OpenedStream(big, kLoadAll, 0x48)->syntaxFlags, 0x48u);
-    EXPECT_EQ(Describe(OpenedStream(big, kLoadAll, 0x48).Root()), "[(0010,0010)PN:8]");
+    EXPECT_EQ(OpenedStream(big, kLoadAll, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN)
+                  ->syntaxFlags,
+              kExplicitBig);
+    EXPECT_EQ(
+        Describe(OpenedStream(big, kLoadAll, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN)
+                     .Root()),
+        "[(0010,0010)PN:8]");
 
     StreamBuilder implicitBig(VrMode::Implicit, Order::Big);
     implicitBig.Element(0x0010, 0x0010, "", "DOE^JOHN");
-    OpenedStream opened(implicitBig, kLoadAll, 0x50);
-    EXPECT_EQ(opened->syntaxFlags, 0x50u);
+    OpenedStream opened(implicitBig, kLoadAll,
+                        PG_OPEN_FORCE_IMPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN);
+    EXPECT_EQ(opened->syntaxFlags, PG_IMPLICIT_VR | PG_BIG_ENDIAN);
     EXPECT_EQ(Describe(opened.Root()), "[(0010,0010)PN:8]");
 }
 
 TEST(StreamStart, OfContradictingFlagsExplicitAndLittleEndianWin) {
     StreamBuilder stream;
     stream.Element(0x0010, 0x0010, "PN", "DOE^JOHN");
-    EXPECT_EQ(OpenedStream(stream, kLoadAll, 0x78)->syntaxFlags, 0x28u);
+    EXPECT_EQ(OpenedStream(stream, kLoadAll, 0x78)->syntaxFlags, kExplicitLittle);
 }
 
 TEST(StreamStart, ImplicitFlagOverridesLetters) {
     StreamBuilder stream;
     stream.Element(0x0008, 0x0005, "CS", "ISO_IR 100");
-    EXPECT_EQ(OpenedStream(stream, kLoadAll, 0x10)->syntaxFlags, 0x30u);
+    EXPECT_EQ(OpenedStream(stream, kLoadAll, PG_OPEN_FORCE_IMPLICIT_VR)->syntaxFlags,
+              kImplicitLittle);
 }
 
 TEST(StreamStart, FlagsDoNotCountWithAMetaGroup) {
     StreamBuilder stream;
     stream.Part10("1.2.840.10008.1.2.1").Element(0x0008, 0x0060, "CS", "CT");
-    EXPECT_EQ(OpenedStream(stream, kLoadAll, 0x50)->syntaxFlags, 0x2Cu);
+    EXPECT_EQ(OpenedStream(stream, kLoadAll, PG_OPEN_FORCE_IMPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN)
+                  ->syntaxFlags,
+              kPart10Explicit);
 }
 
 TEST(StreamStart, StreamsWithoutAWholeFirstHeaderAreRefused) {
@@ -267,7 +284,7 @@ TEST(StreamStart, StreamsWithoutAWholeFirstHeaderAreRefused) {
 TEST(StreamStart, SixBytesAreEnoughForAnEmptyDataSet) {
     OpenedStream opened(Bytes{8, 0, 5, 0, 'C', 'S'});
     EXPECT_EQ(Describe(opened.Root()), "[]");
-    EXPECT_EQ(opened->syntaxFlags, 0x28u);
+    EXPECT_EQ(opened->syntaxFlags, kExplicitLittle);
 }
 
 TEST(StreamStart, FileThatEndsInOrBehindItsMetaGroupIsRefused) {

@@ -138,7 +138,7 @@ TEST(BitsAllocated, OfAnItemIsNotThatOfItsSequence) {
 TEST(BitsAllocated, IsReadInTheStreamsByteOrder) {
     StreamBuilder stream(VrMode::Explicit, pgkit_test::Order::Big);
     stream.ElementUS(0x0028, 0x0100, 16).Element(0x7FE0, 0x0010, "OW", "abcd");
-    OpenedStream opened(stream, kLoadAll, 0x48);
+    OpenedStream opened(stream, kLoadAll, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN);
     EXPECT_EQ(Child(opened.Root(), 0x7FE0, 0x0010)->bitsAllocated, 16u);
 }
 

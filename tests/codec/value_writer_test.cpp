@@ -14,15 +14,9 @@ namespace {
 using namespace pgkit;
 using pgkit_test::Bytes;
 using pgkit_test::FailingSink;
+using pgkit_test::Pattern;
 
 constexpr size_t kPiece = OutputWriter::kCapacity;
-
-Bytes Pattern(size_t size) {
-    Bytes bytes(size);
-    for (size_t i = 0; i < size; ++i)
-        bytes[i] = static_cast<uint8_t>(i * 7 + i / 251);
-    return bytes;
-}
 
 // The rule, unit by unit: what fills no unit stays as it is.
 Bytes SwappedUnits(Bytes bytes, size_t unit) {
@@ -91,9 +85,9 @@ TEST_P(ValueUnits, CompleteASourceThatEndsOneByteEarlyBeforeTheySwap) {
     const size_t unit = SwapUnit(GetParam());
     for (const size_t size :
          {size_t{1}, size_t{2}, size_t{3}, size_t{8}, size_t{9}, kPiece, kPiece + 1, kPiece + 8}) {
-        Bytes value = Pattern(size);
-        value.back() = 0;
-        const Bytes content(value.begin(), value.end() - 1);
+        const Bytes content = Pattern(size - 1);
+        Bytes value = content;
+        value.push_back(0);
         const Written swapped = FromStream(content, GetParam(), size, true);
         EXPECT_EQ(swapped.result, kWritten);
         EXPECT_TRUE(swapped.bytes == SwappedUnits(value, unit)) << size;

@@ -2,14 +2,13 @@
 
 #include "codec/encoded.h"
 #include "support/failing_new.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
+#include "support/write_results.h"
 
 namespace {
 
 using namespace pgkit_test;
-
-constexpr int32_t kPart10Explicit = PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr uint32_t kOutOfMemory = 5;
 
 // With items, an offset to patch, and values and fragments in a file.
 class WriteOutOfMemory : public testing::Test {

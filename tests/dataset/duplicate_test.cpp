@@ -5,11 +5,13 @@
 #include <string>
 
 #include "support/nodes.h"
+#include "support/save_modes.h"
 #include "support/temp_dir.h"
 #include "support/tree.h"
 
 namespace {
 
+using pgkit_test::kPart10Explicit;
 using pgkit_test::NewDataSet;
 using pgkit_test::NewElement;
 using pgkit_test::OpenedFile;
@@ -30,7 +32,7 @@ TEST(DuplicateNode, CopiesTheDescription) {
     const Tree target = NewDataSet();
     const Tree node = NewElement(0x0004, 0x1400, VR_UL, "abcd", ET_BigEndian);
     node->bitsAllocated = 12;
-    node->syntaxFlags = 0x2C;
+    node->syntaxFlags = kPart10Explicit;
     node->offsetPending = 1;
     node->offsetTarget = target.get();
 
@@ -42,7 +44,7 @@ TEST(DuplicateNode, CopiesTheDescription) {
     EXPECT_EQ(copy->length, 4u);
     EXPECT_EQ(copy->endian, ET_BigEndian);
     EXPECT_EQ(copy->bitsAllocated, 12u);
-    EXPECT_EQ(copy->syntaxFlags, 0x2Cu);
+    EXPECT_EQ(copy->syntaxFlags, kPart10Explicit);
     EXPECT_EQ(copy->offsetPending, 1u);
     EXPECT_EQ(copy->offsetTarget, target.get());
 }

@@ -23,14 +23,14 @@ StreamBuilder Image(Order order, std::string_view vr, uint16_t bitsAllocated) {
 }
 
 Bytes Frame(const StreamBuilder& stream, uint32_t limit, uint32_t index, uint32_t size) {
-    OpenedStream opened(stream, limit, 0x48);
+    OpenedStream opened(stream, limit, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN);
     Bytes frame(size, 0xEE);
     EXPECT_EQ(Child(opened.Root(), 0x7FE0, 0x0010)->GetPixelData(index, size, frame.data()), 1);
     return frame;
 }
 
 Bytes LittleFrame(const StreamBuilder& stream, uint32_t limit, uint32_t index, uint32_t size) {
-    OpenedStream opened(stream, limit, 0x28);
+    OpenedStream opened(stream, limit, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_LITTLE_ENDIAN);
     Bytes frame(size, 0xEE);
     EXPECT_EQ(Child(opened.Root(), 0x7FE0, 0x0010)->GetPixelData(index, size, frame.data()), 1);
     return frame;
@@ -100,7 +100,7 @@ TEST(EncapsulatedInBigEndian, ItemsAreLittleEndian) {
     stream.Header(0x7FE0, 0x0010, "OB", 0xFFFFFFFF).Append(items.Data());
     stream.Element(0x7FE1, 0x1001, "LO", "AB");
 
-    OpenedStream opened(stream, kLoadAll, 0x48);
+    OpenedStream opened(stream, kLoadAll, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN);
 
     uint32_t length = 0;
     uint32_t offset = 0;

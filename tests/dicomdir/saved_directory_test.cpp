@@ -6,6 +6,7 @@
 
 #include "support/browsed_directory.h"
 #include "support/directory_builder.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
 
 namespace {
@@ -14,14 +15,14 @@ using pgkit_test::BrowsedDirectory;
 using pgkit_test::Bytes;
 using pgkit_test::CapturePrinted;
 using pgkit_test::DirectoryBuilder;
+using pgkit_test::kPart10Big;
+using pgkit_test::kPart10Explicit;
+using pgkit_test::kPart10Implicit;
 using pgkit_test::ReadFile;
 using pgkit_test::TempDir;
 using pgkit_test::TestData;
 
-constexpr int32_t kExplicit = PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
-constexpr int32_t kBigEndian = PG_META | PG_EXPLICIT_VR | PG_BIG_ENDIAN;
-constexpr int32_t kWithDelimiters = kExplicit | PG_UNDEFINED_LENGTHS;
-constexpr int32_t kImplicit = PG_META | PG_IMPLICIT_VR | PG_LITTLE_ENDIAN;
+constexpr uint32_t kWithDelimiters = kPart10Explicit | PG_UNDEFINED_LENGTHS;
 
 // Records: 0 P, 1 S, 2 E, 3 to 5 images, 6 Q, ...
 DirectoryBuilder TwoPatients() {
@@ -65,7 +66,7 @@ class SavedDirectory : public testing::Test {
 };
 
 TEST_F(SavedDirectory, BrowsesBackEqualInEveryEncoding) {
-    for (const int32_t mode : {kExplicit, kImplicit, kWithDelimiters, kBigEndian}) {
+    for (const int32_t mode : {kPart10Explicit, kPart10Implicit, kWithDelimiters, kPart10Big}) {
         BrowsedDirectory browsed(TwoPatients());
         BrowsedDirectory saved(Save(browsed, mode));
         EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
@@ -76,7 +77,7 @@ TEST_F(SavedDirectory, BrowsesBackEqualInEveryEncoding) {
 TEST_F(SavedDirectory, HasOffsetsThatDifferWhenTheRecordsMoved) {
     BrowsedDirectory browsed(TwoPatients());
     Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
-    BrowsedDirectory saved(Save(browsed, kExplicit));
+    BrowsedDirectory saved(Save(browsed, kPart10Explicit));
     EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))");
     EXPECT_EQ(saved.Messages(), "");
     PGX_Node* lower = Item(saved, 0)->FindNode(0x0004, 0x1420);
@@ -90,7 +91,7 @@ TEST_F(SavedDirectory, LeadsToItsFirstAndLastRecordWhereverTheyMoved) {
     const uint32_t oldFirst = browsed->dataSet->FindNode(0x0004, 0x1200)->GetULValue();
     BrowsedDirectory saved(Save(browsed, kWithDelimiters));
     Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
-    BrowsedDirectory moved(Save(browsed, kBigEndian));
+    BrowsedDirectory moved(Save(browsed, kPart10Big));
     for (BrowsedDirectory* directory : {&saved, &moved}) {
         const auto offset = [&](uint16_t element) {
             return (*directory)->dataSet->FindNode(0x0004, element)->GetULValue();
@@ -103,7 +104,7 @@ TEST_F(SavedDirectory, LeadsToItsFirstAndLastRecordWhereverTheyMoved) {
 
 TEST_F(SavedDirectory, CanBeBrowsedAndSavedAgain) {
     BrowsedDirectory browsed(TwoPatients());
-    for (const int32_t mode : {kImplicit, kExplicit, kBigEndian}) {
+    for (const int32_t mode : {kPart10Implicit, kPart10Explicit, kPart10Big}) {
         Item(browsed, 1)->InsertNode(0x0008, 0x1030, "another study", 13);
         BrowsedDirectory saved(Save(browsed, mode));
         EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
@@ -115,7 +116,7 @@ TEST_F(SavedDirectory, CanBeBrowsedAndSavedAgain) {
 TEST_F(SavedDirectory, CanBeSavedTwice) {
     BrowsedDirectory browsed(TwoPatients());
     Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
-    for (const int32_t mode : {kImplicit, kExplicit, kBigEndian}) {
+    for (const int32_t mode : {kPart10Implicit, kPart10Explicit, kPart10Big}) {
         BrowsedDirectory saved(Save(browsed, mode));
         EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
         EXPECT_EQ(saved.Messages(), "") << mode;
@@ -125,10 +126,10 @@ TEST_F(SavedDirectory, CanBeSavedTwice) {
 // As it would for a caller who wants the record to be the last of its level.
 TEST_F(SavedDirectory, KeepsALinkThatWasChangedAfterASave) {
     BrowsedDirectory browsed(TwoPatients());
-    Save(browsed, kExplicit);
+    Save(browsed, kPart10Explicit);
     const uint32_t none = 0;
     Item(browsed, 3)->FindNode(0x0004, 0x1400)->SetValue(&none, 4);
-    BrowsedDirectory saved(Save(browsed, kImplicit));
+    BrowsedDirectory saved(Save(browsed, kPart10Implicit));
     EXPECT_EQ(saved.Outline(), "P(S(E(1))) Q(T(F(4)))");
 }
 
@@ -136,14 +137,14 @@ TEST_F(SavedDirectory, MayLeaveOutARecordThatIsLinkedNoMore) {
     BrowsedDirectory browsed(TwoPatients());
     Link(Item(browsed, 3)->FindNode(0x0004, 0x1400), Item(browsed, 5));
     Sequence(browsed)->RemoveNode(Item(browsed, 4));
-    BrowsedDirectory saved(Save(browsed, kExplicit));
+    BrowsedDirectory saved(Save(browsed, kPart10Explicit));
     EXPECT_EQ(saved.Outline(), "P(S(E(1 3))) Q(T(F(4)))");
     EXPECT_EQ(saved.Messages(), "");
 }
 
 TEST_F(SavedDirectory, MayBeginWithAnotherPatient) {
     BrowsedDirectory browsed(TwoPatients());
-    BrowsedDirectory saved(Save(browsed, kExplicit, Item(browsed, 6)));
+    BrowsedDirectory saved(Save(browsed, kPart10Explicit, Item(browsed, 6)));
     EXPECT_EQ(saved.Outline(), "Q(T(F(4)))");
 }
 
@@ -152,7 +153,7 @@ TEST_F(SavedDirectory, KeepsTheRecordsOfRemovedObjects) {
     BrowsedDirectory browsed(TwoPatients());
     pgRemoveLeaf(browsed->GetPatientList(), &browsed.Leaf(1));
     EXPECT_EQ(browsed.Outline(), "P(S(E(1 3))) Q(T(F(4)))");
-    BrowsedDirectory saved(Save(browsed, kExplicit));
+    BrowsedDirectory saved(Save(browsed, kPart10Explicit));
     EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))");
 }
 
@@ -180,7 +181,7 @@ TEST_F(RealDirectory, InImplicitVrIsBrowsed) {
 }
 
 TEST_F(RealDirectory, BrowsesBackEqualWhenItIsSaved) {
-    for (const int32_t mode : {kImplicit, kExplicit}) {
+    for (const int32_t mode : {kPart10Implicit, kPart10Explicit}) {
         BrowsedDirectory saved(Save(browsed_, mode));
         EXPECT_EQ(saved.Outline(), browsed_.Outline()) << mode;
         EXPECT_EQ(saved.Messages(), "") << mode;

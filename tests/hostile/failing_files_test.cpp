@@ -11,13 +11,12 @@
 #include "hostile/every_failure.h"
 #include "hostile/failing_jobs.h"
 #include "sopclass/sop_class_set.h"
+#include "support/save_modes.h"
 
 namespace {
 
 using namespace pgkit_test;
 using pgkit::PrivateDictionary;
-
-constexpr int32_t kPart10Explicit = PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
 
 class FailingFile : public testing::Test {
   protected:

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "support/directory_builder.h"
+#include "support/icon_sequence.h"
 #include "support/instance_file.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
@@ -33,24 +34,11 @@ inline StreamBuilder RichFile() {
 }
 
 // The content of an Icon Image Sequence: two pixels.
-inline std::string SmallIcon() {
-    StreamBuilder icon;
-    icon.Item()
-        .Element(0x0028, 0x0004, "CS", "MONOCHROME2 ")
-        .ElementUS(0x0028, 0x0010, 1)
-        .ElementUS(0x0028, 0x0011, 2)
-        .ElementUS(0x0028, 0x0100, 8)
-        .ElementUS(0x0028, 0x0102, 7)
-        .Element(0x7FE0, 0x0010, "OB", "\x12\x34")
-        .EndItem();
-    return std::string(icon.Data().begin(), icon.Data().end());
-}
+inline std::string SmallIcon() { return IconSequence("MONOCHROME2 ", "\x12\x34"); }
 
 // The content of a Concept Name Code Sequence.
 inline std::string SmallTitle() {
-    StreamBuilder title;
-    title.Item().Element(0x0008, 0x0104, "LO", "A title of some length").EndItem();
-    return std::string(title.Data().begin(), title.Data().end());
+    return OneItem(StreamBuilder().Element(0x0008, 0x0104, "LO", "A title of some length"));
 }
 
 // Two patients with records on all levels, and all that these own.

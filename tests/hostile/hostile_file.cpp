@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "support/save_modes.h"
 #include "support/temp_dir.h"
 
 namespace pgkit_test {
@@ -11,10 +12,10 @@ namespace pgkit_test {
 namespace {
 
 constexpr int32_t kModes[] = {
-    PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN,
-    PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN | PG_UNDEFINED_LENGTHS,
-    PG_IMPLICIT_VR | PG_LITTLE_ENDIAN,
-    PG_EXPLICIT_VR | PG_BIG_ENDIAN,
+    kPart10Explicit,
+    kPart10Explicit | PG_UNDEFINED_LENGTHS,
+    kImplicitLittle,
+    kExplicitBig,
 };
 
 void ReadElement(PGX_Node& element) {

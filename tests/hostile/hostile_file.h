@@ -5,10 +5,9 @@
 #include <pgkit/pgkit.h>
 
 #include <cstdint>
-#include <ctime>
 #include <string>
 
-#include "support/peak_memory.h"
+#include "support/cost.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
 
@@ -16,20 +15,6 @@ namespace pgkit_test {
 
 // Memory beyond the size of the file.
 constexpr uint64_t kMemoryAllowance = uint64_t{64} << 20;
-
-// Runs code and expects it to take less than a second (with sanitizers and under Wine: ten) and no
-// more memory than allowed.
-template <typename Code>
-void ExpectCheap(uint64_t allowedMemory, Code&& code) {
-    const PeakMemory memory;
-    const std::clock_t start = std::clock();
-    code();
-    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-    EXPECT_LT(seconds, PGKIT_TEST_SECONDS);
-    if (const auto growth = memory.Growth()) {
-        EXPECT_LE(*growth, allowedMemory);
-    }
-}
 
 // Uses every element in every way that asks for no knowledge of it.
 void ReadEverything(PGX_Node* dataSet);

@@ -8,6 +8,7 @@
 
 #include "hostile/hostile_file.h"
 #include "support/captured.h"
+#include "support/sample_files.h"
 
 namespace {
 
@@ -18,16 +19,6 @@ using namespace pgkit_test;
 // of even lengths, that is in turn at every byte of them.
 constexpr uint64_t kEveryByte = 700;
 constexpr uint64_t kStride = 7;
-
-std::vector<fs::path> Samples() {
-    std::vector<fs::path> paths;
-    for (const char* folder :
-         {"bad", "charset", "dicomdir", "encapsulated", "headerless", "native", "sequences"}) {
-        for (const fs::directory_entry& entry : fs::directory_iterator(TestData(folder)))
-            paths.push_back(entry.path());
-    }
-    return paths;
-}
 
 // The sizes to cut a file to, the largest first.
 std::vector<uint64_t> SizesToTry(const std::string& path) {
@@ -50,11 +41,11 @@ uint32_t LimitFor(uint64_t size) {
 }
 
 TEST(HostileSamples, MayEndAnywhere) {
-    const std::vector<fs::path> samples = Samples();
+    const std::vector<std::string> samples = SampleFiles();
     EXPECT_GE(samples.size(), 25u);
     const TempDir directory;
-    for (const fs::path& sample : samples) {
-        const std::string path = directory.Write("sample", ReadFile(sample.string()));
+    for (const std::string& sample : samples) {
+        const std::string path = directory.Write("sample", ReadFile(TestData(sample)));
         for (const uint64_t size : SizesToTry(path)) {
             fs::resize_file(path, size);
             OpenAndRead(path, LimitFor(size));

@@ -9,6 +9,7 @@
 
 #include "support/captured.h"
 #include "support/instance_file.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
 
 namespace {
@@ -22,10 +23,10 @@ std::string Work(const std::string& path, const std::string& output) {
     const DataSet root(pgOpenDataSetFile(path.c_str(), 16));
     if (root == nullptr) return "null";
     root->AddOrReplaceNode(0x0010, 0x0010, "ROE^JANE", 8);
-    root->AddGroupLengths(PG_EXPLICIT_VR | PG_LITTLE_ENDIAN);
+    root->AddGroupLengths(kExplicitLittle);
     const DataSet copy(root->DuplicateNode(0));
     copy->Dump((output + ".txt").c_str());
-    if (copy->SaveDataSetAsEx(output.c_str(), 0x2C) != 0) return "not saved";
+    if (copy->SaveDataSetAsEx(output.c_str(), kPart10Explicit) != 0) return "not saved";
     const DataSet saved(pgOpenDataSetFile(output.c_str(), kLoadAll));
     return Describe(saved.get()) + TextOf(Child(saved.get(), 0x0010, 0x0010));
 }

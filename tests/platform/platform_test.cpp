@@ -7,25 +7,21 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <string>
 
+#include "support/stream.h"
 #include "support/temp_dir.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 namespace platform = pgkit::platform;
+using pgkit_test::Stream;
 using pgkit_test::TempDir;
-
-struct FileCloser {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-};
-using File = std::unique_ptr<FILE, FileCloser>;
 
 // The first line of a file, or "none" when it cannot be opened.
 std::string LineOf(const std::string& path) {
-    const File file(platform::OpenForReading(path.c_str()));
+    const Stream file(platform::OpenForReading(path.c_str()));
     if (!file) return "none";
     char line[64] = "";
     return std::fgets(line, sizeof line, file.get()) == nullptr ? "" : line;
@@ -163,7 +159,7 @@ TEST_F(Platform, PipesAreNoFilesAndAreNotWaitedFor) {
 
 TEST_F(Platform, OpeningTellsTheSize) {
     uint64_t size = 0;
-    const File file(platform::OpenForReading(Path("Disc\\Images\\Im0001.dcm").c_str(), size));
+    const Stream file(platform::OpenForReading(Path("Disc\\Images\\Im0001.dcm").c_str(), size));
     ASSERT_TRUE(file);
     EXPECT_EQ(size, 4u);
 }
@@ -174,13 +170,13 @@ TEST_F(Platform, FilesAreNoDirectories) {
 
 TEST_F(Platform, FilesAreCreatedInADirectoryFoundIgnoringCase) {
     const std::string path = Path("DISC\\IMAGES\\New.dcm");
-    File(platform::CreateBinary(path.c_str())).reset();
+    Stream(platform::CreateBinary(path.c_str())).reset();
     EXPECT_TRUE(fs::exists(directory_.Path("Disc/Images/New.dcm")));
     EXPECT_EQ(EntriesIn(directory_.Path("")), 1u);
 }
 
 TEST_F(Platform, CreatingReplacesAFileOfAnotherCase) {
-    const File file(platform::CreateBinary(Path("Disc\\Images\\IM0001.DCM").c_str()));
+    const Stream file(platform::CreateBinary(Path("Disc\\Images\\IM0001.DCM").c_str()));
     ASSERT_TRUE(file);
     EXPECT_EQ(EntriesIn(directory_.Path("Disc/Images")), 1u);
     EXPECT_EQ(platform::FileSize(Path("Disc\\Images\\Im0001.dcm").c_str()), 0u);
@@ -194,11 +190,11 @@ TEST_F(Platform, NothingIsCreatedInAMissingDirectory) {
 
 TEST_F(Platform, BinaryFilesKeepTheirBytesAndTextFilesTheirLines) {
     const std::string binary = Path("binary");
-    std::fputs("a\r\n\x1A\n", File(platform::CreateBinary(binary.c_str())).get());
+    std::fputs("a\r\n\x1A\n", Stream(platform::CreateBinary(binary.c_str())).get());
     EXPECT_EQ(pgkit_test::ReadFile(binary), (pgkit_test::Bytes{'a', '\r', '\n', 0x1A, '\n'}));
 
     const std::string text = Path("text");
-    std::fputs("a\nb\n", File(platform::CreateText(text.c_str())).get());
+    std::fputs("a\nb\n", Stream(platform::CreateText(text.c_str())).get());
     std::ifstream lines(text);
     std::string first;
     std::string second;
@@ -209,7 +205,7 @@ TEST_F(Platform, BinaryFilesKeepTheirBytesAndTextFilesTheirLines) {
 TEST_F(Platform, UpdateWritesIntoTheFile) {
     const std::string path = Path("DISC\\IMAGES\\IM0001.DCM");
     {
-        const File file(platform::OpenForUpdate(path.c_str()));
+        const Stream file(platform::OpenForUpdate(path.c_str()));
         ASSERT_TRUE(file);
         ASSERT_TRUE(platform::Seek(file.get(), 1));
         std::fputs("ov", file.get());
@@ -218,7 +214,7 @@ TEST_F(Platform, UpdateWritesIntoTheFile) {
 }
 
 TEST_F(Platform, StreamsTellTheirPositionAndSize) {
-    const File file(platform::OpenForReading(Path("Disc\\Images\\Im0001.dcm").c_str()));
+    const Stream file(platform::OpenForReading(Path("Disc\\Images\\Im0001.dcm").c_str()));
     ASSERT_TRUE(file);
     EXPECT_EQ(platform::Tell(file.get()), 0u);
     EXPECT_TRUE(platform::Seek(file.get(), 3));
@@ -236,14 +232,14 @@ TEST_F(Platform, PositionsAndSizesGoBeyondFourGibibytes) {
     constexpr uint64_t kFar = (uint64_t{5} << 30) + 3;
     const std::string path = Path("large");
     {
-        const File file(platform::CreateBinary(path.c_str()));
+        const Stream file(platform::CreateBinary(path.c_str()));
         ASSERT_TRUE(file);
         ASSERT_TRUE(platform::Seek(file.get(), kFar));
         ASSERT_EQ(std::fputc('x', file.get()), 'x');
         EXPECT_EQ(platform::Tell(file.get()), kFar + 1);
     }
     EXPECT_EQ(platform::FileSize(path.c_str()), kFar + 1);
-    const File file(platform::OpenForReading(path.c_str()));
+    const Stream file(platform::OpenForReading(path.c_str()));
     ASSERT_TRUE(file);
     EXPECT_EQ(platform::StreamSize(file.get()), kFar + 1);
     ASSERT_TRUE(platform::Seek(file.get(), kFar));
@@ -278,7 +274,7 @@ class Replacement : public Platform {
 
 TEST_F(Replacement, IsCreatedBesideTheFileUnderAnUnusedName) {
     directory_.Write("Disc/Images/Im0001.dcm.new0", "taken");
-    const File file(platform::CreateReplacement(path_.c_str(), replacement_));
+    const Stream file(platform::CreateReplacement(path_.c_str(), replacement_));
     ASSERT_NE(file, nullptr);
     EXPECT_TRUE(replacement_.ends_with("Im0001.dcm.new1")) << replacement_;
     EXPECT_EQ(platform::FileSize(replacement_.c_str()), 0u);
@@ -290,7 +286,7 @@ TEST_F(Replacement, PassesOverDirectoriesAndLinksThatLeadNowhere) {
     std::error_code noLinksHere;
     fs::create_symlink(directory_.Path("nothing"), directory_.Path("Disc/Images/Im0001.dcm.new1"),
                        noLinksHere);
-    const File file(platform::CreateReplacement(path_.c_str(), replacement_));
+    const Stream file(platform::CreateReplacement(path_.c_str(), replacement_));
     ASSERT_NE(file, nullptr);
     EXPECT_TRUE(replacement_.ends_with(noLinksHere ? ".new1" : ".new2")) << replacement_;
     EXPECT_FALSE(fs::exists(directory_.Path("nothing")));
@@ -302,7 +298,7 @@ TEST_F(Replacement, IsNobodyElsesToReadBeforeItIsInPlace) {
     fs::permissions(file, perms::owner_read | perms::owner_write | perms::others_read);
     const perms before = fs::status(file).permissions();
     if ((before & perms::group_read) != perms::none) GTEST_SKIP() << "no permissions here";
-    File(platform::CreateReplacement(path_.c_str(), replacement_)).reset();
+    Stream(platform::CreateReplacement(path_.c_str(), replacement_)).reset();
     EXPECT_EQ(fs::status(replacement_).permissions(), perms::owner_read | perms::owner_write);
     EXPECT_TRUE(platform::ReplaceWith(path_.c_str(), replacement_.c_str()));
     EXPECT_EQ(fs::status(file).permissions(), before);
@@ -356,7 +352,7 @@ TEST(PlatformFiles, AreAppendedTo) {
     const TempDir directory;
     const std::string path = directory.Path("list");
     for (const char* text : {"first ", "second"}) {
-        const File file(platform::AppendText(path.c_str()));
+        const Stream file(platform::AppendText(path.c_str()));
         ASSERT_NE(file, nullptr);
         std::fputs(text, file.get());
     }

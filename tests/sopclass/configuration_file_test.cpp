@@ -1,33 +1,23 @@
 // A host program with a configuration file beside it: what the module reads when it is loaded.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <vector>
 
-#include "support/captured.h"
-#include "support/temp_dir.h"
+#include "support/host_directory.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-using pgkit_test::CapturePrinted;
-using pgkit_test::Printed;
-using pgkit_test::TempDir;
+using pgkit_test::Finished;
+using pgkit_test::HostDirectory;
 
-// Host program and module in a directory of their own.
 class ConfigurationFile : public testing::Test {
   protected:
-    ConfigurationFile() {
-        const fs::path probe(PGKIT_SOPCLASS_PROBE);
-        const fs::path module(PGKIT_MODULE);
-        program_ = directory_.Path(probe.filename().string());
-        fs::copy_file(probe, program_);
-        fs::copy_file(module, directory_.Path(module.filename().string()));
-    }
-
-    void WriteFile(std::string_view xml) { directory_.Write("halvorix.xml", xml); }
+    void WriteFile(std::string_view xml) { host_.Write("halvorix.xml", xml); }
 
     // A file with these entries in its list.
     void WriteEntries(const std::string& entries) {
@@ -36,20 +26,21 @@ class ConfigurationFile : public testing::Test {
     }
 
     // What the program prints when it asks for these UIDs.
-    Printed Run(const std::string& uids) {
-        return CapturePrinted(
-            [&] { EXPECT_EQ(std::system(("\"" + program_ + "\" " + uids).c_str()), 0); });
+    Finished Run(const std::vector<std::string>& uids) {
+        const Finished run = host_.Run(uids);
+        EXPECT_EQ(run.exitStatus, 0);
+        return run;
     }
 
-    // The line on the standard output when nothing else is printed.
-    std::string Answer(const std::string& uid) {
-        const Printed printed = Run(uid);
-        EXPECT_EQ(printed.err, "");
-        return printed.out;
+    // The lines on the standard output when nothing else is run.
+    std::string Answers(const std::vector<std::string>& uids) {
+        const Finished run = Run(uids);
+        EXPECT_EQ(run.err, "");
+        return run.out;
     }
+    std::string Answer(const std::string& uid) { return Answers({uid}); }
 
-    const TempDir directory_;
-    std::string program_;
+    const HostDirectory host_{PGKIT_TEST_SOPCLASS_PROBE};
 };
 
 TEST_F(ConfigurationFile, IsNotNeeded) {
@@ -65,18 +56,18 @@ TEST_F(ConfigurationFile, AddsMnemonicAndNameButNoCategory) {
 
 TEST_F(ConfigurationFile, GivesNoCategoryWhateverTheObject) {
     std::string entries;
-    std::string uids;
+    std::vector<std::string> uids;
     std::string answers;
     for (const std::string object :
          {"REPORT", "WAVEFORM", "KEYOBJECT", "PSTATE", "RTDOSE", "RTSTRUCT", "RTPLAN"}) {
         const std::string uid = "1.2.3." + std::to_string(uids.size() + 1);
         entries += "<SOPClass service=\"STORE\" object=\"" + object + "\" name=\"n\" mnemonic=\"" +
                    object + "\">" + uid + "</SOPClass>";
-        uids += uid + " ";
+        uids.push_back(uid);
         answers += uid + ": 0 \"" + object + "\" 0 \"n\"\n";
     }
     WriteEntries(entries);
-    EXPECT_EQ(Answer(uids), answers);
+    EXPECT_EQ(Answers(uids), answers);
 }
 
 TEST_F(ConfigurationFile, NeverOverridesBuiltInRows) {
@@ -107,7 +98,7 @@ TEST_F(ConfigurationFile, DropsIncompleteEntries) {
         "<SOPClass name=\"NoService\" object=\"IMAGE\" mnemonic=\"M\">1.2.2</SOPClass>"
         "<SOPClass name=\"Query\" service=\"QUERY\">1.2.3</SOPClass>"
         "<SOPClass service=\"STORE\" mnemonic=\"M\">1.2.4</SOPClass>");
-    EXPECT_EQ(Answer("1.2.1 1.2.2 1.2.3 1.2.4"),
+    EXPECT_EQ(Answers({"1.2.1", "1.2.2", "1.2.3", "1.2.4"}),
               "1.2.1: 1 \"XX\" 1 \"<NULL uid>\"\n"
               "1.2.2: 1 \"XX\" 1 \"<NULL uid>\"\n"
               "1.2.3: 0 \"\" 0 \"Query\"\n"
@@ -118,7 +109,7 @@ TEST_F(ConfigurationFile, NamesAreCaseSensitive) {
     WriteEntries(
         "<sopclass name=\"n\" service=\"STORE\" mnemonic=\"M\">1.2.1</sopclass>"
         "<SOPClass name=\"n\" Service=\"STORE\" mnemonic=\"M\">1.2.2</SOPClass>");
-    EXPECT_EQ(Answer("1.2.1 1.2.2"),
+    EXPECT_EQ(Answers({"1.2.1", "1.2.2"}),
               "1.2.1: 1 \"XX\" 1 \"<NULL uid>\"\n1.2.2: 1 \"XX\" 1 \"<NULL uid>\"\n");
 }
 
@@ -133,11 +124,11 @@ TEST_F(ConfigurationFile, AnErrorIsReportedOnTheStandardOutput) {
     WriteFile(
         "<properties><SOPClassList><SOPClass name=\"n\" service=\"STORE\" mnemonic=\"M\">1.2.3"
         "</SOPClass>");
-    const Printed printed = Run("1.2.3");
-    EXPECT_EQ(printed.out,
+    const Finished run = Run({"1.2.3"});
+    EXPECT_EQ(run.out,
               "SOPClassSet::load : xml parse error unexpected end of data\n"
               "1.2.3: 1 \"XX\" 1 \"<NULL uid>\"\n");
-    EXPECT_EQ(printed.err, "");
+    EXPECT_EQ(run.err, "");
 }
 
 TEST_F(ConfigurationFile, ALongEntryIsGivenWhole) {
@@ -147,7 +138,7 @@ TEST_F(ConfigurationFile, ALongEntryIsGivenWhole) {
 }
 
 TEST_F(ConfigurationFile, ADirectoryOfThatNameCountsAsMissing) {
-    fs::create_directory(directory_.Path("halvorix.xml"));
+    fs::create_directory(host_.Path("halvorix.xml"));
     EXPECT_EQ(Answer("1.2.3.4"), "1.2.3.4: 1 \"XX\" 1 \"<NULL uid>\"\n");
 }
 
@@ -161,7 +152,7 @@ TEST_F(ConfigurationFile, AHugeOrDeepFileDoesNotStopTheModule) {
               "1.2.3: 1 \"XX\" 1 \"<NULL uid>\"\n");
 
     WriteFile("<properties>");
-    fs::resize_file(directory_.Path("halvorix.xml"), 100 << 20);
+    fs::resize_file(host_.Path("halvorix.xml"), 100 << 20);
     EXPECT_EQ(Answer("1.2.3"),
               "SOPClassSet::load : xml parse error file too large\n"
               "1.2.3: 1 \"XX\" 1 \"<NULL uid>\"\n");

@@ -8,12 +8,6 @@ namespace {
 
 constexpr uint32_t kItemHeaderSize = 8;
 
-std::string Padded(std::string_view vr, std::string_view value) {
-    std::string padded(value);
-    if (padded.size() % 2 != 0) padded += vr == "UI" || vr == "OB" ? '\0' : ' ';
-    return padded;
-}
-
 StreamBuilder RecordContent(const DirectoryRecordSpec& record, uint32_t next, uint32_t lower) {
     StreamBuilder content;
     if (record.hasNext) content.ElementUL(0x0004, 0x1400, next);
@@ -40,7 +34,7 @@ StreamBuilder Head(const DirectoryBuilder& directory, uint32_t rootOffset) {
 
 DirectoryRecordSpec& DirectoryRecordSpec::Set(uint16_t group, uint16_t element, std::string_view vr,
                                               std::string_view value) {
-    keys[(uint32_t{group} << 16) | element] = {std::string(vr), Padded(vr, value)};
+    keys[(uint32_t{group} << 16) | element] = {std::string(vr), PaddedValue(vr, value)};
     return *this;
 }
 

@@ -6,12 +6,6 @@ namespace {
 
 uint32_t Key(uint16_t group, uint16_t element) { return (uint32_t{group} << 16) | element; }
 
-std::string Even(std::string_view vr, std::string_view value) {
-    std::string even(value);
-    if (even.size() % 2 != 0) even += vr == "UI" || vr == "OB" ? '\0' : ' ';
-    return even;
-}
-
 }  // namespace
 
 InstanceFile::InstanceFile() {
@@ -30,7 +24,7 @@ InstanceFile::InstanceFile() {
 
 InstanceFile& InstanceFile::Set(uint16_t group, uint16_t element, std::string_view vr,
                                 std::string_view value) {
-    elements_[Key(group, element)] = {std::string(vr), Even(vr, value)};
+    elements_[Key(group, element)] = {std::string(vr), PaddedValue(vr, value)};
     return *this;
 }
 
@@ -86,6 +80,10 @@ Bytes InstanceFile::DataWithoutPreamble() const {
                        element.vr, element.value);
     }
     return stream.Data();
+}
+
+InstanceFile Instance(int number) {
+    return InstanceFile().Instance("1.2.3.4." + std::to_string(number)).InstanceNumber(number);
 }
 
 }  // namespace pgkit_test

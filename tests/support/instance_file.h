@@ -48,4 +48,7 @@ class InstanceFile {
     std::map<uint32_t, Element> elements_;
 };
 
+// One of several files of a series.
+InstanceFile Instance(int number);
+
 }  // namespace pgkit_test

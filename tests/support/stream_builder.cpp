@@ -8,10 +8,10 @@ namespace pgkit_test {
 namespace {
 
 bool HasLongForm(std::string_view vr) {
-    constexpr std::array<std::string_view, 25> kShort = {
-        "UL", "UI", "US", "AE", "AT", "LO", "SH", "CS",
-        "DA", "TM", "DT", "ST", "PN", "IS", "DS", "LT",
-        "FL", "AS", "SL", "FD", "SS", "??", "  ", std::string_view("\0\0", 2)};
+    constexpr auto kShort = std::to_array<std::string_view>(
+        {"UL", "UI", "US", "AE", "AT", "LO", "SH", "CS",
+         "DA", "TM", "DT", "ST", "PN", "IS", "DS", "LT",
+         "FL", "AS", "SL", "FD", "SS", "??", "  ", std::string_view("\0\0", 2)});
     return std::find(kShort.begin(), kShort.end(), vr) == kShort.end();
 }
 
@@ -102,9 +102,9 @@ std::string OneItem(const StreamBuilder& content) {
     return std::string(item.Data().begin(), item.Data().end());
 }
 
-std::string PaddedUid(std::string_view uid) {
-    std::string padded(uid);
-    if (padded.size() % 2 != 0) padded += '\0';
+std::string PaddedValue(std::string_view vr, std::string_view value) {
+    std::string padded(value);
+    if (padded.size() % 2 != 0) padded += vr == "UI" || vr == "OB" ? '\0' : ' ';
     return padded;
 }
 

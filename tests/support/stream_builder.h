@@ -1,9 +1,9 @@
 // Composes DICOM streams field by field, right or deliberately wrong.
 //
-//   StreamBuilder stream(Vr::Explicit, ByteOrder::Little);
-//   stream.Preamble().Meta("1.2.840.10008.1.2.1");
+//   StreamBuilder stream(VrMode::Explicit, Order::Little);
+//   stream.Part10("1.2.840.10008.1.2.1");
 //   stream.Element(0x0010, 0x0010, "PN", "DOE^JOHN");
-//   stream.Sequence(0x0008, 0x1140).Item()...EndItem().EndSequence();
+//   stream.Sequence(0x0008, 0x1140).Item().EndItem().EndSequence();
 #pragma once
 
 #include <cstdint>
@@ -64,7 +64,8 @@ class StreamBuilder {
 // The value of a sequence of one item with this content.
 std::string OneItem(const StreamBuilder& content);
 
-// A UID with the NUL that makes its length even.
-std::string PaddedUid(std::string_view uid);
+// A value with the byte that makes its length even: a NUL or a blank, as its VR demands.
+std::string PaddedValue(std::string_view vr, std::string_view value);
+inline std::string PaddedUid(std::string_view uid) { return PaddedValue("UI", uid); }
 
 }  // namespace pgkit_test

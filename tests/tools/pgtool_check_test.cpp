@@ -28,10 +28,6 @@ class PgtoolCheck : public testing::Test {
     TempDir directory_;
 };
 
-InstanceFile Instance(int number) {
-    return InstanceFile().Instance("1.2.3.4." + std::to_string(number)).InstanceNumber(number);
-}
-
 TEST_F(PgtoolCheck, TellsWhatBecomesOfEachFile) {
     const std::string a = Write("A", Instance(1));
     const std::string b = Write("B", Instance(2).TransferSyntax("1.2.840.10008.1.2.4.50"));

@@ -59,10 +59,6 @@ class PgtoolMkdir : public testing::Test {
     TempDir directory_;
 };
 
-InstanceFile Instance(int number) {
-    return InstanceFile().Instance("1.2.3.4." + std::to_string(number)).InstanceNumber(number);
-}
-
 TEST_F(PgtoolMkdir, WritesTheDicomdirAndSumsUp) {
     Write("A", Instance(1));
     Write("SUB/B", Instance(2));

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "support/process.h"
+#include "support/save_modes.h"
 #include "support/tree.h"
 
 namespace {
@@ -9,6 +10,10 @@ namespace {
 using pgkit_test::Child;
 using pgkit_test::DataSet;
 using pgkit_test::Finished;
+using pgkit_test::kExplicitLittle;
+using pgkit_test::kPart10Big;
+using pgkit_test::kPart10Explicit;
+using pgkit_test::kPart10Implicit;
 using pgkit_test::ReadFile;
 using pgkit_test::RunProgram;
 using pgkit_test::TempDir;
@@ -40,18 +45,20 @@ class PgtoolWriting : public testing::Test {
 
 TEST_F(PgtoolWriting, SaveKeepsTheEncodingUnlessAsked) {
     const DataSet root = Written({"save", source_, output_});
-    EXPECT_EQ(root->syntaxFlags, 0x34u);
+    EXPECT_EQ(root->syntaxFlags, kPart10Implicit);
 }
 
 TEST_F(PgtoolWriting, SaveWritesEveryMode) {
-    EXPECT_EQ(Written({"save", source_, output_, "--mode", "explicit-le"})->syntaxFlags, 0x2Cu);
-    EXPECT_EQ(Written({"save", source_, output_, "--mode", "implicit-le"})->syntaxFlags, 0x34u);
-    EXPECT_EQ(Written({"save", source_, output_, "--mode=explicit-be"})->syntaxFlags, 0x4Cu);
+    EXPECT_EQ(Written({"save", source_, output_, "--mode", "explicit-le"})->syntaxFlags,
+              kPart10Explicit);
+    EXPECT_EQ(Written({"save", source_, output_, "--mode", "implicit-le"})->syntaxFlags,
+              kPart10Implicit);
+    EXPECT_EQ(Written({"save", source_, output_, "--mode=explicit-be"})->syntaxFlags, kPart10Big);
 }
 
 TEST_F(PgtoolWriting, BareFileHasNoMetaInformation) {
     const DataSet root = Written({"save", source_, output_, "--bare", "--mode", "explicit-le"});
-    EXPECT_EQ(root->syntaxFlags, 0x28u);
+    EXPECT_EQ(root->syntaxFlags, kExplicitLittle);
     EXPECT_EQ(root->first->group, 0x0008);
 }
 
@@ -59,14 +66,14 @@ TEST_F(PgtoolWriting, BareSourceGetsMetaInformationForAMode) {
     const std::string bare = directory_.Path("bare");
     ASSERT_EQ(Pgtool({"save", source_, bare, "--bare", "--mode", "explicit-le"}).exitStatus, 0);
     const DataSet root = Written({"save", bare, output_, "--mode", "implicit-le"});
-    EXPECT_EQ(root->syntaxFlags, 0x34u);
+    EXPECT_EQ(root->syntaxFlags, kPart10Implicit);
     EXPECT_EQ(TextOf(Child(root.get(), 0x0002, 0x0002)).substr(0, 25), "1.2.840.10008.5.1.4.1.1.4");
 }
 
 TEST_F(PgtoolWriting, UndefinedLengthsGiveDelimiters) {
     const std::string defined = TestData("sequences/sr_nested_be_defined.dcm");
     const DataSet root = Written({"save", defined, output_, "--undefined-lengths"});
-    EXPECT_EQ(root->syntaxFlags, 0x4Cu);
+    EXPECT_EQ(root->syntaxFlags, kPart10Big);
     EXPECT_EQ(Child(root.get(), 0x0040, 0xA730)->length, 0xFFFFFFFFu);
     const DataSet source(pgOpenDataSetFile(defined.c_str(), 0));
     EXPECT_NE(Child(source.get(), 0x0040, 0xA730)->length, 0xFFFFFFFFu);

@@ -8,6 +8,7 @@
 
 #include "dicomdir/create/scan_fixture.h"
 #include "pgkit/pgkit.h"
+#include "support/browsed_directory.h"
 #include "support/captured.h"
 #include "support/instance_file.h"
 #include "support/patient_list.h"
@@ -21,6 +22,15 @@ class Creation : public ScanTest {
   protected:
     uint32_t Create(const char* profile = "") {
         return pgCreateDicomdirEx(Directory().c_str(), profile, &options_, Note, this);
+    }
+
+    // Two patients, three studies, four series and eight images.
+    void WriteHierarchy() {
+        for (int i = 1; i <= 5; ++i)
+            Write("S1/IM" + std::to_string(i), Instance(i));
+        Write("S2/IM1", Instance(6).Series("1.2.3.5").Set(0x0020, 0x0011, "IS", "2"));
+        Write("S3/IM1", Instance(7).Study("1.2.9").Series("1.2.9.1"));
+        Write("S4/IM1", Instance(8).Patient("ID2", "ROE^JANE"));
     }
 };
 
@@ -232,42 +242,39 @@ TEST_F(Creation, WritesTheFileSizeOnDemand) {
 }
 
 TEST_F(Creation, IsReadBackAsTheSameHierarchy) {
-    for (int i = 1; i <= 5; ++i)
-        Write("S1/IM" + std::to_string(i), Instance(i));
-    Write("S2/IM1", Instance(6).Series("1.2.3.5").Set(0x0020, 0x0011, "IS", "2"));
-    Write("S3/IM1", Instance(7).Study("1.2.9").Series("1.2.9.1"));
-    Write("S4/IM1", Instance(8).Patient("ID2", "ROE^JANE"));
+    WriteHierarchy();
     Create();
-    std::string hierarchy;
     PatientList patients;
     const Printed printed = CapturePrinted(
         [&] { patients.reset(pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str())); });
-    ASSERT_NE(patients, nullptr);
     EXPECT_EQ(printed.out, "Patient created DOE^JOHN\nPatient created ROE^JANE\n");
     EXPECT_EQ(printed.err, "");
-    for (auto* p = patients->head; p != nullptr; p = p->next) {
-        auto* patient = static_cast<PGX_DicomDirPatientNode*>(p->data);
-        hierarchy += std::string(patient->patientId) + "(";
-        for (auto* t = patient->studies.head; t != nullptr; t = t->next) {
-            auto* study = static_cast<PGX_DicomDirStudyNode*>(t->data);
-            hierarchy += std::string(study->studyInstanceUid) + "(";
-            for (auto* s = study->series.head; s != nullptr; s = s->next) {
-                auto* series = static_cast<PGX_DicomDirSeriesNode*>(s->data);
-                hierarchy += std::string(series->seriesInstanceUid) + "(";
-                for (auto* l = series->leaves.head; l != nullptr; l = l->next)
-                    hierarchy +=
-                        std::string(static_cast<PGX_DicomDirLeafNode*>(l->data)->referencedFileId) +
-                        " ";
-                hierarchy += ")";
-            }
-            hierarchy += ")";
-        }
-        hierarchy += ")";
+    EXPECT_EQ(Outline(patients.get()),
+              "ID1(1.2.3(1.2.3.4(1.2.3.4.1 1.2.3.4.2 1.2.3.4.3 1.2.3.4.4 1.2.3.4.5) "
+              "1.2.3.5(1.2.3.4.6)) 1.2.9(1.2.9.1(1.2.3.4.7))) ID2(1.2.3(1.2.3.4(1.2.3.4.8)))");
+}
+
+TEST_F(Creation, NamesTheFileOfEachImage) {
+    WriteHierarchy();
+    Create();
+    std::string names;
+    const DataSet root = Open();
+    for (PGX_Node* record : RecordsOf(root.get())) {
+        if (record->FindNode(0x0004, 0x1500) == nullptr) continue;
+        names += TextOf(Child(record, 0x0004, 0x1511)).c_str() + std::string(":") +
+                 TextOf(Child(record, 0x0004, 0x1500)) + ";";
     }
-    EXPECT_EQ(hierarchy,
-              "ID1(1.2.3(1.2.3.4(S1\\IM1 S1\\IM2 S1\\IM3 S1\\IM4 S1\\IM5 )1.2.3.5(S2\\IM1 ))"
-              "1.2.9(1.2.9.1(S3\\IM1 )))ID2(1.2.3(1.2.3.4(S4\\IM1 )))");
-    // Written again from what was read it is the same directory.
+    EXPECT_EQ(names,
+              "1.2.3.4.1:S1\\IM1;1.2.3.4.2:S1\\IM2;1.2.3.4.3:S1\\IM3;1.2.3.4.4:S1\\IM4;"
+              "1.2.3.4.5:S1\\IM5;1.2.3.4.6:S2\\IM1;1.2.3.4.7:S3\\IM1;1.2.3.4.8:S4\\IM1;");
+}
+
+TEST_F(Creation, IsTheSameWhenWrittenFromWhatWasRead) {
+    WriteHierarchy();
+    Create();
+    PatientList patients;
+    CapturePrinted(
+        [&] { patients.reset(pgGetPatientListFromFile(medium_.Path("DICOMDIR").c_str())); });
     EXPECT_EQ(pgBuildDicomdir(patients.get(), outside_.Path(".").c_str()), 0u);
     const DataSet first = Open();
     const DataSet second(pgOpenDataSetFile(outside_.Path("DICOMDIR").c_str(), kLoadAll));

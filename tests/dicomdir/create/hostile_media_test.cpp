@@ -18,10 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace pgkit_test;
 
-InstanceFile Instance(int number) {
-    return InstanceFile().Instance("1.2.3.4." + std::to_string(number)).InstanceNumber(number);
-}
-
 class HostileMedia : public testing::Test {
   protected:
     HostileMedia() {

@@ -9,6 +9,7 @@
 #include "dicomdir/create/medium.h"
 #include "support/captured.h"
 #include "support/patient_list.h"
+#include "support/save_modes.h"
 
 namespace {
 
@@ -16,9 +17,7 @@ using namespace pgkit_test;
 
 // 8-bit pixels that a window leaves as they are.
 InstanceFile Image(int number, uint16_t columns, uint16_t rows, const Bytes& pixels) {
-    return InstanceFile()
-        .Instance("1.2.3.4." + std::to_string(number))
-        .InstanceNumber(number)
+    return Instance(number)
         .SetUS(0x0028, 0x0002, 1)
         .SetUS(0x0028, 0x0010, rows)
         .SetUS(0x0028, 0x0011, columns)
@@ -259,7 +258,7 @@ class IconsOfAnotherDicomdir : public IconCreation {
                                        static_cast<uint32_t>(std::strlen(interpretation)));
             }
         }
-        EXPECT_EQ(dicomdir->SaveDataSetAsEx(medium_.Path("DICOMDIR").c_str(), 0x2C), 0u);
+        EXPECT_EQ(dicomdir->SaveDataSetAsEx(medium_.Path("DICOMDIR").c_str(), kPart10Explicit), 0u);
     }
 
     DataSet Rebuild() {

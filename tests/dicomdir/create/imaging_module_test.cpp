@@ -7,16 +7,18 @@
 #include <string>
 
 #include "dicomdir/create/medium.h"
-#include "support/process.h"
+#include "support/host_directory.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace pgkit_test;
 
+// The name of the imaging module.
+const std::string kName = FileName(PGKIT_TEST_IMAGING_MODULE);
+
 InstanceFile Image(int number) {
-    return InstanceFile()
-        .Instance("1.2.3.4." + std::to_string(number))
+    return Instance(number)
         .SetUS(0x0028, 0x0010, 4)
         .SetUS(0x0028, 0x0011, 8)
         .SetUS(0x0028, 0x0100, 8)
@@ -25,21 +27,14 @@ InstanceFile Image(int number) {
 
 class ImagingModule : public testing::Test {
   protected:
-    void SetUp() override {
-        host_ = Copy(PGKIT_TEST_CREATION_PROBE);
-        Copy(PGKIT_TEST_MODULE);
+    // Puts a file beside the host, or in a directory there, under the name that the module has.
+    void Install(const std::string& module, const std::string& directory = ".") const {
+        host_.Copy(module, directory + "/" + kName);
     }
-
-    // Puts a file beside the host, under the name that the module has.
-    void InstallAs(const fs::path& directory, const char* module) const {
-        fs::create_directories(directory);
-        fs::copy_file(module, directory / fs::path(PGKIT_TEST_IMAGING_MODULE).filename());
-    }
-    void Install(const char* module) const { InstallAs(host_.parent_path(), module); }
 
     // Makes the DICOMDIR; nobody says anything.
     DataSet Create(const std::string& edge = "16") const {
-        const Finished run = RunProgram(host_.string(), {medium_.Directory(), edge});
+        const Finished run = host_.Run({medium_.Directory(), edge});
         EXPECT_EQ(run.exitStatus, 0);
         EXPECT_EQ(run.out + run.err, "");
         return medium_.Open();
@@ -51,16 +46,9 @@ class ImagingModule : public testing::Test {
     }
 
     Medium medium_;
-    TempDir programs_;
-    fs::path host_;
+    const HostDirectory host_{PGKIT_TEST_CREATION_PROBE};
 
   private:
-    fs::path Copy(const fs::path& file) const {
-        const fs::path copy = programs_.Path(file.filename().string());
-        fs::copy_file(file, copy);
-        return copy;
-    }
-
     int images_ = 0;
 };
 
@@ -87,60 +75,64 @@ TEST_F(ImagingModule, ChangesNothingElse) {
 
 // It may be a disc of anyone's making.
 TEST_F(ImagingModule, IsNotLookedForInTheCurrentDirectory) {
-    const fs::path elsewhere = programs_.Path("elsewhere");
-    InstallAs(elsewhere, PGKIT_TEST_IMAGING_MODULE);
+    Install(PGKIT_TEST_IMAGING_MODULE, "elsewhere");
     const fs::path before = fs::current_path();
-    fs::current_path(elsewhere);
+    fs::current_path(host_.Path("elsewhere"));
     EXPECT_EQ(SizeWith("IMAGE"), "none");
     fs::current_path(before);
 }
 
 // A host that starts in the directory of the library, loads it from there by a relative path, and
 // goes elsewhere before it makes the DICOMDIR.
-class ImagingModuleOfALibraryLoadedByARelativePath : public ImagingModule {
+class ImagingModuleOfALibraryLoadedByARelativePath : public testing::Test {
   protected:
     void SetUp() override {
-        fs::create_directories(library_);
-        fs::create_directories(elsewhere_);
-        fs::copy_file(PGKIT_TEST_MODULE, library_ / fs::path(PGKIT_TEST_MODULE).filename());
-        host_ = programs_.Path(fs::path(PGKIT_TEST_RELATIVE_CREATION_PROBE).filename().string());
-        fs::copy_file(PGKIT_TEST_RELATIVE_CREATION_PROBE, host_);
+        Copy(PGKIT_TEST_RELATIVE_CREATION_PROBE, FileName(PGKIT_TEST_RELATIVE_CREATION_PROBE));
+        Copy(PGKIT_TEST_MODULE, "library/" + FileName(PGKIT_TEST_MODULE));
+        fs::create_directory(directory_.Path("elsewhere"));
         medium_.Write("IMAGE", Image(1));
+    }
+
+    void Copy(const std::string& file, const std::string& name) const {
+        const fs::path copy = directory_.Path(name);
+        fs::create_directories(copy.parent_path());
+        fs::copy_file(file, copy);
     }
 
     std::string SizeOfIcon() const {
         const fs::path before = fs::current_path();
-        fs::current_path(library_);
+        fs::current_path(directory_.Path("library"));
         const Finished run =
-            RunProgram(host_.string(), {medium_.Directory(), "16", elsewhere_.string()});
+            RunProgram(directory_.Path(FileName(PGKIT_TEST_RELATIVE_CREATION_PROBE)),
+                       {medium_.Directory(), "16", directory_.Path("elsewhere")});
         fs::current_path(before);
         EXPECT_EQ(run.exitStatus, 0);
         EXPECT_EQ(run.out + run.err, "");
         return IconSize(ImageRecord(medium_.Open().get(), "IMAGE"));
     }
 
-    const fs::path library_ = programs_.Path("library");
-    const fs::path elsewhere_ = programs_.Path("elsewhere");
+    Medium medium_;
+    TempDir directory_;
 };
 
 TEST_F(ImagingModuleOfALibraryLoadedByARelativePath, IsNotLookedForInTheDirectoryEnteredSince) {
-    InstallAs(elsewhere_, PGKIT_TEST_IMAGING_MODULE);
+    Copy(PGKIT_TEST_IMAGING_MODULE, "elsewhere/" + kName);
     EXPECT_EQ(SizeOfIcon(), "none");
 }
 
 TEST_F(ImagingModuleOfALibraryLoadedByARelativePath, IsStillFoundBesideTheLibrary) {
-    InstallAs(library_, PGKIT_TEST_IMAGING_MODULE);
-    InstallAs(elsewhere_, PGKIT_TEST_BROKEN_IMAGING);
+    Copy(PGKIT_TEST_IMAGING_MODULE, "library/" + kName);
+    Copy(PGKIT_TEST_BROKEN_IMAGING, "elsewhere/" + kName);
     EXPECT_EQ(SizeOfIcon(), "16x8");
 }
 
 TEST_F(ImagingModule, MayBeNoModuleAtAll) {
-    programs_.Write(fs::path(PGKIT_TEST_IMAGING_MODULE).filename().string(), "not a module");
+    host_.Write(kName, "not a module");
     EXPECT_EQ(SizeWith("IMAGE"), "none");
 }
 
 TEST_F(ImagingModule, MayBeADirectory) {
-    fs::create_directory(host_.parent_path() / fs::path(PGKIT_TEST_IMAGING_MODULE).filename());
+    fs::create_directory(host_.Path(kName));
     EXPECT_EQ(SizeWith("IMAGE"), "none");
 }
 

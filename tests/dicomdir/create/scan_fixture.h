@@ -22,11 +22,6 @@ inline std::string TextFile(const std::string& path) {
     return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
-// One of several files of a series.
-inline InstanceFile Instance(int number) {
-    return InstanceFile().Instance("1.2.3.4." + std::to_string(number)).InstanceNumber(number);
-}
-
 class ScanTest : public testing::Test {
   protected:
     std::string Directory() const { return medium_.Directory(); }
