@@ -60,7 +60,7 @@ std::string ParseOptions(const Arguments& arguments, const std::vector<Option>& 
             operands->push_back(*argument);
             continue;
         }
-        const std::string complaint = ReadOption(argument, arguments.end(), options);
+        std::string complaint = ReadOption(argument, arguments.end(), options);
         if (!complaint.empty()) return complaint;
     }
     return "";

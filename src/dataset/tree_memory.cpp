@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <bit>
 
 #include "platform/memory_range.h"
 
@@ -47,7 +48,7 @@ size_t IndexOf(const void* cell) {
 }
 
 uint8_t* BlockAt(size_t index) {
-    return reinterpret_cast<uint8_t*>(treeMemoryBegin + index * kBlockSize);
+    return std::bit_cast<uint8_t*>(treeMemoryBegin + index * kBlockSize);
 }
 
 uint8_t* AcquireBlock() {

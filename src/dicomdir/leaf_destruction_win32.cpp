@@ -25,11 +25,13 @@ void* DestroyArray(Leaf* leaves, uint32_t mode) {
 template <typename Leaf>
 void* DestroyByMode(Leaf* leaf, uint32_t mode) {
     if ((mode & kArray) != 0) return DestroyArray(leaf, mode);
-    if ((mode & kFreeMemory) != 0)
+    void* const address = leaf;
+    if ((mode & kFreeMemory) != 0) {
         delete leaf;
-    else
+    } else {
         leaf->~Leaf();
-    return leaf;
+    }
+    return address;
 }
 
 }  // namespace

@@ -11,9 +11,10 @@ namespace pgkit {
 RecordTable::RecordTable(PGX_Node* firstItem) {
     if (firstItem == nullptr) return;
     if (firstItem->file != nullptr) fileSize_ = platform::StreamSize(firstItem->file);
-    for (PGX_Node* item = firstItem; item != nullptr; item = item->next)
+    for (PGX_Node* item = firstItem; item != nullptr; item = item->next) {
         records_.push_back({item, item->FindNode(0x0004, kNextRecordLink),
                             item->FindNode(0x0004, kLowerLevelLink)});
+    }
     positions_.reserve(records_.size());
     for (RecordNumber number = 0; number < records_.size(); ++number) {
         const uint32_t position = records_[number].item->fileOffset;

@@ -35,9 +35,9 @@ bool CommitMemory(void* piece, size_t size) {
 }
 
 // New pages without access in the place of the old ones: so the system takes back its promise of
-// memory, too.
+// memory, too. When it cannot, they stay as they are.
 void DecommitMemory(void* piece, size_t size) {
-    ::mmap(piece, size, PROT_NONE, kUnbacked | MAP_FIXED, -1, 0);
+    static_cast<void>(::mmap(piece, size, PROT_NONE, kUnbacked | MAP_FIXED, -1, 0));
 }
 
 void ReleaseAddresses(void* range, size_t size) { ::munmap(range, size); }
