@@ -21,7 +21,6 @@ namespace pgkit {
 namespace {
 
 constexpr uint32_t kMetaModes = PG_META | PG_META_IMPLICIT_VR;
-constexpr uint32_t kFirstTooLongForShortHeader = 65535;
 
 struct Form {
     ByteOrder order;

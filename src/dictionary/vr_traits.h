@@ -31,6 +31,9 @@ constexpr bool HasLongHeader(uint32_t vr) {
 constexpr uint32_t kShortHeaderSize = 8;
 constexpr uint32_t kLongHeaderSize = 12;
 
+// Values of this length and longer ones are not written with a length of 16 bits.
+constexpr uint32_t kFirstTooLongForShortHeader = 65535;
+
 // Bytes of tag, VR field and length field. In implicit VR there is no VR field, and every length
 // has 32 bits.
 constexpr uint32_t HeaderSize(uint32_t vr, bool explicitVr) {

@@ -13,15 +13,12 @@ namespace pgkit {
 
 namespace {
 
-// In a header of explicit VR.
-constexpr uint32_t kLongestShortLength = 65534;
-
 // One file must not spoil the directory of all: whether an element could not be written, or not
 // read again.
 bool IsUnfitForRecord(const PGX_Node& node) {
     if (node.nodeType != NT_DataElement || node.valueRep == VR_SQ) return false;
     if (node.length == kUndefinedLength) return node.encapsulated == 0;
-    if (node.length > kLongestShortLength && !HasLongHeader(node.valueRep)) return true;
+    if (node.length >= kFirstTooLongForShortHeader && !HasLongHeader(node.valueRep)) return true;
     return LacksMuch(node);
 }
 
