@@ -1,6 +1,6 @@
 #include "api/shared_text.h"
 
-#include "frame/text.h"
+#include "base/text.h"
 
 namespace pgkit {
 

@@ -5,12 +5,12 @@
 #include <cstring>
 #include <new>
 
+#include "base/text.h"
 #include "codec/fragment_table.h"
 #include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
-#include "frame/text.h"
 #include "pgkit/dictionary.h"
 
 namespace pgkit {

@@ -5,13 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "codec/stream_reader.h"
 #include "codec/tag_header.h"
 #include "codec/transfer_syntax.h"
 #include "dataset/node_ptr.h"
 #include "dataset/tree_memory.h"
 #include "dictionary/private_dictionary.h"
-#include "frame/byte_order.h"
 
 namespace pgkit {
 

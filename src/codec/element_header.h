@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/byte_order.h"
 #include "dataset/node_memory.h"
-#include "frame/byte_order.h"
 
 namespace pgkit {
 

@@ -1,9 +1,9 @@
 // Encapsulated Pixel Data on its way to the output.
 #pragma once
 
+#include "base/byte_order.h"
 #include "codec/output_writer.h"
 #include "codec/source_streams.h"
-#include "frame/byte_order.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

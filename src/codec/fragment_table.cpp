@@ -4,10 +4,10 @@
 #include <new>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "codec/part10_format.h"
 #include "codec/tag_header.h"
 #include "dataset/node_memory.h"
-#include "frame/byte_order.h"
 
 namespace pgkit {
 

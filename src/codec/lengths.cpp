@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/diagnostics.h"
 #include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 #include "dictionary/vr_traits.h"
-#include "frame/diagnostics.h"
 
 namespace pgkit {
 

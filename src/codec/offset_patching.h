@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "codec/write_result.h"
 #include "codec/written_positions.h"
 #include "dataset/tree_walk.h"
-#include "frame/byte_order.h"
 #include "pgkit/node.h"
 #include "platform/file_handle.h"
 

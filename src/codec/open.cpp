@@ -4,11 +4,11 @@
 #include <new>
 #include <optional>
 
+#include "base/diagnostics.h"
 #include "codec/data_set_parser.h"
 #include "codec/meta_group.h"
 #include "codec/stream_reader.h"
 #include "dataset/node_ptr.h"
-#include "frame/diagnostics.h"
 #include "pgkit/dataset.h"
 #include "pgkit/node.h"
 #include "platform/platform.h"

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/diagnostics.h"
 #include "codec/encoder.h"
 #include "codec/lengths.h"
 #include "codec/meta_header.h"
@@ -15,7 +16,6 @@
 #include "codec/transfer_syntax.h"
 #include "dataset/node_memory.h"
 #include "dictionary/dictionary.h"
-#include "frame/diagnostics.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
+#include "base/byte_order.h"
 #include "codec/stream_reader.h"
-#include "frame/byte_order.h"
 
 namespace pgkit {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "frame/byte_order.h"
+#include "base/byte_order.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

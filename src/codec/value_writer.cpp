@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/byte_order.h"
 #include "dictionary/vr_traits.h"
-#include "frame/byte_order.h"
 
 namespace pgkit {
 

@@ -4,13 +4,13 @@
 #include <cstring>
 #include <string>
 
+#include "base/byte_order.h"
+#include "base/text.h"
 #include "dataset/node_memory.h"
 #include "dataset/text_output.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
 #include "dictionary/vr_traits.h"
-#include "frame/byte_order.h"
-#include "frame/text.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 

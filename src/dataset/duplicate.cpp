@@ -2,10 +2,10 @@
 #include <new>
 #include <vector>
 
+#include "base/text.h"
 #include "dataset/node_memory.h"
 #include "dataset/node_ptr.h"
 #include "dataset/value_source.h"
-#include "frame/text.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

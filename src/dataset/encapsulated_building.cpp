@@ -1,8 +1,8 @@
 // Encapsulated Pixel Data made in memory, fragment by fragment.
 #include <cstring>
 
+#include "base/diagnostics.h"
 #include "dataset/node_memory.h"
-#include "frame/diagnostics.h"
 #include "pgkit/node.h"
 
 PGX_Node* PGX_Node::InsertEncodedPixelDataNode(uint32_t count) {

@@ -4,9 +4,9 @@
 #include <memory>
 #include <new>
 
+#include "base/diagnostics.h"
 #include "dataset/new_element.h"
 #include "dictionary/dictionary.h"
-#include "frame/diagnostics.h"
 #include "pgkit/dataset.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/node.h"

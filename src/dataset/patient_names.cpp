@@ -1,6 +1,6 @@
 #include <string>
 
-#include "frame/text.h"
+#include "base/text.h"
 #include "pgkit/dataset.h"
 #include "platform/platform.h"
 

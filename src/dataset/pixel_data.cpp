@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/byte_order.h"
 #include "dataset/node_memory.h"
 #include "dataset/value_source.h"
-#include "frame/byte_order.h"
 #include "pgkit/node.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // The item list of a sequence.
-#include "frame/diagnostics.h"
+#include "base/diagnostics.h"
 #include "pgkit/node.h"
 
 using pgkit::PrintOut;

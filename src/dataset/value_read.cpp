@@ -8,8 +8,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/byte_order.h"
 #include "dataset/value_source.h"
-#include "frame/byte_order.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/node.h"
 #include "platform/platform.h"

@@ -5,9 +5,9 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/text.h"
 #include "dataset/node_memory.h"
 #include "dictionary/vr_traits.h"
-#include "frame/text.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/byte_order.h"
+#include "base/byte_order.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

@@ -1,11 +1,11 @@
 // Replacing an element's value, by bytes or by the content of a file.
 #include <cstring>
 
+#include "base/text.h"
 #include "dataset/node_memory.h"
 #include "dataset/value_source.h"
 #include "dictionary/dictionary.h"
 #include "dictionary/vr_traits.h"
-#include "frame/text.h"
 #include "pgkit/node.h"
 #include "platform/platform.h"
 

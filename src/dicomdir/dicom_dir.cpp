@@ -4,11 +4,11 @@
 #include <string_view>
 #include <utility>
 
+#include "base/diagnostics.h"
+#include "base/text.h"
 #include "dicomdir/class_uids.h"
 #include "dicomdir/directory_browser.h"
 #include "dicomdir/record_links.h"
-#include "frame/diagnostics.h"
-#include "frame/text.h"
 #include "pgkit/dataset.h"
 #include "pgkit/directory.h"
 #include "pgkit/patient_list.h"

@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <string_view>
 
+#include "base/diagnostics.h"
 #include "dicomdir/leaf_reader.h"
 #include "dicomdir/record_keys.h"
 #include "dicomdir/record_links.h"
-#include "frame/diagnostics.h"
 
 namespace pgkit {
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "dataset/value_source.h"
 #include "dicomdir/bitmap_format.h"
-#include "frame/byte_order.h"
 
 namespace pgkit {
 

@@ -3,11 +3,11 @@
 #include <string>
 #include <string_view>
 
+#include "base/text.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
 #include "dicomdir/class_uids.h"
 #include "dicomdir/record_keys.h"
-#include "frame/text.h"
 #include "pgkit/sopclass.h"
 
 namespace pgkit {

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/text.h"
 #include "dicomdir/bitmap_handle.h"
-#include "frame/text.h"
 #include "pgkit/directory_records.h"
 #include "pgkit/node.h"
 

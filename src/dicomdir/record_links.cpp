@@ -1,6 +1,6 @@
 #include "dicomdir/record_links.h"
 
-#include "frame/diagnostics.h"
+#include "base/diagnostics.h"
 
 namespace pgkit {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/row_index.h"
+#include "base/text.h"
 #include "dictionary/private_dictionary.h"
-#include "frame/row_index.h"
-#include "frame/text.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/value_representation.h"
 

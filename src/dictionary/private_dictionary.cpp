@@ -8,8 +8,8 @@
 #include <optional>
 #include <utility>
 
+#include "base/text.h"
 #include "dictionary/dictionary.h"
-#include "frame/text.h"
 #include "pgkit/dictionary.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"

@@ -1,8 +1,8 @@
 #include <array>
 #include <string_view>
 
+#include "base/text.h"
 #include "dictionary/vr_traits.h"
-#include "frame/text.h"
 #include "pgkit/dictionary.h"
 
 namespace pgkit {

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "frame/diagnostics.h"
+#include "base/diagnostics.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 #include "sopclass/xml_nesting.h"

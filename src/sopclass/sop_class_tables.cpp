@@ -3,7 +3,7 @@
 #include <array>
 #include <iterator>
 
-#include "frame/row_index.h"
+#include "base/row_index.h"
 
 namespace pgkit {
 

@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "frame/text.h"
+#include "base/text.h"
 #include "pgkit/sopclass.h"
 #include "sopclass/sop_class_set.h"
 #include "sopclass/sop_class_tables.h"

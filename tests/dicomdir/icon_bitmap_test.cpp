@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "frame/byte_order.h"
+#include "base/byte_order.h"
 #include "platform/global_block.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"

@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "base/text.h"
 #include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/record_builder.h"
-#include "frame/text.h"
 #include "pgkit/dicomdir_creation.h"
 
 namespace pgkit {

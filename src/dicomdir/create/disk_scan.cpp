@@ -1,10 +1,10 @@
 #include "dicomdir/create/disk_scan.h"
 
+#include "base/text.h"
 #include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/directory_scan.h"
 #include "dicomdir/create/missing_keys.h"
 #include "dicomdir/create/record_builder.h"
-#include "frame/text.h"
 
 namespace pgkit {
 

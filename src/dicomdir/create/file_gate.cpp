@@ -2,10 +2,10 @@
 
 #include <string_view>
 
+#include "base/text.h"
 #include "codec/open.h"
 #include "dicomdir/class_uids.h"
 #include "dicomdir/record_keys.h"
-#include "frame/text.h"
 
 namespace pgkit {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "frame/counter.h"
+#include "base/counter.h"
 #include "platform/platform.h"
 
 namespace pgkit {

@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <string_view>
 
+#include "base/text.h"
 #include "dicomdir/class_uids.h"
 #include "dicomdir/create/icon_making.h"
 #include "dicomdir/create/instance_keys.h"
 #include "dicomdir/create/sequence_copy.h"
 #include "dicomdir/record_keys.h"
-#include "frame/text.h"
 #include "pgkit/sopclass.h"
 #include "platform/platform.h"
 

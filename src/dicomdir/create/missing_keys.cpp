@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "base/text.h"
 #include "dicomdir/create/generated_values.h"
 #include "dicomdir/record_list.h"
-#include "frame/text.h"
 #include "pgkit/directory_records.h"
 
 namespace pgkit {

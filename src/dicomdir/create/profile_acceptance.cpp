@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/text.h"
 #include "dicomdir/create/profiles.h"
-#include "frame/text.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/sopclass.h"
 

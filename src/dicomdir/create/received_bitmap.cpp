@@ -1,6 +1,6 @@
 #include "dicomdir/create/received_bitmap.h"
 
-#include "frame/byte_order.h"
+#include "base/byte_order.h"
 #include "platform/global_block.h"
 
 namespace pgkit {

@@ -2,12 +2,12 @@
 
 #include <string_view>
 
+#include "base/byte_order.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
 #include "dicomdir/record_keys.h"
 #include "dictionary/vr_traits.h"
-#include "frame/byte_order.h"
 
 namespace pgkit {
 

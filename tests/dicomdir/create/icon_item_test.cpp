@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/byte_order.h"
+#include "base/byte_order.h"
 #include "platform/global_block.h"
 #include "support/tree.h"
 

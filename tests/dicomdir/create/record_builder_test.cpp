@@ -4,9 +4,9 @@
 #include <fstream>
 #include <iterator>
 
+#include "base/text.h"
 #include "dicomdir/create/creation_fixture.h"
 #include "dicomdir/record_list.h"
-#include "frame/text.h"
 
 namespace {
 

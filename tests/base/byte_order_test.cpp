@@ -1,4 +1,4 @@
-#include "frame/byte_order.h"
+#include "base/byte_order.h"
 
 #include <gtest/gtest.h>
 

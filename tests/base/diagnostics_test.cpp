@@ -1,4 +1,4 @@
-#include "frame/diagnostics.h"
+#include "base/diagnostics.h"
 
 #include <gtest/gtest.h>
 
