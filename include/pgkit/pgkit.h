@@ -23,8 +23,8 @@
 //     switch) must not change while another thread uses the library.
 //  7. Errors never cross the boundary as exceptions, with one exception: where no result is
 //     documented for an exhausted allocator, std::bad_alloc may reach the caller.
-//  8. Streams are the C runtime's FILE*. Host and module must share one C runtime (on Windows,
-//     msvcrt.dll).
+//  8. Streams are the C runtime's FILE*. Host and module must share one C runtime (on Windows, the
+//     universal one, ucrtbase.dll).
 #ifndef PGKIT_PGKIT_H
 #define PGKIT_PGKIT_H
 
