@@ -23,7 +23,7 @@ bool WriteBitmapFile(const LockedBitmap& bitmap, const char* path) {
     Store32(header + 2, static_cast<uint32_t>(kFileHeaderSize + layout.Size()));
     Store32(header + 10, static_cast<uint32_t>(kFileHeaderSize + layout.PixelsOffset()));
 
-    FILE* const stream = std::fopen(NativeOutputPath(path).c_str(), "wb");
+    FILE* const stream = CreateOutput(path);
     if (stream == nullptr) return false;
     const bool isWritten = WriteBytes(stream, header, sizeof header) &&
                            WriteBytes(stream, bitmap.Bytes(), layout.Size());

@@ -13,11 +13,12 @@
 //     Values and texts passed in are copied; buffers passed in stay the caller's.
 //  3. Tags are a 16-bit group and a 16-bit element number, or an element identifier: the index of
 //     a row of the built-in dictionary (0 to 3781).
-//  4. Texts are narrow and zero-terminated. Paths are those of the C runtime; a backslash separates
-//     components on every platform. On POSIX systems a slash does too, and a path that does not
-//     exist as written is looked up again without regard to case.
+//  4. Texts are narrow and zero-terminated. Paths are those of the system, on Windows also UTF-8
+//     (paths.h); a backslash and a slash separate components on every platform. On POSIX systems a
+//     path that does not exist as written is looked up again without regard to case.
 //  5. Diagnostics are single lines. Misuse is reported on the standard output, bad argument values
-//     and files that cannot be opened on the standard error stream. There is no log file.
+//     and files that cannot be opened on the standard error stream. There is no log file. Remarks
+//     can be switched off (diagnostics.h).
 //  6. Threads. The library starts none and takes no locks. A tree, and the file under it, belongs
 //     to one thread at a time. Library-wide settings (the private dictionary, the UN-sequence
 //     switch) must not change while another thread uses the library.
@@ -30,6 +31,7 @@
 
 #include "pgkit/accessors.h"
 #include "pgkit/dataset.h"
+#include "pgkit/diagnostics.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/directory.h"
@@ -37,6 +39,7 @@
 #include "pgkit/export.h"
 #include "pgkit/list.h"
 #include "pgkit/node.h"
+#include "pgkit/paths.h"
 #include "pgkit/patient_list.h"
 #include "pgkit/sopclass.h"
 #include "pgkit/uid.h"

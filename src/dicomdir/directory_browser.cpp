@@ -181,7 +181,7 @@ PatientIndex::iterator DirectoryBrowser::FindOrAddPatient(PGX_Node& record, PGX_
     const auto [found, isNew] = patients_.insert(patient.get());
     if (!isNew) return found;
     cells_.Append(patients, patient.get());
-    PrintOut("Patient created %s\n", patient.release()->patientsName);
+    PrintRemark("Patient created %s\n", patient.release()->patientsName);
     return found;
 }
 

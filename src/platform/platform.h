@@ -53,6 +53,11 @@ struct DirectoryEntry {
 };
 std::vector<DirectoryEntry> ListDirectory(const char* path);
 
+// The path of the regular file that names below a folder lead to, as the system has it: each name as
+// it is there, the system's separators in between. The names, none of which leads upwards, are
+// joined by backslashes. Empty when there is no such file.
+std::string ExistingFile(const std::string& folder, const std::string& names);
+
 // Creates a file in the directory of an existing one (of the file itself where the path is a link
 // to it), under a name that nothing had, not even a link that leads nowhere, and tells its path. On
 // POSIX nobody but the owner can open it. Null on failure; there is no path then.

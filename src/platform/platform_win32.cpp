@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/platform.h"
+#include "platform/wide_path_win32.h"
 
 namespace pgkit::platform {
 
@@ -45,9 +46,9 @@ FILE* StreamOf(HANDLE handle, int flags, const char* mode) {
 // fopen would not share the file for deletion: nobody could then rename or replace it while it is
 // open.
 FILE* OpenShared(const char* path) {
-    const HANDLE handle =
-        CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE handle = CreateFileW(Wide(path).c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     return StreamOf(handle, _O_RDONLY, "rb");
 }
 
@@ -66,14 +67,36 @@ bool IsNameTaken() {
            error == ERROR_ACCESS_DENIED;
 }
 
+// Scanners and indexers hold files open for a moment, new ones above all. That is worth waiting
+// for, up to a second for one job.
+class Patience {
+  public:
+    bool Move(const std::wstring& from, const std::wstring& to) {
+        while (!MoveFileExW(from.c_str(), to.c_str(), 0)) {
+            const DWORD error = GetLastError();
+            if (error != ERROR_SHARING_VIOLATION && error != ERROR_LOCK_VIOLATION) return false;
+            if (waits_ == kMostWaits) return false;
+            ++waits_;
+            Sleep(kWait);
+        }
+        return true;
+    }
+
+  private:
+    static constexpr DWORD kWait = 20;  // milliseconds
+    static constexpr int kMostWaits = 50;
+    int waits_ = 0;
+};
+
 // Gives a file an unused name beside its own; empty on failure.
-std::string MoveAside(const char* path) {
+std::wstring MoveAside(const char* path, Patience& patience) {
+    const std::wstring name = Wide(path);
     for (unsigned number = 0; number < kMaxNames; ++number) {
-        std::string aside = NameBeside(path, number);
-        if (MoveFileExA(path, aside.c_str(), 0)) return aside;
+        std::wstring aside = Wide(NameBeside(path, number));
+        if (patience.Move(name, aside)) return aside;
         if (!IsNameTaken()) break;
     }
-    return std::string();
+    return std::wstring();
 }
 
 struct CloseFileHandle {
@@ -99,8 +122,23 @@ std::optional<FileIdentity> Identity(HANDLE handle) {
                         (uint64_t{info.nFileIndexHigh} << 32) | info.nFileIndexLow};
 }
 
-FILE* Create(const char* path, const char* mode) {
-    return path == nullptr ? nullptr : std::fopen(path, mode);
+FILE* OpenWith(const char* path, const wchar_t* mode) {
+    return path == nullptr ? nullptr : _wfopen(Wide(path).c_str(), mode);
+}
+
+DWORD AttributesOf(const char* path) {
+    return path == nullptr ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(Wide(path).c_str());
+}
+
+// The name of the one entry of a directory that a name means, as it is there; empty for none, and
+// for what the system takes for several names, a drive or a stream of a file.
+std::wstring NameInDirectory(const std::wstring& directory, const std::wstring& name) {
+    if (name.empty() || name.find_first_of(L"*?:<>\"|") != std::wstring::npos)
+        return std::wstring();
+    WIN32_FIND_DATAW found;
+    const std::unique_ptr<HANDLE, EndSearch> search(
+        FindFirstFileW((directory + L"\\" + name).c_str(), &found));
+    return search.get() == INVALID_HANDLE_VALUE ? std::wstring() : found.cFileName;
 }
 
 }  // namespace
@@ -114,29 +152,25 @@ FILE* OpenForReading(const char* path, uint64_t& size) {
     return path == nullptr ? nullptr : RegularOnly(OpenShared(path), size);
 }
 
-FILE* OpenForUpdate(const char* path) {
-    return path == nullptr ? nullptr : Unbuffered(std::fopen(path, "r+b"));
-}
+FILE* OpenForUpdate(const char* path) { return Unbuffered(OpenWith(path, L"r+b")); }
 
-FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, "wb")); }
+FILE* CreateBinary(const char* path) { return Unbuffered(OpenWith(path, L"wb")); }
 
-FILE* CreateText(const char* path) { return Create(path, "w"); }
+FILE* CreateText(const char* path) { return OpenWith(path, L"w"); }
 
-FILE* AppendText(const char* path) { return Create(path, "a"); }
+FILE* AppendText(const char* path) { return OpenWith(path, L"a"); }
 
-bool PathExists(const char* path) {
-    return path != nullptr && GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
-}
+bool PathExists(const char* path) { return AttributesOf(path) != INVALID_FILE_ATTRIBUTES; }
 
 bool IsDirectory(const char* path) {
-    if (path == nullptr) return false;
-    const DWORD attributes = GetFileAttributesA(path);
+    const DWORD attributes = AttributesOf(path);
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 std::optional<uint64_t> FileSize(const char* path) {
     WIN32_FILE_ATTRIBUTE_DATA data;
-    if (path == nullptr || !GetFileAttributesExA(path, GetFileExInfoStandard, &data) ||
+    if (path == nullptr ||
+        !GetFileAttributesExW(Wide(path).c_str(), GetFileExInfoStandard, &data) ||
         (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         return std::nullopt;
     }
@@ -150,23 +184,42 @@ std::optional<FileIdentity> IdentityOf(FILE* stream) {
 std::optional<FileIdentity> IdentityOf(const char* path) {
     if (path == nullptr) return std::nullopt;
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const std::unique_ptr<HANDLE, CloseFileHandle> handle(CreateFileA(
-        path, 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    const std::unique_ptr<HANDLE, CloseFileHandle> handle(
+        CreateFileW(Wide(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     return Identity(handle.get());
+}
+
+std::string ExistingFile(const std::string& folder, const std::string& names) {
+    std::wstring path = Wide(folder);
+    for (size_t start = 0; start < names.size();) {
+        const size_t end = std::min(names.find('\\', start), names.size());
+        const std::string component = names.substr(start, end - start);
+        // Blanks at the end mean nothing here; names that come from data sets are padded.
+        const std::wstring name =
+            NameInDirectory(path, Wide(component.substr(0, component.find_last_not_of(' ') + 1)));
+        if (name.empty()) return std::string();
+        path += L"\\" + name;
+        start = end + 1;
+    }
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    const bool isFile =
+        attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    return isFile ? Narrow(path) : std::string();
 }
 
 std::vector<DirectoryEntry> ListDirectory(const char* path) {
     std::vector<DirectoryEntry> entries;
-    WIN32_FIND_DATAA found;
+    WIN32_FIND_DATAW found;
     const std::unique_ptr<HANDLE, EndSearch> search(
-        FindFirstFileA((std::string(path) + "\\*").c_str(), &found));
+        FindFirstFileW(Wide(std::string(path) + "\\*").c_str(), &found));
     if (search.get() == INVALID_HANDLE_VALUE) return entries;
     do {
-        const std::string name = found.cFileName;
+        const std::string name = Narrow(found.cFileName);
         if (name == "." || name == "..") continue;
         entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
                            (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0});
-    } while (FindNextFileA(search.get(), &found));
+    } while (FindNextFileW(search.get(), &found));
     std::sort(entries.begin(), entries.end(),
               [](const DirectoryEntry& a, const DirectoryEntry& b) { return a.name < b.name; });
     return entries;
@@ -178,14 +231,14 @@ FILE* CreateReplacement(const char* path, std::string& replacement) {
     replacement.clear();
     for (unsigned number = 0; number < kMaxNames; ++number) {
         std::string candidate = NameBeside(path, number);
-        const HANDLE handle = CreateFileA(candidate.c_str(), GENERIC_WRITE, FILE_SHARE_READ,
+        const HANDLE handle = CreateFileW(Wide(candidate).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
                                           nullptr, CREATE_NEW, kNotThroughLinks, nullptr);
         if (handle == INVALID_HANDLE_VALUE && IsNameTaken()) continue;
         FILE* stream = Unbuffered(StreamOf(handle, _O_WRONLY, "wb"));
         if (stream != nullptr) {
             replacement.swap(candidate);
         } else if (handle != INVALID_HANDLE_VALUE) {
-            DeleteFileA(candidate.c_str());
+            RemoveFile(candidate.c_str());
         }
         return stream;
     }
@@ -194,25 +247,26 @@ FILE* CreateReplacement(const char* path, std::string& replacement) {
 
 bool FlushToDisk(const char* replacement) {
     const std::unique_ptr<HANDLE, CloseFileHandle> handle(
-        CreateFileA(replacement, GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+        CreateFileW(Wide(replacement).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     return handle.get() != INVALID_HANDLE_VALUE && FlushFileBuffers(handle.get());
 }
 
 // An open file cannot be overwritten by a rename, but it can itself be renamed, and vanishes from
 // there when the last stream on it is closed.
 bool ReplaceWith(const char* path, const char* replacement) {
-    const std::string aside = MoveAside(path);
+    Patience patience;
+    const std::wstring aside = MoveAside(path, patience);
     if (aside.empty()) return false;
-    if (!MoveFileExA(replacement, path, 0)) {
-        MoveFileExA(aside.c_str(), path, 0);
+    if (!patience.Move(Wide(replacement), Wide(path))) {
+        Patience().Move(aside, Wide(path));
         return false;
     }
-    DeleteFileA(aside.c_str());
+    DeleteFileW(aside.c_str());
     return true;
 }
 
-bool RemoveFile(const char* path) { return DeleteFileA(path) != 0; }
+bool RemoveFile(const char* path) { return DeleteFileW(Wide(path).c_str()) != 0; }
 
 bool Seek(FILE* stream, uint64_t position) {
     return position <= INT64_MAX &&
@@ -234,9 +288,11 @@ uint64_t StreamSize(FILE* stream) {
 }
 
 std::string HostProgramDirectory() {
-    char path[1024];
-    const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
-    const std::string program = length < sizeof path ? std::string(path, length) : std::string();
+    constexpr DWORD kSize = 1024;
+    wchar_t path[kSize];
+    const DWORD length = GetModuleFileNameW(nullptr, path, kSize);
+    std::string program = length < kSize ? Narrow({path, length}) : std::string();
+    if (program.size() >= kSize) program.clear();
     const size_t backslash = program.rfind('\\');
     return backslash == std::string::npos ? "C:\\" : program.substr(0, backslash + 1);
 }

@@ -94,6 +94,8 @@ _PROTOTYPES = {
     "pgGetUIDName": (c_int32, c_char_p, c_char_p),
     "pgCheckUID": (c_int32, c_char_p),
     "pgGetVersionString": (c_int32, c_char_p, c_int32),
+    "pgxSetVerbosity": (c_int32, c_int32),
+    "pgxSetPathEncoding": (c_int32, c_int32),
     # Media.
     "pgKitOpenDicomDir": (c_void_p, c_char_p, c_uint32),
     "pgKitCloseDicomDir": (None, c_void_p),
@@ -153,6 +155,9 @@ def _declare(library: ctypes.CDLL) -> None:
 
 lib, _path = _load()
 _declare(lib)
+lib.pgxSetVerbosity(0)
+_PATHS_UTF8 = 1
+lib.pgxSetPathEncoding(_PATHS_UTF8)
 
 
 def library_path() -> str:
@@ -168,8 +173,8 @@ def library_version() -> str:
 
 
 def encoded_path(path: StrPath) -> bytes:
-    """A path as the library takes it. It calls the narrow functions of the C runtime."""
-    encoding = "mbcs" if os.name == "nt" else sys.getfilesystemencoding()
+    """A path as the library takes it."""
+    encoding = "utf-8" if os.name == "nt" else sys.getfilesystemencoding()
     errors = "strict" if os.name == "nt" else "surrogateescape"
     return c_text(os.fspath(path), encoding, errors)
 
@@ -185,7 +190,7 @@ def backslashed_path(path: StrPath) -> bytes:
 
 def decoded_path(path: bytes) -> str:
     """A path, or a name of a file, that the library gave."""
-    return path.decode("mbcs", "replace") if os.name == "nt" else os.fsdecode(path)
+    return path.decode("utf-8", "replace") if os.name == "nt" else os.fsdecode(path)
 
 
 def c_text(text: str, encoding: str = "ascii", errors: str = "strict") -> bytes:

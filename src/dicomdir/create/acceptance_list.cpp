@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <iterator>
 
+#include "base/paths.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 
@@ -47,7 +48,7 @@ void AcceptanceList::Append(uint32_t code, std::string_view fullPath) {
 std::string_view AcceptanceList::RelativePath(std::string_view fullPath) const {
     if (!fullPath.starts_with(directory_)) return fullPath;
     const std::string_view rest = fullPath.substr(directory_.size());
-    return rest.starts_with('\\') || rest.starts_with('/') ? rest.substr(1) : fullPath;
+    return !rest.empty() && IsSeparator(rest.front()) ? rest.substr(1) : fullPath;
 }
 
 }  // namespace pgkit

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/paths.h"
 #include "base/text.h"
 #include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/creation_options.h"
@@ -16,8 +17,6 @@ namespace {
 
 // A character as paths compare: separators and letters of either kind are alike.
 char Folded(char c) { return c == '/' ? '\\' : ToUpper(c); }
-
-bool IsSeparator(char c) { return Folded(c) == '\\'; }
 
 std::string_view WithoutTrailingSeparator(std::string_view directory) {
     if (!directory.empty() && IsSeparator(directory.back())) directory.remove_suffix(1);
