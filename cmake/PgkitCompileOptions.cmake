@@ -8,6 +8,11 @@ target_compile_options(pgkit_compile_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
   $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>)
 
+if(WIN32)
+  # The same files whenever they are built.
+  target_link_options(pgkit_compile_options INTERFACE -Wl,--no-insert-timestamp)
+endif()
+
 if(PGKIT_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_compile_options(pgkit_compile_options INTERFACE ${sanitizers})

@@ -21,6 +21,11 @@ install(TARGETS ${modules} EXPORT pgkitTargets
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(TARGET pgtool)
   install(TARGETS pgtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  if(NOT WIN32)
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/pgtool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/pgtool.bash
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME pgtool)
+  endif()
 endif()
 if(WIN32)
   # The export table, for the import libraries of other toolchains. The linker writes it for a module

@@ -12,7 +12,8 @@ import sys
 from ctypes import POINTER, c_char_p, c_int32, c_uint16, c_uint32, c_void_p
 from typing import Union
 
-_FILE_NAME = "pgkit.dll" if os.name == "nt" else "libpgkit.so"
+# With the version of the interface first: the plain name is there for developers only.
+_FILE_NAMES = ("pgkit.dll",) if os.name == "nt" else ("libpgkit.so.2", "libpgkit.so")
 
 StrPath = Union[str, "os.PathLike[str]"]
 
@@ -128,9 +129,9 @@ def _candidates() -> list[str]:
     package = pathlib.Path(__file__).resolve().parent
     folder = "bin" if os.name == "nt" else "lib"
     # PREFIX/share/pgkit/python/pgkit is where an installation puts the package.
-    places = [package / _FILE_NAME, package.parents[3] / folder / _FILE_NAME] \
-        if len(package.parents) > 3 else [package / _FILE_NAME]
-    return [str(place) for place in places if place.is_file()] + [_FILE_NAME]
+    folders = [package] + ([package.parents[3] / folder] if len(package.parents) > 3 else [])
+    places = [place / name for place in folders for name in _FILE_NAMES]
+    return [str(place) for place in places if place.is_file()] + [_FILE_NAMES[0]]
 
 
 def _load() -> tuple[ctypes.CDLL, str]:
