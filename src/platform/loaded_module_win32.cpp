@@ -51,7 +51,7 @@ void NoteOwnDirectory() {}
 
 void* OpenModule(const char* name) {
     const WithoutErrorBoxes quiet;
-    const std::wstring file = Wide(name) + L".dll";
+    const std::wstring file = std::wstring(WidePath(name)) + L".dll";
     const HMODULE module = LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     return module != nullptr ? module : LoadBesideThis(file);
 }

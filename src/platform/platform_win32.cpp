@@ -46,7 +46,7 @@ FILE* StreamOf(HANDLE handle, int flags, const char* mode) {
 // fopen would not share the file for deletion: nobody could then rename or replace it while it is
 // open.
 FILE* OpenShared(const char* path) {
-    const HANDLE handle = CreateFileW(Wide(path).c_str(), GENERIC_READ,
+    const HANDLE handle = CreateFileW(WidePath(path), GENERIC_READ,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     return StreamOf(handle, _O_RDONLY, "rb");
@@ -71,8 +71,10 @@ bool IsNameTaken() {
 // for, up to a second for one job.
 class Patience {
   public:
-    bool Move(const std::wstring& from, const std::wstring& to) {
-        while (!MoveFileExW(from.c_str(), to.c_str(), 0)) {
+    bool Move(const char* from, const char* to) {
+        const WidePath source(from);
+        const WidePath target(to);
+        while (!MoveFileExW(source, target, 0)) {
             const DWORD error = GetLastError();
             if (error != ERROR_SHARING_VIOLATION && error != ERROR_LOCK_VIOLATION) return false;
             if (waits_ == kMostWaits) return false;
@@ -89,14 +91,13 @@ class Patience {
 };
 
 // Gives a file an unused name beside its own; empty on failure.
-std::wstring MoveAside(const char* path, Patience& patience) {
-    const std::wstring name = Wide(path);
+std::string MoveAside(const char* path, Patience& patience) {
     for (unsigned number = 0; number < kMaxNames; ++number) {
-        std::wstring aside = Wide(NameBeside(path, number));
-        if (patience.Move(name, aside)) return aside;
+        std::string aside = NameBeside(path, number);
+        if (patience.Move(path, aside.c_str())) return aside;
         if (!IsNameTaken()) break;
     }
-    return std::wstring();
+    return std::string();
 }
 
 struct CloseFileHandle {
@@ -123,11 +124,11 @@ std::optional<FileIdentity> Identity(HANDLE handle) {
 }
 
 FILE* OpenWith(const char* path, const wchar_t* mode) {
-    return path == nullptr ? nullptr : _wfopen(Wide(path).c_str(), mode);
+    return path == nullptr ? nullptr : _wfopen(WidePath(path), mode);
 }
 
 DWORD AttributesOf(const char* path) {
-    return path == nullptr ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(Wide(path).c_str());
+    return path == nullptr ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(WidePath(path));
 }
 
 // The name of the one entry of a directory that a name means, as it is there; empty for none, and
@@ -169,8 +170,7 @@ bool IsDirectory(const char* path) {
 
 std::optional<uint64_t> FileSize(const char* path) {
     WIN32_FILE_ATTRIBUTE_DATA data;
-    if (path == nullptr ||
-        !GetFileAttributesExW(Wide(path).c_str(), GetFileExInfoStandard, &data) ||
+    if (path == nullptr || !GetFileAttributesExW(WidePath(path), GetFileExInfoStandard, &data) ||
         (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         return std::nullopt;
     }
@@ -184,20 +184,20 @@ std::optional<FileIdentity> IdentityOf(FILE* stream) {
 std::optional<FileIdentity> IdentityOf(const char* path) {
     if (path == nullptr) return std::nullopt;
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const std::unique_ptr<HANDLE, CloseFileHandle> handle(
-        CreateFileW(Wide(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
-                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    const std::unique_ptr<HANDLE, CloseFileHandle> handle(CreateFileW(
+        WidePath(path), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     return Identity(handle.get());
 }
 
 std::string ExistingFile(const std::string& folder, const std::string& names) {
-    std::wstring path = Wide(folder);
+    std::wstring path(WidePath(folder.c_str()));
     for (size_t start = 0; start < names.size();) {
         const size_t end = std::min(names.find('\\', start), names.size());
         const std::string component = names.substr(start, end - start);
         // Blanks at the end mean nothing here; names that come from data sets are padded.
-        const std::wstring name =
-            NameInDirectory(path, Wide(component.substr(0, component.find_last_not_of(' ') + 1)));
+        const std::wstring name = NameInDirectory(
+            path, std::wstring(
+                      WidePath(component.substr(0, component.find_last_not_of(' ') + 1).c_str())));
         if (name.empty()) return std::string();
         path += L"\\" + name;
         start = end + 1;
@@ -205,14 +205,14 @@ std::string ExistingFile(const std::string& folder, const std::string& names) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     const bool isFile =
         attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-    return isFile ? Narrow(path) : std::string();
+    return isFile ? Narrow(path.c_str()) : std::string();
 }
 
 std::vector<DirectoryEntry> ListDirectory(const char* path) {
     std::vector<DirectoryEntry> entries;
     WIN32_FIND_DATAW found;
     const std::unique_ptr<HANDLE, EndSearch> search(
-        FindFirstFileW(Wide(std::string(path) + "\\*").c_str(), &found));
+        FindFirstFileW(WidePath((std::string(path) + "\\*").c_str()), &found));
     if (search.get() == INVALID_HANDLE_VALUE) return entries;
     do {
         const std::string name = Narrow(found.cFileName);
@@ -231,8 +231,9 @@ FILE* CreateReplacement(const char* path, std::string& replacement) {
     replacement.clear();
     for (unsigned number = 0; number < kMaxNames; ++number) {
         std::string candidate = NameBeside(path, number);
-        const HANDLE handle = CreateFileW(Wide(candidate).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
-                                          nullptr, CREATE_NEW, kNotThroughLinks, nullptr);
+        const HANDLE handle =
+            CreateFileW(WidePath(candidate.c_str()), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                        CREATE_NEW, kNotThroughLinks, nullptr);
         if (handle == INVALID_HANDLE_VALUE && IsNameTaken()) continue;
         FILE* stream = Unbuffered(StreamOf(handle, _O_WRONLY, "wb"));
         if (stream != nullptr) {
@@ -247,8 +248,8 @@ FILE* CreateReplacement(const char* path, std::string& replacement) {
 
 bool FlushToDisk(const char* replacement) {
     const std::unique_ptr<HANDLE, CloseFileHandle> handle(
-        CreateFileW(Wide(replacement).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+        CreateFileW(WidePath(replacement), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     return handle.get() != INVALID_HANDLE_VALUE && FlushFileBuffers(handle.get());
 }
 
@@ -256,17 +257,17 @@ bool FlushToDisk(const char* replacement) {
 // there when the last stream on it is closed.
 bool ReplaceWith(const char* path, const char* replacement) {
     Patience patience;
-    const std::wstring aside = MoveAside(path, patience);
+    const std::string aside = MoveAside(path, patience);
     if (aside.empty()) return false;
-    if (!patience.Move(Wide(replacement), Wide(path))) {
-        Patience().Move(aside, Wide(path));
+    if (!patience.Move(replacement, path)) {
+        Patience().Move(aside.c_str(), path);
         return false;
     }
-    DeleteFileW(aside.c_str());
+    RemoveFile(aside.c_str());
     return true;
 }
 
-bool RemoveFile(const char* path) { return DeleteFileW(Wide(path).c_str()) != 0; }
+bool RemoveFile(const char* path) { return DeleteFileW(WidePath(path)) != 0; }
 
 bool Seek(FILE* stream, uint64_t position) {
     return position <= INT64_MAX &&
@@ -291,7 +292,7 @@ std::string HostProgramDirectory() {
     constexpr DWORD kSize = 1024;
     wchar_t path[kSize];
     const DWORD length = GetModuleFileNameW(nullptr, path, kSize);
-    std::string program = length < kSize ? Narrow({path, length}) : std::string();
+    std::string program = length < kSize ? Narrow(path) : std::string();
     if (program.size() >= kSize) program.clear();
     const size_t backslash = program.rfind('\\');
     return backslash == std::string::npos ? "C:\\" : program.substr(0, backslash + 1);

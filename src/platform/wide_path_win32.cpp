@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <iterator>
+#include <new>
+
 #include "platform/path_encoding.h"
 
 namespace pgkit::platform {
@@ -14,25 +17,32 @@ UINT CodePage() {
     return AreFileApisANSI() ? CP_ACP : CP_OEMCP;
 }
 
-}  // namespace
-
-std::wstring Wide(const std::string& path) {
-    const UINT codePage = CodePage();
+// With the terminating zero; 0 when the path is not valid or there is too little room.
+int Convert(UINT codePage, const char* path, wchar_t* name, int room) {
     const DWORD flags = codePage == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
-    const int size = static_cast<int>(path.size());
-    const int length = MultiByteToWideChar(codePage, flags, path.data(), size, nullptr, 0);
-    std::wstring name(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(codePage, flags, path.data(), size, name.data(), length);
-    return name;
+    return MultiByteToWideChar(codePage, flags, path, -1, name, room);
 }
 
-std::string Narrow(const std::wstring& name) {
+}  // namespace
+
+WidePath::WidePath(const char* path) noexcept {
     const UINT codePage = CodePage();
-    const int size = static_cast<int>(name.size());
-    const int length =
-        WideCharToMultiByte(codePage, 0, name.data(), size, nullptr, 0, nullptr, nullptr);
-    std::string path(static_cast<size_t>(length), '\0');
-    WideCharToMultiByte(codePage, 0, name.data(), size, path.data(), length, nullptr, nullptr);
+    if (Convert(codePage, path, usual_, static_cast<int>(std::size(usual_))) > 0) {
+        text_ = usual_;
+        return;
+    }
+    const int length = Convert(codePage, path, nullptr, 0);
+    if (length <= 0) return;
+    long_.reset(new (std::nothrow) wchar_t[static_cast<size_t>(length)]);
+    if (long_ != nullptr && Convert(codePage, path, long_.get(), length) > 0) text_ = long_.get();
+}
+
+std::string Narrow(const wchar_t* name) {
+    const UINT codePage = CodePage();
+    const int size = WideCharToMultiByte(codePage, 0, name, -1, nullptr, 0, nullptr, nullptr);
+    std::string path(static_cast<size_t>(size), '\0');
+    WideCharToMultiByte(codePage, 0, name, -1, path.data(), size, nullptr, nullptr);
+    if (!path.empty()) path.pop_back();
     return path;
 }
 
