@@ -42,7 +42,7 @@ rm -rf "$root/first"
 mkdir -p "$root/first"
 cp "$packages"/*.deb "$tests"/{CMakeLists.txt,*.cpp,*.c} "$root/first"
 cp tests/data/encapsulated/rtdose_rle_15frames_no_bot.dcm "$root/first/image.dcm"
-check installation within 'cd /first && rm -f *dbgsym*.deb && apt-get update -q && DEBIAN_FRONTEND=noninteractive \
+check installation within 'cd /first && rm -f *dbgsym*.deb && { apt-get update -q || true; } && DEBIAN_FRONTEND=noninteractive \
     apt-get install -qy --no-install-recommends ./*.deb g++ cmake make pkg-config'
 check cmake within 'cd /first && cmake -S . -B build && cmake --build build &&
     build/consumer made.dcm | grep "DOE^JANE" && build/imaging_consumer image.dcm | grep "15 frames"'
