@@ -34,13 +34,9 @@ void SwapWords(std::vector<uint8_t>& bytes) {
         std::swap(bytes[i], bytes[i + 1]);
 }
 
-// The library gives words in the byte order of this machine. Samples of 8 bits are words only in
-// big-endian OW, which is that order on some machines, and left alone there.
+// The library gives words in the byte order of this machine, and samples of 8 bits in their order.
 bool HoldsBigEndianWords(const PGX_Node& pixelData) {
-    if (std::endian::native == std::endian::little) return false;
-    if (pixelData.bitsAllocated == 8) {
-        return pixelData.endian == ET_BigEndian && pixelData.valueRep != VR_OB;
-    }
+    if (std::endian::native == std::endian::little || pixelData.bitsAllocated == 8) return false;
     return pixelData.valueRep == VR_OW || pixelData.valueRep == VR_OWOB;
 }
 
