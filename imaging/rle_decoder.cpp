@@ -14,7 +14,7 @@ namespace {
 using Segment = std::span<const uint8_t>;
 
 // The header is the number of segments and the offsets of up to 15, from its own first byte on.
-constexpr size_t kHeaderSize = 64;
+constexpr size_t kRleHeaderSize = 64;
 constexpr size_t kMaxSegments = 4;
 
 // The most that segments can grow: a run of two bytes gives 128.
@@ -22,13 +22,13 @@ constexpr size_t kMaxExpansion = 64;
 
 // Nothing when one of the segments is not a part of the frame behind the header.
 std::optional<std::array<Segment, kMaxSegments>> FindSegments(Segment frame, uint32_t count) {
-    if (frame.size() < kHeaderSize || count > kMaxSegments) return std::nullopt;
+    if (frame.size() < kRleHeaderSize || count > kMaxSegments) return std::nullopt;
     if (Load32(frame.data()) != count) return std::nullopt;
     std::array<Segment, kMaxSegments> segments;
     size_t end = frame.size();
     for (uint32_t i = count; i-- > 0;) {
         const size_t begin = Load32(frame.data() + 4 + size_t{4} * i);
-        if (begin < kHeaderSize || begin > end) return std::nullopt;
+        if (begin < kRleHeaderSize || begin > end) return std::nullopt;
         segments[i] = frame.subspan(begin, end - begin);
         end = begin;
     }

@@ -16,7 +16,7 @@ namespace pgtool {
 namespace {
 
 // Keys and icons are shorter.
-constexpr uint32_t kLoadLimit = 0x20000;
+constexpr uint32_t kLoadedOnBrowse = 0x20000;
 
 int32_t ShowProgress(PGX_DicomDirCallbackReason*, const char* message, void* progress) {
     static_cast<ProgressLine*>(progress)->Show(message);
@@ -25,7 +25,7 @@ int32_t ShowProgress(PGX_DicomDirCallbackReason*, const char* message, void* pro
 
 bool Open(PGX_DicomDir& directory, const std::string& path) {
     const DivertedOutput messagesToStandardError;
-    return directory.OpenDicomDir(LibraryPath(path).c_str(), kLoadLimit) != 0;
+    return directory.OpenDicomDir(LibraryPath(path).c_str(), kLoadedOnBrowse) != 0;
 }
 
 PGX_List* BrowseOpen(PGX_DicomDir& directory) {

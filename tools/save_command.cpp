@@ -11,7 +11,7 @@ namespace pgtool {
 namespace {
 
 // Values above it are copied from file to file.
-constexpr uint32_t kLoadLimit = 4096;
+constexpr uint32_t kLoadedOnSave = 4096;
 
 struct Mode {
     const char* name;
@@ -59,7 +59,7 @@ int Save(const Arguments& arguments) {
         return Misuse(kSaveCommand, "\"" + modeName + "\" is not a mode");
     }
 
-    const DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadLimit));
+    const DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadedOnSave));
     if (root == nullptr) return Fail(kSaveCommand, CannotOpen(files[0]));
     const uint32_t bits = PrepareMode(*root, mode, bare, undefinedLengths);
     const uint32_t result = root->SaveDataSetAsEx(files[1].c_str(), static_cast<int32_t>(bits));

@@ -12,7 +12,7 @@ namespace pgtool {
 
 namespace {
 
-constexpr uint32_t kLoadLimit = 4096;
+constexpr uint32_t kLoadedOnSet = 4096;
 
 struct Assignment {
     Tag tag;
@@ -107,7 +107,7 @@ int Set(const Arguments& arguments) {
     if (operands.size() < 2) return Misuse(kSetCommand, "a file and an assignment are expected");
     if (output.empty()) return Misuse(kSetCommand, "-o OUT is expected");
 
-    const DataSet root(pgOpenDataSetFile(operands[0].c_str(), kLoadLimit));
+    const DataSet root(pgOpenDataSetFile(operands[0].c_str(), kLoadedOnSet));
     if (root == nullptr) return Fail(kSetCommand, CannotOpen(operands[0]));
     for (size_t i = 1; i < operands.size(); ++i) {
         const auto assignment = ParseAssignment(operands[i]);
