@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "base/text.h"
-#include "dicomdir/bitmap_handle.h"
+#include "bitmap/bitmap_handle.h"
 #include "pgkit/directory_records.h"
 #include "pgkit/node.h"
 
