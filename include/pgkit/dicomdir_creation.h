@@ -45,9 +45,8 @@ typedef enum PgDicomdirFlags {
 // icon; nothing else changes and nothing is printed.
 //
 // An icon shows the frame one third into the image (index number of frames / 3) fitted into a
-// square: its height is the smaller one of the edge and of what the proportion gives for a width of
-// the edge, rounded down; the width follows from the height, rounded down. An image so wide that
-// nothing is left of its height gets no icon.
+// square: its longer side is as long as the edge, the other as the proportion says, rounded to the
+// nearest pixel, and at least 1.
 typedef struct PgDicomdirOptions {
     uint32_t iconSize;        /* edge of the square in pixels; 0 or above 256: no icons */
     uint32_t seriesIcons;     /* not 0: series get icons too */

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "dicomdir/create/element_insertion.h"
-#include "dicomdir/create/received_bitmap.h"
+#include "bitmap/received_bitmap.h"
 
 namespace pgkit {
 

@@ -1,28 +1,15 @@
-// Bitmaps that come from others, the imaging module or the host: nothing that their headers say is
-// believed before it fits their memory.
+// Bitmaps that come from others, another module or the host.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 
-#include "dicomdir/bitmap_format.h"
+#include "bitmap/bitmap_format.h"
 
 namespace pgkit {
 
-// What a BITMAPINFOHEADER says of an uncompressed bitmap with the bottom row first.
-struct BitmapHeader {
-    uint32_t size;
-    uint32_t width;  // neither side is 0, or more than the 65,535 that Rows and Columns can say
-    uint32_t height;
-    uint32_t bitCount;
-    uint32_t colourCount;  // entries of the colour table
-
-    size_t Stride() const { return BitmapStride(width, bitCount); }
-    size_t PixelsOffset() const { return size + size_t{4} * colourCount; }
-};
-
-// Holds the memory of a bitmap in place for the time of its own life.
+// Holds the memory of a bitmap in place for the time of its own life. Null is allowed.
 class ReceivedBitmap {
   public:
     explicit ReceivedBitmap(void* handle);
@@ -30,8 +17,10 @@ class ReceivedBitmap {
     ReceivedBitmap(const ReceivedBitmap&) = delete;
     ReceivedBitmap& operator=(const ReceivedBitmap&) = delete;
 
-    // Nothing for no bitmap, and for one that is not all there.
+    // Nothing for no bitmap, and for one that is not all there; the rest is then not defined.
     const std::optional<BitmapHeader>& Header() const { return header_; }
+    // Header, colour table and rows.
+    const uint8_t* Bytes() const { return bytes_; }
     // The table's entry: blue, green, red, 0.
     const uint8_t* Colour(size_t entry) const { return bytes_ + header_->size + 4 * entry; }
     // The stored row, counted from the bottom of the picture.
