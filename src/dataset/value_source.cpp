@@ -19,10 +19,6 @@ namespace {
 // never asked to fill gigabytes that a damaged length merely claims.
 constexpr size_t kUncheckedRead = 0x10000;
 
-// A value that lacks more than this is one that a damaged length claims, not one that was cut
-// short.
-constexpr uint32_t kFewBytes = 4096;
-
 uint64_t BytesFrom(FILE* stream, uint64_t position) {
     const uint64_t size = platform::StreamSize(stream);
     return size > position ? size - position : 0;
@@ -110,14 +106,6 @@ uint32_t AvailableLength(const PGX_Node& node) {
     return static_cast<uint32_t>(std::min<uint64_t>(node.length, available));
 }
 
-bool LacksMuch(const PGX_Node& node) {
-    if (node.length <= kFewBytes || node.length == kUndefinedLength) return false;
-    const bool wasLoaded = node.value != nullptr && node.file != nullptr;
-    const uint64_t available =
-        wasLoaded ? BytesFrom(node.file, node.fileOffset) : AvailableLength(node);
-    return available + kFewBytes < node.length;
-}
-
 size_t FetchValue(const PGX_Node& node, uint64_t offset, uint8_t* out, size_t count) {
     if (node.length == kUndefinedLength || offset >= node.length) return 0;
     count = std::min<uint64_t>(count, node.length - offset);
@@ -148,8 +136,10 @@ void ReadValue(const PGX_Node& node, uint8_t* out) {
     Present(node, out, fetched);
 }
 
-void ReadValueIntoZeros(const PGX_Node& node, uint8_t* zeros) {
-    Present(node, zeros, FetchValue(node, 0, zeros, node.length));
+size_t ReadValueIntoZeros(const PGX_Node& node, uint8_t* zeros) {
+    const size_t fetched = FetchValue(node, 0, zeros, node.length);
+    Present(node, zeros, fetched);
+    return fetched;
 }
 
 bool ReadValuePrefix(const PGX_Node& node, uint8_t* out, size_t count) {

@@ -24,10 +24,6 @@ ValueSource FindValueSource(const PGX_Node& node);
 // 0 for an undefined length and for a position in the file that is not representable.
 uint32_t AvailableLength(const PGX_Node& node);
 
-// Whether the tree's file holds much less of the value, loaded or not, than its length says: a copy
-// would consist of zeros.
-bool LacksMuch(const PGX_Node& node);
-
 // Copies up to count bytes from an offset in the value, as they are kept (in the byte order of the
 // node). Returns how many there were. Moves the node's file.
 size_t FetchValue(const PGX_Node& node, uint64_t offset, uint8_t* out, size_t count);
@@ -43,7 +39,8 @@ bool HasValue(const PGX_Node& node);
 void ReadValue(const PGX_Node& node, uint8_t* out);
 
 // The same into a buffer that is zero already, where bytes that no source has are not touched.
-void ReadValueIntoZeros(const PGX_Node& node, uint8_t* zeros);
+// Returns how many there were.
+size_t ReadValueIntoZeros(const PGX_Node& node, uint8_t* zeros);
 
 // The first count bytes of the same, count being at most length. False when there is no value or a
 // UI text cannot be stripped for lack of memory.

@@ -4,9 +4,8 @@
 #include <string_view>
 
 #include "base/text.h"
-#include "dataset/tree_walk.h"
-#include "dataset/value_source.h"
 #include "dicomdir/class_uids.h"
+#include "dicomdir/record_copy.h"
 #include "dicomdir/record_keys.h"
 #include "pgkit/sopclass.h"
 
@@ -48,12 +47,10 @@ constexpr NamedType kNamedTypes[] = {
     {"WAVEFORM", PG_LEAF_WAVEFORM},         {"RAW DATA", PG_LEAF_RAW_DATA},
 };
 
-// Null also for one that a damaged length makes larger than the DICOMDIR: many leaves may share the
-// record, and each has copies of its own.
+// What another record could not carry is left out here already: the leaf shows what it has when the
+// hierarchy is written again.
 PGX_Node* CopySequence(PGX_Node& record, KeyTag tag) {
-    PGX_Node* sequence = record.FindNode(tag.group, tag.element);
-    if (sequence == nullptr || AnyInTree(*sequence, LacksMuch)) return nullptr;
-    return sequence->DuplicateNode(1);
+    return CopyForRecord(record.FindNode(tag.group, tag.element)).release();
 }
 
 void ReadFields(PGX_Node& record, PGX_DicomDirImageNode& image) {
