@@ -109,6 +109,7 @@ wait
 start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
     "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
     "$root/build/windows-x64/bin/pgtool.exe"
+start neighbours tests/interop/hostile_neighbours.py "$root/build/native/bin/pgtool"
 start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
 start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/pgtool.exe"
