@@ -27,6 +27,10 @@ void Edit(Bytes input);
 void Browse(Bytes input);
 // A file on a medium that is to have a DICOMDIR, with options and profiles.
 void Create(Bytes input);
+// A file, or what is in the sequences of one, beside good files on a medium, or a DICOMDIR that one
+// joins: whatever is written, a browse finds all that was accepted, once and as what it was, and
+// the good files have the records that they have alone.
+void Medium(Bytes input);
 // An image whose icon becomes a bitmap and an item again, or what an imaging module hands out.
 void Icon(Bytes input);
 // A private dictionary file and a tag to be looked up in it.
@@ -42,6 +46,7 @@ inline constexpr Target kTargets[] = {
     {"edit", Edit},
     {"browse", Browse},
     {"create", Create},
+    {"medium", Medium},
     {"icon", Icon},
     {"private_dictionary", PrivateDictionaryFile},
     {"sop_classes", SOPClassFile},

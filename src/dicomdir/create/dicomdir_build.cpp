@@ -63,6 +63,21 @@ class RecordChain {
     PGX_Node* link_;
 };
 
+const PGX_List& ChildrenOf(const PGX_DicomDirPatientNode& patient) { return patient.studies; }
+const PGX_List& ChildrenOf(const PGX_DicomDirStudyNode& study) { return study.series; }
+const PGX_List& ChildrenOf(const PGX_DicomDirSeriesNode& series) { return series.leaves; }
+
+// The objects of one level in the order of their records: those without children come last. There a
+// browse ends the level, and what came behind them would be lost.
+template <typename Parent, typename Write>
+void WriteEach(PGX_List& level, Write write) {
+    for (const bool hasChildren : {true, false}) {
+        for (Parent& parent : Records<Parent>(level)) {
+            if ((ChildrenOf(parent).head != nullptr) == hasChildren) write(parent);
+        }
+    }
+}
+
 class DirectoryWriter {
   public:
     DirectoryWriter(PGX_Node& root, const BuildRequest& request)
@@ -70,24 +85,26 @@ class DirectoryWriter {
 
     void WritePatients(PGX_List& patients) {
         RecordChain chain(root_.FindNode(0x0004, 0x1200));
-        for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+        WriteEach<PGX_DicomDirPatientNode>(patients, [&](PGX_DicomDirPatientNode& patient) {
             PGX_Node& record = Append(NewPatientItem(patient), chain);
             PointAt(*root_.FindNode(0x0004, 0x1202), record);
             WriteStudies(patient, record);
-        }
+        });
     }
 
   private:
     void WriteStudies(PGX_DicomDirPatientNode& patient, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
-        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies))
+        WriteEach<PGX_DicomDirStudyNode>(patient.studies, [&](PGX_DicomDirStudyNode& study) {
             WriteSeries(study, Append(NewStudyItem(study), chain));
+        });
     }
 
     void WriteSeries(PGX_DicomDirStudyNode& study, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
-        for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series))
+        WriteEach<PGX_DicomDirSeriesNode>(study.series, [&](PGX_DicomDirSeriesNode& series) {
             WriteLeaves(series, Append(NewSeriesItem(series), chain));
+        });
     }
 
     void WriteLeaves(PGX_DicomDirSeriesNode& series, PGX_Node& parent) {

@@ -34,21 +34,22 @@ PgAcceptanceCode Open(const char* path, bool skipChecks, OpenedDataSet& dataSet)
 // mistake: a caller who wants every file has the data set's own class instead.
 void ReadSopClass(PGX_Node& dataSet, bool skipChecks, char (&sopClass)[65]) {
     char own[65];
-    ReadKey(dataSet, {0x0002, 0x0002}, sopClass);
-    ReadKey(dataSet, {0x0008, 0x0016}, own);
+    ReadTrimmedKey(dataSet, {0x0002, 0x0002}, sopClass);
+    ReadTrimmedKey(dataSet, {0x0008, 0x0016}, own);
     const bool isMistaken = skipChecks && IsDirectoryClass(sopClass) && own[0] != '\0';
     if (sopClass[0] == '\0' || isMistaken) CopyToField(sopClass, own);
 }
 
+// A browse drops the blanks around UIDs, whatever their VR: padding must not make two of one.
 PgAcceptanceCode ReadIdentifiers(bool skipChecks, Candidate& candidate) {
     PGX_Node& dataSet = *candidate.dataSet;
     ReadSopClass(dataSet, skipChecks, candidate.sopClassUid);
     if (candidate.sopClassUid[0] == '\0') return PG_NOT_A_DATA_SET;
     if (IsDirectoryClass(candidate.sopClassUid)) return PG_IS_A_DICOMDIR;
-    ReadKey(dataSet, {0x0008, 0x0018}, candidate.instanceUid);
-    ReadKey(dataSet, {0x0020, 0x000D}, candidate.studyInstanceUid);
-    ReadKey(dataSet, {0x0020, 0x000E}, candidate.seriesInstanceUid);
-    ReadKey(dataSet, {0x0002, 0x0010}, candidate.transferSyntaxUid);
+    ReadTrimmedKey(dataSet, {0x0008, 0x0018}, candidate.instanceUid);
+    ReadTrimmedKey(dataSet, {0x0020, 0x000D}, candidate.studyInstanceUid);
+    ReadTrimmedKey(dataSet, {0x0020, 0x000E}, candidate.seriesInstanceUid);
+    ReadTrimmedKey(dataSet, {0x0002, 0x0010}, candidate.transferSyntaxUid);
     if (candidate.instanceUid[0] == '\0') return PG_NO_SOP_INSTANCE_UID;
     if (candidate.studyInstanceUid[0] == '\0') return PG_NO_STUDY_INSTANCE_UID;
     if (candidate.seriesInstanceUid[0] == '\0') return PG_NO_SERIES_INSTANCE_UID;
