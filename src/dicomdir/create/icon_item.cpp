@@ -5,8 +5,8 @@
 #include <new>
 #include <vector>
 
-#include "dicomdir/create/element_insertion.h"
 #include "bitmap/received_bitmap.h"
+#include "dicomdir/create/element_insertion.h"
 
 namespace pgkit {
 
