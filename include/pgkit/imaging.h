@@ -90,14 +90,15 @@ PGVIEW_API void* vwImaGetHDib(void* image, uint32_t frame);
 
 // A new bitmap of the frame one third into the image (index number of frames / 3), scaled to fit a
 // square: its longer side has size pixels, the other is as long as the proportion says, rounded
-// to the nearest, and at least 1. Small images are enlarged. Null as vwImaGetHDib, and for a size of 0.
+// to the nearest, and at least 1. Small images are enlarged. Null as vwImaGetHDib, and for a size
+// of 0.
 PGVIEW_API void* vwGetThumbnailDib(void* image, uint32_t size);
 
 // A new bitmap, scaled by the same factor in both directions. Each side becomes the old one times
-// zoom, rounded to the nearest (halves up), and at least 1. Every new pixel is the mean of the area that it covers, by
-// exact arithmetic, rounded to the nearest; enlarging by a whole factor so repeats pixels. Zoom 1.0
-// gives a copy of the bitmap. Null when dib is null or is no bitmap that the module takes, and when
-// zoom is not a number above 0 or makes a bitmap that is too large.
+// zoom, rounded to the nearest (halves up), and at least 1. Every new pixel is the mean of the area
+// that it covers, by exact arithmetic, rounded to the nearest; enlarging by a whole factor so
+// repeats pixels. Zoom 1.0 gives a copy of the bitmap. Null when dib is null or is no bitmap that
+// the module takes, and when zoom is not a number above 0 or makes a bitmap that is too large.
 PGVIEW_API void* vwDuplicateZoomDib(void* dib, double zoom);
 
 // The same with soft edges: where a bitmap is enlarged, new pixels lie between the centres of the
