@@ -22,7 +22,8 @@ typedef enum PgAcceptanceCode {
     PG_NOT_A_DATA_SET = 3,         /* it cannot be decoded, or says nothing about its SOP class */
     PG_IS_A_DICOMDIR = 4,          /* by its name or by its SOP class */
     PG_PROFILE_REFUSES = 5,        /* the media application profile does not allow it */
-    PG_INSTANCE_KNOWN = 6,         /* the series has a file of this SOP Instance UID already */
+    PG_INSTANCE_KNOWN = 6,         /* the series has a file of this SOP Instance UID already; blanks
+                                      and NULs around UIDs do not count, whatever their VR */
     PG_NO_SOP_INSTANCE_UID = 7,    /* (0008,0018) is missing or empty */
     PG_NO_SERIES_INSTANCE_UID = 8, /* (0020,000E) is missing or empty */
     PG_NO_STUDY_INSTANCE_UID = 9   /* (0020,000D) is missing or empty; comes before 8 */
@@ -100,11 +101,15 @@ typedef int32_t (*PgDicomdirScanCallback)(const PgDicomdirScanReason* reason);
 // dcmdir.lst. Records have the keys of their objects, also the empty ones, and refer to files by
 // referencedFileId; leaves of referencedDataSetSize 0 say no size. A trailing backslash of the
 // directory is dropped. Without a File-set ID (null or
-// empty) it is "KIT_ZORVA_2865". The hierarchy is left as it is.
+// empty) it is "KIT_ZORVA_2865". The hierarchy is left as it is. Patients, studies and series
+// without children are linked as the last of their level: a browse ends there.
+//
+// Of the sequences of leaves that is written which any reader reads again without losing the next
+// record (see directory_records.h).
 //
 // Icons of images and series are written as Icon Image Sequence (0088,0200), in MONOCHROME2, when
 // they are uncompressed bitmaps of grays with 1, 4 or 8 bits for each pixel and the bottom row
-// first. Others are left out.
+// first, of at most 16,777,216 pixels. Others are left out.
 //
 // Returns what PGX_Node::SaveDataSetAsEx returns: 0 when the DICOMDIR is written, 1 when it cannot
 // be created, also for a null list or directory, 5 when memory runs out.

@@ -41,11 +41,26 @@ uint64_t EvenLength(const PGX_Node& element) {
     return uint64_t{element.length} + element.length % 2;
 }
 
+// Bytes of one number; 1 for VRs whose values may have any length.
+uint32_t NumberSize(uint32_t vr) {
+    switch (vr) {
+        case VR_AT:
+            return 4;
+        case VR_OW:
+        case VR_OWOB:
+        case VR_OF:
+            return 1;
+        default:
+            return static_cast<uint32_t>(SwapUnit(vr));
+    }
+}
+
 // What can be said without reading the value.
 bool MayHaveValue(const PGX_Node& element) {
     if (element.valueRep != VR_Unknown && VrName(element.valueRep) == nullptr) return false;
     if (MayBeTakenForSequence(element) || element.encapsulated != 0) return false;
     if (element.length > kMaxRecordCopy) return false;
+    if (element.length % NumberSize(element.valueRep) != 0) return false;
     return HasLongHeader(element.valueRep) || EvenLength(element) < kFirstTooLongForShortHeader;
 }
 

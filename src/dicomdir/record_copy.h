@@ -8,12 +8,13 @@
 //   - elements below group 0008 (they belong to commands, to File Meta Information and to
 //     directories), above FFFD (items and delimiters) and group lengths (they count what is not
 //     copied);
-//   - values that are encapsulated, have no end, are not there in full, or are too long for the
-//     length field that their VR has in explicit VR; Pixel Data that reads as a sequence;
+//   - values that are encapsulated, have no end, are not there in full, are no whole count of
+//     numbers, or are too long for the length field that their VR has in explicit VR; Pixel Data
+//     that reads as a sequence;
 //   - VR codes that have no name;
 //   - values of unknown VR in private groups and in elements that are sequences: whoever knows the
 //     element from a dictionary reads sequence items from what may be none;
-//   - sequences in more than kMaxRecordNesting others, and values above kMaxRecordCopy bytes.
+//   - sequences nested deeper than kMaxRecordNesting levels, and values above kMaxRecordCopy bytes.
 //
 // An item or a sequence of which that leaves nothing is left out, too: an empty code is none.
 // Values of odd length are padded.

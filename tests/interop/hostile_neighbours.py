@@ -133,6 +133,8 @@ HOSTILE = {
     "private value": (in_concept_name(element(9, 0x10, "LO", b"ME")
                                       + element(9, 0x1001, "UN", b"\xFE\xFF\x00\xE0\xFF")), True),
     "sequence that is none": (in_concept_name(element(8, 0x1199, "UN", b"abcdef")), True),
+    "half a number": (in_concept_name(element(0x28, 0x106, "UL", b"ab")), True),
+    "half a tag": (in_concept_name(element(0x28, 9, "AT", b"ab")), True),
     "odd length": (in_concept_name(element(8, 0x104, "LO", b"odd")), True),
     "unknown VR": (in_concept_name(element(8, 0x120, "UR", b"urn:x ")), True),
     "elements twice": (in_concept_name(CODE + CODE), True),

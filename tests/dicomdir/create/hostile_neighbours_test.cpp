@@ -81,6 +81,9 @@ const std::vector<Neighbour>& Neighbours() {
          kCodeAlone},
         {"HugeValueBeyondTheFile", StreamBuilder().Header(0x0008, 0x0104, "OB", 0xFFFFFFF0).Data(),
          kCodeAlone},
+        // Readers give up the whole DICOMDIR when they show them.
+        {"HalfANumber", Element(0x0028, 0x0106, "UL", "ab"), kCodeAlone},
+        {"HalfATag", Element(0x0028, 0x0009, "AT", "ab"), kCodeAlone},
         // Whoever knows them from a dictionary reads items in them.
         {"UnknownPrivateValue", Element(0x0009, 0x1001, "UN", "\xFE\xFF"), kCodeAlone},
         {"UnknownVrOfPrivateValue", Element(0x0009, 0x1001, "ZZ", ""), kCodeAlone},
