@@ -2,13 +2,14 @@
 //
 // Reading headers and skipping inside the buffer cost no system call; skipping beyond it costs one
 // seek when something is read there. The stream's own position is arbitrary until RestorePosition.
+// What fills the buffer throws std::bad_alloc.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <optional>
 
 namespace pgkit {
@@ -45,13 +46,13 @@ class StreamReader {
     // The next count bytes, not consumed; null when the stream ends before. At most kMaxPeek.
     static constexpr size_t kMaxPeek = 256;
     const uint8_t* Peek(size_t count) {
-        return count <= Buffered() || FillTo(count) ? buffer_.data() + next_ : nullptr;
+        return count <= Buffered() || FillTo(count) ? buffer_.get() + next_ : nullptr;
     }
 
     // Reads as many bytes as there are, up to count.
     size_t Read(uint8_t* out, size_t count) {
         if (count > kMaxPeek || count > Buffered()) return ReadLarge(out, count);
-        std::memcpy(out, buffer_.data() + next_, count);
+        std::memcpy(out, buffer_.get() + next_, count);
         next_ += count;
         return count;
     }
@@ -69,6 +70,7 @@ class StreamReader {
 
     size_t Buffered() const { return end_ - next_; }
     bool FillTo(size_t count);
+    void MakeRoom(size_t size);
     size_t ReadLarge(uint8_t* out, size_t count);
     bool MoveStreamTo(uint64_t position);
 
@@ -79,7 +81,9 @@ class StreamReader {
     size_t next_ = 0;           // index of the next byte to read
     size_t end_ = 0;            // index behind the last byte
     size_t fillSize_ = kFirstFill;
-    std::array<uint8_t, kBufferSize> buffer_;
+    // Grows with the fills, up to kBufferSize: most files are small.
+    std::unique_ptr<uint8_t[]> buffer_;
+    size_t bufferSize_ = 0;
 };
 
 }  // namespace pgkit
