@@ -101,6 +101,7 @@ start_gtest native-tsan-pgkit_thread_tests build/native-tsan/bin/pgkit_thread_te
 start format scripts/check-format.sh
 start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
     build/windows-x64/bin/pgkit.dll
+start firewall tests/exports/check_firewall.py
 start msabi tests/msabi/run_host.sh build/windows-x64
 start hardening tests/hardening/check_hardening.py build/native/bin/{libpgkit.so,pgview32.so,pgtool} \
     build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
@@ -133,6 +134,7 @@ done
 count_gtest native-tsan-pgkit_thread_tests
 count_status format
 count_summary exports
+count_summary firewall
 count_summary msabi
 count_summary hardening
 count_summary interop
