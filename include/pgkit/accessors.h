@@ -123,8 +123,8 @@ PGKIT_API int32_t pgKitDump(PGX_Node* node, const char* path);
 // mode is a set of bits: 0x01 undefined lengths, 0x02 meta group in implicit VR, 0x04 meta group in
 // explicit VR (Part 10), 0x08 explicit VR, 0x10 implicit VR, 0x20 little endian, 0x40 big endian.
 //
-// The Ex forms return 0 for success, a code from 1 to 7 for a failure (node.h; 3 for a null stream, 5
-// when memory runs out) and 0xFFFFFFFF for a null node.
+// The Ex forms return 0 for success, a code from 1 to 7 for a failure (node.h; 3 for a null stream,
+// 5 when memory runs out) and 0xFFFFFFFF for a null node.
 
 // Saves a root data set as a file. Mode 0 keeps the encoding the tree was read with.
 PGKIT_API void pgKitSaveDataSetAs(PGX_Node* root, const char* path, int32_t mode);

@@ -167,8 +167,8 @@ PGKIT_API uint32_t pgEndCreateOffshoreDicomdir(void* handle);
 // acceptance list file of the directory, which is not started anew.
 //
 // Returns a PgAcceptanceCode, 1 for a null list, directory or path and for a path that does not
-// lead into the directory, 3 also when memory runs out. Every call looks through the lists of the hierarchy; many files are
-// added faster by one scan or one offshore creation.
+// lead into the directory, 3 also when memory runs out. Every call looks through the lists of the
+// hierarchy; many files are added faster by one scan or one offshore creation.
 PGKIT_API uint32_t pgAddFile(PGX_List* patients, const char* directory, const char* fullPath,
                              const char* profile, const PgDicomdirOptions* options);
 
