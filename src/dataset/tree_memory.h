@@ -33,7 +33,7 @@ class TreeMemory {
             (size + platform::kGapBehindPieces + kAlignment - 1) & ~(kAlignment - 1);
         if (taken > room_) {
             if (fromHeap_ < kTreeWorthABlock) {
-                fromHeap_ += taken;
+                fromHeap_ += size;
                 return nullptr;
             }
             if (!OpenBlock()) return nullptr;
