@@ -134,6 +134,7 @@ native_lane() {
     start debugger tests/debugger/check_printer.py build/native/bin
     start documents scripts/check-docs.py build/native/bin
     start format scripts/check-format.sh
+    start firewall tests/exports/check_firewall.py
 }
 
 windows_lane() {
@@ -215,7 +216,7 @@ for preset in "${presets[@]}"; do
     done
 done
 count_status format
-for name in python debugger documents; do
+for name in python debugger documents firewall; do
     count_summary "$name"
 done
 if ! $quick; then

@@ -152,8 +152,8 @@ PGKIT_API void* pgStartCreateOffshoreDicomdir(const char* directory, const char*
 // Adds the file fullPath; referencedName is what the DICOMDIR calls it: its path below the
 // directory that the files will be in, components separated by backslashes. Returns a
 // PgAcceptanceCode, 1 also when one of the names is null; refused files are listed in the
-// acceptance list file, by their full paths where they are outside the directory. 0xFFFFFFFF for a
-// null handle.
+// acceptance list file, by their full paths where they are outside the directory. A file for which
+// memory runs out is refused with 3. 0xFFFFFFFF for a null handle.
 PGKIT_API uint32_t pgAddFileToOffshoreDicomdir(void* handle, const char* referencedName,
                                                const char* fullPath);
 
@@ -171,8 +171,8 @@ PGKIT_API uint32_t pgEndCreateOffshoreDicomdir(void* handle);
 // acceptance list file of the directory, which is not started anew.
 //
 // Returns a PgAcceptanceCode, 1 for a null list, directory or path and for a path that does not
-// lead into the directory. Every call looks through the lists of the hierarchy; many files are
-// added faster by one scan or one offshore creation.
+// lead into the directory, 3 also when memory runs out. Every call looks through the lists of the
+// hierarchy; many files are added faster by one scan or one offshore creation.
 PGKIT_API uint32_t pgAddFile(PGX_List* patients, const char* directory, const char* fullPath,
                              const char* profile, const PgDicomdirOptions* options);
 
@@ -182,7 +182,8 @@ PGKIT_API uint32_t pgAddFile(PGX_List* patients, const char* directory, const ch
 // list.
 //
 // Returns the number of patients in the list, also of those that were there before; a null
-// directory adds none, and a null list gives 0.
+// directory adds none, a scan that runs out of memory what it has found by then, and a null list
+// gives 0.
 PGKIT_API int32_t pgBrowseDisk(const char* directory, const char* profile,
                                const PgDicomdirOptions* options, PGX_List* patients,
                                PgDicomdirScanCallback callback, void* userData);

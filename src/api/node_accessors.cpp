@@ -6,10 +6,11 @@
 
 using pgkit::CallOn;
 using pgkit::FieldOf;
+using pgkit::Guarded;
 using pgkit::SetField;
 
 uint32_t pgKitGetNodeType(PGX_Node* node) {
-    return static_cast<uint32_t>(FieldOf(node, &PGX_Node::nodeType));
+    return Guarded([=] { return static_cast<uint32_t>(FieldOf(node, &PGX_Node::nodeType)); });
 }
 
 void pgKitSetNodeType(PGX_Node* node, uint32_t nodeType) {
@@ -60,12 +61,16 @@ PGX_Node* pgKitFindNodeWithElementId(PGX_Node* dataSet, uint32_t elementId) {
     return pgFindNodeWithElementId(dataSet, elementId);
 }
 
-PGX_Node* pgKitAllocEmptyNode() { return new (std::nothrow) PGX_Node; }
+PGX_Node* pgKitAllocEmptyNode() {
+    return Guarded([] { return new (std::nothrow) PGX_Node; });
+}
 
 PGX_Node* pgKitAllocNode(uint32_t nodeType, uint16_t group, uint16_t element, uint8_t valueRep,
                          uint32_t length) {
-    return new (std::nothrow) PGX_Node(static_cast<NodeType>(nodeType), ET_LittleEndian, group,
-                                       element, valueRep, length);
+    return Guarded([=] {
+        return new (std::nothrow) PGX_Node(static_cast<NodeType>(nodeType), ET_LittleEndian, group,
+                                           element, valueRep, length);
+    });
 }
 
 void pgKitFreeNode(PGX_Node* node) { pgFreeNode(node); }
@@ -88,10 +93,13 @@ void pgKitRemoveNode(PGX_Node* parent, PGX_Node* child) {
 
 PGX_Node* pgKitInsertNodeWithGroupElement(PGX_Node* parent, uint16_t group, uint16_t element,
                                           const void* data, uint32_t size) {
-    return parent == nullptr ? nullptr : parent->InsertNode(group, element, data, size);
+    return Guarded([=] {
+        return parent == nullptr ? nullptr : parent->InsertNode(group, element, data, size);
+    });
 }
 
 PGX_Node* pgKitInsertNodeWithElementId(PGX_Node* parent, uint32_t elementId, const void* data,
                                        uint32_t size) {
-    return parent == nullptr ? nullptr : parent->InsertNode(elementId, data, size);
+    return Guarded(
+        [=] { return parent == nullptr ? nullptr : parent->InsertNode(elementId, data, size); });
 }

@@ -227,6 +227,7 @@ WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink, WrittenPos
 void PGX_Node::WriteNode(FILE* stream, uint32_t mode) { WriteNodeEx(stream, mode); }
 
 uint32_t PGX_Node::WriteNodeEx(FILE* stream, uint32_t mode) {
+    if (stream == nullptr) return pgkit::kWriteFailed;
     pgkit::StreamSink sink(stream);
     return pgkit::EncodeNode(*this, mode, sink);
 }

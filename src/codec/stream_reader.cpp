@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "platform/platform.h"
 
@@ -42,9 +43,18 @@ bool StreamReader::MoveStreamTo(uint64_t position) {
     return true;
 }
 
+void StreamReader::MakeRoom(size_t size) {
+    if (size <= bufferSize_) return;
+    auto larger = std::make_unique_for_overwrite<uint8_t[]>(size);
+    std::memcpy(larger.get(), buffer_, end_);
+    largeBuffer_ = std::move(larger);
+    buffer_ = largeBuffer_.get();
+    bufferSize_ = size;
+}
+
 bool StreamReader::FillTo(size_t count) {
     const size_t kept = Buffered();
-    std::memmove(buffer_.data(), buffer_.data() + next_, kept);
+    std::memmove(buffer_, buffer_ + next_, kept);
     bufferStart_ += next_;
     next_ = 0;
     end_ = kept;
@@ -54,7 +64,8 @@ bool StreamReader::FillTo(size_t count) {
         if (!MoveStreamTo(position)) return false;
         size_t wanted = std::min(fillSize_, kBufferSize - end_);
         if (size_) wanted = std::min<uint64_t>(wanted, *size_ - position);
-        const size_t got = std::fread(buffer_.data() + end_, 1, wanted, stream_);
+        MakeRoom(end_ + wanted);
+        const size_t got = std::fread(buffer_ + end_, 1, wanted, stream_);
         *streamPosition_ += got;
         end_ += got;
         if (got < wanted) size_ = streamPosition_;
@@ -65,7 +76,7 @@ bool StreamReader::FillTo(size_t count) {
 
 size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     const size_t fromBuffer = std::min(count, Buffered());
-    std::memcpy(out, buffer_.data() + next_, fromBuffer);
+    std::memcpy(out, buffer_ + next_, fromBuffer);
     next_ += fromBuffer;
     if (fromBuffer == count) return count;
 
@@ -73,7 +84,7 @@ size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     if (missing < kMaxPeek) {
         FillTo(missing);
         const size_t more = std::min(missing, Buffered());
-        std::memcpy(out + fromBuffer, buffer_.data() + next_, more);
+        std::memcpy(out + fromBuffer, buffer_ + next_, more);
         next_ += more;
         return fromBuffer + more;
     }

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "base/diagnostics.h"
+#include "base/firewall.h"
 #include "dataset/new_element.h"
 #include "dictionary/dictionary.h"
 #include "pgkit/dataset.h"
@@ -130,9 +131,11 @@ void PGX_Node::RemoveNode(PGX_Node* child) {
 }
 
 PGX_Node* pgFindNodeWithGroupElement(PGX_Node* dataSet, uint16_t group, uint16_t element) {
-    return dataSet == nullptr ? nullptr : dataSet->FindNode(group, element);
+    return pgkit::Guarded(
+        [=] { return dataSet == nullptr ? nullptr : dataSet->FindNode(group, element); });
 }
 
 PGX_Node* pgFindNodeWithElementId(PGX_Node* dataSet, uint32_t elementId) {
-    return dataSet == nullptr ? nullptr : dataSet->FindNode(elementId);
+    return pgkit::Guarded(
+        [=] { return dataSet == nullptr ? nullptr : dataSet->FindNode(elementId); });
 }

@@ -117,6 +117,7 @@ double NumberOfText(const PGX_Node& node) {
 }  // namespace pgkit
 
 int32_t PGX_Node::GetTagName(char* buffer) {
+    if (buffer == nullptr) return 0;
     if (tagName == nullptr) {
         return static_cast<int32_t>(pgGetTagPrintableName(group, element, buffer));
     }

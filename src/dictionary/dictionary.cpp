@@ -1,11 +1,14 @@
 #include "dictionary/dictionary.h"
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
 
+#include "base/firewall.h"
 #include "base/row_index.h"
 #include "base/text.h"
 #include "dictionary/private_dictionary.h"
+#include "dictionary/tag_name.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/value_representation.h"
 
@@ -41,7 +44,33 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
                       [](char x, char y) { return ToUpper(x) == ToUpper(y); });
 }
 
-uint32_t unSequenceSwitch = 1;
+// Whoever parses reads it once.
+std::atomic<uint32_t> unSequenceSwitch = 1;
+
+uint32_t FindTag(int32_t elementId, uint16_t* group, uint16_t* element) {
+    const uint32_t id = static_cast<uint32_t>(elementId);
+    if (id >= kElementCount) return 0;
+    if (group != nullptr) *group = ElementEntry(id).group;
+    if (element != nullptr) *element = ElementEntry(id).element;
+    return 1;
+}
+
+uint32_t FindTagAndVr(int32_t elementId, uint16_t* group, uint16_t* element, uint8_t* valueRep) {
+    uint16_t ownGroup, ownElement;
+    if (FindTag(elementId, &ownGroup, &ownElement) == 0) return 0;
+    if (valueRep != nullptr) {
+        *valueRep = static_cast<uint8_t>(pgFindValueRepresentation(ownGroup, ownElement));
+    }
+    return FindTag(elementId, group, element);
+}
+
+uint32_t FindVr(uint16_t group, uint16_t element) {
+    if (IsPrivateCreator(group, element)) return VR_LO;
+    if (element == 0) return VR_UL;
+    if (const DictionaryEntry* entry = FindEntry(group, element)) return entry->valueRep;
+    const PrivateDictionaryEntry* entry = PrivateDictionary::Instance().FindExact(group, element);
+    return entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
+}
 
 }  // namespace
 
@@ -72,64 +101,51 @@ const DictionaryEntry* FindEntry(uint16_t group, uint16_t element) {
     return id == kNoElementId ? nullptr : &kElements[id];
 }
 
-bool DecodesUnSequences() { return unSequenceSwitch != 0; }
+std::optional<std::string_view> TagName(uint16_t group, uint16_t element) {
+    if (const DictionaryEntry* entry = FindEntry(group, element)) return entry->name;
+    const PrivateDictionaryEntry* entry = PrivateDictionary::Instance().FindExact(group, element);
+    if (entry != nullptr) return entry->name;
+    if (element == 0x0000) return "GroupLength";
+    if (element == 0x0010) return "FileCreator";
+    return std::nullopt;
+}
+
+bool DecodesUnSequences() { return unSequenceSwitch.load(std::memory_order_relaxed) != 0; }
 
 }  // namespace pgkit
 
-using pgkit::DictionaryEntry;
-using pgkit::ElementEntry;
-using pgkit::FindEntry;
-using pgkit::PrivateDictionary;
-using pgkit::PrivateDictionaryEntry;
+using pgkit::Guarded;
 
 uint32_t pgFindElementIdInfo(int32_t elementId, uint16_t* group, uint16_t* element) {
-    const uint32_t id = static_cast<uint32_t>(elementId);
-    if (id >= pgkit::kElementCount) return 0;
-    *group = ElementEntry(id).group;
-    *element = ElementEntry(id).element;
-    return 1;
+    return Guarded([=] { return pgkit::FindTag(elementId, group, element); });
 }
 
 uint32_t pgFindElementIdInfoAndVR(int32_t elementId, uint16_t* group, uint16_t* element,
                                   uint8_t* valueRep) {
-    if (pgFindElementIdInfo(elementId, group, element) == 0) return 0;
-    *valueRep = static_cast<uint8_t>(pgFindValueRepresentation(*group, *element));
-    return 1;
+    return Guarded([=] { return pgkit::FindTagAndVr(elementId, group, element, valueRep); });
 }
 
 uint32_t pgFindElementIdType(uint16_t group, uint16_t element) {
-    return pgkit::FindElementId(group, element);
+    return Guarded([=] { return pgkit::FindElementId(group, element); }, pgkit::kNoElementId);
 }
 
 uint32_t pgGetTagElementId(const char* name) {
-    return pgkit::FindElementIdByName(pgkit::OrEmpty(name));
+    return Guarded([=] { return pgkit::FindElementIdByName(pgkit::OrEmpty(name)); },
+                   pgkit::kNoElementId);
 }
 
 uint32_t pgFindValueRepresentation(uint16_t group, uint16_t element) {
-    if (pgkit::IsPrivateCreator(group, element)) return VR_LO;
-    if (element == 0) return VR_UL;
-    if (const DictionaryEntry* entry = FindEntry(group, element)) return entry->valueRep;
-    const PrivateDictionaryEntry* entry = PrivateDictionary::Instance().FindExact(group, element);
-    return entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
+    return Guarded([=] { return pgkit::FindVr(group, element); }, VR_Unknown);
 }
 
 uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char* buffer) {
-    const char* name = nullptr;
-    if (const DictionaryEntry* entry = FindEntry(group, element)) {
-        name = entry->name;
-    } else if (const PrivateDictionaryEntry* privateEntry =
-                   PrivateDictionary::Instance().FindExact(group, element)) {
-        name = privateEntry->name.c_str();
-    } else if (element == 0x0000) {
-        name = "GroupLength";
-    } else if (element == 0x0010) {
-        name = "FileCreator";
-    }
-    pgkit::CopyUnbounded(buffer, name != nullptr ? name : "<Unknown Tag>");
-    return name != nullptr ? 1 : 0;
+    return Guarded([=] {
+        const auto name = pgkit::TagName(group, element);
+        pgkit::CopyUnbounded(buffer, name.value_or(pgkit::kUnknownTag));
+        return name ? 1u : 0u;
+    });
 }
 
 uint32_t pgTryToDecodeUNSequences(uint32_t flag) {
-    pgkit::unSequenceSwitch = flag;
-    return flag;
+    return Guarded([=] { return pgkit::unSequenceSwitch = flag; });
 }

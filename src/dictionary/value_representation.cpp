@@ -1,6 +1,7 @@
 #include <array>
 #include <string_view>
 
+#include "base/firewall.h"
 #include "base/text.h"
 #include "dictionary/vr_traits.h"
 #include "pgkit/dictionary.h"
@@ -32,37 +33,15 @@ constexpr auto kCodeByPair = [] {
     return codes;
 }();
 
-}  // namespace
-
-uint32_t VrFromCharacters(char first, char second) {
-    if (!IsUpperLetter(first) || !IsUpperLetter(second)) return VR_Unknown;
-    return kCodeByPair[PairIndex(first, second)];
-}
-
-const char* VrName(uint32_t vr) { return vr < kNames.size() ? kNames[vr] : nullptr; }
-
-}  // namespace pgkit
-
-using pgkit::VrFromCharacters;
-using pgkit::VrName;
-
-uint32_t pgFindValueRepresentationVR(const char* text) {
-    if (text == nullptr) return VR_Unknown;
-    const std::string_view name(text);
+uint32_t VrOfName(std::string_view name) {
     if (name.size() == 2) return VrFromCharacters(name[0], name[1]);
-    if (name == VrName(VR_USSS)) return VR_USSS;
-    if (name == VrName(VR_OWOB)) return VR_OWOB;
+    if (name == kNames[VR_USSS]) return VR_USSS;
+    if (name == kNames[VR_OWOB]) return VR_OWOB;
     return VR_Unknown;
 }
 
-uint32_t pgGetVRPrintableName(uint32_t valueRep, char* buffer) {
-    const char* name = VrName(valueRep);
-    pgkit::CopyUnbounded(buffer, name != nullptr ? name : "????");
-    return name != nullptr ? 1 : 0;
-}
-
-uint32_t pgIsCharsetEncodedVR(uint32_t valueRep) {
-    switch (valueRep) {
+uint32_t IsCharsetEncoded(uint32_t vr) {
+    switch (vr) {
         case VR_SH:
         case VR_LO:
         case VR_ST:
@@ -75,6 +54,35 @@ uint32_t pgIsCharsetEncodedVR(uint32_t valueRep) {
     }
 }
 
+}  // namespace
+
+uint32_t VrFromCharacters(char first, char second) {
+    if (!IsUpperLetter(first) || !IsUpperLetter(second)) return VR_Unknown;
+    return kCodeByPair[PairIndex(first, second)];
+}
+
+const char* VrName(uint32_t vr) { return vr < kNames.size() ? kNames[vr] : nullptr; }
+
+}  // namespace pgkit
+
+using pgkit::Guarded;
+
+uint32_t pgFindValueRepresentationVR(const char* text) {
+    return Guarded([=] { return pgkit::VrOfName(pgkit::OrEmpty(text)); }, VR_Unknown);
+}
+
+uint32_t pgGetVRPrintableName(uint32_t valueRep, char* buffer) {
+    return Guarded([=] {
+        const char* const name = pgkit::VrName(valueRep);
+        pgkit::CopyUnbounded(buffer, name != nullptr ? name : pgkit::kUnknownVr);
+        return name != nullptr ? 1u : 0u;
+    });
+}
+
+uint32_t pgIsCharsetEncodedVR(uint32_t valueRep) {
+    return Guarded([=] { return pgkit::IsCharsetEncoded(valueRep); });
+}
+
 uint32_t pgIsCharsetEncodedVRValue(const char* text) {
-    return pgIsCharsetEncodedVR(pgFindValueRepresentationVR(text));
+    return Guarded([=] { return pgkit::IsCharsetEncoded(pgkit::VrOfName(pgkit::OrEmpty(text))); });
 }

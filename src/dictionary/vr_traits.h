@@ -66,6 +66,9 @@ constexpr size_t SwapUnit(uint32_t vr) {
 // The code that the two characters of an explicit header name, or VR_Unknown.
 uint32_t VrFromCharacters(char first, char second);
 
+// What stands in the place of the name of a code that has none.
+inline constexpr const char* kUnknownVr = "????";
+
 // The printable name of a code, or null when there is none.
 const char* VrName(uint32_t vr);
 

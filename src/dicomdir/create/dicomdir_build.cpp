@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "base/firewall.h"
+#include "base/text.h"
 #include "codec/write_result.h"
 #include "dataset/node_ptr.h"
 #include "dicomdir/class_uids.h"
@@ -137,6 +139,20 @@ uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request) {
     return root->SaveDataSetAsEx((request.directory + "\\DICOMDIR").c_str(), kWriteMode);
 }
 
+namespace {
+
+uint32_t Build(PGX_List* patients, const char* directory, const char* fileSetId) {
+    if (patients == nullptr || directory == nullptr) return kCannotCreate;
+    const std::string medium = WithoutTrailingBackslash(directory);
+    AcceptanceList list(medium);
+    return BuildDicomdir(*patients, {.directory = medium,
+                                     .fileSetId = OrEmpty(fileSetId),
+                                     .wantsFileSizes = false,
+                                     .list = &list});
+}
+
+}  // namespace
+
 }  // namespace pgkit
 
 uint32_t pgBuildDicomdir(PGX_List* patients, const char* directory) {
@@ -144,15 +160,6 @@ uint32_t pgBuildDicomdir(PGX_List* patients, const char* directory) {
 }
 
 uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory, const char* fileSetId) {
-    if (patients == nullptr || directory == nullptr) return pgkit::kCannotCreate;
-    try {
-        const std::string medium = pgkit::WithoutTrailingBackslash(directory);
-        pgkit::AcceptanceList list(medium);
-        return pgkit::BuildDicomdir(*patients, {.directory = medium,
-                                                .fileSetId = fileSetId == nullptr ? "" : fileSetId,
-                                                .wantsFileSizes = false,
-                                                .list = &list});
-    } catch (const std::bad_alloc&) {
-        return pgkit::kOutOfMemory;
-    }
+    return pgkit::Guarded([=] { return pgkit::Build(patients, directory, fileSetId); },
+                          pgkit::kOutOfMemory);
 }
