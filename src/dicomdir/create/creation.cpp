@@ -4,6 +4,7 @@
 #include "codec/write_result.h"
 #include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/dicomdir_build.h"
+#include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/create/disk_scan.h"
 #include "dicomdir/create/own_patients.h"
 #include "pgkit/dicomdir_creation.h"
@@ -18,12 +19,14 @@ uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
                             void* userData) {
     if (directory == nullptr) return pgkit::kCannotCreate;
     try {
+        pgkit::DicomdirFile(pgkit::WithoutTrailingBackslash(directory)).RemoveStrays();
         pgkit::DiskScan scan(directory, profile, options);
         const pgkit::OwnPatients patients = pgkit::NewPatients();
         scan.Run(*patients, callback, userData);
-        return pgkit::BuildDicomdir(*patients,
-                                    {scan.Directory(), pgkit::FileSetIdOf(scan.Options()),
-                                     scan.Options().storeFileSize != 0, scan.List()});
+        return pgkit::BuildDicomdir(
+            *patients,
+            {scan.Directory(), pgkit::FileSetIdOf(scan.Options()),
+             scan.Options().storeFileSize != 0, pgkit::MayBeEmpty(scan.Options()), scan.List()});
     } catch (const std::bad_alloc&) {
         return pgkit::kOutOfMemory;
     }

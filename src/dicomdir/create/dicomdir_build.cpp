@@ -6,6 +6,7 @@
 #include "dataset/node_ptr.h"
 #include "dicomdir/class_uids.h"
 #include "dicomdir/create/creation_options.h"
+#include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/generated_values.h"
 #include "dicomdir/create/record_items.h"
@@ -20,7 +21,6 @@ namespace {
 
 constexpr std::string_view kImplementation = "KIT_ZORVA_2865";
 constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
-constexpr int32_t kWriteMode = PG_LITTLE_ENDIAN | PG_EXPLICIT_VR | PG_META;
 
 NodeTree NewFileSet(std::string_view fileSetId) {
     NodeTree root(pgAllocateDataSetNode());
@@ -92,10 +92,8 @@ class DirectoryWriter {
 
     void WriteLeaves(PGX_DicomDirSeriesNode& series, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
-        for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves)) {
+        for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
             Append(NewLeafItem(leaf, request_.wantsFileSizes), chain);
-            if (request_.list != nullptr) request_.list->Append(PG_ACCEPTED, leaf.fullPath);
-        }
     }
 
     // Puts an item at the end of the sequence, which owns it from then on.
@@ -112,12 +110,26 @@ class DirectoryWriter {
     PGX_Node** end_;
 };
 
+uint32_t WriteDicomdir(PGX_List& patients, const BuildRequest& request) {
+    const NodeTree root = NewFileSet(request.fileSetId);
+    DicomdirFile file(request.directory);
+    file.RemoveStrays();
+    if (!file.Create()) return kCannotCreate;
+    if (patients.count == 0 && !request.mayBeEmpty) return PG_CREATION_NOTHING_ACCEPTED;
+    DirectoryWriter(*root, request).WritePatients(patients);
+    const uint32_t result = file.Save(*root);
+    if (result == kWritten) file.RemoveStrays();
+    return result;
+}
+
 }  // namespace
 
 uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request) {
-    const NodeTree root = NewFileSet(request.fileSetId);
-    DirectoryWriter(*root, request).WritePatients(patients);
-    return root->SaveDataSetAsEx((request.directory + "\\DICOMDIR").c_str(), kWriteMode);
+    const uint32_t result = WriteDicomdir(patients, request);
+    if (request.list == nullptr) return result;
+    if (result == kWritten) request.list->AppendAccepted(patients);
+    if (result == kWritten || result == PG_CREATION_NOTHING_ACCEPTED) request.list->Keep();
+    return result;
 }
 
 }  // namespace pgkit
@@ -134,6 +146,7 @@ uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory, const char
         return pgkit::BuildDicomdir(*patients, {.directory = medium,
                                                 .fileSetId = fileSetId == nullptr ? "" : fileSetId,
                                                 .wantsFileSizes = false,
+                                                .mayBeEmpty = true,
                                                 .list = &list});
     } catch (const std::bad_alloc&) {
         return pgkit::kOutOfMemory;

@@ -10,7 +10,9 @@ int32_t pgBrowseDisk(const char* directory, const char* profile, const PgDicomdi
     if (patients == nullptr) return 0;
     if (directory == nullptr) return patients->count;
     try {
-        pgkit::DiskScan(directory, profile, options).Run(*patients, callback, userData);
+        pgkit::DiskScan scan(directory, profile, options);
+        scan.Run(*patients, callback, userData);
+        scan.KeepList();
     } catch (const std::bad_alloc&) {
         return patients->count;
     }
@@ -23,7 +25,9 @@ PGX_List* pgBrowsePatientListEx(const char* directory, const char* profile,
     if (directory == nullptr) return nullptr;
     try {
         pgkit::OwnPatients patients = pgkit::NewPatients();
-        pgkit::DiskScan(directory, profile, options).Run(*patients, callback, userData);
+        pgkit::DiskScan scan(directory, profile, options);
+        scan.Run(*patients, callback, userData);
+        scan.KeepList();
         return patients.release();
     } catch (const std::bad_alloc&) {
         return nullptr;
