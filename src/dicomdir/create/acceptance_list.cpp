@@ -98,14 +98,12 @@ bool StartsWithPath(std::string_view text, std::string_view path) {
 }  // namespace
 
 AcceptanceList::~AcceptanceList() {
-    stream_.reset();
     if (former_.Exists()) [[maybe_unused]]
         const auto outcome = former_.PutInPlace();
 }
 
 void AcceptanceList::Start() {
     const std::string path = Path();
-    stream_.reset();
     if (!platform::CanBeReplaced(path.c_str())) return StartInPlace();
     platform::FileReplacement started;
     isSkipped_ = !KeepFormer() || !started.Create(path.c_str(), kDicomdirName) ||
@@ -128,29 +126,18 @@ void AcceptanceList::StartInPlace() {
 }
 
 void AcceptanceList::Append(uint32_t code, std::string_view fullPath) {
-    if (code == kNoAcceptanceCode || isSkipped_ || !IsOpen()) return;
-    const uint64_t size = platform::StreamSize(stream_.get());
-    if (!WriteText(stream_.get(), Line(code, RelativePath(fullPath)))) {
-        platform::CutTo(stream_.get(), size);
+    if (code == kNoAcceptanceCode || isSkipped_) return;
+    const platform::FileHandle stream(platform::AppendText(Path().c_str()));
+    if (stream == nullptr) return;
+    const uint64_t size = platform::StreamSize(stream.get());
+    if (!WriteText(stream.get(), Line(code, RelativePath(fullPath)))) {
+        platform::CutTo(stream.get(), size);
     }
-}
-
-// The stream may be that of a file that is not there any more.
-bool AcceptanceList::IsOpen() {
-    const std::string path = Path();
-    if (stream_ != nullptr) {
-        const auto identity = platform::IdentityOf(stream_.get());
-        if (identity && identity == platform::IdentityOf(path.c_str())) return true;
-    }
-    stream_.reset();
-    stream_.reset(platform::AppendText(path.c_str()));
-    return stream_ != nullptr;
 }
 
 void AcceptanceList::AppendAccepted(PGX_List& patients) {
     if (isSkipped_) return;
     const std::string path = Path();
-    stream_.reset();
     if (!platform::CanBeReplaced(path.c_str())) {
         [[maybe_unused]] const bool isWritten = AppendLeaves(patients, path);
         return;

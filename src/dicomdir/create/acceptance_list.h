@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "pgkit/list.h"
-#include "platform/file_handle.h"
 #include "platform/file_replacement.h"
 
 namespace pgkit {
@@ -26,8 +25,9 @@ class AcceptanceList {
     // written.
     void Start();
     // Appends a line, which is in the file at once; nothing for the code that stands for no file at
-    // all. The host may take the file away, or make its directory, between two files. A line that
-    // the disc has no room for is left out as a whole.
+    // all. The file is open only meanwhile: the host may take it away, or make its directory,
+    // between two files, which Windows forbids for an open file. A line that the disc has no room
+    // for is left out as a whole.
     void Append(uint32_t code, std::string_view fullPath);
     // Puts a file in place that has a line with code 0 for every leaf behind all others: its
     // referenced file ID.
@@ -38,12 +38,10 @@ class AcceptanceList {
   private:
     std::string Path() const { return directory_ + "\\dcmdir.lst"; }
     std::string_view RelativePath(std::string_view fullPath) const;
-    bool IsOpen();
     void StartInPlace();
     [[nodiscard]] bool KeepFormer();
 
     std::string directory_;
-    platform::FileHandle stream_;
     platform::FileReplacement former_;  // a copy of the list that was there
     bool isSkipped_ = false;
 };
