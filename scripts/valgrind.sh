@@ -16,9 +16,9 @@ left_out=(
     # Repeat a job thousands of times.
     'Encodings/EveryPrefix.*' 'HostileSamples.*' 'ModuleReload.AThousandTimes*'
     'OutOfMemoryWithMedia.*' 'SOPClassSetLoad.EveryPrefix*'
-    # Start other programs, which memcheck does not follow.
+    # Start other programs or processes, which memcheck does not follow.
     'CHost.IsToldThatAFileIsNoImage' 'CHost.WritesAThumbnail' 'ConfigurationFile.*' 'Examples.*'
-    'ImagingModule.*' 'ModuleLoad.*' 'Pgtool*'
+    'ImagingModule.*' 'KilledWrites.*' 'ModuleLoad.*' 'Pgtool*'
 )
 filter=${1:-*-$(IFS=:; echo "${left_out[*]}")}
 

@@ -1,6 +1,7 @@
 // pgtool save: a data set in another encoding.
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "command.h"
 #include "data_set.h"
@@ -59,10 +60,10 @@ int Save(const Arguments& arguments) {
         return Misuse(kSaveCommand, "\"" + modeName + "\" is not a mode");
     }
 
-    const DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadedOnSave));
+    DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadedOnSave));
     if (root == nullptr) return Fail(kSaveCommand, CannotOpen(files[0]));
     const uint32_t bits = PrepareMode(*root, mode, bare, undefinedLengths);
-    const uint32_t result = root->SaveDataSetAsEx(files[1].c_str(), static_cast<int32_t>(bits));
+    const uint32_t result = SaveWhole(std::move(root), files[1], bits);
     return result == 0 ? kDone : Fail(kSaveCommand, files[1] + ": " + DescribeSaveResult(result));
 }
 

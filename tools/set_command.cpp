@@ -1,6 +1,7 @@
 // pgtool set: changes values of a data set.
 #include <charconv>
 #include <optional>
+#include <utility>
 
 #include "command.h"
 #include "data_set.h"
@@ -107,7 +108,7 @@ int Set(const Arguments& arguments) {
     if (operands.size() < 2) return Misuse(kSetCommand, "a file and an assignment are expected");
     if (output.empty()) return Misuse(kSetCommand, "-o OUT is expected");
 
-    const DataSet root(pgOpenDataSetFile(operands[0].c_str(), kLoadedOnSet));
+    DataSet root(pgOpenDataSetFile(operands[0].c_str(), kLoadedOnSet));
     if (root == nullptr) return Fail(kSetCommand, CannotOpen(operands[0]));
     for (size_t i = 1; i < operands.size(); ++i) {
         const auto assignment = ParseAssignment(operands[i]);
@@ -116,7 +117,7 @@ int Set(const Arguments& arguments) {
         }
         if (!Apply(*root, *assignment)) return Fail(kSetCommand, "cannot set " + operands[i]);
     }
-    const uint32_t result = root->SaveDataSetAsEx(output.c_str(), 0);
+    const uint32_t result = SaveWhole(std::move(root), output, 0);
     return result == 0 ? kDone : Fail(kSetCommand, output + ": " + DescribeSaveResult(result));
 }
 

@@ -14,8 +14,9 @@
 //  3. Tags are a 16-bit group and a 16-bit element number, or an element identifier: the index of
 //     a row of the built-in dictionary (0 to 3781).
 //  4. Texts are narrow and zero-terminated. Paths are those of the C runtime; a backslash separates
-//     components on every platform. On POSIX systems a slash does too, and a path that does not
-//     exist as written is looked up again without regard to case.
+//     components on every platform. On POSIX systems a slash does too, and a file that is to be
+//     opened and does not exist as written is looked up again without regard to case. Files are
+//     created under the very name that is given.
 //  5. Diagnostics are single lines. Misuse is reported on the standard output, bad argument values
 //     and files that cannot be opened on the standard error stream. There is no log file.
 //  6. Threads. The library starts none and takes no locks. A tree, and the file under it, belongs
@@ -43,6 +44,7 @@
 #include "pgkit/lookup.h"
 #include "pgkit/node.h"
 #include "pgkit/patient_list.h"
+#include "pgkit/profiles.h"
 #include "pgkit/sopclass.h"
 #include "pgkit/uid.h"
 #include "pgkit/value_representation.h"

@@ -27,13 +27,9 @@ SaveTarget::SaveTarget(const char* path, PGX_Node& root) : path_(path) {
     isSource_ = existing && ReadsFrom(root, *existing);
 }
 
-SaveTarget::~SaveTarget() {
-    if (!replacement_.empty()) platform::RemoveFile(replacement_.c_str());
-}
-
 platform::FileHandle SaveTarget::Create() {
-    return platform::FileHandle(isSource_ ? platform::CreateReplacement(path_, replacement_)
-                                          : platform::CreateBinary(path_));
+    if (!isSource_) return platform::FileHandle(platform::CreateBinary(path_));
+    return replacement_.Create(path_) ? replacement_.TakeStream() : nullptr;
 }
 
 platform::FileHandle SaveTarget::OpenForUpdate() const {
@@ -41,11 +37,16 @@ platform::FileHandle SaveTarget::OpenForUpdate() const {
 }
 
 WriteResult SaveTarget::PutInPlace() {
+    using enum platform::FileReplacement::Outcome;
     if (!isSource_) return kWritten;
-    if (!platform::FlushToDisk(replacement_.c_str())) return kWriteFailed;
-    if (!platform::ReplaceWith(path_, replacement_.c_str())) return kCannotCreate;
-    replacement_.clear();
-    return kWritten;
+    switch (replacement_.PutInPlace()) {
+        case InPlace:
+            return kWritten;
+        case NotOnDisk:
+            return kWriteFailed;
+        default:
+            return kCannotCreate;
+    }
 }
 
 }  // namespace pgkit

@@ -5,12 +5,10 @@
 // old file go on reading the old content.
 #pragma once
 
-#include <cstdio>
-#include <string>
-
 #include "codec/write_result.h"
 #include "pgkit/node.h"
 #include "platform/file_handle.h"
+#include "platform/file_replacement.h"
 
 namespace pgkit {
 
@@ -19,7 +17,7 @@ class SaveTarget {
     // Throws std::bad_alloc. A null path names nothing that can be created.
     SaveTarget(const char* path, PGX_Node& root);
     // Removes what has not been put in place.
-    ~SaveTarget();
+    ~SaveTarget() = default;
     SaveTarget(const SaveTarget&) = delete;
     SaveTarget& operator=(const SaveTarget&) = delete;
 
@@ -31,11 +29,13 @@ class SaveTarget {
     WriteResult PutInPlace();
 
   private:
-    const char* WrittenPath() const { return replacement_.empty() ? path_ : replacement_.c_str(); }
+    const char* WrittenPath() const {
+        return replacement_.Exists() ? replacement_.Path().c_str() : path_;
+    }
 
     const char* path_;
     bool isSource_ = false;
-    std::string replacement_;  // of a source, between its creation and the end
+    platform::FileReplacement replacement_;  // of a source, between its creation and the end
 };
 
 }  // namespace pgkit

@@ -16,6 +16,7 @@ from typing import Any, Iterator, NoReturn
 from ._dictionary import (UNKNOWN_VR, Tag, TagLike, element_name, find_tag, value_representation,
                           vr_code, vr_name)
 from ._errors import ClosedError, PgkitError, SaveError
+from ._output import write_whole
 from ._library import StrPath, c_text, encoded_path, lib
 from ._values import Value, codec_of, decode, encode, split_text
 
@@ -271,7 +272,8 @@ class DataSet(Item):
         encoding is "explicit", "implicit" (both little endian) or "big endian"; None keeps the
         one of the file (then the other options do not count) and is "explicit" for a data set
         built in memory. Part 10 files have the File Meta Information, which is completed when it
-        has no transfer syntax. Raises SaveError.
+        has no transfer syntax. The new file takes the place of the former one as a whole, when it
+        is complete. Raises SaveError; the former file is as it was then.
         """
         if encoding is None and self._is_built:
             encoding = "explicit"
@@ -285,7 +287,9 @@ class DataSet(Item):
                 mode |= _PART_10
                 if (0x0002, 0x0010) not in self:
                     lib.pgKitAddPart10Elements(self._live, c_text(syntax))
-        result = lib.pgKitSaveDataSetAsEx(self._live, encoded_path(path), mode)
+        live = self._live
+        result = write_whole(path, lambda beside: lib.pgKitSaveDataSetAsEx(
+            live, encoded_path(beside), mode))
         if result != 0:
             raise SaveError(str(path), result)
 

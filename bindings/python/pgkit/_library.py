@@ -101,6 +101,7 @@ _PROTOTYPES = {
     "pgKitDirBrowse": (c_void_p, c_void_p, BrowseCallback, c_void_p),
     "pgCreateDicomdirEx": (c_uint32, c_char_p, c_char_p, POINTER(DicomdirOptions), ScanCallback,
                            c_void_p),
+    "pgxIsProfile": (c_int32, c_char_p),
 }
 
 # Getters of directory records: a record in, a text, a number or a list out.

@@ -158,6 +158,23 @@ class Editing(TemporaryDirectory):
         self.data_set = pgkit.open(MR)
         self.addCleanup(self.data_set.close)
 
+    # What was there was cut before it was known whether the new file can be written.
+    def test_a_failing_save_leaves_the_former_file(self):
+        path = self.directory / "saved.dcm"
+        path.write_bytes(b"former")
+        path.chmod(0o640)
+        mode = path.stat().st_mode
+        self.data_set[0x0011, 0x0010] = "MAKER"
+        self.data_set.set((0x0011, 0x1001), "x" * 65536, "LO")
+        with self.assertRaises(pgkit.SaveError):
+            self.data_set.save(path, encoding="explicit")
+        self.assertEqual(path.read_bytes(), b"former")
+        del self.data_set[0x0011, 0x1001]
+        self.data_set.save(path, encoding="explicit")
+        self.assertGreater(path.stat().st_size, 100)
+        self.assertEqual(path.stat().st_mode, mode)
+        self.assertEqual([path.name for path in self.directory.iterdir()], ["saved.dcm"])
+
     def test_changes_are_saved_and_the_rest_stays(self):
         before = {element.tag: element.raw for element in self.data_set}
         self.data_set["PatientsName"] = "DOE^JANE"

@@ -9,15 +9,20 @@
 #include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/record_builder.h"
 #include "pgkit/dicomdir_creation.h"
+#include "platform/platform.h"
 
 namespace pgkit {
 
 namespace {
 
-// A character as paths compare: separators and letters of either kind are alike.
-char Folded(char c) { return c == '/' ? '\\' : ToUpper(c); }
+bool IsSeparator(char c) { return c == '\\' || c == '/'; }
 
-bool IsSeparator(char c) { return Folded(c) == '\\'; }
+// A character as paths compare: separators are alike, and letters of either kind where the system
+// takes them for the same.
+char Folded(char c) {
+    if (IsSeparator(c)) return '\\';
+    return platform::PathsIgnoreCase() ? ToUpper(c) : c;
+}
 
 std::string_view WithoutTrailingSeparator(std::string_view directory) {
     if (!directory.empty() && IsSeparator(directory.back())) directory.remove_suffix(1);

@@ -3,6 +3,7 @@
 #include "codec/write_result.h"
 #include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/dicomdir_build.h"
+#include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/create/disk_scan.h"
 #include "dicomdir/create/own_patients.h"
 #include "pgkit/dicomdir_creation.h"
@@ -11,11 +12,16 @@ namespace pgkit {
 
 namespace {
 
-uint32_t Create(DiskScan scan, PgDicomdirScanCallback callback, void* userData) {
+uint32_t Create(const char* directory, const char* profile, const PgDicomdirOptions* options,
+                PgDicomdirScanCallback callback, void* userData) {
+    if (directory == nullptr) return kCannotCreate;
+    DicomdirFile(WithoutTrailingBackslash(directory)).RemoveStrays();
+    DiskScan scan(directory, profile, options);
     const OwnPatients patients = NewPatients();
     scan.Run(*patients, callback, userData);
-    return BuildDicomdir(*patients, {scan.Directory(), FileSetIdOf(scan.Options()),
-                                     scan.Options().storeFileSize != 0, scan.List()});
+    return BuildDicomdir(
+        *patients, {scan.Directory(), FileSetIdOf(scan.Options()),
+                    scan.Options().storeFileSize != 0, MayBeEmpty(scan.Options()), scan.List()});
 }
 
 }  // namespace
@@ -31,9 +37,6 @@ uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
                             const PgDicomdirOptions* options, PgDicomdirScanCallback callback,
                             void* userData) {
     return pgkit::Guarded(
-        [=]() -> uint32_t {
-            if (directory == nullptr) return pgkit::kCannotCreate;
-            return pgkit::Create({directory, profile, options}, callback, userData);
-        },
+        [=] { return pgkit::Create(directory, profile, options, callback, userData); },
         pgkit::kOutOfMemory);
 }

@@ -8,6 +8,7 @@
 #include "dataset/node_ptr.h"
 #include "dicomdir/class_uids.h"
 #include "dicomdir/create/creation_options.h"
+#include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/generated_values.h"
 #include "dicomdir/create/record_items.h"
@@ -22,7 +23,6 @@ namespace {
 
 constexpr std::string_view kImplementation = "KIT_ZORVA_2865";
 constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
-constexpr int32_t kWriteMode = PG_LITTLE_ENDIAN | PG_EXPLICIT_VR | PG_META;
 
 NodeTree NewFileSet(std::string_view fileSetId) {
     NodeTree root(pgAllocateDataSetNode());
@@ -111,10 +111,8 @@ class DirectoryWriter {
 
     void WriteLeaves(PGX_DicomDirSeriesNode& series, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
-        for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves)) {
+        for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
             Append(NewLeafItem(leaf, request_.wantsFileSizes), chain);
-            if (request_.list != nullptr) request_.list->Append(PG_ACCEPTED, leaf.fullPath);
-        }
     }
 
     // Puts an item at the end of the sequence, which owns it from then on.
@@ -131,12 +129,26 @@ class DirectoryWriter {
     PGX_Node** end_;
 };
 
+uint32_t WriteDicomdir(PGX_List& patients, const BuildRequest& request) {
+    const NodeTree root = NewFileSet(request.fileSetId);
+    DicomdirFile file(request.directory);
+    file.RemoveStrays();
+    if (!file.Create()) return kCannotCreate;
+    if (patients.count == 0 && !request.mayBeEmpty) return PG_CREATION_NOTHING_ACCEPTED;
+    DirectoryWriter(*root, request).WritePatients(patients);
+    const uint32_t result = file.Save(*root);
+    if (result == kWritten) file.RemoveStrays();
+    return result;
+}
+
 }  // namespace
 
 uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request) {
-    const NodeTree root = NewFileSet(request.fileSetId);
-    DirectoryWriter(*root, request).WritePatients(patients);
-    return root->SaveDataSetAsEx((request.directory + "\\DICOMDIR").c_str(), kWriteMode);
+    const uint32_t result = WriteDicomdir(patients, request);
+    if (request.list == nullptr) return result;
+    if (result == kWritten) request.list->AppendAccepted(patients);
+    if (result == kWritten || result == PG_CREATION_NOTHING_ACCEPTED) request.list->Keep();
+    return result;
 }
 
 namespace {
@@ -148,6 +160,7 @@ uint32_t Build(PGX_List* patients, const char* directory, const char* fileSetId)
     return BuildDicomdir(*patients, {.directory = medium,
                                      .fileSetId = OrEmpty(fileSetId),
                                      .wantsFileSizes = false,
+                                     .mayBeEmpty = true,
                                      .list = &list});
 }
 

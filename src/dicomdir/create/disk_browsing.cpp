@@ -13,7 +13,9 @@ int32_t AddFrom(const char* directory, const char* profile, const PgDicomdirOpti
                 PGX_List& patients, PgDicomdirScanCallback callback, void* userData) {
     Guarded([&] {
         if (directory == nullptr) return;
-        pgkit::DiskScan(directory, profile, options).Run(patients, callback, userData);
+        pgkit::DiskScan scan(directory, profile, options);
+        scan.Run(patients, callback, userData);
+        scan.KeepList();
     });
     return patients.count;
 }
@@ -22,7 +24,9 @@ PGX_List* NewListOf(const char* directory, const char* profile, const PgDicomdir
                     PgDicomdirScanCallback callback, void* userData) {
     if (directory == nullptr) return nullptr;
     pgkit::OwnPatients patients = pgkit::NewPatients();
-    pgkit::DiskScan(directory, profile, options).Run(*patients, callback, userData);
+    pgkit::DiskScan scan(directory, profile, options);
+    scan.Run(*patients, callback, userData);
+    scan.KeepList();
     return patients.release();
 }
 

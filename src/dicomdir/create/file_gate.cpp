@@ -1,11 +1,14 @@
 #include "dicomdir/create/file_gate.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "base/text.h"
 #include "codec/open.h"
 #include "dicomdir/class_uids.h"
+#include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/record_keys.h"
+#include "pgkit/directory_records.h"
 
 namespace pgkit {
 
@@ -65,9 +68,25 @@ bool IsAllowed(const Candidate& candidate, const char* profile) {
                                photometricInterpretation, modality, profile) != 0;
 }
 
+// Whether a name fits the field of a leaf and leads to a file of the medium: there is one, and no
+// component goes back up.
+bool IsFileId(std::string_view name) {
+    if (name.empty() || name.size() >= sizeof(PGX_DicomDirLeafNode::referencedFileId)) return false;
+    while (!name.empty()) {
+        const size_t end = std::min(name.find_first_of("\\/"), name.size());
+        if (name.substr(0, end) == "..") return false;
+        name.remove_prefix(std::min(end + 1, name.size()));
+    }
+    return true;
+}
+
 PgAcceptanceCode Judge(const FileToAdd& file, const char* profile, bool skipChecks,
                        Candidate& candidate) {
-    if (ToUpper(file.referencedName) == "DICOMDIR") return PG_IS_A_DICOMDIR;
+    if (!IsFileId(file.referencedName)) return PG_INVALID_FILE_NAME;
+    const std::string_view name = file.referencedName;
+    if (ToUpper(name) == kDicomdirName) return PG_IS_A_DICOMDIR;
+    // The creation of the DICOMDIR would remove it.
+    if (IsReplacementOfDicomdir(name)) return PG_IS_A_DICOMDIR;
     PgAcceptanceCode code = Open(file.fullPath, skipChecks, candidate.dataSet);
     if (code == PG_ACCEPTED) code = ReadIdentifiers(skipChecks, candidate);
     if (code != PG_ACCEPTED) return code;

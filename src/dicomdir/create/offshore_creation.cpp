@@ -39,8 +39,9 @@ class OffshoreCreation {
     uint32_t Add(const FileToAdd& file) { return builder_.Add(file).code; }
 
     uint32_t Build() {
-        return BuildDicomdir(
-            *patients_, {directory_, FileSetIdOf(options_), options_.storeFileSize != 0, List()});
+        return BuildDicomdir(*patients_,
+                             {directory_, FileSetIdOf(options_), options_.storeFileSize != 0,
+                              MayBeEmpty(options_), List()});
     }
 
   private:

@@ -49,6 +49,16 @@ AddedRecords RecordBuilder::Add(const FileToAdd& file) {
     }
 }
 
+PgAcceptanceCode RecordBuilder::RefuseName(const char* fullPath) {
+    if (refusals_ == nullptr) return PG_INVALID_FILE_NAME;
+    try {
+        refusals_->Append(PG_INVALID_FILE_NAME, fullPath);
+    } catch (const std::bad_alloc&) {
+        // There is no line then.
+    }
+    return PG_INVALID_FILE_NAME;
+}
+
 // They may know objects that were to be added and are gone.
 void RecordBuilder::ForgetIndexes() {
     hasPatientIndex_ = false;
