@@ -4,6 +4,7 @@
 
 #include "command.h"
 #include "data_set.h"
+#include "long_values.h"
 #include "options.h"
 
 namespace pgtool {
@@ -62,6 +63,7 @@ int Save(const Arguments& arguments) {
     const DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadLimit));
     if (root == nullptr) return Fail(kSaveCommand, CannotOpen(files[0]));
     const uint32_t bits = PrepareMode(*root, mode, bare, undefinedLengths);
+    if (!MakeLongValuesUn(*root)) return Fail(kSaveCommand, "a long value cannot be read");
     const uint32_t result = root->SaveDataSetAsEx(files[1].c_str(), static_cast<int32_t>(bits));
     return result == 0 ? kDone : Fail(kSaveCommand, files[1] + ": " + DescribeSaveResult(result));
 }
@@ -76,7 +78,8 @@ const Command kSaveCommand = {
     "                       endian, whatever the mode\n"
     "  --bare               write neither preamble nor file meta information\n"
     "  --undefined-lengths  write sequences and items with delimiters\n"
-    "A source without meta information gets it, unless --bare or as-read.\n",
+    "A source without meta information gets it, unless --bare or as-read. Values of 65,535\n"
+    "bytes and more get the VR UN where theirs has no room for such a length.\n",
     Save};
 
 }  // namespace pgtool
