@@ -20,7 +20,11 @@ struct Target {
 void Read(Bytes input);
 // A data set file and a write mode: saved, read again and saved again, nothing changes.
 void RoundTrip(Bytes input);
-// A data set file and a series of edits; what comes of them is dumped and saved.
+// A data set file, a write mode and whether it is edited: saved over itself, twice. It reads back
+// equal, and the tree keeps its values.
+void SaveOver(Bytes input);
+// A data set file and a series of edits; what comes of them is dumped and saved, and reads back
+// equal.
 void Edit(Bytes input);
 
 // A DICOMDIR: browsed, objects removed, what is left written as a DICOMDIR again.
@@ -43,6 +47,7 @@ void Accessors(Bytes input);
 inline constexpr Target kTargets[] = {
     {"read", Read},
     {"round_trip", RoundTrip},
+    {"save_over", SaveOver},
     {"edit", Edit},
     {"browse", Browse},
     {"create", Create},

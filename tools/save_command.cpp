@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "data_set.h"
+#include "long_values.h"
 #include "options.h"
 
 namespace pgtool {
@@ -63,6 +64,7 @@ int Save(const Arguments& arguments) {
     DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadedOnSave));
     if (root == nullptr) return Fail(kSaveCommand, CannotOpen(files[0]));
     const uint32_t bits = PrepareMode(*root, mode, bare, undefinedLengths);
+    if (!MakeLongValuesUn(*root)) return Fail(kSaveCommand, "a long value cannot be read");
     const uint32_t result = SaveWhole(std::move(root), files[1], bits);
     return result == 0 ? kDone : Fail(kSaveCommand, files[1] + ": " + DescribeSaveResult(result));
 }
@@ -77,7 +79,8 @@ const Command kSaveCommand = {
     "                       endian, whatever the mode\n"
     "  --bare               write neither preamble nor file meta information\n"
     "  --undefined-lengths  write sequences and items with delimiters\n"
-    "A source without meta information gets it, unless --bare or as-read.\n",
+    "A source without meta information gets it, unless --bare or as-read. Values of 65,535\n"
+    "bytes and more get the VR UN where theirs has no room for such a length.\n",
     Save};
 
 }  // namespace pgtool

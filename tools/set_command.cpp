@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "data_set.h"
+#include "long_values.h"
 #include "options.h"
 #include "pgkit/dictionary.h"
 #include "tag.h"
@@ -117,6 +118,7 @@ int Set(const Arguments& arguments) {
         }
         if (!Apply(*root, *assignment)) return Fail(kSetCommand, "cannot set " + operands[i]);
     }
+    if (!MakeLongValuesUn(*root)) return Fail(kSetCommand, "a long value cannot be read");
     const uint32_t result = SaveWhole(std::move(root), output, 0);
     return result == 0 ? kDone : Fail(kSetCommand, output + ": " + DescribeSaveResult(result));
 }
@@ -129,7 +131,8 @@ const Command kSetCommand = {
     "TAG is a name (PatientsName) or a group and an element (0010,0010). Elements that do\n"
     "not exist are inserted. VALUE is text; of numeric elements decimal numbers, several of\n"
     "them with backslashes between, signed where Pixel Representation decides and is 1.\n"
-    "Sequences and binary values cannot be set.\n",
+    "Sequences and binary values cannot be set. Values of 65,535 bytes and more get the VR\n"
+    "UN where theirs has no room for such a length.\n",
     Set};
 
 }  // namespace pgtool

@@ -2,12 +2,23 @@
 #include <new>
 
 #include "api/handle_access.h"
+#include "dataset/long_lists.h"
 #include "pgkit/accessors.h"
 
 using pgkit::CallOn;
 using pgkit::FieldOf;
 using pgkit::Guarded;
 using pgkit::SetField;
+
+namespace {
+
+// Before the tag or the next of a node changes. Without a next it is in no list, or the last of
+// one, where every walk comes by.
+void NoteChange(const PGX_Node* node) {
+    if (node != nullptr && node->next != nullptr) pgkit::ForgetLongLists();
+}
+
+}  // namespace
 
 uint32_t pgKitGetNodeType(PGX_Node* node) {
     return Guarded([=] { return static_cast<uint32_t>(FieldOf(node, &PGX_Node::nodeType)); });
@@ -25,11 +36,15 @@ void pgKitSetValueRep(PGX_Node* node, uint32_t valueRep) {
 
 uint16_t pgKitGetGroup(PGX_Node* node) { return FieldOf(node, &PGX_Node::group); }
 
-void pgKitSetGroup(PGX_Node* node, uint16_t group) { SetField(node, &PGX_Node::group, group); }
+void pgKitSetGroup(PGX_Node* node, uint16_t group) {
+    NoteChange(node);
+    SetField(node, &PGX_Node::group, group);
+}
 
 uint16_t pgKitGetElement(PGX_Node* node) { return FieldOf(node, &PGX_Node::element); }
 
 void pgKitSetElement(PGX_Node* node, uint16_t element) {
+    NoteChange(node);
     SetField(node, &PGX_Node::element, element);
 }
 
@@ -39,7 +54,10 @@ void pgKitSetLength(PGX_Node* node, uint32_t length) { SetField(node, &PGX_Node:
 
 PGX_Node* pgKitGetNext(PGX_Node* node) { return FieldOf(node, &PGX_Node::next); }
 
-void pgKitSetNext(PGX_Node* node, PGX_Node* next) { SetField(node, &PGX_Node::next, next); }
+void pgKitSetNext(PGX_Node* node, PGX_Node* next) {
+    NoteChange(node);
+    SetField(node, &PGX_Node::next, next);
+}
 
 PGX_Node* pgKitGetFirst(PGX_Node* node) { return FieldOf(node, &PGX_Node::first); }
 

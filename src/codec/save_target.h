@@ -1,8 +1,10 @@
 // The file that a tree is saved to, which may be the one that its values are still read from.
 //
-// Truncating that file would destroy them. A file that the tree reads from is therefore left alone
-// until the new one is complete beside it, and is then replaced by it; streams that are open on the
-// old file go on reading the old content.
+// Truncating that file would destroy them. A file from which something is still to be read (a value
+// or a fragment that is not in memory, a content file) is therefore left alone until the new one is
+// complete beside it, and is then replaced by it; streams that are open on the old file go on
+// reading the old content. Any other file is truncated and written in place, so that its links,
+// attributes and place in a directory that cannot be written stay as they are.
 #pragma once
 
 #include "codec/write_result.h"
@@ -14,7 +16,8 @@ namespace pgkit {
 
 class SaveTarget {
   public:
-    // Throws std::bad_alloc. A null path names nothing that can be created.
+    // Reads values of group 0002 that nothing but they would keep the file for. Throws
+    // std::bad_alloc. A null path names nothing that can be created.
     SaveTarget(const char* path, PGX_Node& root);
     // Removes what has not been put in place.
     ~SaveTarget() = default;

@@ -38,7 +38,10 @@ uint64_t StreamReader::Remaining() {
 bool StreamReader::MoveStreamTo(uint64_t position) {
     if (streamPosition_ == position) return true;
     streamPosition_.reset();
-    if (!platform::Seek(stream_, position)) return false;
+    if (!platform::Seek(stream_, position)) {
+        hasFailed_ = true;
+        return false;
+    }
     streamPosition_ = position;
     return true;
 }
@@ -50,6 +53,15 @@ void StreamReader::MakeRoom(size_t size) {
     largeBuffer_ = std::move(larger);
     buffer_ = largeBuffer_.get();
     bufferSize_ = size;
+}
+
+// The error mark of a stream stays until somebody clears it, and may be an old one. The mark of its
+// end is taken away by every seek: what comes back short without it has failed.
+size_t StreamReader::ReadStream(uint8_t* out, size_t count) {
+    const size_t got = std::fread(out, 1, count, stream_);
+    if (got < count && std::feof(stream_) == 0) hasFailed_ = true;
+    *streamPosition_ += got;
+    return got;
 }
 
 bool StreamReader::FillTo(size_t count) {
@@ -65,8 +77,7 @@ bool StreamReader::FillTo(size_t count) {
         size_t wanted = std::min(fillSize_, kBufferSize - end_);
         if (size_) wanted = std::min<uint64_t>(wanted, *size_ - position);
         MakeRoom(end_ + wanted);
-        const size_t got = std::fread(buffer_ + end_, 1, wanted, stream_);
-        *streamPosition_ += got;
+        const size_t got = ReadStream(buffer_ + end_, wanted);
         end_ += got;
         if (got < wanted) size_ = streamPosition_;
         fillSize_ = std::min(2 * fillSize_, kBufferSize);
@@ -90,8 +101,7 @@ size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     }
     const uint64_t position = Position();
     if (!MoveStreamTo(position)) return fromBuffer;
-    const size_t more = std::fread(out + fromBuffer, 1, missing, stream_);
-    *streamPosition_ += more;
+    const size_t more = ReadStream(out + fromBuffer, missing);
     Seek(position + more);
     return fromBuffer + more;
 }

@@ -58,6 +58,10 @@ class StreamReader {
         return count;
     }
 
+    // Whether the system has failed to read or to seek so far, where it can tell. What ends early
+    // is a file that ends there as long as this is false.
+    bool HasFailed() const { return hasFailed_; }
+
     // Something else has used the stream, and moved it.
     void StreamMoved() { streamPosition_.reset(); }
     // Moves the stream itself to Position().
@@ -75,6 +79,8 @@ class StreamReader {
     void MakeRoom(size_t size);
     size_t ReadLarge(uint8_t* out, size_t count);
     bool MoveStreamTo(uint64_t position);
+    // Reads at the stream's own position.
+    size_t ReadStream(uint8_t* out, size_t count);
 
     FILE* stream_;
     std::optional<uint64_t> streamPosition_;
@@ -83,6 +89,7 @@ class StreamReader {
     size_t next_ = 0;           // index of the next byte to read
     size_t end_ = 0;            // index behind the last byte
     size_t fillSize_ = kFirstFill;
+    bool hasFailed_ = false;
     uint8_t* buffer_ = firstBuffer_.data();
     size_t bufferSize_ = kFirstFill;
     std::unique_ptr<uint8_t[]> largeBuffer_;  // grows with the fills, up to kBufferSize

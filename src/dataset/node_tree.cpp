@@ -6,6 +6,7 @@
 
 #include "base/diagnostics.h"
 #include "base/firewall.h"
+#include "dataset/long_lists.h"
 #include "dataset/new_element.h"
 #include "dictionary/dictionary.h"
 #include "pgkit/dataset.h"
@@ -31,10 +32,7 @@ bool RefuseUnlessDataSet(const PGX_Node& node) {
 
 // Behind every element with a lower or equal tag that comes before the first higher one.
 void LinkInOrder(PGX_Node& dataSet, PGX_Node& node) {
-    const uint32_t key = TagKey(node.group, node.element);
-    PGX_Node** link = &dataSet.first;
-    while (*link != nullptr && TagKey((*link)->group, (*link)->element) <= key)
-        link = &(*link)->next;
+    PGX_Node** const link = FindInsertionLink(dataSet, TagKey(node.group, node.element));
     node.next = *link;
     *link = &node;
 }

@@ -5,6 +5,7 @@
 
 #include "support/process.h"
 #include "support/save_modes.h"
+#include "support/stream_builder.h"
 #include "support/tree.h"
 
 namespace {
@@ -199,6 +200,29 @@ TEST_F(PgtoolWriting, SetRefusesWhatItCannotSet) {
         EXPECT_EQ(Pgtool({"set", source_, assignment, "-o", output_}).exitStatus, 2) << assignment;
     }
     EXPECT_EQ(Pgtool({"set", source_, "PatientID=7"}).exitStatus, 2);
+}
+
+// Values that do not fit the length field of their VR made the tool fail.
+TEST_F(PgtoolWriting, ValuesTooLongForTheirVrBecomeUn) {
+    const std::string text(70000, 'x');
+    std::string numbers;
+    for (int i = 0; i < 35000; ++i)
+        numbers += std::string("\x01\x02", 2);
+    const std::string source = directory_.Write("long", pgkit_test::StreamBuilder()
+                                                            .Part10("1.2.840.10008.1.2")
+                                                            .Mode(pgkit_test::VrMode::Implicit)
+                                                            .Element(0x0010, 0x4000, "LT", text)
+                                                            .Element(0x0028, 0x1101, "US", numbers)
+                                                            .Data());
+    for (const char* mode : {"explicit-le", "explicit-be", "implicit-le"}) {
+        const DataSet root = Written({"save", source, output_, "--mode", mode});
+        EXPECT_EQ(TextOf(Child(root.get(), 0x0010, 0x4000)), text);
+        EXPECT_EQ(TextOf(Child(root.get(), 0x0028, 0x1101)), numbers);
+    }
+    const DataSet root = Written({"save", source, output_, "--mode", "explicit-le"});
+    EXPECT_EQ(Child(root.get(), 0x0010, 0x4000)->valueRep, static_cast<uint32_t>(VR_UN));
+    const DataSet set = Written({"set", output_, "0010,0010=DOE", "-o", output_});
+    EXPECT_EQ(TextOf(Child(set.get(), 0x0010, 0x4000)), text);
 }
 
 }  // namespace

@@ -22,6 +22,20 @@ class TemporaryDirectory(unittest.TestCase):
         return pgkit.open(path)
 
 
+class LongValues(TemporaryDirectory):
+    def test_are_written_as_un_where_their_vr_has_no_room_for_the_length(self):
+        data_set = pgkit.new()
+        self.addCleanup(data_set.close)
+        data_set.set("PatientComments", "x" * 70000)
+        data_set.set((0x0028, 0x1101), [258] * 35000, vr="US")
+        for encoding in ("explicit", "implicit", "big endian"):
+            with self.saved(data_set, encoding=encoding) as saved:
+                self.assertEqual(saved["PatientComments"].raw, b"x" * 70000)
+                self.assertEqual(saved[0x0028, 0x1101].raw, b"\x02\x01" * 35000)
+        with self.saved(data_set) as saved:
+            self.assertEqual(saved["PatientComments"].vr, "UN")
+
+
 class Reading(unittest.TestCase):
     def setUp(self):
         self.data_set = pgkit.open(DATA / "native/all_vrs_explicit_le.dcm")
