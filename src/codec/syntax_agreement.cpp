@@ -115,16 +115,11 @@ bool NeedsExplicitLittle(PGX_Node& root, const MetaInformation& meta, uint32_t m
     return (isBig && seemsMeta) || HasEncapsulated(root);
 }
 
-// Every: readers differ in which of several they take.
-WriteResult SetSyntax(PGX_Node& root, std::string_view uid) {
-    for (PGX_Node* element = root.first; element != nullptr; element = element->next) {
-        if (element->group != kMetaGroup || element->element != kTransferSyntaxElement) continue;
-        // A sequence would be written without value.
-        if (element->valueRep == VR_SQ) element->valueRep = VR_UI;
-        const auto size = static_cast<uint32_t>(uid.size());
-        if (element->SetValue(uid.data(), size) == 0) return kOutOfMemory;
-    }
-    return kWritten;
+WriteResult SetSyntax(PGX_Node& element, std::string_view uid) {
+    // A sequence would be written without value.
+    if (element.valueRep == VR_SQ) element.valueRep = VR_UI;
+    const auto size = static_cast<uint32_t>(uid.size());
+    return element.SetValue(uid.data(), size) != 0 ? kWritten : kOutOfMemory;
 }
 
 // The UID that the element gets, if any; the mode becomes the one that is written.

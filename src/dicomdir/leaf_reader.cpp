@@ -5,9 +5,8 @@
 
 #include "base/text.h"
 #include "dataset/tree_size.h"
-#include "dataset/tree_walk.h"
-#include "dataset/value_source.h"
 #include "dicomdir/class_uids.h"
+#include "dicomdir/record_copy.h"
 #include "dicomdir/record_keys.h"
 #include "pgkit/sopclass.h"
 
@@ -52,13 +51,13 @@ constexpr NamedType kNamedTypes[] = {
 // The list cell of a leaf and its share of the indexes, at most.
 constexpr uint64_t kIndexMemory = 384;
 
-// Null also for one that a damaged length makes larger than the DICOMDIR, and when the browse may
-// not take so much: many leaves may share the record, and each has copies of its own.
+// What another record could not carry is left out here already: the leaf shows what it has when the
+// hierarchy is written again. Null also when the browse may not take so much: many leaves may share
+// the record, and each has copies of its own.
 PGX_Node* CopySequence(PGX_Node& record, KeyTag tag, BrowseLimits& limits) {
     PGX_Node* sequence = record.FindNode(tag.group, tag.element);
-    if (sequence == nullptr || AnyInTree(*sequence, LacksMuch)) return nullptr;
-    if (!limits.TakeMemory(CopySize(*sequence))) return nullptr;
-    return sequence->DuplicateNode(1);
+    if (sequence == nullptr || !limits.TakeMemory(CopySize(*sequence))) return nullptr;
+    return CopyForRecord(sequence).release();
 }
 
 void ReadFields(PGX_Node& record, PGX_DicomDirImageNode& image, BrowseLimits& limits) {

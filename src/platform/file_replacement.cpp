@@ -4,7 +4,13 @@
 
 namespace pgkit::platform {
 
-FileReplacement::~FileReplacement() { Discard(); }
+FileReplacement::~FileReplacement() {
+    try {
+        Discard();
+    } catch (...) {
+        // Without memory for the name it stays, as a stray.
+    }
+}
 
 void FileReplacement::Discard() {
     stream_.reset();

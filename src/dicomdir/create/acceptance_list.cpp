@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <iterator>
 
+#include "base/firewall.h"
 #include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/record_list.h"
 #include "pgkit/dicomdir_creation.h"
@@ -51,7 +52,7 @@ std::string Line(uint32_t code, std::string_view path) {
 }
 
 [[nodiscard]] bool CopyBytes(FILE* from, FILE* to) {
-    std::array<char, 16384> buffer;
+    std::array<char, 4096> buffer;
     if (!platform::Seek(from, 0)) return false;
     for (;;) {
         const size_t size = std::fread(buffer.data(), 1, buffer.size(), from);
@@ -98,8 +99,10 @@ bool StartsWithPath(std::string_view text, std::string_view path) {
 }  // namespace
 
 AcceptanceList::~AcceptanceList() {
-    if (former_.Exists()) [[maybe_unused]]
-        const auto outcome = former_.PutInPlace();
+    // Without memory for the names the list stays as it was started.
+    Guarded([this] {
+        if (former_.Exists()) static_cast<void>(former_.PutInPlace());
+    });
 }
 
 void AcceptanceList::Start() {
