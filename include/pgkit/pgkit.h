@@ -39,6 +39,7 @@
 #include "pgkit/node.h"
 #include "pgkit/patient_list.h"
 #include "pgkit/sopclass.h"
+#include "pgkit/text.h"
 #include "pgkit/uid.h"
 #include "pgkit/value_representation.h"
 #include "pgkit/version.h"
