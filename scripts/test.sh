@@ -114,6 +114,7 @@ start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" \
     "$root/scripts/wine.sh" "$root/build/windows-x64/bin/pgtool.exe"
 wait
 start python bindings/python/run_tests.sh build/native/bin/libpgkit.so
+start text tests/interop/compare_text.py build/native/bin/libpgkit.so
 start debugger tests/debugger/check_printer.py build/native/bin
 start documents scripts/check-docs.py build/native/bin
 start installation tests/consumer/check_installation.py build/native build/windows-x64 \
@@ -141,6 +142,7 @@ count_summary media
 count_summary icons
 count_summary installation
 count_summary python
+count_summary text
 count_summary debugger
 count_summary documents
 count_summary directories
