@@ -47,8 +47,8 @@ constexpr Correction kCorrections[] = {
     {Charset::JisX0208, 0xA1DD, 0xA1DD, 0x2212},  // minus, not a wide hyphen
     {Charset::JisX0208, 0xA1F1, 0xA1F2, 0x00A2},  // cent and pound, not their wide forms
     {Charset::JisX0208, 0xA2CC, 0xA2CC, 0x00AC},  // likewise the not sign
-    {Charset::JisX0212, 0xA237, 0xA237, 0xFF5E},  // a wide tilde is no tilde
-    {Charset::JisX0212, 0xA243, 0xA243, 0x00A6},  // broken bar, not its wide form
+    {Charset::JisX0212, 0xA2B7, 0xA2B7, 0xFF5E},  // a wide tilde is no tilde
+    {Charset::JisX0212, 0xA2C3, 0xA2C3, 0x00A6},  // broken bar, not its wide form
     {Charset::KsX1001, 0xA2E8, 0xA2E8, 0x327E},   // a later addition: the postal code mark
     {Charset::Gb2312, 0xA1A4, 0xA1A4, 0x30FB},    // the dot and the dash have other names in GBK
     {Charset::Gb2312, 0xA1AA, 0xA1AA, 0x2015},

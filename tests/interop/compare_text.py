@@ -71,6 +71,11 @@ EXPLAINED = {
     ("Chinese with extensions", "pydicom"): "follows no escape of ISO 2022 IR 58",
     ("Chinese in GBK", "pydicom"): "splits at bytes 5C inside of characters",
     ("euro sign", "dcmdump"): "does not know ISO_IR 203",
+    ("euro sign", "pydicom"): "likewise, and takes ISO_IR 100 instead",
+    # "not supported by the utilized character set conversion library", which is glibc's iconv.
+    **{(name, "dcmdump"): "converts no ISO 2022 IR 87 with this library"
+       for name in ("Japanese", "Japanese behind katakana", "Japanese beside ASCII",
+                    "Japanese lines", "rare Japanese", "several values")},
 }
 
 
@@ -137,9 +142,6 @@ def as_text(value):
         return ""
     if isinstance(value, (list, pydicom.multival.MultiValue)):
         return "\\".join(as_text(one) for one in value)
-    if isinstance(value, pydicom.valuerep.PersonName):
-        # As it stood: its text lacks empty groups at the end.
-        return "=".join(value.components) if value.components else ""
     return str(value)
 
 
@@ -195,7 +197,9 @@ def check_file(library, name, path, texts):
     ours = [(vr, library.read(character_set, vr, value))
             for _, vr, character_set, value, _ in texts]
     theirs = [(vr, without_padding(text)) for _, vr, _, _, text in texts]
-    found = list(compared("pydicom", name, ours, theirs))
+    # pydicom leaves out empty component groups at the end.
+    comparable = [(vr, text.rstrip("=") if vr == "PN" else text) for vr, text in ours]
+    found = list(compared("pydicom", name, comparable, theirs))
     shown = dumped_texts(path)
     if shown is not None:
         found += compared("dcmdump", name, in_order(ours), in_order(shown))
