@@ -124,7 +124,7 @@ def without_padding(text):
 
 # ---- The other readers ---------------------------------------------------------------------------
 
-DUMPED = re.compile(r"^ *\((?!0002)[0-9a-f]{4},[0-9a-f]{4}\) (SH|LO|ST|PN|LT|UT|UC) "
+DUMPED = re.compile(r"^ *\((?!0002)[0-9a-f]{3}[02468ace],[0-9a-f]{4}\) (SH|LO|ST|PN|LT|UT|UC) "
                     r"(?:\[(.*?)\]|\(no value available\)) +# +\d+, *\d+ ", re.DOTALL | re.MULTILINE)
 
 
@@ -202,7 +202,9 @@ def check_file(library, name, path, texts):
     found = list(compared("pydicom", name, comparable, theirs))
     shown = dumped_texts(path)
     if shown is not None:
-        found += compared("dcmdump", name, in_order(ours), in_order(shown))
+        # Each reader has a dictionary of private elements of its own.
+        public = [text for text, (tag, *_) in zip(ours, texts) if tag.group % 2 == 0]
+        found += compared("dcmdump", name, in_order(public), in_order(shown))
     return "\n       ".join(found[:5]) or None
 
 
