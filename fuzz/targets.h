@@ -43,6 +43,8 @@ void PrivateDictionaryFile(Bytes input);
 void SOPClassFile(Bytes input);
 // A data set file, used through the flat functions alone.
 void Accessors(Bytes input);
+// A text value, or UTF-8, and a character set: read and written both ways.
+void Text(Bytes input);
 
 inline constexpr Target kTargets[] = {
     {"read", Read},
@@ -56,6 +58,7 @@ inline constexpr Target kTargets[] = {
     {"private_dictionary", PrivateDictionaryFile},
     {"sop_classes", SOPClassFile},
     {"accessors", Accessors},
+    {"text", Text},
 };
 
 // Null when there is no such target.
