@@ -19,6 +19,10 @@ bool HasPrivateSyntax(PGX_Node& root);
 // Elements that are not written: never, or not in a bare data set.
 bool HasElementsToLeaveOut(PGX_Node& root, bool isBare);
 
+// A file with File Meta Information that does not say the encoding of this mode, and is not in the
+// one that readers take for granted: without a transfer syntax the mode decides.
+bool IsUndeclared(PGX_Node& root, int32_t mode);
+
 // Encapsulated Pixel Data without a table of fragments.
 bool HasUnindexedFragments(PGX_Node& root);
 
@@ -27,7 +31,8 @@ bool HasMissingValue(PGX_Node& root);
 
 // Opens the file that a tree with content was saved to, with result 0 in this mode, and throws a
 // Violation when it differs. Not compared is what cannot be the same without VRs: elements that are
-// sequences to the dictionary and not in the tree, or the other way round, and the padding of UIDs.
+// sequences to the dictionary and not in the tree, or the other way round, and the padding of UIDs;
+// and all of an undeclared encoding.
 pgkit_test::DataSet RequireReadsBack(PGX_Node& original, const std::string& path, int32_t mode,
                                      uint32_t limit);
 

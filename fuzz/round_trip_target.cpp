@@ -58,7 +58,7 @@ void RoundTrip(Bytes bytes) {
     if (first.empty()) return;
     const pgkit_test::DataSet reread =
         RequireReadsBack(*original, ScratchPath("first"), mode, limit);
-    if (settlesLater) return;
+    if (settlesLater || IsUndeclared(*original, mode)) return;
     Require(Saved(*reread, "second", mode) == first, "saving again gives the same bytes");
 }
 
