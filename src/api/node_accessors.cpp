@@ -18,6 +18,12 @@ void NoteChange(const PGX_Node* node) {
     if (node != nullptr && node->next != nullptr) pgkit::ForgetLongLists();
 }
 
+template <typename Value>
+void SetNoted(PGX_Node* node, Value PGX_Node::*field, Value value) {
+    NoteChange(node);
+    SetField(node, field, value);
+}
+
 }  // namespace
 
 uint32_t pgKitGetNodeType(PGX_Node* node) {
@@ -37,15 +43,13 @@ void pgKitSetValueRep(PGX_Node* node, uint32_t valueRep) {
 uint16_t pgKitGetGroup(PGX_Node* node) { return FieldOf(node, &PGX_Node::group); }
 
 void pgKitSetGroup(PGX_Node* node, uint16_t group) {
-    NoteChange(node);
-    SetField(node, &PGX_Node::group, group);
+    Guarded([=] { SetNoted(node, &PGX_Node::group, group); });
 }
 
 uint16_t pgKitGetElement(PGX_Node* node) { return FieldOf(node, &PGX_Node::element); }
 
 void pgKitSetElement(PGX_Node* node, uint16_t element) {
-    NoteChange(node);
-    SetField(node, &PGX_Node::element, element);
+    Guarded([=] { SetNoted(node, &PGX_Node::element, element); });
 }
 
 uint32_t pgKitGetLength(PGX_Node* node) { return FieldOf(node, &PGX_Node::length); }
@@ -55,8 +59,7 @@ void pgKitSetLength(PGX_Node* node, uint32_t length) { SetField(node, &PGX_Node:
 PGX_Node* pgKitGetNext(PGX_Node* node) { return FieldOf(node, &PGX_Node::next); }
 
 void pgKitSetNext(PGX_Node* node, PGX_Node* next) {
-    NoteChange(node);
-    SetField(node, &PGX_Node::next, next);
+    Guarded([=] { SetNoted(node, &PGX_Node::next, next); });
 }
 
 PGX_Node* pgKitGetFirst(PGX_Node* node) { return FieldOf(node, &PGX_Node::first); }

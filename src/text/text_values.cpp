@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/firewall.h"
 #include "base/text.h"
 #include "dataset/value_source.h"
 #include "pgkit/node.h"
@@ -143,59 +144,89 @@ std::string_view TextOrEmpty(const void* bytes, size_t length) {
     return {static_cast<const char*>(bytes), bytes == nullptr ? 0 : length};
 }
 
-// The result of a conversion, or what stands for it when memory runs out.
-template <typename Convert>
-int64_t WithinMemory(Convert&& convert) {
-    try {
-        return convert();
-    } catch (const std::bad_alloc&) {
-        return PGX_TEXT_NO_MEMORY;
-    }
+int64_t Decode(const char* attribute, uint32_t valueRep, std::string_view bytes, CutEnd cutEnd,
+               char* buffer, size_t size) {
+    return DecodeTo(buffer, size, OrEmpty(attribute), valueRep, bytes, cutEnd);
 }
+
+int64_t Encode(const char* attribute, uint32_t valueRep, std::string_view utf8, char* buffer,
+               size_t size) {
+    ClearText(buffer, size);
+    return EncodeTo(buffer, size, OrEmpty(attribute), valueRep, utf8);
+}
+
+int64_t DecodeField(const char* attribute, uint32_t valueRep, const char* field, char* buffer,
+                    size_t size) {
+    ClearText(buffer, size);
+    if (field == nullptr) return PGX_TEXT_NO_VALUE;
+    return Decode(attribute, valueRep, field, CutEnd::Drop, buffer, size);
+}
+
+PGX_Node* FindCharacterSet(PGX_Node* dataSet, PGX_Node* inherited) {
+    if (dataSet == nullptr) return inherited;
+    PGX_Node* const own = dataSet->FindNode(kIdentifyingGroup, kSpecificCharacterSet);
+    return own != nullptr ? own : inherited;
+}
+
+int64_t GetElement(PGX_Node* characterSet, PGX_Node* element, char* buffer, size_t size) {
+    ClearText(buffer, size);
+    if (element == nullptr) return PGX_TEXT_NO_VALUE;
+    return GetValue(characterSet, *element, buffer, size);
+}
+
+int64_t SetElement(PGX_Node* characterSet, PGX_Node* element, std::string_view utf8) {
+    if (element == nullptr) return PGX_TEXT_NO_VALUE;
+    return SetValue(characterSet, *element, utf8);
+}
+
+constexpr int64_t kNoMemory = PGX_TEXT_NO_MEMORY;
 
 }  // namespace
 
 }  // namespace pgkit
 
+using pgkit::Guarded;
+using pgkit::TextOrEmpty;
+
 int64_t pgxTextToUtf8(const char* specificCharacterSet, uint32_t valueRep, const void* bytes,
                       size_t length, char* buffer, size_t size) {
-    return pgkit::DecodeTo(buffer, size, pgkit::OrEmpty(specificCharacterSet), valueRep,
-                           pgkit::TextOrEmpty(bytes, length), pgkit::CutEnd::Replace);
+    return Guarded(
+        [=] {
+            return pgkit::Decode(specificCharacterSet, valueRep, TextOrEmpty(bytes, length),
+                                 pgkit::CutEnd::Replace, buffer, size);
+        },
+        pgkit::kNoMemory);
 }
 
 int64_t pgxTextFromUtf8(const char* specificCharacterSet, uint32_t valueRep, const char* utf8,
                         size_t length, char* buffer, size_t size) {
-    pgkit::ClearText(buffer, size);
-    return pgkit::WithinMemory([&] {
-        return pgkit::EncodeTo(buffer, size, pgkit::OrEmpty(specificCharacterSet), valueRep,
-                               pgkit::TextOrEmpty(utf8, length));
-    });
+    return Guarded(
+        [=] {
+            return pgkit::Encode(specificCharacterSet, valueRep, TextOrEmpty(utf8, length), buffer,
+                                 size);
+        },
+        pgkit::kNoMemory);
 }
 
 int64_t pgxFieldToUtf8(const char* specificCharacterSet, uint32_t valueRep, const char* field,
                        char* buffer, size_t size) {
-    pgkit::ClearText(buffer, size);
-    if (field == nullptr) return PGX_TEXT_NO_VALUE;
-    return pgkit::DecodeTo(buffer, size, pgkit::OrEmpty(specificCharacterSet), valueRep, field,
-                           pgkit::CutEnd::Drop);
+    return Guarded(
+        [=] { return pgkit::DecodeField(specificCharacterSet, valueRep, field, buffer, size); },
+        pgkit::kNoMemory);
 }
 
 PGX_Node* pgxFindCharacterSet(PGX_Node* dataSet, PGX_Node* inherited) {
-    if (dataSet == nullptr) return inherited;
-    PGX_Node* const own = dataSet->FindNode(pgkit::kIdentifyingGroup, pgkit::kSpecificCharacterSet);
-    return own != nullptr ? own : inherited;
+    return Guarded([=] { return pgkit::FindCharacterSet(dataSet, inherited); });
 }
 
 int64_t pgxGetUtf8Value(PGX_Node* characterSet, PGX_Node* element, char* buffer, size_t size) {
-    pgkit::ClearText(buffer, size);
-    if (element == nullptr) return PGX_TEXT_NO_VALUE;
-    return pgkit::WithinMemory(
-        [&] { return pgkit::GetValue(characterSet, *element, buffer, size); });
+    return Guarded([=] { return pgkit::GetElement(characterSet, element, buffer, size); },
+                   pgkit::kNoMemory);
 }
 
 int64_t pgxSetUtf8Value(PGX_Node* characterSet, PGX_Node* element, const char* utf8,
                         size_t length) {
-    if (element == nullptr) return PGX_TEXT_NO_VALUE;
-    return pgkit::WithinMemory(
-        [&] { return pgkit::SetValue(characterSet, *element, pgkit::TextOrEmpty(utf8, length)); });
+    return Guarded(
+        [=] { return pgkit::SetElement(characterSet, element, TextOrEmpty(utf8, length)); },
+        pgkit::kNoMemory);
 }

@@ -65,6 +65,8 @@ static void CallUids(void) {
     EXPECT(pgxGetUIDName("1.2.840.10008.1.2", text, 4) > 4 && strlen(text) == 3);
     EXPECT(pgxGetTagPrintableName(0x7FE0, 0x0010, text, sizeof text) == 9);
     EXPECT(pgxGetVRPrintableName(VR_PN, text, sizeof text) == 2);
+    EXPECT(pgxProfileCount() == 56);
+    EXPECT(pgxProfileName(0, text, sizeof text) == strlen(text) && pgxIsProfile(text) == 1);
     int yes = 0;
     for (size_t i = 0; i < COUNT_OF(kCategories); ++i)
         yes += kCategories[i](ct);
@@ -113,6 +115,21 @@ static void CallGetters(PGX_Node* root) {
     EXPECT(pgKitGetDSIntValue(spacing) == 0);
     EXPECT(pgKitGetUSValue(NULL) == 0 && pgKitGetULValue(NULL) == 0 && pgKitGetSSValue(NULL) == 0);
     EXPECT(IsYesOrNo(pgKitGetFileData(root, text, 128, 4)));
+}
+
+/* A length, or one of the errors. */
+static int IsTextResult(int64_t result) { return result >= PGX_TEXT_NO_MEMORY; }
+
+static void CallTexts(PGX_Node* root) {
+    char text[80] = "";
+    PGX_Node* const name = pgFindNodeWithGroupElement(root, 0x0010, 0x0010);
+    PGX_Node* const set = pgxFindCharacterSet(root, NULL);
+    EXPECT(pgxTextToUtf8(NULL, VR_LO, "ascii", 5, text, sizeof text) == 5);
+    EXPECT(IsTextResult(pgxTextToUtf8("ISO_IR 144", VR_LO, "\xB1", 1, text, sizeof text)));
+    EXPECT(IsTextResult(pgxTextFromUtf8("ISO_IR 100", VR_LO, "\xC3\xA9", 2, text, sizeof text)));
+    EXPECT(pgxFieldToUtf8(NULL, VR_PN, "DOE", text, sizeof text) == 3);
+    EXPECT(IsTextResult(pgxGetUtf8Value(set, name, text, sizeof text)));
+    EXPECT(IsTextResult(pgxSetUtf8Value(set, name, "DOE^JOHN", 8)));
 }
 
 static void CallPixelData(PGX_Node* root) {
@@ -173,6 +190,7 @@ static void CallDataSets(const HostFiles* files) {
     pgCloseDataSet(pgOpenDataSetFileHandleEx(NULL, 0, 0));
     PGX_Node* const root = pgOpenDataSetFileEx(files->dataSet, 0xFFFFFFFF, 0);
     CallGetters(root);
+    CallTexts(root);
     CallPixelData(root);
     CallEditing(root);
     CallWriting(root, files);
