@@ -57,10 +57,11 @@ uint64_t NodeSize(const PGX_Node& node) {
            TextSize(node.contentFile) + FragmentsSize(node);
 }
 
-// Values are copied at the length that they claim.
+// Values are copied at the length that they claim, but for those that are a mere claim: copies for
+// records are without them.
 uint64_t NodeCopySize(const PGX_Node& node) {
     uint64_t size = HeapBlock(sizeof node) + TextSize(node.contentFile);
-    if (node.length != kUndefinedLength && node.valueRep != VR_SQ) {
+    if (node.length != kUndefinedLength && node.valueRep != VR_SQ && !LacksMuch(node)) {
         size += HeapBlock(uint64_t{node.length} + 2);
     }
     if (HasFragmentTable(node)) size += HeapBlock(node.fragmentCapacity * sizeof(FragmentEntry));

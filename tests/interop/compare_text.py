@@ -236,7 +236,9 @@ def international_texts(path):
 def main(library_path):
     library = Library(library_path)
     results = [("set", name, check_text(library, name, *rest)) for name, *rest in TEXTS]
-    roots = [DATA] + [pathlib.Path(os.environ["PGKIT_SAMPLES"])] * ("PGKIT_SAMPLES" in os.environ)
+    roots = [DATA]
+    if "PGKIT_SAMPLES" in os.environ:
+        roots.append(pathlib.Path(os.environ["PGKIT_SAMPLES"]))
     for root in roots:
         for name, path in files_below(root):
             texts = [] if name.startswith("bad/") else international_texts(path)

@@ -1,6 +1,8 @@
 import copy
 import gc
 import pathlib
+import resource
+import signal
 import tempfile
 import unittest
 
@@ -178,12 +180,16 @@ class Editing(TemporaryDirectory):
         path.write_bytes(b"former")
         path.chmod(0o640)
         mode = path.stat().st_mode
-        self.data_set[0x0011, 0x0010] = "MAKER"
-        self.data_set.set((0x0011, 0x1001), "x" * 65536, "LO")
-        with self.assertRaises(pgkit.SaveError):
-            self.data_set.save(path, encoding="explicit")
+        limit = resource.getrlimit(resource.RLIMIT_FSIZE)
+        ignored = signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        resource.setrlimit(resource.RLIMIT_FSIZE, (1000, limit[1]))
+        try:
+            with self.assertRaises(pgkit.SaveError):
+                self.data_set.save(path, encoding="explicit")
+        finally:
+            resource.setrlimit(resource.RLIMIT_FSIZE, limit)
+            signal.signal(signal.SIGXFSZ, ignored)
         self.assertEqual(path.read_bytes(), b"former")
-        del self.data_set[0x0011, 0x1001]
         self.data_set.save(path, encoding="explicit")
         self.assertGreater(path.stat().st_size, 100)
         self.assertEqual(path.stat().st_mode, mode)
