@@ -30,6 +30,13 @@ inline void CopyUnbounded(char* buffer, std::string_view text) {
     buffer[text.copy(buffer, text.size())] = '\0';
 }
 
+// Copies as much of a text as a buffer of this size holds, and a terminating zero. Returns the
+// length of the whole text.
+inline size_t CopyBounded(char* buffer, size_t size, std::string_view text) {
+    if (buffer != nullptr && size > 0) buffer[text.copy(buffer, size - 1)] = '\0';
+    return text.size();
+}
+
 // A null text counts as empty.
 inline std::string_view OrEmpty(const char* text) {
     return text == nullptr ? std::string_view() : std::string_view(text);

@@ -4,7 +4,7 @@
 
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 
 namespace pgkit {
 

@@ -7,7 +7,7 @@
 #include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 
 namespace pgkit {
 

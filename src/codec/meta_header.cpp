@@ -6,7 +6,7 @@
 #include "codec/transfer_syntax.h"
 #include "dataset/node_memory.h"
 #include "dataset/value_source.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 
 namespace pgkit {
 

@@ -15,7 +15,7 @@
 #include "codec/save_target.h"
 #include "codec/transfer_syntax.h"
 #include "dataset/node_memory.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

@@ -6,7 +6,8 @@
 
 #include "base/diagnostics.h"
 #include "dataset/new_element.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/element_table.h"
+#include "dictionary/tags.h"
 #include "pgkit/dataset.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/node.h"

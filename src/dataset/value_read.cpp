@@ -11,6 +11,7 @@
 #include "base/byte_order.h"
 #include "dataset/value_source.h"
 #include "pgkit/dictionary.h"
+#include "pgkit/edition.h"
 #include "pgkit/node.h"
 #include "platform/platform.h"
 
@@ -159,4 +160,12 @@ double PGX_Node::GetDSDoubleValue() { return length == 0 ? 0 : pgkit::NumberOfTe
 int32_t PGX_Node::GetFileData(void* buffer, uint32_t offset, uint32_t count) {
     if (nodeType != NT_DataSet || file == nullptr || buffer == nullptr) return 0;
     return pgkit::platform::Seek(file, offset) && std::fread(buffer, 1, count, file) == count;
+}
+
+int64_t pgxGetSVValue(PGX_Node* element) {
+    return element == nullptr ? 0 : pgkit::FirstNumber<int64_t>(*element);
+}
+
+uint64_t pgxGetUVValue(PGX_Node* element) {
+    return element == nullptr ? 0 : pgkit::FirstNumber<uint64_t>(*element);
 }

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 #include "pgkit/dictionary.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"

@@ -7,7 +7,7 @@
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
 #include "dicomdir/record_keys.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 
 namespace pgkit {
 
