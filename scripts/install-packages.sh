@@ -10,7 +10,7 @@ packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 librapidxml-dev wine64)
 case ${1:-} in
     test)
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
-        packages+=(clang clang-format lld llvm)
+        packages+=(clang clang-format clang-tidy cppcheck lld llvm)
         ;;
     bench) packages+=(libbenchmark-dev libdcmtk-dev libgdcm-dev valgrind python3) ;;
 esac

@@ -5,10 +5,15 @@
 #include "pgkit/accessors.h"
 
 using pgkit::CallOn;
+using pgkit::Guarded;
 
-PGX_List* pgKitListAllocate() { return new (std::nothrow) PGX_List; }
+PGX_List* pgKitListAllocate() {
+    return Guarded([] { return new (std::nothrow) PGX_List; });
+}
 
-void pgKitListDelete(PGX_List* list) { delete list; }
+void pgKitListDelete(PGX_List* list) {
+    Guarded([=] { delete list; });
+}
 
 int32_t pgKitListGetCount(PGX_List* list) { return CallOn(list, &PGX_List::GetCount); }
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "base/firewall.h"
 #include "base/text.h"
 #include "dictionary/current_table.h"
 #include "dictionary/element_table.h"
@@ -58,41 +59,61 @@ std::optional<Tag> FindTag(std::string_view name) {
     return ParseTag(name);
 }
 
-}  // namespace
-
-}  // namespace pgkit
-
-using pgkit::CopyBounded;
-
-int32_t pgxUseEdition(int32_t edition) {
-    if (edition != PGX_EDITION_BUILT_IN && edition != PGX_EDITION_CURRENT) return -1;
-    return pgkit::edition.exchange(edition, std::memory_order_relaxed);
+int32_t UseEdition(int32_t wanted) {
+    if (wanted != PGX_EDITION_BUILT_IN && wanted != PGX_EDITION_CURRENT) return -1;
+    return edition.exchange(wanted, std::memory_order_relaxed);
 }
 
-size_t pgxTagKeyword(uint16_t group, uint16_t element, char* buffer, size_t size) {
-    const auto entry = pgkit::FindCurrentElement(group, element);
-    return CopyBounded(buffer, size, entry ? entry->keyword : std::string_view());
-}
-
-size_t pgxTagMultiplicity(uint16_t group, uint16_t element, char* buffer, size_t size) {
-    const auto entry = pgkit::FindCurrentElement(group, element);
-    return CopyBounded(buffer, size, entry ? entry->multiplicity : std::string_view());
-}
-
-int32_t pgxFindTag(const char* name, uint16_t* group, uint16_t* element) {
-    const auto tag = pgkit::FindTag(pgkit::OrEmpty(name));
+int32_t TellTag(const char* name, uint16_t* group, uint16_t* element) {
+    const std::optional<Tag> tag = FindTag(OrEmpty(name));
     if (!tag) return 0;
     if (group != nullptr) *group = tag->group;
     if (element != nullptr) *element = tag->element;
     return 1;
 }
 
+// Copies a text of an element, or nothing when the standard has no such element.
+size_t Copy(uint16_t group, uint16_t element, std::string_view CurrentElement::*text, char* buffer,
+            size_t size) {
+    const auto entry = FindCurrentElement(group, element);
+    return CopyBounded(buffer, size, entry ? (*entry).*text : std::string_view());
+}
+
+size_t Copy(const char* uid, const char* CurrentUid::*text, char* buffer, size_t size) {
+    const CurrentUid* entry = FindCurrentUid(OrEmpty(uid));
+    return CopyBounded(buffer, size, entry != nullptr ? entry->*text : "");
+}
+
+}  // namespace
+
+}  // namespace pgkit
+
+using pgkit::Copy;
+using pgkit::CurrentElement;
+using pgkit::CurrentUid;
+using pgkit::Guarded;
+
+int32_t pgxUseEdition(int32_t edition) {
+    return Guarded([=] { return pgkit::UseEdition(edition); });
+}
+
+size_t pgxTagKeyword(uint16_t group, uint16_t element, char* buffer, size_t size) {
+    return Guarded([=] { return Copy(group, element, &CurrentElement::keyword, buffer, size); });
+}
+
+size_t pgxTagMultiplicity(uint16_t group, uint16_t element, char* buffer, size_t size) {
+    return Guarded(
+        [=] { return Copy(group, element, &CurrentElement::multiplicity, buffer, size); });
+}
+
+int32_t pgxFindTag(const char* name, uint16_t* group, uint16_t* element) {
+    return Guarded([=] { return pgkit::TellTag(name, group, element); });
+}
+
 size_t pgxUidName(const char* uid, char* buffer, size_t size) {
-    const pgkit::CurrentUid* entry = pgkit::FindCurrentUid(pgkit::OrEmpty(uid));
-    return CopyBounded(buffer, size, entry != nullptr ? entry->name : "");
+    return Guarded([=] { return Copy(uid, &CurrentUid::name, buffer, size); });
 }
 
 size_t pgxUidKeyword(const char* uid, char* buffer, size_t size) {
-    const pgkit::CurrentUid* entry = pgkit::FindCurrentUid(pgkit::OrEmpty(uid));
-    return CopyBounded(buffer, size, entry != nullptr ? entry->keyword : "");
+    return Guarded([=] { return Copy(uid, &CurrentUid::keyword, buffer, size); });
 }

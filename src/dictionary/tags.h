@@ -13,6 +13,12 @@ constexpr uint32_t TagKey(uint16_t group, uint16_t element) {
 // The group of the File Meta Information.
 constexpr uint16_t kMetaGroup = 0x0002;
 
+// Whether readers take this for the tag of an element. Group FFFE has the items and delimiters, and
+// (FFFF,FFFF) ends a data set: an element of such a tag would take what follows it along.
+constexpr bool IsElementTag(uint16_t group, uint16_t element) {
+    return group != 0xFFFE && !(group == 0xFFFF && element == 0xFFFF);
+}
+
 constexpr bool IsBitsAllocated(uint16_t group, uint16_t element) {
     return group == 0x0028 && element == 0x0100;
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <string_view>
 
+#include "base/firewall.h"
 #include "base/text.h"
 #include "pgkit/dictionary.h"
 
@@ -28,6 +29,13 @@ constexpr auto kCodeByPair = [] {
     return codes;
 }();
 
+uint32_t VrOfName(std::string_view name) {
+    if (name.size() == 2) return VrFromCharacters(name[0], name[1]);
+    if (name == kVrRows[VR_USSS].name) return VR_USSS;
+    if (name == kVrRows[VR_OWOB].name) return VR_OWOB;
+    return VR_Unknown;
+}
+
 }  // namespace
 
 uint32_t VrFromCharacters(char first, char second) {
@@ -40,24 +48,24 @@ const char* VrName(uint32_t vr) { return vr < VrCount() ? kVrRows[vr].name : nul
 
 }  // namespace pgkit
 
-using pgkit::VrFromCharacters;
+using pgkit::Guarded;
 
 uint32_t pgFindValueRepresentationVR(const char* text) {
-    if (text == nullptr) return VR_Unknown;
-    const std::string_view name(text);
-    if (name.size() == 2) return VrFromCharacters(name[0], name[1]);
-    if (name == pgkit::kVrRows[VR_USSS].name) return VR_USSS;
-    if (name == pgkit::kVrRows[VR_OWOB].name) return VR_OWOB;
-    return VR_Unknown;
+    return Guarded([=] { return pgkit::VrOfName(pgkit::OrEmpty(text)); }, VR_Unknown);
 }
 
 uint32_t pgGetVRPrintableName(uint32_t valueRep, char* buffer) {
-    pgkit::CopyUnbounded(buffer, pgkit::PropertiesOf(valueRep).name);
-    return pgkit::VrName(valueRep) != nullptr ? 1 : 0;
+    return Guarded([=] {
+        pgkit::CopyUnbounded(buffer, pgkit::PropertiesOf(valueRep).name);
+        return pgkit::VrName(valueRep) != nullptr ? 1u : 0u;
+    });
 }
 
 uint32_t pgIsCharsetEncodedVR(uint32_t valueRep) {
-    return pgkit::PropertiesOf(valueRep).characters == pgkit::VrCharacters::OfDataSet ? 1 : 0;
+    return Guarded([=] {
+        const auto& properties = pgkit::PropertiesOf(valueRep);
+        return properties.characters == pgkit::VrCharacters::OfDataSet ? 1u : 0u;
+    });
 }
 
 uint32_t pgIsCharsetEncodedVRValue(const char* text) {

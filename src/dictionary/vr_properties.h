@@ -93,11 +93,14 @@ constexpr uint32_t kCurrentVrCount = kVrRows.size();
 static_assert(kVrRows[VR_UN].name[0] == 'U' && VR_UN == kBuiltInVrCount - 1);
 static_assert(kVrRows[VR_UV].name[1] == 'V' && VR_UV == kCurrentVrCount - 1);
 
+// The name of a code that has none.
+inline constexpr char kUnknownVrName[] = "????";
+
 // A VR field that names no VR is taken for a long one; a code that means nothing, for a short one.
-inline constexpr VrProperties kUnknownVr = {"????",       VrHeader::Long,    1, 1, ' ',
-                                            VrKind::Text, VrCharacters::None};
-inline constexpr VrProperties kNoVr = {"????",       VrHeader::Short,   1, 1, ' ',
-                                       VrKind::Text, VrCharacters::None};
+inline constexpr VrProperties kUnknownVrRow = {"????",       VrHeader::Long,    1, 1, ' ',
+                                               VrKind::Text, VrCharacters::None};
+inline constexpr VrProperties kNoVrRow = {"????",       VrHeader::Short,   1, 1, ' ',
+                                          VrKind::Text, VrCharacters::None};
 
 // The codes below this number mean something in the edition that is used.
 inline uint32_t VrCount() { return UsesCurrentEdition() ? kCurrentVrCount : kBuiltInVrCount; }
@@ -105,7 +108,7 @@ inline uint32_t VrCount() { return UsesCurrentEdition() ? kCurrentVrCount : kBui
 inline const VrProperties& PropertiesOf(uint32_t vr) {
     // Nearly all codes are those of every edition.
     if (vr < kBuiltInVrCount || vr < VrCount()) return kVrRows[vr];
-    return vr == VR_Unknown ? kUnknownVr : kNoVr;
+    return vr == VR_Unknown ? kUnknownVrRow : kNoVrRow;
 }
 
 constexpr uint32_t kShortHeaderSize = 8;

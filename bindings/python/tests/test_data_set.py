@@ -22,6 +22,20 @@ class TemporaryDirectory(unittest.TestCase):
         return pgkit.open(path)
 
 
+class LongValues(TemporaryDirectory):
+    def test_are_written_as_un_where_their_vr_has_no_room_for_the_length(self):
+        data_set = pgkit.new()
+        self.addCleanup(data_set.close)
+        data_set.set("PatientComments", "x" * 70000)
+        data_set.set((0x0028, 0x1101), [258] * 35000, vr="US")
+        for encoding in ("explicit", "implicit", "big endian"):
+            with self.saved(data_set, encoding=encoding) as saved:
+                self.assertEqual(saved["PatientComments"].raw, b"x" * 70000)
+                self.assertEqual(saved[0x0028, 0x1101].raw, b"\x02\x01" * 35000)
+        with self.saved(data_set) as saved:
+            self.assertEqual(saved["PatientComments"].vr, "UN")
+
+
 class Reading(unittest.TestCase):
     def setUp(self):
         self.data_set = pgkit.open(DATA / "native/all_vrs_explicit_le.dcm")
@@ -157,6 +171,23 @@ class Editing(TemporaryDirectory):
         super().setUp()
         self.data_set = pgkit.open(MR)
         self.addCleanup(self.data_set.close)
+
+    # What was there was cut before it was known whether the new file can be written.
+    def test_a_failing_save_leaves_the_former_file(self):
+        path = self.directory / "saved.dcm"
+        path.write_bytes(b"former")
+        path.chmod(0o640)
+        mode = path.stat().st_mode
+        self.data_set[0x0011, 0x0010] = "MAKER"
+        self.data_set.set((0x0011, 0x1001), "x" * 65536, "LO")
+        with self.assertRaises(pgkit.SaveError):
+            self.data_set.save(path, encoding="explicit")
+        self.assertEqual(path.read_bytes(), b"former")
+        del self.data_set[0x0011, 0x1001]
+        self.data_set.save(path, encoding="explicit")
+        self.assertGreater(path.stat().st_size, 100)
+        self.assertEqual(path.stat().st_mode, mode)
+        self.assertEqual([path.name for path in self.directory.iterdir()], ["saved.dcm"])
 
     def test_changes_are_saved_and_the_rest_stays(self):
         before = {element.tag: element.raw for element in self.data_set}
