@@ -30,7 +30,7 @@ constexpr const char* kCharacterSets[] = {
     "\\ISO 2022 IR 126\\ISO 2022 IR 127\\ISO 2022 IR 138\\ISO 2022 IR 203\\ISO 2022 IR 101",
 };
 
-constexpr uint32_t kValueReps[] = {VR_PN, VR_LO, VR_LT, VR_SH, VR_ST, VR_UT, VR_CS, PGX_TEXT_VR_UC};
+constexpr uint32_t kValueReps[] = {VR_PN, VR_LO, VR_LT, VR_SH, VR_ST, VR_UT, VR_CS, VR_UC};
 
 struct Converter {
     std::string characterSet;

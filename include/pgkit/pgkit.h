@@ -39,6 +39,7 @@
 #include "pgkit/dictionary.h"
 #include "pgkit/directory.h"
 #include "pgkit/directory_records.h"
+#include "pgkit/edition.h"
 #include "pgkit/export.h"
 #include "pgkit/list.h"
 #include "pgkit/lookup.h"

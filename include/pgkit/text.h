@@ -79,9 +79,6 @@ typedef enum PgxTextError {
     PGX_TEXT_NO_MEMORY = -6
 } PgxTextError;
 
-// VR codes of texts that value_representation.h does not name.
-enum { PGX_TEXT_VR_UC = 33, PGX_TEXT_VR_UR = 34 };
-
 PGKIT_BEGIN_C
 
 // ---- Bytes --------------------------------------------------------------------------------------

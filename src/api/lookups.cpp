@@ -2,7 +2,7 @@
 #include "base/firewall.h"
 #include "base/text.h"
 #include "dictionary/tag_name.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/lookup.h"
 #include "sopclass/lookup_texts.h"
 
@@ -49,5 +49,5 @@ size_t pgxGetTagPrintableName(uint16_t group, uint16_t element, char* buffer, si
 }
 
 size_t pgxGetVRPrintableName(uint32_t valueRep, char* buffer, size_t size) {
-    return Guarded([=] { return Give(VrNameOf(valueRep), pgkit::kUnknownVr, buffer, size); });
+    return Guarded([=] { return Give(VrNameOf(valueRep), pgkit::kUnknownVrName, buffer, size); });
 }

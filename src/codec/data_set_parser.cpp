@@ -9,8 +9,9 @@
 #include "codec/fragment_table.h"
 #include "codec/part10_format.h"
 #include "dataset/node_memory.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/un_sequence_switch.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/dictionary.h"
 
 namespace pgkit {

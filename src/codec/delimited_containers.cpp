@@ -5,7 +5,7 @@
 #include "codec/syntax_agreement.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 
 namespace pgkit {
 

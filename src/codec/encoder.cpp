@@ -14,8 +14,8 @@
 #include "codec/value_writer.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 

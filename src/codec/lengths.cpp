@@ -7,8 +7,8 @@
 #include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 
 namespace pgkit {
 

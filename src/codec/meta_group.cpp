@@ -8,8 +8,8 @@
 #include "codec/part10_format.h"
 #include "codec/tag_header.h"
 #include "dataset/node_memory.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/dictionary.h"
 
 namespace pgkit {

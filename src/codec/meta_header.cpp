@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "codec/transfer_syntax.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

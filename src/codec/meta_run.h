@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

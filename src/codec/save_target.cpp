@@ -8,7 +8,7 @@
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 #include "platform/platform.h"
 
 namespace pgkit {

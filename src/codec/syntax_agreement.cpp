@@ -12,7 +12,7 @@
 #include "codec/transfer_syntax.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 
 namespace pgkit {
 

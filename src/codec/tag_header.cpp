@@ -1,6 +1,6 @@
 #include "codec/tag_header.h"
 
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 
 namespace pgkit {
 

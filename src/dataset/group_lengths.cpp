@@ -1,8 +1,8 @@
 // Group length elements (gggg,0000): the encoded size of the rest of their group.
 #include "base/diagnostics.h"
 #include "dataset/new_element.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/node.h"
 
 namespace pgkit {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 
 namespace pgkit {
 

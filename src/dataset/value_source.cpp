@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 #include "dataset/node_memory.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 

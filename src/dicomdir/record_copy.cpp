@@ -10,8 +10,8 @@
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/dictionary.h"
 #include "platform/platform.h"
 

@@ -10,7 +10,7 @@
 
 #include "base/firewall.h"
 #include "base/text.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 #include "pgkit/dictionary.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"

@@ -14,7 +14,7 @@ constexpr std::string_view kBetweenValues = "\\";
 constexpr TextRules kRules[] = {
     {VR_SH, true, kBetweenValues},
     {VR_LO, true, kBetweenValues},
-    {PGX_TEXT_VR_UC, true, kBetweenValues},
+    {VR_UC, true, kBetweenValues},
     {VR_PN, true, "\\^="},
     {VR_ST, true, ""},
     {VR_LT, true, ""},
@@ -28,7 +28,7 @@ constexpr TextRules kRules[] = {
     {VR_IS, false, kBetweenValues},
     {VR_TM, false, kBetweenValues},
     {VR_UI, false, kBetweenValues},
-    {PGX_TEXT_VR_UR, false, ""},
+    {VR_UR, false, ""},
 };
 
 }  // namespace

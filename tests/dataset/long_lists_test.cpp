@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 #include "support/tree.h"
 
 namespace {

@@ -117,6 +117,20 @@ static void CallGetters(PGX_Node* root) {
     EXPECT(IsYesOrNo(pgKitGetFileData(root, text, 128, 4)));
 }
 
+static void CallEditions(void) {
+    char text[80] = "";
+    uint16_t group = 0;
+    uint16_t element = 0;
+    EXPECT(pgxUseEdition(PGX_EDITION_CURRENT) == PGX_EDITION_BUILT_IN);
+    EXPECT(pgxUseEdition(PGX_EDITION_BUILT_IN) == PGX_EDITION_CURRENT);
+    EXPECT(pgxTagKeyword(0x0010, 0x0010, text, sizeof text) == 11);
+    EXPECT(pgxTagMultiplicity(0x0010, 0x0010, text, sizeof text) == 1);
+    EXPECT(pgxFindTag("PatientName", &group, &element) == 1 && group == 0x0010);
+    EXPECT(pgxUidName("1.2.840.10008.1.1", text, sizeof text) == 22);
+    EXPECT(pgxUidKeyword("1.2.840.10008.1.1", text, sizeof text) == 12);
+    EXPECT(pgxGetSVValue(NULL) == 0 && pgxGetUVValue(NULL) == 0);
+}
+
 /* A length, or one of the errors. */
 static int IsTextResult(int64_t result) { return result >= PGX_TEXT_NO_MEMORY; }
 
@@ -375,6 +389,7 @@ int CallEveryFunction(const HostFiles* files) {
     CallVersion();
     CallDictionary(files);
     CallUids();
+    CallEditions();
     CallNodeFields();
     CallDataSets(files);
     CallLists();

@@ -94,7 +94,7 @@ TEST(TextEscapes, EndWithTheLinePageOrTab) {
 TEST(TextEscapes, EndWithTheValueWhereThereAreSeveral) {
     constexpr const char* kSets = "ISO 2022 IR 100\\ISO 2022 IR 144";
     for (const uint32_t valueRep :
-         {uint32_t{VR_SH}, uint32_t{VR_LO}, uint32_t{VR_PN}, uint32_t{PGX_TEXT_VR_UC}}) {
+         {uint32_t{VR_SH}, uint32_t{VR_LO}, uint32_t{VR_PN}, uint32_t{VR_UC}}) {
         EXPECT_EQ(Decoded(kSets, valueRep, "\033-L\351\\\351"), "щ\\é") << valueRep;
     }
     for (const ValueRepresentation valueRep : {VR_ST, VR_LT, VR_UT})
@@ -165,7 +165,7 @@ TEST(TextReplacement, StandsForBytesAbove7FWhereTheCharacterSetDoesNotHold) {
          {VR_AE, VR_AS, VR_CS, VR_DA, VR_DS, VR_DT, VR_IS, VR_TM, VR_UI}) {
         EXPECT_EQ(Decoded("ISO_IR 100", valueRep, "A\351\033$B"), "A\uFFFD\033$B") << valueRep;
     }
-    EXPECT_EQ(Decoded("ISO_IR 192", PGX_TEXT_VR_UR, "A\303\251"), "A\uFFFD\uFFFD");
+    EXPECT_EQ(Decoded("ISO_IR 192", VR_UR, "A\303\251"), "A\uFFFD\uFFFD");
 }
 
 // ---- Values that are no text, padding -----------------------------------------------------------

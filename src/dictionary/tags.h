@@ -1,35 +1,11 @@
-// The built-in data dictionary: constant rows, and indexes made by the compiler.
+// Tags, and what the encoding rules make of their numbers.
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 namespace pgkit {
 
-constexpr uint32_t kElementCount = 3782;
-constexpr uint32_t kNoElementId = 0xFFFFFFFF;
-
-struct DictionaryEntry {
-    uint16_t group;
-    uint16_t element;
-    uint8_t repeating;  // the row answers for all groups with its high byte
-    uint8_t valueRep;
-    const char* name;
-};
-
-// The row of an identifier below kElementCount.
-const DictionaryEntry& ElementEntry(uint32_t elementId);
-
-// The identifier of the first row with exactly this tag, or kNoElementId.
-uint32_t FindElementId(uint16_t group, uint16_t element);
-
-// The identifier of the first row of this name, case ignored, or kNoElementId.
-uint32_t FindElementIdByName(std::string_view name);
-
-// The first row that has this tag, or whose repeating group covers it; null when there is none.
-const DictionaryEntry* FindEntry(uint16_t group, uint16_t element);
-
-// Tags in one number, by which data sets are in order.
+// A tag in one number, by which data sets are in order.
 constexpr uint32_t TagKey(uint16_t group, uint16_t element) {
     return (uint32_t{group} << 16) | element;
 }
@@ -57,8 +33,5 @@ constexpr bool IsPrivateGroup(uint16_t group) { return (group & 1) != 0; }
 constexpr bool IsPrivateCreator(uint16_t group, uint16_t element) {
     return IsPrivateGroup(group) && element >= 0x0010 && element <= 0x00FF;
 }
-
-// The library-wide switch of pgTryToDecodeUNSequences.
-bool DecodesUnSequences();
 
 }  // namespace pgkit
