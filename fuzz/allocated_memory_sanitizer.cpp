@@ -1,6 +1,10 @@
-#include <sanitizer/allocator_interface.h>
-
 #include "allocated_memory.h"
+
+#include <cstddef>
+
+// Of the sanitizer's runtime. Not every compiler comes with the header that declares it.
+extern "C" size_t
+__sanitizer_get_current_allocated_bytes();  // NOLINT(bugprone-reserved-identifier)
 
 namespace pgkit_fuzz {
 

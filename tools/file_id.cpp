@@ -6,7 +6,7 @@ namespace pgtool {
 
 namespace {
 
-constexpr std::string_view kSeparators = "/\\";
+constexpr std::string_view kIdSeparators = "/\\";
 
 std::string_view Trimmed(std::string_view text) {
     const size_t begin = text.find_first_not_of(' ');
@@ -19,7 +19,7 @@ bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 // "\\SERVER\SHARE" has one backslash left.
 bool IsAbsolute(std::string_view id) {
     if (id.empty()) return false;
-    return kSeparators.find(id[0]) != kSeparators.npos ||
+    return kIdSeparators.find(id[0]) != kIdSeparators.npos ||
            (id.size() > 1 && id[1] == ':' && IsLetter(id[0]));
 }
 
@@ -30,7 +30,7 @@ std::optional<std::vector<std::string_view>> PathOnMedium(std::string_view refer
     if (IsAbsolute(rest)) return std::nullopt;
     std::vector<std::string_view> components;
     while (!rest.empty()) {
-        const size_t end = std::min(rest.find_first_of(kSeparators), rest.size());
+        const size_t end = std::min(rest.find_first_of(kIdSeparators), rest.size());
         const std::string_view component = Trimmed(rest.substr(0, end));
         rest.remove_prefix(std::min(end + 1, rest.size()));
         if (component == "..") {

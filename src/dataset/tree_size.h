@@ -15,8 +15,8 @@ constexpr uint64_t HeapBlock(uint64_t size) { return (size + 15) / 16 * 16 + 16;
 // the file holds counts: nothing touches the rest.
 uint64_t TreeSize(PGX_Node& tree);
 
-// What a copy of them for a record takes, with what is needed on the way: values that are mere claims
-// are left out of it.
+// What a copy of them for a record takes, with what is needed on the way: values that are mere
+// claims are left out of it.
 uint64_t CopySize(PGX_Node& tree);
 
 }  // namespace pgkit

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cstring>
 
 #include "platform/charset_conversion.h"
@@ -23,7 +24,7 @@ constexpr size_t kUnicodeUnit = 4;
 // What EUC-JP puts in front of a character of JIS X 0212.
 constexpr char kSingleShift3 = '\x8F';
 
-const iconv_t kNoConverter = reinterpret_cast<iconv_t>(-1);
+const iconv_t kNoConverter = std::bit_cast<iconv_t>(intptr_t{-1});
 
 // Converters that nobody uses at the moment, at most one of each kind: opening one costs the system
 // much more than using it. They are closed when the module is unloaded.

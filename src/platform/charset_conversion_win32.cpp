@@ -100,7 +100,9 @@ bool IsUsersOwn(char32_t character) { return character >= 0xE000 && character < 
 char32_t CharacterOf(const wchar_t* units, int count) {
     if (count == 1) return units[0] >= 0xD800 && units[0] < 0xE000 ? 0 : char32_t{units[0]};
     if (count != 2 || !IS_SURROGATE_PAIR(units[0], units[1])) return 0;
-    return 0x10000 + ((char32_t{units[0]} - 0xD800) << 10) + (char32_t{units[1]} - 0xDC00);
+    const char32_t high = units[0] & 0x3FF;
+    const char32_t low = units[1] & 0x3FF;
+    return 0x10000 + (high << 10 | low);
 }
 
 int WriteUnits(char32_t character, wchar_t (&units)[2]) {

@@ -39,6 +39,8 @@ enum class Conversion : uint8_t {
     System
 };
 
+// The rows of the table are read in this order.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding)
 struct CodedSet {
     int registration;  // ISO-IR number; 0 for a set without
     CodeElement element;

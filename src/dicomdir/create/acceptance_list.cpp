@@ -63,11 +63,14 @@ std::string Line(uint32_t code, std::string_view path) {
 
 template <typename Use>
 void ForEachLeaf(PGX_List& patients, Use use) {
-    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients))
-        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies))
-            for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series))
+    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies)) {
+            for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series)) {
                 for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
                     use(leaf);
+            }
+        }
+    }
 }
 
 // The lines of all leaves, in pieces: there may be millions.
