@@ -217,16 +217,16 @@ TEST(ImplicitVr, ShowsTheItemsOfASequenceThatOnlyTheCurrentEditionKnows) {
     StreamBuilder item(VrMode::Implicit);
     item.Element(0x0010, 0x0010, "PN", "DOE^JOHN");
     StreamBuilder stream(VrMode::Implicit);
-    stream.Part10("1.2.840.10008.1.2").Sequence(0x0008, 0x041B, 8 + item.Size());
+    stream.Part10("1.2.840.10008.1.2").Sequence(0x0008, 0x009D, 8 + item.Size());
     stream.Item(item.Size()).Append(item.Data());
     stream.Element(0x0010, 0x0020, "LO", "ID");
 
     OpenedStream builtIn(stream);
-    EXPECT_EQ(Child(builtIn.Root(), 0x0008, 0x041B)->first, nullptr);
+    EXPECT_EQ(Child(builtIn.Root(), 0x0008, 0x009D)->first, nullptr);
 
     const CurrentEdition current;
     OpenedStream opened(stream);
-    PGX_Node* sequence = Child(opened.Root(), 0x0008, 0x041B);
+    PGX_Node* sequence = Child(opened.Root(), 0x0008, 0x009D);
     EXPECT_EQ(sequence->valueRep, uint32_t{VR_SQ});
     ASSERT_NE(sequence->first, nullptr);
     EXPECT_EQ(TextOf(Child(sequence->first, 0x0010, 0x0010)), "DOE^JOHN");

@@ -123,18 +123,15 @@ struct NewElement {
 constexpr NewElement kNewElements[] = {
     {0x0008, 0x0120, "UR", "URNCodeValue"},
     {0x0008, 0x0119, "UC", "LongCodeValue"},
-    {0x0008, 0x041B, "SQ", "RecordKeySequence"},
-    {0x0040, 0xA162, "DA", "Date"},
+    {0x0008, 0x009D, "SQ", "ConsultingPhysicianIdentificationSequence"},
     {0x7FE0, 0x0001, "OV", "ExtendedOffsetTable"},
     {0x7FE0, 0x0008, "OF", "FloatPixelData"},
     {0x7FE0, 0x0009, "OD", "DoubleFloatPixelData"},
     {0x0066, 0x0040, "OL", "LongPrimitivePointIndexList"},
-    {0x0028, 0x7FE0, "UR", "PixelDataProviderURL"},
 };
 
 TEST(CurrentEdition, KnowsElementsThatCameLater) {
     for (const NewElement& row : kNewElements) {
-        if (pgFindElementIdType(row.group, row.element) != 0xFFFFFFFF) continue;
         EXPECT_EQ(pgFindValueRepresentation(row.group, row.element), uint32_t{VR_Unknown});
         EXPECT_EQ(TagName(row.group, row.element), "<Unknown Tag>");
         const CurrentEdition current;
