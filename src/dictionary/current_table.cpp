@@ -86,7 +86,7 @@ constexpr Range kRanges[] = {
 constexpr size_t kRowCount = std::size(kRows);
 constexpr size_t kRangeCount = std::size(kRanges);
 
-constexpr RowIndex<16384> kTagIndex(kRowCount, [](size_t i) { return kRows[i].tag; });
+constexpr RowIndex<16384> kRowIndex(kRowCount, [](size_t i) { return kRows[i].tag; });
 constexpr RowIndex<256> kRangeIndex(kRangeCount, [](size_t i) { return kRanges[i].row.tag; });
 
 // The kinds of ranges: a whole group, a byte or a digit of either number.
@@ -130,20 +130,21 @@ CurrentElement ElementOf(const Row& row) {
 
 // ---- UIDs ---------------------------------------------------------------------------------------
 
-constexpr CurrentUid kUids[] = {
+constexpr CurrentUid kUidRows[] = {
 #define PGKIT_CURRENT_UID(uid, keyword, name) {uid, keyword, name},
 #include "dictionary/current_uids.inc"
 #undef PGKIT_CURRENT_UID
 };
 
 using UidIndex = RowIndex<1024>;
-constexpr UidIndex kUidIndex(std::size(kUids), [](size_t i) { return HashText(kUids[i].uid); });
+constexpr UidIndex kUidIndex(std::size(kUidRows),
+                             [](size_t i) { return HashText(kUidRows[i].uid); });
 
 }  // namespace
 
 std::optional<CurrentElement> FindCurrentElement(uint16_t group, uint16_t element) {
     const uint32_t tag = TagKey(group, element);
-    const size_t row = kTagIndex.Find(tag, [tag](size_t i) { return kRows[i].tag == tag; });
+    const size_t row = kRowIndex.Find(tag, [tag](size_t i) { return kRows[i].tag == tag; });
     if (row < kRowCount) return ElementOf(kRows[row]);
     if (IsPrivateGroup(group)) return std::nullopt;
     for (const uint32_t mask : kMasks) {
@@ -167,8 +168,8 @@ std::optional<CurrentElement> FindCurrentKeyword(std::string_view keyword) {
 
 const CurrentUid* FindCurrentUid(std::string_view uid) {
     const size_t row =
-        kUidIndex.Find(HashText(uid), [uid](size_t i) { return kUids[i].uid == uid; });
-    return row == UidIndex::kNoRow ? nullptr : &kUids[row];
+        kUidIndex.Find(HashText(uid), [uid](size_t i) { return kUidRows[i].uid == uid; });
+    return row == UidIndex::kNoRow ? nullptr : &kUidRows[row];
 }
 
 }  // namespace pgkit
