@@ -13,6 +13,11 @@ if(WIN32)
   target_link_options(pgkit_compile_options INTERFACE -Wl,--no-insert-timestamp)
 endif()
 
+# A host's thread may have little stack. Sanitizers put gaps between variables.
+if(NOT PGKIT_SANITIZE AND NOT PGKIT_SANITIZE_THREADS)
+  target_compile_options(pgkit_compile_options INTERFACE -Wframe-larger-than=8192)
+endif()
+
 if(PGKIT_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_compile_options(pgkit_compile_options INTERFACE ${sanitizers})

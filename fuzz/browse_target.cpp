@@ -1,7 +1,9 @@
 #include <pgkit/pgkit.h>
 
+#include <optional>
 #include <string>
 
+#include "allocated_memory.h"
 #include "input.h"
 #include "support/patient_list.h"
 #include "support/save_modes.h"
@@ -13,7 +15,8 @@ namespace pgkit_fuzz {
 
 namespace {
 
-constexpr uint32_t kLimits[] = {0, 64, 0x20000, 0xFFFFFFFF};
+constexpr uint32_t kOrdinaryLimit = 0x20000;
+constexpr uint32_t kLimits[] = {0, 64, kOrdinaryLimit, 0xFFFFFFFF};
 
 using namespace pgkit_test;
 
@@ -46,6 +49,21 @@ void RemoveOne(PGX_List* patients, Input& input) {
     pgRemoveLeaf(patients, Pick<PGX_DicomDirLeafNode>(series->leaves, input));
 }
 
+// Opens and browses; false when the file cannot be opened. With large values loaded, the tree may
+// have zeros for those that lengths merely claim.
+bool OpenAndBrowse(PGX_DicomDir& directory, const std::string& path, uint32_t limit, size_t size) {
+    const std::optional<uint64_t> before = AllocatedMemory();
+    if (directory.OpenDicomDir(path.c_str(), limit) == 0) return false;
+    Require(directory.Browse(Pass, nullptr) == directory.GetPatientList(),
+            "a browse gives the list");
+    const std::optional<uint64_t> after = AllocatedMemory();
+    if (before && after && limit <= kOrdinaryLimit) {
+        Require(*after <= *before + (uint64_t{64} << 20) + 60 * size,
+                "tree and objects are in proportion to the file");
+    }
+    return true;
+}
+
 // Saved links still lead to the same records of the tree.
 void SaveAndBrowseAgain(PGX_DicomDir& directory, const std::string& path, int32_t mode) {
     if (directory.dataSet->SaveDataSetAsEx(path.c_str(), mode) != 0) return;
@@ -66,9 +84,7 @@ void Browse(Bytes bytes) {
     pgkit_test::PatientList patients;
     {
         PGX_DicomDir directory;
-        if (directory.OpenDicomDir(path.c_str(), limit) == 0) return;
-        Require(directory.Browse(Pass, nullptr) == directory.GetPatientList(),
-                "a browse gives the list");
+        if (!OpenAndBrowse(directory, path, limit, input.Rest().size())) return;
         SaveAndBrowseAgain(directory, medium.Path("SAVED"), mode);
         directory.RelocateOffshoreDicomdir("X:\\ELSEWHERE\\DICOMDIR");
         patients.reset(directory.GiveAndForgetPatientList());

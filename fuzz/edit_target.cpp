@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "input.h"
+#include "reading_back.h"
 #include "scratch_files.h"
 #include "support/save_modes.h"
 #include "support/tree.h"
@@ -130,8 +131,17 @@ void Edit(Bytes bytes) {
 
     if (IsWorthCopying(*root)) root->Dump(ScratchPath("dump").c_str());
     const std::string saved = ScratchPath("saved");
-    if (root->SaveDataSetAsEx(saved.c_str(), static_cast<int32_t>(mode)) == 0)
-        pgkit_test::DataSet(pgOpenDataSetFile(saved.c_str(), 64));
+    const bool isWritten = root->SaveDataSetAsEx(saved.c_str(), static_cast<int32_t>(mode)) == 0;
+    // Without File Meta Information nothing says how a file is to be read.
+    const bool wasRead = root->file != nullptr;
+    const uint32_t used = mode == kAsRead && wasRead ? root->syntaxFlags : mode;
+    // What is inserted behind Pixel Data that readers cannot index is there, and not read.
+    if (!isWritten || (used & PG_META) == 0 || HasUnindexedFragments(*root) || !HasContent(*root) ||
+        HasMissingValue(*root)) {
+        if (isWritten) pgkit_test::DataSet(pgOpenDataSetFile(saved.c_str(), 64));
+        return;
+    }
+    RequireReadsBack(*root, saved, static_cast<int32_t>(mode), 64);
 }
 
 }  // namespace pgkit_fuzz

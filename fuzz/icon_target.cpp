@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "bitmap/received_bitmap.h"
 #include "dicomdir/create/icon_item.h"
-#include "dicomdir/create/received_bitmap.h"
 #include "dicomdir/icon_bitmap.h"
 #include "input.h"
 #include "scratch_files.h"
@@ -35,8 +35,14 @@ void Icon(Bytes bytes) {
     const std::string path = WriteScratch("icon", input.Rest());
     const pgkit_test::DataSet image(pgOpenDataSetFile(path.c_str(), 0x10000));
     if (image == nullptr) return;
-    const pgkit::BitmapHandle bitmap = pgkit::NewIconBitmap(*image);
+    uint64_t asked = 0;
+    const pgkit::BitmapHandle bitmap = pgkit::NewIconBitmap(*image, [&](uint64_t memory) {
+        asked += memory;
+        return true;
+    });
     if (bitmap == nullptr) return;
+    Require(pgkit::platform::GlobalBlockSize(bitmap.get()) <= asked,
+            "a bitmap takes no more memory than it asked for");
     Require(pgkit::ReceivedBitmap(bitmap.get()).Header().has_value(), "a bitmap is all there");
     pgkit::NewIconItem(bitmap.get());
 }

@@ -2,16 +2,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/memory_range.h"
 #include "targets.h"
 #include "violation.h"
-
-// Trees in memory of the library's own would keep their errors to themselves.
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    if (pgkit::platform::ReserveAddresses(1 << 20) == nullptr) return 0;
-    std::fputs("the address sanitizer does not see the memory of trees\n", stderr);
-    std::abort();
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static constexpr const pgkit_fuzz::Target& kTarget = pgkit_fuzz::TargetNamed(PGKIT_FUZZ_TARGET);

@@ -20,13 +20,21 @@ struct Target {
 void Read(Bytes input);
 // A data set file and a write mode: saved, read again and saved again, nothing changes.
 void RoundTrip(Bytes input);
-// A data set file and a series of edits; what comes of them is dumped and saved.
+// A data set file, a write mode and whether it is edited: saved over itself, twice. It reads back
+// equal, and the tree keeps its values.
+void SaveOver(Bytes input);
+// A data set file and a series of edits; what comes of them is dumped and saved, and reads back
+// equal.
 void Edit(Bytes input);
 
 // A DICOMDIR: browsed, objects removed, what is left written as a DICOMDIR again.
 void Browse(Bytes input);
 // A file on a medium that is to have a DICOMDIR, with options and profiles.
 void Create(Bytes input);
+// A file, or what is in the sequences of one, beside good files on a medium, or a DICOMDIR that one
+// joins: whatever is written, a browse finds all that was accepted, once and as what it was, and
+// the good files have the records that they have alone.
+void Medium(Bytes input);
 // An image whose icon becomes a bitmap and an item again, or what an imaging module hands out.
 void Icon(Bytes input);
 // A private dictionary file and a tag to be looked up in it.
@@ -35,17 +43,22 @@ void PrivateDictionaryFile(Bytes input);
 void SOPClassFile(Bytes input);
 // A data set file, used through the flat functions alone.
 void Accessors(Bytes input);
+// A text value, or UTF-8, and a character set: read and written both ways.
+void Text(Bytes input);
 
 inline constexpr Target kTargets[] = {
     {"read", Read},
     {"round_trip", RoundTrip},
+    {"save_over", SaveOver},
     {"edit", Edit},
     {"browse", Browse},
     {"create", Create},
+    {"medium", Medium},
     {"icon", Icon},
     {"private_dictionary", PrivateDictionaryFile},
     {"sop_classes", SOPClassFile},
     {"accessors", Accessors},
+    {"text", Text},
 };
 
 // Null when there is no such target.

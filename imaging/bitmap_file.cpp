@@ -18,15 +18,15 @@ bool WriteBytes(FILE* stream, const uint8_t* bytes, size_t count) {
 }  // namespace
 
 bool WriteBitmapFile(const LockedBitmap& bitmap, const char* path) {
-    const BitmapLayout& layout = bitmap.Layout();
-    uint8_t header[kFileHeaderSize] = {'B', 'M'};
-    Store32(header + 2, static_cast<uint32_t>(kFileHeaderSize + layout.Size()));
-    Store32(header + 10, static_cast<uint32_t>(kFileHeaderSize + layout.PixelsOffset()));
+    const pgkit::BitmapHeader& header = bitmap.Header();
+    uint8_t fileHeader[kFileHeaderSize] = {'B', 'M'};
+    Store32(fileHeader + 2, kFileHeaderSize + header.TotalSize());
+    Store32(fileHeader + 10, kFileHeaderSize + header.PixelsOffset());
 
     FILE* const stream = CreateOutput(path);
     if (stream == nullptr) return false;
-    const bool isWritten = WriteBytes(stream, header, sizeof header) &&
-                           WriteBytes(stream, bitmap.Bytes(), layout.Size());
+    const bool isWritten = WriteBytes(stream, fileHeader, sizeof fileHeader) &&
+                           WriteBytes(stream, bitmap.Bytes(), header.TotalSize());
     // What is still buffered may fail to be written now.
     return std::fclose(stream) == 0 && isWritten;
 }

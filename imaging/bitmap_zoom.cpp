@@ -1,9 +1,14 @@
 #include "bitmap_zoom.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
+#include <numeric>
+#include <utility>
 #include <vector>
+
+#include "bitmap/new_bitmap.h"
 
 namespace pgview {
 
@@ -63,36 +68,43 @@ Side MakeSide(uint32_t oldCount, uint32_t newCount, Enlarging enlarging) {
     return interpolates ? Interpolate(oldCount, newCount) : CoverAreas(oldCount, newCount);
 }
 
+// Makes rows of new pixels one after the other out of old rows, which it asks for in ascending
+// order, some of them twice.
 class Resizing {
   public:
-    Resizing(const LockedBitmap& bitmap, Side across, Side up)
-        : bitmap_(bitmap),
-          across_(std::move(across)),
-          up_(std::move(up)),
-          sums_(across_.Count() * bitmap.Layout().channels) {
-        for (unsigned value = 0; value < 256; ++value) {
-            const auto byte = static_cast<uint8_t>(value);
-            values_[value] = bitmap.Layout().channels == 1 ? bitmap.Gray(byte) : byte;
-        }
-    }
+    // The old row of a number; null for none.
+    using RowSource = std::function<const uint8_t*(uint32_t)>;
 
-    void MakeRow(size_t row, uint8_t* out) {
+    // The grays that the bytes of pixels stand for are grays[byte].
+    Resizing(Side across, Side down, uint32_t channels, const std::array<uint8_t, 256>& grays)
+        : across_(std::move(across)),
+          down_(std::move(down)),
+          channels_(channels),
+          grays_(grays),
+          sums_(across_.Count() * channels) {}
+
+    // False when an old row is missing.
+    bool MakeRow(size_t row, const RowSource& source, uint8_t* out) {
         std::fill(sums_.begin(), sums_.end(), 0);
-        for (size_t i = up_.starts[row]; i < up_.starts[row + 1]; ++i) {
-            if (up_.taps[i].weight > 0) AddRow(bitmap_.Row(up_.taps[i].source), up_.taps[i].weight);
+        for (size_t i = down_.starts[row]; i < down_.starts[row + 1]; ++i) {
+            const Tap& tap = down_.taps[i];
+            if (tap.weight == 0) continue;
+            const uint8_t* const old = source(tap.source);
+            if (old == nullptr) return false;
+            AddRow(old, tap.weight);
         }
-        const uint64_t total = across_.weightSum * up_.weightSum;
+        const uint64_t total = across_.weightSum * down_.weightSum;
         for (size_t i = 0; i < sums_.size(); ++i) {
             out[i] = static_cast<uint8_t>((sums_[i] + total / 2) / total);
         }
+        return true;
     }
 
   private:
     void AddRow(const uint8_t* row, uint64_t rowWeight) {
-        const uint32_t channels = bitmap_.Layout().channels;
         for (size_t pixel = 0; pixel < across_.Count(); ++pixel) {
-            for (uint32_t channel = 0; channel < channels; ++channel) {
-                sums_[pixel * channels + channel] += rowWeight * SumAcross(row, pixel, channel);
+            for (uint32_t channel = 0; channel < channels_; ++channel) {
+                sums_[pixel * channels_ + channel] += rowWeight * SumAcross(row, pixel, channel);
             }
         }
     }
@@ -101,64 +113,112 @@ class Resizing {
         uint64_t sum = 0;
         for (size_t i = across_.starts[pixel]; i < across_.starts[pixel + 1]; ++i) {
             const Tap& tap = across_.taps[i];
-            sum +=
-                tap.weight * values_[row[size_t{tap.source} * bitmap_.Layout().channels + channel]];
+            sum += tap.weight * grays_[row[size_t{tap.source} * channels_ + channel]];
         }
         return sum;
     }
 
-    const LockedBitmap& bitmap_;
     Side across_;
-    Side up_;
+    Side down_;
+    uint32_t channels_;
+    std::array<uint8_t, 256> grays_;
     std::vector<uint64_t> sums_;
-    uint8_t values_[256];
 };
 
-void* CopyBitmap(const LockedBitmap& bitmap) {
-    NewBitmap copy(bitmap.Layout());
-    std::memcpy(copy.Bytes(), bitmap.Bytes(), bitmap.Layout().Size());
+std::array<uint8_t, 256> BytesThemselves() {
+    std::array<uint8_t, 256> bytes;
+    std::iota(bytes.begin(), bytes.end(), uint8_t{0});
+    return bytes;
+}
+
+std::array<uint8_t, 256> GraysOf(const LockedBitmap& bitmap) {
+    std::array<uint8_t, 256> grays = BytesThemselves();
+    if (bitmap.Channels() == 3) return grays;
+    for (uint8_t& gray : grays)
+        gray = bitmap.Gray(gray);
+    return grays;
+}
+
+pgkit::BitmapHandle CopyBitmap(const LockedBitmap& bitmap) {
+    pgkit::NewBitmap copy(bitmap.Header());
+    std::memcpy(copy.Bytes(), bitmap.Bytes(), bitmap.Header().TotalSize());
     return copy.Give();
 }
 
-// The products of sizes and fractions that were made to give whole numbers may fall short of them
-// by their rounding. The tolerance is below any fraction that two sizes of 16 bits can make.
+// Keeps the row that was asked for last.
+class RowsInOrder {
+  public:
+    RowsInOrder(uint32_t width, const std::function<bool(uint8_t*)>& nextRow)
+        : row_(width), nextRow_(nextRow) {}
+
+    // Numbers never descend.
+    const uint8_t* Row(uint32_t number) {
+        for (; count_ <= number; ++count_)
+            if (!nextRow_(row_.data())) return nullptr;
+        return row_.data();
+    }
+
+  private:
+    std::vector<uint8_t> row_;
+    const std::function<bool(uint8_t*)>& nextRow_;
+    uint32_t count_ = 0;  // of the rows that were read
+};
+
+// The products of sizes and fractions that were made to give a length between two may fall short of
+// it by their rounding. The tolerance is below any fraction that two sizes of 16 bits can make.
 std::optional<uint32_t> ZoomedLength(uint32_t length, double zoom) {
     constexpr double kTolerance = 1e-6;
-    const double zoomed = std::floor(length * zoom + kTolerance);
+    const double zoomed = std::floor(length * zoom + 0.5 + kTolerance);
     if (zoomed > static_cast<double>(kMaxSide)) return std::nullopt;
     return std::max(static_cast<uint32_t>(zoomed), uint32_t{1});
 }
 
 }  // namespace
 
-std::optional<BitmapSize> ZoomedSize(const BitmapLayout& layout, double zoom) {
+std::optional<BitmapSize> ZoomedSize(BitmapSize size, double zoom) {
     if (!std::isfinite(zoom) || zoom <= 0) return std::nullopt;
-    const auto width = ZoomedLength(layout.width, zoom);
-    const auto height = ZoomedLength(layout.height, zoom);
+    const auto width = ZoomedLength(size.width, zoom);
+    const auto height = ZoomedLength(size.height, zoom);
     if (!width || !height || !IsWithinBounds(*width, *height)) return std::nullopt;
     return BitmapSize{*width, *height};
 }
 
-std::optional<BitmapSize> FittedSize(const BitmapLayout& layout, uint32_t side) {
-    const uint64_t longer = std::max(layout.width, layout.height);
-    const uint64_t shorter = std::min(layout.width, layout.height);
-    const uint64_t fitted = std::max<uint64_t>(shorter * side / longer, 1);
+std::optional<BitmapSize> FittedSize(BitmapSize size, uint32_t side) {
+    const uint64_t longer = std::max(size.width, size.height);
+    const uint64_t shorter = std::min(size.width, size.height);
+    const uint64_t fitted = std::max<uint64_t>((2 * shorter * side + longer) / (2 * longer), 1);
     if (!IsWithinBounds(side, fitted)) return std::nullopt;
     const auto other = static_cast<uint32_t>(fitted);
-    return layout.width >= layout.height ? BitmapSize{side, other} : BitmapSize{other, side};
+    return size.width >= size.height ? BitmapSize{side, other} : BitmapSize{other, side};
 }
 
-void* ResizeBitmap(const LockedBitmap& bitmap, std::optional<BitmapSize> size,
-                   Enlarging enlarging) {
+pgkit::BitmapHandle ResizeBitmap(const LockedBitmap& bitmap, std::optional<BitmapSize> size,
+                                 Enlarging enlarging) {
     if (!size) return nullptr;
-    const BitmapLayout& layout = bitmap.Layout();
-    if (size->width == layout.width && size->height == layout.height) return CopyBitmap(bitmap);
+    const pgkit::BitmapHeader& header = bitmap.Header();
+    if (*size == BitmapSize{header.width, header.height}) return CopyBitmap(bitmap);
 
-    NewBitmap resized(NewBitmapLayout(size->width, size->height, layout.channels));
-    Resizing resizing(bitmap, MakeSide(layout.width, size->width, enlarging),
-                      MakeSide(layout.height, size->height, enlarging));
+    pgkit::NewBitmap resized(pgkit::NewBitmapHeader(size->width, size->height, header.bitCount));
+    resized.SetGrays();
+    Resizing resizing(MakeSide(header.width, size->width, enlarging),
+                      MakeSide(header.height, size->height, enlarging), bitmap.Channels(),
+                      GraysOf(bitmap));
+    const auto stored = [&](uint32_t row) { return bitmap.Row(row); };
     for (size_t row = 0; row < size->height; ++row)
-        resizing.MakeRow(row, resized.Row(row));
+        resizing.MakeRow(row, stored, resized.Row(row));
+    return resized.Give();
+}
+
+pgkit::BitmapHandle ResizeRows(BitmapSize from, BitmapSize to,
+                               const std::function<bool(uint8_t*)>& nextRow) {
+    pgkit::NewBitmap resized(pgkit::NewBitmapHeader(to.width, to.height, 8));
+    resized.SetGrays();
+    Resizing resizing(CoverAreas(from.width, to.width), CoverAreas(from.height, to.height), 1,
+                      BytesThemselves());
+    RowsInOrder rows(from.width, nextRow);
+    const auto fromTop = [&](uint32_t row) { return rows.Row(row); };
+    for (size_t row = 0; row < to.height; ++row)
+        if (!resizing.MakeRow(row, fromTop, resized.RowFromTop(row))) return nullptr;
     return resized.Give();
 }
 

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "bitmap.h"
+#include "bitmap_zoom.h"
 #include "encapsulated_frame.h"
-#include "gray_rendering.h"
 #include "rle_decoder.h"
 
 namespace pgview {
@@ -60,18 +60,38 @@ bool DicomImage::Load(const char* path) {
     return true;
 }
 
-void* DicomImage::NewFrameBitmap(uint32_t index) const {
-    if (!IsGrayscale() || index >= FrameCount()) return nullptr;
-    if (!IsWithinBounds(description_->columns, description_->rows)) return nullptr;
-    const std::vector<uint8_t> frame = ReadFrame(index);
-    return frame.empty() ? nullptr : RenderFrame(*description_, frame);
+pgkit::BitmapHandle DicomImage::NewFrameBitmap(uint32_t index) const {
+    std::optional<GrayRows> rows = ReadFrame(index);
+    return rows ? RenderFrame(*description_, *rows) : nullptr;
 }
 
-std::vector<uint8_t> DicomImage::ReadFrame(uint32_t index) const {
-    if (pixelData_->IsEncodedPixelData() == 0) return ReadNativeFrame(index);
-    const std::vector<uint8_t> encoded =
-        ReadEncapsulatedFrame(*root_, *pixelData_, index, description_->frameCount);
-    return DecodeRleFrame(encoded, description_->PixelCount(), description_->format.ByteCount());
+pgkit::BitmapHandle DicomImage::NewThumbnail(uint32_t side) const {
+    std::optional<GrayRows> rows = ReadFrame(TypicalFrame());
+    if (!rows) return nullptr;
+    const BitmapSize whole{description_->columns, description_->rows};
+    const std::optional<BitmapSize> fitted = FittedSize(whole, side);
+    if (!fitted) return nullptr;
+    return ResizeRows(whole, *fitted, [&](uint8_t* out) { return rows->Next(out); });
+}
+
+std::optional<GrayRows> DicomImage::ReadFrame(uint32_t index) const {
+    if (!IsGrayscale() || index >= FrameCount()) return std::nullopt;
+    if (!IsWithinBounds(description_->columns, description_->rows)) return std::nullopt;
+    std::unique_ptr<FrameRows> samples = ReadSamples(index);
+    if (samples == nullptr) return std::nullopt;
+    return GrayRows(*description_, std::move(samples));
+}
+
+std::unique_ptr<FrameRows> DicomImage::ReadSamples(uint32_t index) const {
+    if (pixelData_->IsEncodedPixelData() != 0) {
+        return NewRleRows(
+            ReadEncapsulatedFrame(*root_, *pixelData_, index, description_->frameCount),
+            description_->rows, description_->columns, description_->format.ByteCount());
+    }
+    std::vector<uint8_t> frame = ReadNativeFrame(index);
+    if (frame.empty()) return nullptr;
+    const size_t rowSize = frame.size() / description_->rows;
+    return std::make_unique<StoredRows>(std::move(frame), rowSize);
 }
 
 // Frames of an odd size are read in pairs: samples of one byte may stand exchanged in words, and

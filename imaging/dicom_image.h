@@ -8,6 +8,9 @@
 #include <optional>
 #include <vector>
 
+#include "bitmap/bitmap_handle.h"
+#include "frame_rows.h"
+#include "gray_rendering.h"
 #include "image_description.h"
 
 namespace pgview {
@@ -22,14 +25,19 @@ class DicomImage {
     // The frame that stands for the whole image.
     uint32_t TypicalFrame() const { return FrameCount() / 3; }
     // A new bitmap; null when there is no such frame or it is not there as a whole.
-    void* NewFrameBitmap(uint32_t index) const;
+    pgkit::BitmapHandle NewFrameBitmap(uint32_t index) const;
+    // A new bitmap of the typical frame whose longer side is so long; null as before, and for a
+    // side that is 0 or too long. Only the bitmap's own size is held of it, not the frame's.
+    pgkit::BitmapHandle NewThumbnail(uint32_t side) const;
 
   private:
     struct Closer {
         void operator()(PGX_Node* root) const { pgCloseDataSet(root); }
     };
 
-    std::vector<uint8_t> ReadFrame(uint32_t index) const;
+    // Nothing when there is no such frame.
+    std::optional<GrayRows> ReadFrame(uint32_t index) const;
+    std::unique_ptr<FrameRows> ReadSamples(uint32_t index) const;
     std::vector<uint8_t> ReadNativeFrame(uint32_t index) const;
     bool HoldsNativeFrame(uint32_t index) const;
 

@@ -34,30 +34,48 @@ class ItemReader {
         return Load32(header + 4);
     }
 
-    // Appends bytes of the file. Lengths are checked against the file before they are allocated.
-    bool Append(std::vector<uint8_t>& bytes, uint64_t position, uint32_t count) const {
-        if (count == 0) return true;
+    // Whether the file holds so many bytes there, at least one.
+    bool Holds(uint64_t position, uint32_t count) const {
         uint8_t last;
-        if (!Read(&last, position + count - 1, 1)) return false;
-        const size_t size = bytes.size();
-        bytes.resize(size + count);
-        return Read(bytes.data() + size, position, count);
+        return Read(&last, position + count - 1, 1);
     }
 
   private:
     PGX_Node& dataSet_;
 };
 
-// Joins items from a position on, up to another one or to what is no item.
-std::vector<uint8_t> JoinItems(const ItemReader& reader, uint64_t position, uint64_t end) {
-    std::vector<uint8_t> bytes;
-    for (uint32_t i = 0; i < kMaxFragments && position < end; ++i) {
-        const std::optional<uint32_t> length = reader.ItemLength(position);
-        if (!length) break;
-        if (!reader.Append(bytes, position + kItemHeaderSize, *length)) return {};
-        position += kItemHeaderSize + uint64_t{*length};
+// Bytes of the file.
+struct Piece {
+    uint64_t position;
+    uint32_t length;
+};
+
+// Empty when the file holds one of the pieces only in part; nothing is allocated then.
+std::vector<uint8_t> Join(const ItemReader& reader, const std::vector<Piece>& pieces) {
+    size_t size = 0;
+    for (const Piece& piece : pieces) {
+        if (piece.length > 0 && !reader.Holds(piece.position, piece.length)) return {};
+        size += piece.length;
+    }
+    std::vector<uint8_t> bytes(size);
+    uint8_t* out = bytes.data();
+    for (const Piece& piece : pieces) {
+        if (piece.length > 0 && !reader.Read(out, piece.position, piece.length)) return {};
+        out += piece.length;
     }
     return bytes;
+}
+
+// Joins items from a position on, up to another one or to what is no item.
+std::vector<uint8_t> JoinItems(const ItemReader& reader, uint64_t position, uint64_t end) {
+    std::vector<Piece> pieces;
+    while (pieces.size() < kMaxFragments && position < end) {
+        const std::optional<uint32_t> length = reader.ItemLength(position);
+        if (!length) break;
+        pieces.push_back({position + kItemHeaderSize, *length});
+        position += kItemHeaderSize + uint64_t{*length};
+    }
+    return Join(reader, pieces);
 }
 
 // The offsets of the table are counted from the item behind it.
@@ -88,11 +106,9 @@ std::vector<uint8_t> ReadEncapsulatedFrame(PGX_Node& dataSet, PGX_Node& pixelDat
 
     uint32_t length = 0;
     uint32_t offset = 0;
-    std::vector<uint8_t> bytes;
     if (pixelData.fragmentCount != frameCount) return {};
     if (pixelData.GetEncodedPixelInfo(frameIndex, &length, &offset) != 1) return {};
-    if (!reader.Append(bytes, offset, length)) return {};
-    return bytes;
+    return Join(reader, {{offset, length}});
 }
 
 }  // namespace pgview

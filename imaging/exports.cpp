@@ -1,15 +1,14 @@
 // The functions that the module exports: null handles and exceptions end here.
 #include <pgkit/imaging.h>
 
-#include <memory>
 #include <new>
 
 #include "bitmap.h"
 #include "bitmap_file.h"
-#include "bitmap_memory.h"
 #include "bitmap_zoom.h"
 #include "dicom_image.h"
 
+using pgview::BitmapSize;
 using pgview::DicomImage;
 using pgview::Enlarging;
 using pgview::LockedBitmap;
@@ -32,19 +31,9 @@ void* Zoom(void* dib, double zoom, Enlarging enlarging) {
     return Guarded([&]() -> void* {
         const LockedBitmap bitmap(dib);
         if (!bitmap.IsUsable()) return nullptr;
-        return ResizeBitmap(bitmap, ZoomedSize(bitmap.Layout(), zoom), enlarging);
+        const BitmapSize size{bitmap.Header().width, bitmap.Header().height};
+        return ResizeBitmap(bitmap, ZoomedSize(size, zoom), enlarging).release();
     });
-}
-
-struct FreeBitmap {
-    void operator()(void* handle) const { pgview::FreeBitmapMemory(handle); }
-};
-
-void* NewThumbnail(const DicomImage& image, uint32_t size) {
-    const std::unique_ptr<void, FreeBitmap> frame(image.NewFrameBitmap(image.TypicalFrame()));
-    const LockedBitmap bitmap(frame.get());
-    if (!bitmap.IsUsable()) return nullptr;
-    return ResizeBitmap(bitmap, FittedSize(bitmap.Layout(), size), Enlarging::RepeatsPixels);
 }
 
 }  // namespace
@@ -66,7 +55,7 @@ uint32_t vwImaGetNumber(void* image) { return image == nullptr ? 0 : ImageOf(ima
 
 void* vwImaGetHDib(void* image, uint32_t frame) {
     if (image == nullptr) return nullptr;
-    return Guarded([&] { return ImageOf(image)->NewFrameBitmap(frame); });
+    return Guarded([&] { return ImageOf(image)->NewFrameBitmap(frame).release(); });
 }
 
 void* vwDuplicateZoomDib(void* dib, double zoom) {
@@ -87,5 +76,5 @@ int32_t vwWriteDib(void* dib, const char* path) {
 
 void* vwGetThumbnailDib(void* image, uint32_t size) {
     if (image == nullptr) return nullptr;
-    return Guarded([&] { return NewThumbnail(*ImageOf(image), size); });
+    return Guarded([&] { return ImageOf(image)->NewThumbnail(size).release(); });
 }

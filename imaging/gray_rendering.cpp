@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
-#include "bitmap.h"
+#include "bitmap/new_bitmap.h"
 #include "little_endian.h"
 
 namespace pgview {
@@ -22,8 +23,8 @@ class StoredValues {
           mask_(UINT32_MAX >> (32 - format.bitsStored)),
           signBit_(format.isSigned ? int64_t{1} << (format.bitsStored - 1) : 0) {}
 
-    int64_t At(const std::vector<uint8_t>& frame, size_t pixel) const {
-        const uint8_t* const bytes = frame.data() + pixel * byteCount_;
+    int64_t At(const uint8_t* row, size_t column) const {
+        const uint8_t* const bytes = row + column * byteCount_;
         const int64_t stored = (Sample(bytes) >> shift_) & mask_;
         return (stored ^ signBit_) - signBit_;
     }
@@ -63,34 +64,37 @@ GrayScale ScaleOfWindow(const Window& window) {
     return {black, middle + length / 2, black, length};
 }
 
-GrayScale ScaleOfRange(const ImageDescription& image, const std::vector<uint8_t>& frame) {
+// Nothing when the frame ends before its last row.
+std::optional<GrayScale> ScaleOfRange(const ImageDescription& image, FrameRows& rows) {
     const StoredValues stored(image.format);
     int64_t lowest = INT64_MAX;
     int64_t highest = INT64_MIN;
-    for (size_t pixel = 0; pixel < image.PixelCount(); ++pixel) {
-        const int64_t value = stored.At(frame, pixel);
-        lowest = std::min(lowest, value);
-        highest = std::max(highest, value);
+    for (uint32_t i = 0; i < image.rows; ++i) {
+        const uint8_t* const row = rows.Next();
+        if (row == nullptr) return std::nullopt;
+        for (uint32_t column = 0; column < image.columns; ++column) {
+            const int64_t value = stored.At(row, column);
+            lowest = std::min(lowest, value);
+            highest = std::max(highest, value);
+        }
     }
+    rows.Rewind();
     double black = static_cast<double>(lowest) * image.rescaleSlope + image.rescaleIntercept;
     double white = static_cast<double>(highest) * image.rescaleSlope + image.rescaleIntercept;
     if (black > white) std::swap(black, white);
-    return {black, white, black, white - black};
+    return GrayScale{black, white, black, white - black};
 }
 
-// Grays of the whole frame, top row first, go to the bitmap's rows from the bottom up.
-class Renderer {
-  public:
-    Renderer(const ImageDescription& image, const std::vector<uint8_t>& frame)
-        : image_(image),
-          frame_(frame),
-          stored_(image.format),
-          scale_(image.window ? ScaleOfWindow(*image.window) : ScaleOfRange(image, frame)) {}
+}  // namespace
 
-    void RenderRow(uint32_t row, uint8_t* out) const {
-        const size_t first = size_t{row} * image_.columns;
+class GrayRows::Renderer {
+  public:
+    Renderer(const ImageDescription& image, const GrayScale& scale)
+        : image_(image), stored_(image.format), scale_(scale) {}
+
+    void RenderRow(const uint8_t* row, uint8_t* out) const {
         for (uint32_t column = 0; column < image_.columns; ++column) {
-            const auto stored = static_cast<double>(stored_.At(frame_, first + column));
+            const auto stored = static_cast<double>(stored_.At(row, column));
             out[column] = ToGray(stored * image_.rescaleSlope + image_.rescaleIntercept);
         }
     }
@@ -105,18 +109,32 @@ class Renderer {
     }
 
     const ImageDescription& image_;
-    const std::vector<uint8_t>& frame_;
     StoredValues stored_;
     GrayScale scale_;
 };
 
-}  // namespace
+GrayRows::GrayRows(const ImageDescription& image, std::unique_ptr<FrameRows> rows)
+    : rows_(std::move(rows)) {
+    const std::optional<GrayScale> scale =
+        image.window ? ScaleOfWindow(*image.window) : ScaleOfRange(image, *rows_);
+    if (scale) renderer_ = std::make_unique<Renderer>(image, *scale);
+}
 
-void* RenderFrame(const ImageDescription& image, const std::vector<uint8_t>& frame) {
-    NewBitmap bitmap(NewBitmapLayout(image.columns, image.rows, 1));
-    const Renderer renderer(image, frame);
+GrayRows::~GrayRows() = default;
+GrayRows::GrayRows(GrayRows&&) noexcept = default;
+
+bool GrayRows::Next(uint8_t* out) {
+    const uint8_t* const row = renderer_ == nullptr ? nullptr : rows_->Next();
+    if (row == nullptr) return false;
+    renderer_->RenderRow(row, out);
+    return true;
+}
+
+pgkit::BitmapHandle RenderFrame(const ImageDescription& image, GrayRows& rows) {
+    pgkit::NewBitmap bitmap(pgkit::NewBitmapHeader(image.columns, image.rows, 8));
+    bitmap.SetGrays();
     for (uint32_t row = 0; row < image.rows; ++row)
-        renderer.RenderRow(row, bitmap.Row(image.rows - 1 - row));
+        if (!rows.Next(bitmap.RowFromTop(row))) return nullptr;
     return bitmap.Give();
 }
 

@@ -12,7 +12,7 @@ packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 librapidxml-dev wine64)
 case ${1:-} in
     test)
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
-        packages+=(clang clang-format lld llvm)
+        packages+=(clang clang-format clang-tidy cppcheck lld llvm)
         ;;
     packages) packages+=(debhelper dh-python dpkg-dev fakeroot git lintian python3 debootstrap) ;;
     platforms) packages+=(googletest g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user clang) ;;

@@ -1,14 +1,26 @@
 #!/usr/bin/env bash
-# Builds everything and runs every test: natively, with sanitizers and, for Windows, under Wine, and
-# those with threads with the thread sanitizer; then the comparison with independent readers. The
-# last line sums all of them up: "N passed, M failed". When PGKIT_SAMPLES names a directory of DICOM
-# files they are read too.
+# Builds and runs the tests: test.sh [--quick]
+#
+# Without an option everything: natively, with sanitizers and, for Windows, under Wine, and those with
+# threads with the thread sanitizer; then the comparison with independent readers, the static analysis
+# and more (docs/testing.md). With --quick what the native build shows by itself: the run for work.
+#
+# Lines with the time tell where it is; the last line sums all runs up: "N passed, M failed". The
+# processor time of each part is in build/results/seconds.txt. When PGKIT_SAMPLES names a directory of
+# DICOM files they are read too.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
 results=$root/build/results
 passed=0
 failed=0
+
+quick=false
+case ${1:-} in
+    --quick) quick=true ;;
+    '') ;;
+    *) echo "test.sh [--quick]" >&2; exit 2 ;;
+esac
 
 finish() {
     echo "$passed passed, $failed failed"
@@ -32,15 +44,30 @@ count() {
     grep --max-count=50 --after-context=10 '^FAILED' "$results/$1.log" || tail -n 200 "$results/$1.log"
 }
 
-# start NAME COMMAND...: runs a command in the background; its output and exit status are kept.
-start() {
-    local name=$1
+# progress TEXT: tells, with the minutes and seconds since the start, what happens.
+progress() {
+    printf '[%2d:%02d] %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$1"
+}
+
+# run NAME COMMAND...: runs a command, for $limit seconds at most; its output, exit status and
+# processor time are kept.
+run() {
+    local name=$1 status=0 user system
     shift
-    (
-        status=0
-        timeout --kill-after=10 400 "$@" >"$results/$name.log" 2>&1 </dev/null || status=$?
-        echo "$status" >"$results/$name.status"
-    ) &
+    TIMEFORMAT='%U %S'
+    { time timeout --kill-after=10 "${limit:-900}" "$@" >"$results/$name.log" 2>&1 </dev/null; } \
+        2>"$results/$name.time" || status=$?
+    echo "$status" >"$results/$name.status"
+    read -r user system < <(tail -n 1 "$results/$name.time")
+    awk -v spent="$user" -v inside="$system" -v name="$name" \
+        'BEGIN { printf "%7.1f %s\n", spent + inside, name }' >>"$results/seconds.txt"
+    progress "$name ended"
+    return "$status"
+}
+
+# start NAME COMMAND...: the same in the background.
+start() {
+    run "$@" &
 }
 
 # start_gtest NAME LAUNCHER... PROGRAM: starts a GoogleTest program that reports its cases as XML.
@@ -48,11 +75,16 @@ start_gtest() {
     start "$@" "--gtest_output=xml:build/results/$1.xml" --gtest_brief=1
 }
 
+# status_of NAME: the exit status of a command that was run.
+status_of() {
+    cat "$results/$1.status" 2>/dev/null || echo 127
+}
+
 # count_gtest NAME: a program that ends without a report, without cases, or with an exit status that
 # its cases do not explain is a failure of its own.
 count_gtest() {
     local xml=$results/$1.xml status ran=0 bad=0
-    status=$(cat "$results/$1.status")
+    status=$(status_of "$1")
     if [[ -s $xml ]]; then
         ran=$(grep -c '<testcase .*result="completed"' "$xml" || true)
         bad=$(sed -n 's/^<testsuites .* failures="\([0-9]*\)".*/\1/p' "$xml")
@@ -78,11 +110,78 @@ count_summary() {
 
 # count_status NAME: a command that is one check.
 count_status() {
-    if [[ $(cat "$results/$1.status") -eq 0 ]]; then count "$1" 1 0; else count "$1" 0 1; fi
+    if [[ $(status_of "$1") -eq 0 ]]; then count "$1" 1 0; else count "$1" 0 1; fi
 }
 
+# start_programs PRESET LAUNCHER...: starts the three test programs of a build.
+# The caller's $suffix is that of its programs.
+programs=(pgkit_tests pgkit_unit_tests pgkit_imaging_tests)
+start_programs() {
+    local preset=$1 program
+    shift
+    for program in "${programs[@]}"; do
+        start_gtest "$preset-$program" "$@" "build/$preset/bin/$program$suffix"
+    done
+}
+
+# What a native build shows by itself. The stack is the one that a thread of a Windows host typically
+# has: deep trees must not need more.
+native_lane() {
+    local suffix=
+    limit=3600 run build-native scripts/build.sh native || return
+    start_programs native prlimit --stack=1048576
+    start python bindings/python/run_tests.sh build/native/bin/libpgkit.so
+    start debugger tests/debugger/check_printer.py build/native/bin
+    start documents scripts/check-docs.py build/native/bin
+    start format scripts/check-format.sh
+    start firewall tests/exports/check_firewall.py
+}
+
+windows_lane() {
+    local suffix=.exe
+    limit=3600 run build-windows-x64 scripts/build.sh windows-x64 || return
+    start_programs windows-x64 scripts/wine.sh
+    start msabi tests/msabi/run_host.sh build/windows-x64
+}
+
+# What needs the native build and the one for Windows.
+both_lane() {
+    local wine=$root/scripts/wine.sh
+    start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
+        build/windows-x64/bin/pgkit.dll
+    start hardening tests/hardening/check_hardening.py \
+        build/native/bin/{libpgkit.so,pgview32.so,pgtool} \
+        build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
+    start text tests/interop/compare_text.py build/native/bin/libpgkit.so
+    start neighbours tests/interop/hostile_neighbours.py "$root/build/native/bin/pgtool"
+    start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
+    start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" "$wine" \
+        "$root/build/windows-x64/bin/pgtool.exe"
+    start icons tests/interop/compare_icons.py build/native/bin/creation_probe "$wine" \
+        "$root/build/windows-x64/bin/creation_probe.exe"
+    start installation tests/consumer/check_installation.py build/native build/windows-x64 "$wine"
+}
+
+sanitizer_lane() {
+    local suffix=
+    limit=3600 run build-native-sanitize scripts/build.sh native-sanitize || return
+    start_programs native-sanitize env
+    limit=3600 run build-native-tsan scripts/build.sh native-tsan || return
+    start_gtest native-tsan-pgkit_thread_tests build/native-tsan/bin/pgkit_thread_tests
+}
+
+# What needs the builds for both systems and the one with sanitizers.
+all_lane() {
+    local name
+    for name in compare_readers:interop compare_directories:directories; do
+        start "${name#*:}" "tests/interop/${name%:*}.py" "$root/build/native/bin/pgtool" \
+            "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
+            "$root/build/windows-x64/bin/pgtool.exe"
+    done
+}
+
+progress "installing what is missing"
 scripts/install-packages.sh test || give_up "installing packages"
-scripts/build.sh native native-sanitize native-tsan windows-x64 || give_up "building"
 rm -rf "$results"
 mkdir -p "$results"
 
@@ -90,58 +189,43 @@ mkdir -p "$results"
 export ASAN_OPTIONS=exitcode=99:detect_leaks=1 UBSAN_OPTIONS=exitcode=99:print_stacktrace=1
 export TSAN_OPTIONS=exitcode=99
 
-programs=(pgkit_tests pgkit_unit_tests pgkit_imaging_tests)
-for program in "${programs[@]}"; do
-    # The stack that a thread of a Windows host typically has: deep trees must not need more.
-    start_gtest "native-$program" prlimit --stack=1048576 "build/native/bin/$program"
-    start_gtest "native-sanitize-$program" "build/native-sanitize/bin/$program"
-    start_gtest "windows-x64-$program" scripts/wine.sh "build/windows-x64/bin/$program.exe"
+# The tests of one build run while the next one is compiled, and two builds go on side by side:
+# neither the end of one nor a link leaves a processor idle.
+presets=(native)
+progress "building and testing; the logs are in build/results"
+if $quick; then
+    (native_lane || true; wait)
+else
+    presets+=(windows-x64 native-sanitize native-tsan)
+    ( (native_lane && windows_lane && both_lane) || true; wait) &
+    (sanitizer_lane || true; run lint scripts/lint.sh || true; wait) &
+    wait
+fi
+for preset in "${presets[@]}"; do
+    [[ $(status_of "build-$preset") -eq 0 ]] || count "build-$preset" 0 1
 done
-start_gtest native-tsan-pgkit_thread_tests build/native-tsan/bin/pgkit_thread_tests
-start format scripts/check-format.sh
-start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
-    build/windows-x64/bin/pgkit.dll
-start msabi tests/msabi/run_host.sh build/windows-x64
-start hardening tests/hardening/check_hardening.py build/native/bin/{libpgkit.so,pgview32.so,pgtool} \
-    build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
-wait
+[[ $failed -eq 0 ]] || give_up "building"
+if ! $quick; then
+    progress "comparing with other readers"
+    (all_lane; wait)
+fi
 
-start interop tests/interop/compare_readers.py "$root/build/native/bin/pgtool" \
-    "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
-    "$root/build/windows-x64/bin/pgtool.exe"
-start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
-start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" \
-    "$root/scripts/wine.sh" "$root/build/windows-x64/bin/pgtool.exe"
-wait
-start python bindings/python/run_tests.sh build/native/bin/libpgkit.so
-start debugger tests/debugger/check_printer.py build/native/bin
-start documents scripts/check-docs.py build/native/bin
-start installation tests/consumer/check_installation.py build/native build/windows-x64 \
-    "$root/scripts/wine.sh"
-start icons tests/interop/compare_icons.py build/native/bin/creation_probe \
-    "$root/scripts/wine.sh" "$root/build/windows-x64/bin/creation_probe.exe"
-start directories tests/interop/compare_directories.py "$root/build/native/bin/pgtool" \
-    "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
-    "$root/build/windows-x64/bin/pgtool.exe"
-wait
-
-for preset in native native-sanitize windows-x64; do
+for preset in "${presets[@]}"; do
+    [[ $preset != native-tsan ]] || continue
     for program in "${programs[@]}"; do
         count_gtest "$preset-$program"
     done
 done
-count_gtest native-tsan-pgkit_thread_tests
 count_status format
-count_summary exports
-count_summary msabi
-count_summary hardening
-count_summary interop
-count_summary written
-count_summary media
-count_summary icons
-count_summary installation
-count_summary python
-count_summary debugger
-count_summary documents
-count_summary directories
+for name in python debugger documents firewall; do
+    count_summary "$name"
+done
+if ! $quick; then
+    count_gtest native-tsan-pgkit_thread_tests
+    count_status lint
+    for name in exports msabi hardening interop neighbours text written media icons installation directories; do
+        count_summary "$name"
+    done
+fi
+sort -rn -o "$results/seconds.txt" "$results/seconds.txt"
 finish

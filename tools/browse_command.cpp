@@ -16,7 +16,7 @@ namespace pgtool {
 namespace {
 
 // Keys and icons are shorter.
-constexpr uint32_t kLoadLimit = 0x20000;
+constexpr uint32_t kLoadedOnBrowse = 0x20000;
 
 int32_t ShowProgress(PGX_DicomDirCallbackReason*, const char* message, void* progress) {
     static_cast<ProgressLine*>(progress)->Show(message);
@@ -25,7 +25,7 @@ int32_t ShowProgress(PGX_DicomDirCallbackReason*, const char* message, void* pro
 
 bool Open(PGX_DicomDir& directory, const std::string& path) {
     const DivertedOutput messagesToStandardError;
-    return directory.OpenDicomDir(LibraryPath(path).c_str(), kLoadLimit) != 0;
+    return directory.OpenDicomDir(LibraryPath(path).c_str(), kLoadedOnBrowse) != 0;
 }
 
 PGX_List* BrowseOpen(PGX_DicomDir& directory) {
@@ -62,7 +62,8 @@ const Command kBrowseCommand = {
     "Prints the patients, studies, series and instances that a DICOMDIR, or the one in a\n"
     "directory, refers to, as a tree with their numbers at the end. A file is missing when\n"
     "the directory of the DICOMDIR has none of that name; case does not matter, nor do\n"
-    "blanks around the name. What the library reports about the DICOMDIR goes to the\n"
+    "blanks around the name. An ID that leads outside of that directory is called so and not\n"
+    "looked up. What the library reports about the DICOMDIR goes to the\n"
     "standard error stream. Missing files and damaged directories do not fail the command.\n"
     "  --json  print the same as JSON in UTF-8: the members are named as the fields of the\n"
     "          library's objects. Texts of the character set ISO_IR 192 are taken as UTF-8,\n"

@@ -8,6 +8,7 @@
 #include "options.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/patient_list.h"
+#include "pgkit/profiles.h"
 #include "standard_streams.h"
 
 namespace pgtool {
@@ -43,6 +44,9 @@ int Check(const Arguments& arguments) {
     const std::string complaint = ParseOptions(arguments, {{"--profile", &profile}}, &files);
     if (!complaint.empty()) return Misuse(kCheckCommand, complaint);
     if (files.empty()) return Misuse(kCheckCommand, "a file is expected");
+    if (!profile.empty() && pgxIsProfile(profile.c_str()) == 0) {
+        return Misuse(kCheckCommand, "unknown profile: " + profile);
+    }
 
     JudgedFiles judged(profile);
     int status = kDone;

@@ -1,3 +1,4 @@
+#include <array>
 #include <cstdio>
 
 #include "hierarchy_output.h"
@@ -92,10 +93,9 @@ class JsonPrinter {
 
     void PrintFile(PGX_DicomDirLeafNode& leaf) {
         const LeafFile file = FileOf(leaf, medium_);
-        if (file == LeafFile::Missing) ++counts_.missingFiles;
-        Text("file", file == LeafFile::Present   ? "present"
-                     : file == LeafFile::Missing ? "missing"
-                                                 : "none");
+        counts_.Count(file);
+        constexpr std::array<const char*, 4> kNames = {"present", "missing", "outside", "none"};
+        Text("file", kNames[static_cast<size_t>(file)]);
     }
 
     void PrintImage(PGX_DicomDirImageNode& image) {
@@ -115,6 +115,9 @@ class JsonPrinter {
         Number("series", static_cast<int64_t>(counts_.series));
         Number("instances", static_cast<int64_t>(counts_.instances));
         Number("missingFiles", static_cast<int64_t>(counts_.missingFiles));
+        if (counts_.outsideFiles != 0) {
+            Number("outsideFiles", static_cast<int64_t>(counts_.outsideFiles));
+        }
         json_.EndObject();
     }
 

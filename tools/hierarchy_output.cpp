@@ -9,7 +9,14 @@ LeafFile FileOf(const PGX_DicomDirLeafNode& leaf, Medium& medium) {
         leaf.record->FindNode(0x0004, 0x1500) != nullptr &&
         std::string(leaf.referencedFileId).find_first_not_of("\\ ") != std::string::npos;
     if (!names) return LeafFile::None;
-    return medium.Has(leaf.referencedFileId) ? LeafFile::Present : LeafFile::Missing;
+    switch (medium.Find(leaf.referencedFileId)) {
+        case FileState::Present:
+            return LeafFile::Present;
+        case FileState::Missing:
+            return LeafFile::Missing;
+        default:
+            return LeafFile::Outside;
+    }
 }
 
 const char* NameOfType(const PGX_DicomDirLeafNode& leaf) {

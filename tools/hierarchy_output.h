@@ -8,16 +8,22 @@
 
 namespace pgtool {
 
+// What became of the file that a leaf refers to.
+enum class LeafFile { Present, Missing, Outside, None };
+
 struct HierarchyCounts {
     size_t patients = 0;
     size_t studies = 0;
     size_t series = 0;
     size_t instances = 0;
     size_t missingFiles = 0;  // leaves whose file is not on the medium
-};
+    size_t outsideFiles = 0;  // leaves whose file ID leads outside of it
 
-// What became of the file that a leaf refers to.
-enum class LeafFile { Present, Missing, None };
+    void Count(LeafFile file) {
+        if (file == LeafFile::Missing) ++missingFiles;
+        if (file == LeafFile::Outside) ++outsideFiles;
+    }
+};
 
 // The hierarchy must have its records still.
 LeafFile FileOf(const PGX_DicomDirLeafNode& leaf, Medium& medium);

@@ -80,9 +80,10 @@ class TreePrinter {
         ++counts_.instances;
         Line line(3, std::to_string(leaf.instanceNumber).c_str(), leaf.specificCharacterSet);
         line.Key(leaf.recordType).Key(leaf.referencedFileId).Uid(leaf.instanceUid);
-        if (FileOf(leaf, medium_) != LeafFile::Missing) return;
-        ++counts_.missingFiles;
-        line.Remark("missing");
+        const LeafFile file = FileOf(leaf, medium_);
+        counts_.Count(file);
+        if (file == LeafFile::Missing) line.Remark("missing");
+        if (file == LeafFile::Outside) line.Remark("outside");
     }
 
     Medium& medium_;
@@ -99,11 +100,15 @@ void PrintTree(PGX_List& patients, Medium& medium) {
     TreePrinter printer(medium);
     ForEach<PGX_DicomDirPatientNode>(patients, [&](auto& patient) { printer.Print(patient); });
     const HierarchyCounts& counts = printer.Counts();
-    std::printf("%s, %s, %zu series, %s, %s\n",
-                Count(counts.patients, "patient", "patients").c_str(),
-                Count(counts.studies, "study", "studies").c_str(), counts.series,
-                Count(counts.instances, "instance", "instances").c_str(),
-                Count(counts.missingFiles, "missing file", "missing files").c_str());
+    std::string outside;
+    if (counts.outsideFiles != 0) {
+        outside = ", " + Count(counts.outsideFiles, "file", "files") + " outside";
+    }
+    std::printf(
+        "%s, %s, %zu series, %s, %s%s\n", Count(counts.patients, "patient", "patients").c_str(),
+        Count(counts.studies, "study", "studies").c_str(), counts.series,
+        Count(counts.instances, "instance", "instances").c_str(),
+        Count(counts.missingFiles, "missing file", "missing files").c_str(), outside.c_str());
 }
 
 }  // namespace pgtool

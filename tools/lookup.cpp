@@ -1,21 +1,20 @@
 #include "lookup.h"
 
-#include <memory>
-
 namespace pgtool {
 
-namespace {
-
-// Built-in texts are shorter than 70 characters, but a site's file may hold longer ones.
-constexpr size_t kMaxText = size_t{16} << 20;
-
-}  // namespace
-
-std::optional<std::string> Lookup(int32_t (*function)(const char* key, char* buffer),
+std::optional<std::string> Lookup(size_t (*function)(const char* key, char* buffer, size_t size),
                                   const std::string& key) {
-    const auto text = std::make_unique_for_overwrite<char[]>(kMaxText);
-    if (function(key.c_str(), text.get()) != 0) return std::nullopt;
-    return text.get();
+    // Built-in texts are shorter, but a site's file may hold longer ones.
+    std::string text(128, '\0');
+    const size_t length = function(key.c_str(), text.data(), text.size());
+    // What is there and empty leaves no placeholder.
+    if (length == 0 && text[0] != '\0') return std::nullopt;
+    if (length >= text.size()) {
+        text.resize(length + 1);
+        function(key.c_str(), text.data(), text.size());
+    }
+    text.resize(length);
+    return text;
 }
 
 }  // namespace pgtool

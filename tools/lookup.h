@@ -1,14 +1,14 @@
 // Questions to the library's tables that are answered with a text.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <optional>
 #include <string>
 
 namespace pgtool {
 
-// What a function gives for a key: 0 and the text. Nothing for any other result.
-std::optional<std::string> Lookup(int32_t (*function)(const char* key, char* buffer),
+// What a function of pgkit/lookup.h gives for a key. Nothing when there is no such text.
+std::optional<std::string> Lookup(size_t (*function)(const char* key, char* buffer, size_t size),
                                   const std::string& key);
 
 }  // namespace pgtool

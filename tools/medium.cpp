@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "file_id.h"
+
 namespace pgtool {
 
 namespace {
@@ -35,12 +37,6 @@ std::string Lower(std::string_view text) {
     return lower;
 }
 
-std::string_view Trimmed(std::string_view text) {
-    const size_t begin = text.find_first_not_of(' ');
-    if (begin == std::string_view::npos) return {};
-    return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
-
 }  // namespace
 
 std::string DirectoryFileOf(const std::string& path) {
@@ -55,19 +51,17 @@ Medium::Medium(const std::string& directoryFile) {
     std::replace(directory_.begin(), directory_.end(), '\\', '/');
 }
 
-bool Medium::Has(std::string_view fileId) {
+FileState Medium::Find(std::string_view referencedFileId) {
+    const auto components = PathOnMedium(referencedFileId);
+    if (!components) return FileState::Outside;
     std::string path = directory_;
-    while (!fileId.empty()) {
-        const size_t end = std::min(fileId.find('\\'), fileId.size());
-        const std::string_view component = Trimmed(fileId.substr(0, end));
-        fileId.remove_prefix(std::min(end + 1, fileId.size()));
-        if (component.empty()) continue;
+    for (const std::string_view component : *components) {
         const Names& names = NamesIn(path);
         const auto found = names.find(Lower(component));
-        if (found == names.end()) return false;
+        if (found == names.end()) return FileState::Missing;
         path += "/" + found->second;
     }
-    return IsFile(path);
+    return IsFile(path) ? FileState::Present : FileState::Missing;
 }
 
 const Medium::Names& Medium::NamesIn(const std::string& directory) {

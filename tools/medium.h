@@ -10,14 +10,16 @@ namespace pgtool {
 // The DICOMDIR that a path means: the path itself or, when that is a directory, the file in it.
 std::string DirectoryFileOf(const std::string& path);
 
+enum class FileState { Present, Missing, Outside };
+
 class Medium {
   public:
     // directoryFile is the path of its DICOMDIR.
     explicit Medium(const std::string& directoryFile);
 
-    // Whether the file that a Referenced File ID names exists: components divided by backslashes,
-    // each without the blanks around it and without regard to case.
-    bool Has(std::string_view fileId);
+    // What is there of the file that a Referenced File ID names (PathOnMedium); case does not
+    // matter. Nothing is asked of the system about one that leads outside.
+    FileState Find(std::string_view referencedFileId);
 
   private:
     using Names = std::map<std::string, std::string>;  // by their form in lower case

@@ -12,6 +12,7 @@
 #include "library_path.h"
 #include "options.h"
 #include "pgkit/dicomdir_creation.h"
+#include "pgkit/profiles.h"
 #include "progress_line.h"
 #include "standard_streams.h"
 
@@ -47,7 +48,11 @@ struct Request {
     PgDicomdirOptions options = {};
 };
 
-// The files below a directory in the byte order of their paths, which are relative to it.
+// Where a name has a backslash, which is none of its characters for the library.
+bool HasBackslash(const std::string& path) { return path.find('\\') != std::string::npos; }
+
+// The files below a directory in the byte order of their paths, which are relative to it and have
+// slashes. Directories that the library cannot enter are among them.
 std::vector<std::string> FilesBelow(const std::string& directory, bool descends,
                                     std::error_code& error) {
     std::vector<std::string> files;
@@ -55,10 +60,10 @@ std::vector<std::string> FilesBelow(const std::string& directory, bool descends,
                                            error);
     while (!error && entry != fs::recursive_directory_iterator()) {
         std::error_code unknown;
-        if (entry->is_regular_file(unknown)) {
-            files.push_back(entry->path().lexically_relative(directory).generic_string());
-        }
-        if (!descends) entry.disable_recursion_pending();
+        const std::string path = entry->path().lexically_relative(directory).generic_string();
+        const bool isClosed = HasBackslash(path) && entry->is_directory(unknown);
+        if (entry->is_regular_file(unknown) || (isClosed && descends)) files.push_back(path);
+        if (!descends || isClosed) entry.disable_recursion_pending();
         entry.increment(error);
     }
     std::sort(files.begin(), files.end());
@@ -71,9 +76,12 @@ uint32_t CreateOffshore(const Request& request, const std::vector<std::string>& 
                                                          nullptr, &request.options);
     std::string directory = LibraryPath(request.offshore);
     if (directory.ends_with('\\')) directory.pop_back();
-    for (std::string name : files) {
+    for (const std::string& file : files) {
+        std::string name = file;
         std::replace(name.begin(), name.end(), '/', '\\');
         const std::string path = directory + "\\" + name;
+        // What has no name for the library is refused and listed by it, and not looked for.
+        if (HasBackslash(file)) name.clear();
         judged.Count(pgAddFileToOffshoreDicomdir(creation, name.c_str(), path.c_str()));
     }
     return pgEndCreateOffshoreDicomdir(creation);
@@ -104,6 +112,9 @@ int Create(const Request& request) {
     }
     summary.Print();
     if (result == 0) return kDone;
+    if (result == PG_CREATION_NOTHING_ACCEPTED) {
+        return Fail(kMkdirCommand, "nothing is accepted: no DICOMDIR is written");
+    }
     return Fail(kMkdirCommand, request.directory + "/DICOMDIR: " + DescribeSaveResult(result));
 }
 
@@ -112,6 +123,9 @@ std::string ComplaintAbout(const Request& request) {
     if (request.options.iconSize > kMaxIcon) return "--icons: at most 256 pixels";
     if (request.options.seriesIcons != 0 && request.options.iconSize == 0) {
         return "--series-icons needs --icons";
+    }
+    if (!request.profile.empty() && pgxIsProfile(request.profile.c_str()) == 0) {
+        return "unknown profile: " + request.profile;
     }
     if (request.fileSetId.size() > kMaxFileSetId) return "--file-set-id: at most 16 characters";
     if (request.offshore.empty()) return "";
@@ -126,6 +140,7 @@ std::string ReadRequest(const Arguments& arguments, Request& request) {
     bool fillMissing = false;
     bool noRecurse = false;
     bool noList = false;
+    bool allowEmpty = false;
     Arguments directories;
     std::string complaint = ParseOptions(arguments,
                                          {{"--profile", &request.profile},
@@ -136,6 +151,7 @@ std::string ReadRequest(const Arguments& arguments, Request& request) {
                                           {"--file-set-id", &request.fileSetId},
                                           {"--no-recurse", &noRecurse},
                                           {"--no-list", &noList},
+                                          {"--allow-empty", &allowEmpty},
                                           {"--offshore", &request.offshore}},
                                          &directories);
     if (!complaint.empty()) return complaint;
@@ -147,6 +163,7 @@ std::string ReadRequest(const Arguments& arguments, Request& request) {
     request.options.fillMissingKeys = fillMissing;
     if (noRecurse) request.options.flags |= PG_DICOMDIR_NO_RECURSION;
     if (noList) request.options.flags |= PG_DICOMDIR_NO_LIST;
+    if (!allowEmpty) request.options.flags |= PG_DICOMDIR_NEVER_EMPTY;
     return ComplaintAbout(request);
 }
 
@@ -162,11 +179,13 @@ const Command kMkdirCommand = {
     "mkdir",
     "mkdir DIR [--profile NAME] [--icons N] [--series-icons] [--file-size]\n"
     "             [--fill-missing] [--file-set-id ID] [--no-recurse] [--no-list]\n"
-    "             [--offshore FILES]",
+    "             [--allow-empty] [--offshore FILES]",
     "make the DICOMDIR of a directory",
     "Writes DIR/DICOMDIR with a record for every accepted file below DIR, and lists what\n"
     "became of each file in DIR/dcmdir.lst. Prints a line for each acceptance code that\n"
-    "occurred: the code, its meaning, and the number of files.\n"
+    "occurred: the code, its meaning, and the number of files. The new DICOMDIR takes the\n"
+    "place of the one that is there as a whole; that one stays when nothing is accepted,\n"
+    "which is exit status 1, and when writing fails.\n"
     "  --profile NAME    accept what this media application profile allows, such as\n"
     "                    STD-GEN-CD; without it every DICOM file\n"
     "  --icons N         images have icons of at most N pixels in square, up to 256\n"
@@ -177,6 +196,7 @@ const Command kMkdirCommand = {
     "  --file-set-id ID  up to 16 characters\n"
     "  --no-recurse      stay out of subdirectories\n"
     "  --no-list         write no dcmdir.lst\n"
+    "  --allow-empty     write a DICOMDIR without records when nothing is accepted\n"
     "  --offshore FILES  the files are below the directory FILES; DIR gets the DICOMDIR,\n"
     "                    which refers to them by their paths below FILES\n",
     Mkdir};

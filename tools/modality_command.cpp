@@ -3,7 +3,7 @@
 
 #include "command.h"
 #include "lookup.h"
-#include "pgkit/sopclass.h"
+#include "pgkit/lookup.h"
 
 namespace pgtool {
 
@@ -15,7 +15,7 @@ bool IsUid(const std::string& text) {
 
 bool PrintModality(const std::string& text) {
     const auto answer =
-        IsUid(text) ? Lookup(pgGetSOPClassUIDToModality, text) : Lookup(pgGetModalityName, text);
+        IsUid(text) ? Lookup(pgxGetSOPClassUIDToModality, text) : Lookup(pgxGetModalityName, text);
     if (!answer) return false;
     std::printf("%s %s\n", text.c_str(), answer->c_str());
     return true;

@@ -1,9 +1,11 @@
 // pgtool save: a data set in another encoding.
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "command.h"
 #include "data_set.h"
+#include "long_values.h"
 #include "options.h"
 
 namespace pgtool {
@@ -11,7 +13,7 @@ namespace pgtool {
 namespace {
 
 // Values above it are copied from file to file.
-constexpr uint32_t kLoadLimit = 4096;
+constexpr uint32_t kLoadedOnSave = 4096;
 
 struct Mode {
     const char* name;
@@ -59,10 +61,11 @@ int Save(const Arguments& arguments) {
         return Misuse(kSaveCommand, "\"" + modeName + "\" is not a mode");
     }
 
-    const DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadLimit));
+    DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadedOnSave));
     if (root == nullptr) return Fail(kSaveCommand, CannotOpen(files[0]));
     const uint32_t bits = PrepareMode(*root, mode, bare, undefinedLengths);
-    const uint32_t result = root->SaveDataSetAsEx(files[1].c_str(), static_cast<int32_t>(bits));
+    if (!MakeLongValuesUn(*root)) return Fail(kSaveCommand, "a long value cannot be read");
+    const uint32_t result = SaveWhole(std::move(root), files[1], bits);
     return result == 0 ? kDone : Fail(kSaveCommand, files[1] + ": " + DescribeSaveResult(result));
 }
 
@@ -76,7 +79,8 @@ const Command kSaveCommand = {
     "                       endian, whatever the mode\n"
     "  --bare               write neither preamble nor file meta information\n"
     "  --undefined-lengths  write sequences and items with delimiters\n"
-    "A source without meta information gets it, unless --bare or as-read.\n",
+    "A source without meta information gets it, unless --bare or as-read. Values of 65,535\n"
+    "bytes and more get the VR UN where theirs has no room for such a length.\n",
     Save};
 
 }  // namespace pgtool

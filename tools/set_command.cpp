@@ -1,9 +1,11 @@
 // pgtool set: changes values of a data set.
 #include <charconv>
 #include <optional>
+#include <utility>
 
 #include "command.h"
 #include "data_set.h"
+#include "long_values.h"
 #include "options.h"
 #include "pgkit/dictionary.h"
 #include "tag.h"
@@ -12,7 +14,7 @@ namespace pgtool {
 
 namespace {
 
-constexpr uint32_t kLoadLimit = 4096;
+constexpr uint32_t kLoadedOnSet = 4096;
 
 struct Assignment {
     Tag tag;
@@ -107,7 +109,7 @@ int Set(const Arguments& arguments) {
     if (operands.size() < 2) return Misuse(kSetCommand, "a file and an assignment are expected");
     if (output.empty()) return Misuse(kSetCommand, "-o OUT is expected");
 
-    const DataSet root(pgOpenDataSetFile(operands[0].c_str(), kLoadLimit));
+    DataSet root(pgOpenDataSetFile(operands[0].c_str(), kLoadedOnSet));
     if (root == nullptr) return Fail(kSetCommand, CannotOpen(operands[0]));
     for (size_t i = 1; i < operands.size(); ++i) {
         const auto assignment = ParseAssignment(operands[i]);
@@ -116,7 +118,8 @@ int Set(const Arguments& arguments) {
         }
         if (!Apply(*root, *assignment)) return Fail(kSetCommand, "cannot set " + operands[i]);
     }
-    const uint32_t result = root->SaveDataSetAsEx(output.c_str(), 0);
+    if (!MakeLongValuesUn(*root)) return Fail(kSetCommand, "a long value cannot be read");
+    const uint32_t result = SaveWhole(std::move(root), output, 0);
     return result == 0 ? kDone : Fail(kSetCommand, output + ": " + DescribeSaveResult(result));
 }
 
@@ -128,7 +131,8 @@ const Command kSetCommand = {
     "TAG is a name (PatientsName) or a group and an element (0010,0010). Elements that do\n"
     "not exist are inserted. VALUE is text; of numeric elements decimal numbers, several of\n"
     "them with backslashes between, signed where Pixel Representation decides and is 1.\n"
-    "Sequences and binary values cannot be set.\n",
+    "Sequences and binary values cannot be set. Values of 65,535 bytes and more get the VR\n"
+    "UN where theirs has no room for such a length.\n",
     Set};
 
 }  // namespace pgtool

@@ -3,6 +3,7 @@
 
 #include "command.h"
 #include "lookup.h"
+#include "pgkit/lookup.h"
 #include "pgkit/sopclass.h"
 
 namespace pgtool {
@@ -30,8 +31,8 @@ constexpr Category kCategories[] = {
 // One line: UID, name, and for a SOP class its modality mnemonic and categories. False when the
 // tables know nothing.
 bool PrintUid(const std::string& uid) {
-    const auto name = Lookup(pgGetUIDName, uid);
-    const auto mnemonic = Lookup(pgGetSOPClassUIDToModality, uid);
+    const auto name = Lookup(pgxGetUIDName, uid);
+    const auto mnemonic = Lookup(pgxGetSOPClassUIDToModality, uid);
     if (!name && !mnemonic) return false;
 
     std::printf("%s %s", uid.c_str(), name.value_or("").c_str());

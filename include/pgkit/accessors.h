@@ -11,11 +11,11 @@
 // what the member does that it is named after: node.h, list.h, directory.h and directory_records.h
 // tell the details. Other arguments are passed on as they are.
 //
-// Texts of directory records are returned in one buffer of 520 bytes that belongs to the module and
-// that the next such call, from whichever thread, overwrites: copy what is to be kept, and call
-// these getters from one thread at a time. At most 519 characters are given (only a series'
-// institution address can be longer). With a null handle the result is a constant empty text, never
-// null.
+// Texts of directory records are returned in a buffer of 520 bytes that belongs to the module and
+// to the calling thread: the next such call of this thread overwrites it, and it is gone with the
+// thread. Copy what is to be kept. At most 519 characters are given (only a series' institution
+// address can be longer). With a null handle the result is a constant empty text, never null; so it
+// is when memory runs out at a thread's first such call.
 #ifndef PGKIT_ACCESSORS_H
 #define PGKIT_ACCESSORS_H
 
@@ -123,8 +123,8 @@ PGKIT_API int32_t pgKitDump(PGX_Node* node, const char* path);
 // mode is a set of bits: 0x01 undefined lengths, 0x02 meta group in implicit VR, 0x04 meta group in
 // explicit VR (Part 10), 0x08 explicit VR, 0x10 implicit VR, 0x20 little endian, 0x40 big endian.
 //
-// The Ex forms return 0 for success, a code from 1 to 7 for a failure (node.h) and 0xFFFFFFFF for a
-// null node.
+// The Ex forms return 0 for success, a code from 1 to 7 for a failure (node.h; 3 for a null stream,
+// 5 when memory runs out) and 0xFFFFFFFF for a null node.
 
 // Saves a root data set as a file. Mode 0 keeps the encoding the tree was read with.
 PGKIT_API void pgKitSaveDataSetAs(PGX_Node* root, const char* path, int32_t mode);
@@ -195,6 +195,7 @@ PGKIT_API void* pgKitListGetElementAt(PGX_List* list, int32_t index);
 PGKIT_API void* pgKitListGetHead(PGX_List* list);
 PGKIT_API void* pgKitListGetTail(PGX_List* list);
 
+// When memory runs out the list stays as it is: its count tells.
 PGKIT_API void pgKitListAddHead(PGX_List* list, void* data);
 PGKIT_API void pgKitListAddTail(PGX_List* list, void* data);
 // Inserts so that the pointer comes to stand at the index, which is clamped to 0 and the count.
@@ -232,7 +233,8 @@ PGKIT_API void pgKitCloseDicomDir(PGX_DicomDir* directory);
 PGKIT_API int32_t pgKitIsDicomDir(PGX_DicomDir* directory);
 
 // Builds the hierarchy anew and returns its patients, in a list that the directory object owns. The
-// callback, which may be null, is called once for every leaf that is added.
+// callback, which may be null, is called once for every leaf that is added. Null when memory runs
+// out; pgKitDirGetPatientList then has what was read before.
 PGKIT_API PGX_List* pgKitDirBrowse(PGX_DicomDir* directory, PGX_DicomDirCallback callback,
                                    void* userData);
 
@@ -295,7 +297,7 @@ PGKIT_API uint32_t pgKitDirGetSeriesClientFlags(PGX_DicomDirSeriesNode* series);
 PGKIT_API PGX_Node* pgKitDirGetLeafNode(PGX_DicomDirLeafNode* leaf);
 PGKIT_API void* pgKitDirGetLeafClientData(PGX_DicomDirLeafNode* leaf);
 PGKIT_API void pgKitDirSetLeafClientData(PGX_DicomDirLeafNode* leaf, void* clientData);
-// PgLeafType: which of the getters further below may be used.
+// PgLeafType: which of the getters further below have something to give.
 PGKIT_API int32_t pgKitDirGetLeafType(PGX_DicomDirLeafNode* leaf);
 PGKIT_API const char* pgKitDirGetLeafRecordType(PGX_DicomDirLeafNode* leaf);
 PGKIT_API const char* pgKitDirGetLeafInstanceUID(PGX_DicomDirLeafNode* leaf);
@@ -309,8 +311,8 @@ PGKIT_API uint32_t pgKitDirGetLeafClientFlags(PGX_DicomDirLeafNode* leaf);
 
 // ---- Keys of leaves of one type -----------------------------------------------------------------
 //
-// The type is not checked: a leaf of another type has something else in the place that is read, or
-// ends before it. Ask pgKitDirGetLeafType first.
+// A leaf of another type has none of these: the result is then 0, null or the constant empty text,
+// as for a null handle.
 
 // PG_LEAF_IMAGE.
 PGKIT_API int32_t pgKitDirGetImageRows(PGX_DicomDirLeafNode* image);

@@ -58,7 +58,8 @@ PGKIT_API int32_t pgIsDicomFile(const char* path);
 
 // Compares two patient names without regard to case, diacritics, symbols (blanks, carets, hyphens
 // and all other punctuation) and character width, by the system's default locale. Returns -1, 0 or
-// 1 as a sorts before, with or after b, and -2 when the comparison fails. Null counts as empty.
+// 1 as a sorts before, with or after b, and -2 when the comparison fails, also for want of memory.
+// Null counts as empty.
 PGKIT_API int32_t pgComparePatientNames(const char* a, const char* b, int32_t unused);
 
 // A new empty data set (valueRep 0), or null when memory runs out. Free it with

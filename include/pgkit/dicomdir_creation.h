@@ -17,12 +17,13 @@
 // What became of a file.
 typedef enum PgAcceptanceCode {
     PG_ACCEPTED = 0,
-    PG_INVALID_FILE_NAME = 1,      /* null, or (pgAddFile) not in the directory */
+    PG_INVALID_FILE_NAME = 1,      /* null, not in the directory, or no name for a File ID */
     PG_NOT_DICOM_PART_10 = 2,      /* no "DICM" at offset 128, or the file cannot be read */
     PG_NOT_A_DATA_SET = 3,         /* it cannot be decoded, or says nothing about its SOP class */
     PG_IS_A_DICOMDIR = 4,          /* by its name or by its SOP class */
     PG_PROFILE_REFUSES = 5,        /* the media application profile does not allow it */
-    PG_INSTANCE_KNOWN = 6,         /* the series has a file of this SOP Instance UID already */
+    PG_INSTANCE_KNOWN = 6,         /* the series has a file of this SOP Instance UID already; blanks
+                                      and NULs around UIDs do not count, whatever their VR */
     PG_NO_SOP_INSTANCE_UID = 7,    /* (0008,0018) is missing or empty */
     PG_NO_SERIES_INSTANCE_UID = 8, /* (0020,000E) is missing or empty */
     PG_NO_STUDY_INSTANCE_UID = 9   /* (0020,000D) is missing or empty; comes before 8 */
@@ -32,8 +33,14 @@ typedef enum PgAcceptanceCode {
 typedef enum PgDicomdirFlags {
     PG_DICOMDIR_SKIP_CHECKS = 0x1, /* neither "DICM" nor the profile is asked for */
     PG_DICOMDIR_NO_RECURSION = 0x10,
-    PG_DICOMDIR_NO_LIST = 0x20 /* no acceptance list file */
+    PG_DICOMDIR_NO_LIST = 0x20, /* no acceptance list file */
+    /* where nothing is accepted, no DICOMDIR is written, and one that is there stays */
+    PG_DICOMDIR_NEVER_EMPTY = 0x200
 } PgDicomdirFlags;
+
+// What a creation with PG_DICOMDIR_NEVER_EMPTY returns that accepted nothing. The acceptance list
+// file says why.
+#define PG_CREATION_NOTHING_ACCEPTED 8u
 
 // Null in the place of options means all zero.
 //
@@ -45,9 +52,8 @@ typedef enum PgDicomdirFlags {
 // icon; nothing else changes and nothing is printed.
 //
 // An icon shows the frame one third into the image (index number of frames / 3) fitted into a
-// square: its height is the smaller one of the edge and of what the proportion gives for a width of
-// the edge, rounded down; the width follows from the height, rounded down. An image so wide that
-// nothing is left of its height gets no icon.
+// square: its longer side is as long as the edge, the other as the proportion says, rounded to the
+// nearest pixel, and at least 1.
 typedef struct PgDicomdirOptions {
     uint32_t iconSize;        /* edge of the square in pixels; 0 or above 256: no icons */
     uint32_t seriesIcons;     /* not 0: series get icons too */
@@ -84,7 +90,8 @@ PGKIT_API int32_t pgDirAcceptDataset2(const char* transferSyntaxUid, const char*
 
 // ---- Writing a DICOMDIR -------------------------------------------------------------------------
 
-// Told of every file of a scan, once it is judged.
+// Told of every file of a scan, once it is judged, and of directories that are refused by their
+// names.
 typedef struct PgDicomdirScanReason {
     const char* fileName;     /* without its directory */
     const char* subdirectory; /* below the scanned one, with backslashes; empty for that itself */
@@ -96,16 +103,34 @@ typedef struct PgDicomdirScanReason {
 // must not be changed.
 typedef int32_t (*PgDicomdirScanCallback)(const PgDicomdirScanReason* reason);
 
+// A DICOMDIR is written as a whole: beside the one that is there, under the name "DICOMDIR.new" and
+// a number, then, when it is on the disc, moved into its place, of which it takes over the
+// permissions on POSIX. What fails, or is killed, leaves the former DICOMDIR. The creation removes
+// regular files of such names that an earlier one left behind, and nothing else; one that another
+// process is writing stays. A DICOMDIR that is a link stays one, and what it leads to is replaced;
+// a device is written where it is. The acceptance list file, dcmdir.lst, has the lines of refused
+// files while a scan runs; a creation that fails brings the former list back, and no line is ever
+// there in part.
+//
+// Files are referred to by File IDs: their paths below the directory. A name of which none can be
+// made is refused, with code 1 and a line in the list, before anything is read: one that is empty
+// or longer than 259 characters, one with a component "..", and, on POSIX, a file or a directory
+// whose name has a backslash.
+
 // Writes the DICOMDIR of a hierarchy, the list of its PGX_DicomDirPatientNode, to the file DICOMDIR
-// of a directory, and appends a line with code 0 for every leaf to the acceptance list file there,
-// dcmdir.lst. Records have the keys of their objects, also the empty ones, and refer to files by
-// referencedFileId; leaves of referencedDataSetSize 0 say no size. A trailing backslash or
-// slash of the directory is dropped. Without a File-set ID (null or empty) it is "KIT_ZORVA_2865".
-// The hierarchy is left as it is.
+// of a directory, and appends a line with code 0 and the referencedFileId for every leaf to the
+// acceptance list file there. Records have the keys of their objects, also the empty ones, and
+// refer to files by referencedFileId; leaves of referencedDataSetSize 0 say no size. A trailing
+// backslash or slash of the directory is dropped. Without a File-set ID (null or empty) it is
+// "KIT_ZORVA_2865". The hierarchy is left as it is. Patients, studies and series without children
+// are linked as the last of their level: a browse ends there.
+//
+// Of the sequences of leaves that is written which any reader reads again without losing the next
+// record (see directory_records.h).
 //
 // Icons of images and series are written as Icon Image Sequence (0088,0200), in MONOCHROME2, when
 // they are uncompressed bitmaps of grays with 1, 4 or 8 bits for each pixel and the bottom row
-// first. Others are left out.
+// first, of at most 16,777,216 pixels. Others are left out.
 //
 // Returns what PGX_Node::SaveDataSetAsEx returns: 0 when the DICOMDIR is written, 1 when it cannot
 // be created, also for a null list or directory, 5 when memory runs out.
@@ -120,7 +145,8 @@ PGKIT_API uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory,
 //
 // The plain form has no options. Patient ID, Study ID, Study Date and Time and Series Number are
 // made up, on demand, where they are empty. A trailing backslash or slash of the directory is
-// dropped. Results are those of pgBuildDicomdir: files that are refused do not matter.
+// dropped. Results are those of pgBuildDicomdir: files that are refused do not matter, unless the
+// options ask for PG_DICOMDIR_NEVER_EMPTY.
 PGKIT_API uint32_t pgCreateDicomdir(const char* directory, const char* profile,
                                     PgDicomdirScanCallback callback, void* userData);
 PGKIT_API uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
@@ -147,9 +173,9 @@ PGKIT_API void* pgStartCreateOffshoreDicomdir(const char* directory, const char*
 
 // Adds the file fullPath; referencedName is what the DICOMDIR calls it: its path below the
 // directory that the files will be in, components separated by backslashes. Returns a
-// PgAcceptanceCode, 1 also when one of the names is null; refused files are listed in the
-// acceptance list file, by their full paths where they are outside the directory. 0xFFFFFFFF for a
-// null handle.
+// PgAcceptanceCode, 1 also when one of the names is null, which gives no line; other refused files
+// are listed in the acceptance list file, by their full paths where they are outside the directory.
+// A file for which memory runs out is refused with 3. 0xFFFFFFFF for a null handle.
 PGKIT_API uint32_t pgAddFileToOffshoreDicomdir(void* handle, const char* referencedName,
                                                const char* fullPath);
 
@@ -162,13 +188,13 @@ PGKIT_API uint32_t pgEndCreateOffshoreDicomdir(void* handle);
 
 // Adds one file of a directory to a hierarchy of the caller's, which pgBuildDicomdirEx may write
 // later. The full path begins with the directory; slashes count as backslashes, either may end the
-// directory, and letters compare without case. The record refers to the file by what follows. Of
-// the options the first three members and the flags count; a refused file gets a line in the
-// acceptance list file of the directory, which is not started anew.
+// directory, and on Windows letters compare without case. The record refers to the file by what
+// follows. Of the options the first three members and the flags count; a refused file gets a line
+// in the acceptance list file of the directory, which is not started anew.
 //
 // Returns a PgAcceptanceCode, 1 for a null list, directory or path and for a path that does not
-// lead into the directory. Every call looks through the lists of the hierarchy; many files are
-// added faster by one scan or one offshore creation.
+// lead into the directory, 3 also when memory runs out. Every call looks through the lists of the
+// hierarchy; many files are added faster by one scan or one offshore creation.
 PGKIT_API uint32_t pgAddFile(PGX_List* patients, const char* directory, const char* fullPath,
                              const char* profile, const PgDicomdirOptions* options);
 
@@ -178,7 +204,8 @@ PGKIT_API uint32_t pgAddFile(PGX_List* patients, const char* directory, const ch
 // list.
 //
 // Returns the number of patients in the list, also of those that were there before; a null
-// directory adds none, and a null list gives 0.
+// directory adds none, a scan that runs out of memory what it has found by then, and a null list
+// gives 0.
 PGKIT_API int32_t pgBrowseDisk(const char* directory, const char* profile,
                                const PgDicomdirOptions* options, PGX_List* patients,
                                PgDicomdirScanCallback callback, void* userData);

@@ -5,7 +5,7 @@
 // When the module is loaded it reads the file "privdict.dic" that lies beside the host program's
 // executable; a missing file is no error.
 //
-// Lookups print nothing, allocate nothing and take constant time.
+// Lookups print nothing, allocate nothing and take constant time. Outputs may be null.
 #ifndef PGKIT_DICTIONARY_H
 #define PGKIT_DICTIONARY_H
 
@@ -53,12 +53,13 @@ PGKIT_API uint32_t pgIsCharsetEncodedVRValue(const char* text);
 // The printable name of a tag: the built-in row's (repeating groups by their base row), else the
 // private dictionary's, else "GroupLength" for element 0 and "FileCreator" for element 0x0010.
 // Returns 1; or 0 with "<Unknown Tag>" in the buffer. The copy is unbounded: the buffer must hold
-// 128 bytes.
+// 128 bytes. pgxGetTagPrintableName (lookup.h) is bounded.
 PGKIT_API uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char* buffer);
 
 // Replaces the private dictionary with the content of a text file. The present entries are dropped
 // first, whatever follows. Returns 0 when path is null, empty, missing or a directory; else 1, also
-// when the file cannot be read or holds no valid line. Lines have the form
+// when the file cannot be read or holds no valid line. When memory runs out it returns 0, too, and
+// the dictionary stays empty. Lines have the form
 //
 //   (0019,"ACME 1.1",10) LO Name 1
 //
@@ -71,7 +72,8 @@ PGKIT_API uint32_t pgSetPrivateDictionaryFile(const char* path);
 
 // Switches the decoding of UN elements on (any value but 0; the state after loading) or off, and
 // returns the argument. When on, the parser looks UN elements up in the private dictionary and
-// reads those of undefined length as sequences.
+// reads those of undefined length as sequences. A file that is being opened goes by the state it
+// found; any thread may switch at any time.
 PGKIT_API uint32_t pgTryToDecodeUNSequences(uint32_t flag);
 
 PGKIT_END_C

@@ -73,9 +73,13 @@ class PGX_DicomDir {
     //
     // A damaged directory gives the part of the hierarchy that can be reached; what is wrong is
     // reported line by line on the standard output. Links that run in circles end where they close.
-    // Records that several parents share belong to all of them, up to a limit: one browse handles
-    // at most 100 times as many records as the directory has. Sequences with values that claim to
-    // be much longer than what the file holds of them are not copied into the leaves.
+    // Records that several parents share belong to all of them, up to limits: one browse visits at
+    // most 4 times as many records as the directory has (but 10,000 in any case), takes at most 64
+    // MiB and 60 times the size of the file, its tree included, and visits large records again only
+    // for 64 MiB and 4 times the size of the file, not counting 4,096 bytes of each. Where it would
+    // exceed one of these, all chains end, and the line "DICOMDIR parsing error: too many shared
+    // records\n" says so, once. Sequences with values that claim to be much longer than what the
+    // file holds of them are not copied into the leaves.
     //
     // Patients of equal ID and name, studies of equal UID in one patient and series of equal UID in
     // one study are merged. Of the leaves with equal instance UID in one series the first counts.

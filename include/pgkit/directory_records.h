@@ -23,6 +23,15 @@
 // Windows the handle is that of a movable global memory block (GlobalLock gives the bitmap's
 // address); on POSIX systems it is the address itself.
 //
+// Copies of sequences are tied to no file, their values in memory and in the byte order of this
+// machine. They have what a directory record can carry so that any reader finds the next record.
+// Left out are elements below group 0008 and above group FFFD, group lengths, values that are
+// encapsulated, not there in full, no whole count of numbers, without an end, too long for their VR
+// or above 16 MiB, private values of VR UN or unknown, other such values of elements that are
+// sequences, Pixel Data that reads as a sequence, and sequences that are nested deeper than 64
+// levels; with them, items and sequences that have nothing left. A copy that would take more than
+// 16 MiB is null.
+//
 // On Windows, hosts built with Microsoft's compilers and with GCC may make, derive from and delete
 // leaves alike. Those of Microsoft's kind have no type information of the module's classes:
 // leafType tells which class an object is, dynamic_cast and typeid do not.

@@ -37,9 +37,12 @@
 //     This is what the module makes of images. It also takes, and makes of such, 24-bit bitmaps
 //     (biBitCount 24, no colour table, blue, green and red for each pixel) and takes 8-bit bitmaps
 //     with any other table of at most 256 grays (biClrUsed 0 means 256). It takes no other bitmaps,
-//     and none that exceeds its block, as far as the system knows how large that is.
+//     and none that exceeds its block, whatever its header says: a bitmap that a program hands in
+//     has to be such a block of its own, of GlobalAlloc or of malloc.
 //  6. Bounds. No bitmap has a side of more than 65,535 pixels, or more than 2^28 pixels: what would
-//     give a larger one gives null, and larger ones are not taken.
+//     give a larger one gives null, and larger ones are not taken. Beside the tree of its file
+//     (pgOpenDataSetFile, with nothing loaded) and the bitmap that it gives, no function takes more
+//     memory than 64 MiB and 8 times the file.
 #ifndef PGKIT_IMAGING_H
 #define PGKIT_IMAGING_H
 
@@ -87,14 +90,15 @@ PGVIEW_API void* vwImaGetHDib(void* image, uint32_t frame);
 
 // A new bitmap of the frame one third into the image (index number of frames / 3), scaled to fit a
 // square: its longer side has size pixels, the other is as long as the proportion says, rounded
-// down, and at least 1. Small images are enlarged. Null as vwImaGetHDib, and for a size of 0.
+// to the nearest, and at least 1. Small images are enlarged. Null as vwImaGetHDib, and for a size
+// of 0.
 PGVIEW_API void* vwGetThumbnailDib(void* image, uint32_t size);
 
 // A new bitmap, scaled by the same factor in both directions. Each side becomes the old one times
-// zoom, rounded down, and at least 1. Every new pixel is the mean of the area that it covers, by
-// exact arithmetic, rounded to the nearest; enlarging by a whole factor so repeats pixels. Zoom 1.0
-// gives a copy of the bitmap. Null when dib is null or is no bitmap that the module takes, and when
-// zoom is not a number above 0 or makes a bitmap that is too large.
+// zoom, rounded to the nearest (halves up), and at least 1. Every new pixel is the mean of the area
+// that it covers, by exact arithmetic, rounded to the nearest; enlarging by a whole factor so
+// repeats pixels. Zoom 1.0 gives a copy of the bitmap. Null when dib is null or is no bitmap that
+// the module takes, and when zoom is not a number above 0 or makes a bitmap that is too large.
 PGVIEW_API void* vwDuplicateZoomDib(void* dib, double zoom);
 
 // The same with soft edges: where a bitmap is enlarged, new pixels lie between the centres of the

@@ -18,7 +18,13 @@
 //
 // The fields are public for reading. Change values, names and tables through the members only:
 // their memory is the module's own. So is that of nodes which the module made: they are freed
-// through pgFreeNode and its like, never with delete.
+// through pgFreeNode and its like, never with delete. Every node ends by its destructor.
+//
+// InsertNode and SeqAddTail find their place in a list of more than 1,024 children without walking
+// all of it. Code that changes first and next itself is noticed in the last 256 children, where the
+// first child changes, where nodes are destroyed, and in all shorter lists. Who cuts a longer list
+// further in front and keeps the nodes behind the cut, or links or renames an element there so that
+// it sorts behind the last ones, uses pgKitSetNext, pgKitSetGroup and pgKitSetElement for it.
 #ifndef PGKIT_NODE_H
 #define PGKIT_NODE_H
 
@@ -271,8 +277,20 @@ class PGX_Node {
     // delimiters of the sequences and items around it.
     //
     // Without PG_UNDEFINED_LENGTHS, sequences and items carry the lengths of their nodes, which
-    // only saving computes. Those that cannot have a right length (undefined, or around
-    // encapsulated Pixel Data or elements of group 0002) are written with delimiters all the same.
+    // only saving computes. Those whose computed length is wrong in this mode (4 GiB and more,
+    // around encapsulated Pixel Data, or around elements of group 0002 that the mode leaves out)
+    // are written with delimiters all the same. A tree that was read and has not been saved since
+    // has the lengths of its file: undefined ones without delimiters, and 0 for items.
+    //
+    // The elements of group 0002 that a data set begins with, as long as their numbers do not fall,
+    // are its File Meta Information, which is little endian; elsewhere they are in the encoding of
+    // the data set, as they are read. Elements of group FFFE, which would read as items or
+    // delimiters, and of the tag (FFFF,FFFF) are not written.
+    //
+    // Encapsulated Pixel Data without a table of fragments (the marker 1) are copied from their
+    // file item by item, with the Basic Offset Table; what is written from a table has an empty
+    // one. Where the file ends before the first item, the Pixel Data are written empty; without
+    // file the result is 2.
     //
     // An element without value anywhere is written as its header. A value whose source ends one
     // byte early is completed with a zero byte. Every fileOffset that is 0 becomes the position in
@@ -299,14 +317,21 @@ class PGX_Node {
     // Mode 0 keeps the encoding the tree was read with. With PG_META the file is a Part 10 file.
     // The transfer syntax element (0002,0010), if there is one, is set to match the mode, and says
     // what the mode leaves open; any syntax but the three native ones forces explicit VR little
-    // endian. Without the element the data set is explicit VR unless the mode has PG_IMPLICIT_VR.
-    // Files that cannot be created are reported on the standard error stream ("pgSaveDataSetAsEx :
-    // unable to open %s\n"). A failure leaves a partial file.
+    // endian, and the two private ones that are read as native become it. The UID counts without
+    // blanks and NULs around it, whatever its VR. Without the element the data set is explicit VR
+    // unless the mode has PG_IMPLICIT_VR. Files that cannot be created are reported on the standard
+    // error stream ("pgSaveDataSetAsEx : unable to open %s\n"). A failure leaves a partial file.
     //
-    // A file that the tree still reads values from may be the target: it is replaced when the new
-    // one is complete beside it, stays as it was when that fails, and the tree goes on reading the
-    // old content. On Windows this needs a file opened by path; over a stream that the host opened
-    // itself saving gives 1.
+    // File Meta Information moves in front of elements of lower groups. With it the encoding is
+    // explicit VR little endian, whatever the mode says, where readers would lose another one:
+    // there are encapsulated Pixel Data, or the data set begins with group 0200 and would be big
+    // endian.
+    //
+    // A file that the tree still has to read from (a value, a fragment, a content file) may be the
+    // target: it is replaced when the new one is complete beside it, stays as it was when that
+    // fails, and the tree goes on reading the old content. On Windows this needs a file opened by
+    // path; over a stream that the host opened itself saving gives 1. Group 0002 does not count:
+    // what is unread of it is read first. Any other target is truncated and written in place.
     PGKIT_API void SaveDataSetAs(const char* path, int32_t mode);
     PGKIT_API uint32_t SaveDataSetAsEx(const char* path, int32_t mode);
     // The older form: a bare data set in implicit VR big endian, with delimiters when

@@ -10,9 +10,9 @@ PGKIT_BEGIN_C
 
 // Reads the hierarchy of a DICOMDIR file: a list of PGX_DicomDirPatientNode, for the caller to free
 // with pgEmptyPatientList and pgKitListDelete (or delete). The file is closed again, so the record
-// pointers of all objects are null. Null when the file cannot be opened, which is reported on the
-// standard output; a file that is no DICOMDIR gives an empty list, a damaged one what
-// PGX_DicomDir::Browse makes of it.
+// pointers of all objects are null. Null when memory runs out, and when the file cannot be opened,
+// which is reported on the standard output; a file that is no DICOMDIR gives an empty list, a
+// damaged one what PGX_DicomDir::Browse makes of it.
 PGKIT_API PGX_List* pgGetPatientListFromFile(const char* path);
 
 // The same for a DICOMDIR that is not kept with the files it refers to: location is their directory

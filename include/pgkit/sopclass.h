@@ -48,9 +48,9 @@ PGKIT_BEGIN_C
 //    1  not found, the placeholder is in the output
 //   -1  an argument is null; the placeholder is in the output unless that is the null argument
 //
-// The copy is unbounded. A built-in text needs the number of bytes given with each lookup, its
-// terminating zero included; an entry of the site's file may be longer. The output must not overlap
-// the input: the placeholder is written first.
+// The copy is unbounded; lookup.h has the same with a bound. A built-in text needs the number of
+// bytes given with each lookup, its terminating zero included; an entry of the site's file may be
+// longer. The output must not overlap the input: the placeholder is written first.
 
 // The mnemonic of a storage SOP class ("CT"), from the built-in table, else from the site's entries
 // (empty for an entry of another service that gives none). Placeholder "XX"; 6 bytes.

@@ -35,6 +35,14 @@ typedef enum ValueRepresentation {
     VR_OF = 26,
     VR_OWOB = 27, /* OW or OB, as the transfer syntax says; printed and looked up as "OWOB" */
     VR_UN = 28,
+    /* in the current edition only (edition.h): */
+    VR_OD = 29,
+    VR_OL = 30,
+    VR_OV = 31,
+    VR_SV = 32,
+    VR_UC = 33,
+    VR_UR = 34,
+    VR_UV = 35,
     VR_Unknown = 255 /* no dictionary entry, or a VR field that names no VR of this list */
 } ValueRepresentation;
 

@@ -1,23 +1,23 @@
 // Accessors: DICOMDIR files.
 #include <memory>
-#include <new>
 
 #include "api/handle_access.h"
 #include "pgkit/accessors.h"
 
 using pgkit::CallOn;
+using pgkit::Guarded;
 
 PGX_DicomDir* pgKitOpenDicomDir(const char* path, uint32_t maxLoadLength) {
-    try {
+    return Guarded([=] {
         auto directory = std::make_unique<PGX_DicomDir>();
         directory->OpenDicomDir(path, maxLoadLength);
         return directory->IsDicomDir() == 1 ? directory.release() : nullptr;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    });
 }
 
-void pgKitCloseDicomDir(PGX_DicomDir* directory) { delete directory; }
+void pgKitCloseDicomDir(PGX_DicomDir* directory) {
+    Guarded([=] { delete directory; });
+}
 
 int32_t pgKitIsDicomDir(PGX_DicomDir* directory) {
     return CallOn(directory, &PGX_DicomDir::IsDicomDir);

@@ -6,10 +6,15 @@
 
 using pgkit::CallOn;
 using pgkit::FieldOf;
+using pgkit::Guarded;
 
-PGX_List* pgKitListAllocate() { return new (std::nothrow) PGX_List; }
+PGX_List* pgKitListAllocate() {
+    return Guarded([] { return new (std::nothrow) PGX_List; });
+}
 
-void pgKitListDelete(PGX_List* list) { delete list; }
+void pgKitListDelete(PGX_List* list) {
+    Guarded([=] { delete list; });
+}
 
 int32_t pgKitListGetCount(PGX_List* list) { return CallOn(list, &PGX_List::GetCount); }
 

@@ -2,14 +2,32 @@
 #include <new>
 
 #include "api/handle_access.h"
+#include "dataset/long_lists.h"
 #include "pgkit/accessors.h"
 
 using pgkit::CallOn;
 using pgkit::FieldOf;
+using pgkit::Guarded;
 using pgkit::SetField;
 
+namespace {
+
+// Before the tag or the next of a node changes. Without a next it is in no list, or the last of
+// one, where every walk comes by.
+void NoteChange(const PGX_Node* node) {
+    if (node != nullptr && node->next != nullptr) pgkit::ForgetLongLists();
+}
+
+template <typename Value>
+void SetNoted(PGX_Node* node, Value PGX_Node::*field, Value value) {
+    NoteChange(node);
+    SetField(node, field, value);
+}
+
+}  // namespace
+
 uint32_t pgKitGetNodeType(PGX_Node* node) {
-    return static_cast<uint32_t>(FieldOf(node, &PGX_Node::nodeType));
+    return Guarded([=] { return static_cast<uint32_t>(FieldOf(node, &PGX_Node::nodeType)); });
 }
 
 void pgKitSetNodeType(PGX_Node* node, uint32_t nodeType) {
@@ -24,12 +42,14 @@ void pgKitSetValueRep(PGX_Node* node, uint32_t valueRep) {
 
 uint16_t pgKitGetGroup(PGX_Node* node) { return FieldOf(node, &PGX_Node::group); }
 
-void pgKitSetGroup(PGX_Node* node, uint16_t group) { SetField(node, &PGX_Node::group, group); }
+void pgKitSetGroup(PGX_Node* node, uint16_t group) {
+    Guarded([=] { SetNoted(node, &PGX_Node::group, group); });
+}
 
 uint16_t pgKitGetElement(PGX_Node* node) { return FieldOf(node, &PGX_Node::element); }
 
 void pgKitSetElement(PGX_Node* node, uint16_t element) {
-    SetField(node, &PGX_Node::element, element);
+    Guarded([=] { SetNoted(node, &PGX_Node::element, element); });
 }
 
 uint32_t pgKitGetLength(PGX_Node* node) { return FieldOf(node, &PGX_Node::length); }
@@ -38,7 +58,9 @@ void pgKitSetLength(PGX_Node* node, uint32_t length) { SetField(node, &PGX_Node:
 
 PGX_Node* pgKitGetNext(PGX_Node* node) { return FieldOf(node, &PGX_Node::next); }
 
-void pgKitSetNext(PGX_Node* node, PGX_Node* next) { SetField(node, &PGX_Node::next, next); }
+void pgKitSetNext(PGX_Node* node, PGX_Node* next) {
+    Guarded([=] { SetNoted(node, &PGX_Node::next, next); });
+}
 
 PGX_Node* pgKitGetFirst(PGX_Node* node) { return FieldOf(node, &PGX_Node::first); }
 
@@ -60,12 +82,16 @@ PGX_Node* pgKitFindNodeWithElementId(PGX_Node* dataSet, uint32_t elementId) {
     return pgFindNodeWithElementId(dataSet, elementId);
 }
 
-PGX_Node* pgKitAllocEmptyNode() { return new (std::nothrow) PGX_Node; }
+PGX_Node* pgKitAllocEmptyNode() {
+    return Guarded([] { return new (std::nothrow) PGX_Node; });
+}
 
 PGX_Node* pgKitAllocNode(uint32_t nodeType, uint16_t group, uint16_t element, uint8_t valueRep,
                          uint32_t length) {
-    return new (std::nothrow) PGX_Node(static_cast<NodeType>(nodeType), ET_LittleEndian, group,
-                                       element, valueRep, length);
+    return Guarded([=] {
+        return new (std::nothrow) PGX_Node(static_cast<NodeType>(nodeType), ET_LittleEndian, group,
+                                           element, valueRep, length);
+    });
 }
 
 void pgKitFreeNode(PGX_Node* node) { pgFreeNode(node); }
@@ -88,10 +114,13 @@ void pgKitRemoveNode(PGX_Node* parent, PGX_Node* child) {
 
 PGX_Node* pgKitInsertNodeWithGroupElement(PGX_Node* parent, uint16_t group, uint16_t element,
                                           const void* data, uint32_t size) {
-    return parent == nullptr ? nullptr : parent->InsertNode(group, element, data, size);
+    return Guarded([=] {
+        return parent == nullptr ? nullptr : parent->InsertNode(group, element, data, size);
+    });
 }
 
 PGX_Node* pgKitInsertNodeWithElementId(PGX_Node* parent, uint32_t elementId, const void* data,
                                        uint32_t size) {
-    return parent == nullptr ? nullptr : parent->InsertNode(elementId, data, size);
+    return Guarded(
+        [=] { return parent == nullptr ? nullptr : parent->InsertNode(elementId, data, size); });
 }

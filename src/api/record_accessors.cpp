@@ -4,11 +4,12 @@
 #include "pgkit/accessors.h"
 
 using pgkit::FieldOf;
+using pgkit::ListOf;
 using pgkit::SetField;
 using pgkit::TextOf;
 
 PGX_List* pgKitDirGetStudyList(PGX_DicomDirPatientNode* patient) {
-    return patient == nullptr ? nullptr : &patient->studies;
+    return ListOf(patient, &PGX_DicomDirPatientNode::studies);
 }
 
 PGX_Node* pgKitDirGetPatientNode(PGX_DicomDirPatientNode* patient) {
@@ -48,7 +49,7 @@ uint32_t pgKitDirGetPatientClientFlags(PGX_DicomDirPatientNode* patient) {
 }
 
 PGX_List* pgKitDirGetSeriesList(PGX_DicomDirStudyNode* study) {
-    return study == nullptr ? nullptr : &study->series;
+    return ListOf(study, &PGX_DicomDirStudyNode::series);
 }
 
 PGX_Node* pgKitDirGetStudyNode(PGX_DicomDirStudyNode* study) {
@@ -108,7 +109,7 @@ uint32_t pgKitDirGetStudyClientFlags(PGX_DicomDirStudyNode* study) {
 }
 
 PGX_List* pgKitDirGetLeafList(PGX_DicomDirSeriesNode* series) {
-    return series == nullptr ? nullptr : &series->leaves;
+    return ListOf(series, &PGX_DicomDirSeriesNode::leaves);
 }
 
 PGX_Node* pgKitDirGetSeriesNode(PGX_DicomDirSeriesNode* series) {

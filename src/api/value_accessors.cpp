@@ -1,8 +1,11 @@
 // Accessors: values, and the ways in which a tree leaves memory: dumping and writing.
 #include "api/handle_access.h"
+#include "codec/write_result.h"
 #include "pgkit/accessors.h"
 
 using pgkit::CallOn;
+using pgkit::Guarded;
+using pgkit::kOutOfMemory;
 
 namespace {
 
@@ -38,21 +41,24 @@ int32_t pgKitSetValue(PGX_Node* node, const void* data, uint32_t size) {
 }
 
 int32_t pgKitDumpToStream(PGX_Node* node, FILE* stream, const char* prefix) {
-    return node == nullptr ? 0 : node->Dump(stream, prefix);
+    return Guarded([=] { return node == nullptr ? 0 : node->Dump(stream, prefix); });
 }
 
 int32_t pgKitDumpToFile(PGX_Node* node, const char* path) {
-    return node == nullptr ? 0 : node->Dump(path);
+    return Guarded([=] { return node == nullptr ? 0 : node->Dump(path); });
 }
 
 int32_t pgKitDump(PGX_Node* node, const char* path) { return pgKitDumpToFile(node, path); }
 
 void pgKitSaveDataSetAs(PGX_Node* root, const char* path, int32_t mode) {
-    if (root != nullptr) root->SaveDataSetAs(path, mode);
+    Guarded([=] {
+        if (root != nullptr) root->SaveDataSetAs(path, mode);
+    });
 }
 
 uint32_t pgKitSaveDataSetAsEx(PGX_Node* root, const char* path, int32_t mode) {
-    return root == nullptr ? kNoNode : root->SaveDataSetAsEx(path, mode);
+    return Guarded([=] { return root == nullptr ? kNoNode : root->SaveDataSetAsEx(path, mode); },
+                   kOutOfMemory);
 }
 
 void pgKitWriteNode(PGX_Node* node, FILE* stream, uint32_t mode) {
@@ -60,7 +66,8 @@ void pgKitWriteNode(PGX_Node* node, FILE* stream, uint32_t mode) {
 }
 
 uint32_t pgKitWriteNodeEx(PGX_Node* node, FILE* stream, uint32_t mode) {
-    return node == nullptr ? kNoNode : node->WriteNodeEx(stream, mode);
+    return Guarded([=] { return node == nullptr ? kNoNode : node->WriteNodeEx(stream, mode); },
+                   kOutOfMemory);
 }
 
 int32_t pgKitAddGroupLengths(PGX_Node* dataSet, uint32_t mode) {

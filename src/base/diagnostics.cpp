@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "base/firewall.h"
 #include "pgkit/diagnostics.h"
 
 namespace pgkit {
@@ -38,4 +39,6 @@ void PrintError(const char* format, ...) {
 
 }  // namespace pgkit
 
-int32_t pgxSetVerbosity(int32_t level) { return pgkit::verbosity.exchange(level); }
+int32_t pgxSetVerbosity(int32_t level) {
+    return pgkit::Guarded([=] { return pgkit::verbosity.exchange(level); });
+}

@@ -25,9 +25,17 @@ void CopyToField(char (&field)[Size], std::string_view text) {
     field[length] = '\0';
 }
 
-// Copies a text and its terminating zero into a buffer whose size only the caller knows.
+// Copies a text and its terminating zero into a buffer whose size only the caller knows; a null one
+// gets nothing.
 inline void CopyUnbounded(char* buffer, std::string_view text) {
-    buffer[text.copy(buffer, text.size())] = '\0';
+    if (buffer != nullptr) buffer[text.copy(buffer, text.size())] = '\0';
+}
+
+// Copies what fits of a text, and a terminating zero always, into a buffer of `size` bytes; a null
+// one, or one of no bytes, gets nothing. Returns the length of the whole text.
+inline size_t CopyBounded(char* buffer, size_t size, std::string_view text) {
+    if (buffer != nullptr && size > 0) buffer[text.copy(buffer, size - 1)] = '\0';
+    return text.size();
 }
 
 // A null text counts as empty.

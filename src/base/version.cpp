@@ -2,15 +2,15 @@
 
 #include <cstring>
 
+#include "base/firewall.h"
+
 namespace {
 
 // The letter "o" in the year is part of the text that hosts compare.
 constexpr char kVersionText[] = "2.86e 24-mar-2o15";
 constexpr float kVersionNumber = 2.865f;
 
-}  // namespace
-
-int32_t pgGetVersionString(char* buffer, int32_t size) {
+int32_t CopyVersion(char* buffer, int32_t size) {
     constexpr int32_t length = sizeof kVersionText - 1;
     if (buffer != nullptr && size > 0) {
         const size_t room = static_cast<size_t>(size);
@@ -21,4 +21,12 @@ int32_t pgGetVersionString(char* buffer, int32_t size) {
     return length;
 }
 
-float pgGetVersionFloat() { return kVersionNumber; }
+}  // namespace
+
+int32_t pgGetVersionString(char* buffer, int32_t size) {
+    return pgkit::Guarded([=] { return CopyVersion(buffer, size); });
+}
+
+float pgGetVersionFloat() {
+    return pgkit::Guarded([] { return kVersionNumber; });
+}

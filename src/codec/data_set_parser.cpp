@@ -9,8 +9,9 @@
 #include "codec/fragment_table.h"
 #include "codec/part10_format.h"
 #include "dataset/node_memory.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/un_sequence_switch.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/dictionary.h"
 
 namespace pgkit {
@@ -47,7 +48,11 @@ std::string_view FormatName(char (&buffer)[Size], const char* format, unsigned n
 
 DataSetParser::DataSetParser(StreamReader& reader, Encoding encoding, uint32_t maxLoadLength,
                              uint32_t flags)
-    : reader_(reader), encoding_(encoding), maxLoadLength_(maxLoadLength), flags_(flags) {}
+    : reader_(reader),
+      encoding_(encoding),
+      maxLoadLength_(maxLoadLength),
+      flags_(flags),
+      decodesUnSequences_(DecodesUnSequences()) {}
 
 template <typename... Arguments>
 PGX_Node* DataSetParser::NewNode(Arguments... arguments) {
@@ -215,7 +220,7 @@ void DataSetParser::Identify(const TagHeader& header, const Level& level,
         } else {
             IdentifyByCreator(header, level, identity);
         }
-    } else if (header.valueRep == VR_UN && DecodesUnSequences()) {
+    } else if (header.valueRep == VR_UN && decodesUnSequences_) {
         IdentifyUnSequence(header, level, identity);
     }
 }

@@ -81,6 +81,7 @@ class DataSetParser {
     const Encoding encoding_;
     const uint32_t maxLoadLength_;
     const uint32_t flags_;
+    const bool decodesUnSequences_;  // a parse goes by the switch as it finds it
     std::vector<Level> levels_;
     TreeMemory memory_;
 };

@@ -2,9 +2,10 @@
 
 #include <vector>
 
+#include "codec/syntax_agreement.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 
 namespace pgkit {
 
@@ -12,11 +13,13 @@ namespace {
 
 class Collector {
   public:
-    explicit Collector(NodeSet& containers) : containers_(containers) {}
+    Collector(uint32_t mode, NodeSet& containers)
+        : leavesMetaOut_((mode & kMetaModes) == 0), containers_(containers) {}
 
     WalkStep Enter(PGX_Node& node, size_t depth) {
         path_.resize(depth);
         const bool isElement = node.nodeType == NT_DataElement;
+        if (isElement && !IsElementTag(node.group, node.element)) return WalkStep::SkipChildren;
         if (isElement && HasUncountedSize(node)) AddPath();
         if (isElement && node.valueRep != VR_SQ) return WalkStep::SkipChildren;
         path_.push_back(&node);
@@ -27,9 +30,10 @@ class Collector {
 
   private:
     // Elements whose written size no computed length counts.
-    static bool HasUncountedSize(const PGX_Node& element) {
+    bool HasUncountedSize(const PGX_Node& element) const {
         const bool isUndefined = element.valueRep != VR_SQ && element.length == kUndefinedLength;
-        return element.encapsulated != 0 || element.group == kMetaGroup || isUndefined;
+        const bool isLeftOut = leavesMetaOut_ && element.group == kMetaGroup;
+        return element.encapsulated != 0 || isLeftOut || isUndefined;
     }
 
     // What is in the set already is so with all that is around it.
@@ -39,15 +43,25 @@ class Collector {
         }
     }
 
+    const bool leavesMetaOut_;
     NodeSet& containers_;
     std::vector<const PGX_Node*> path_;
 };
 
 }  // namespace
 
-void CollectDelimitedContainers(PGX_Node& sequence, NodeSet& containers) {
-    Collector collector(containers);
+void CollectDelimitedContainers(PGX_Node& sequence, uint32_t mode, NodeSet& containers) {
+    Collector collector(mode, containers);
     WalkTree(sequence, collector);
+}
+
+bool IsUncounted(const PGX_Node& container) {
+    if (container.file == nullptr) return false;
+    if (container.nodeType == NT_DataSet) return container.length == 0;
+    const PGX_Node* item = container.first;
+    while (item != nullptr && item->length == 0)
+        item = item->next;
+    return item == nullptr;
 }
 
 }  // namespace pgkit

@@ -15,8 +15,9 @@ class FragmentEncoding {
         : pixelData_(pixelData), order_(order), sources_(sources), out_(out) {}
 
     WriteResult Run() {
-        WriteResult result = WriteStart();
-        if (result == kWritten) result = WriteFragments();
+        WriteResult result = WriteHeader();
+        const bool isIndexed = pixelData_.fragments != NotIndexedMarker();
+        if (result == kWritten) result = isIndexed ? WriteFragments() : CopyUnindexed();
         if (result == kWritten) result = Put(ElementHeader::SequenceDelimitation(order_));
         return result;
     }
@@ -27,23 +28,22 @@ class FragmentEncoding {
     }
 
     // The header has the explicit form in every encoding, implicit VR included.
-    WriteResult WriteStart() {
+    WriteResult WriteHeader() {
         ElementHeader header(order_, pixelData_.group, pixelData_.element);
         header.PutVr("OB");
         header.Put16(0);
         header.Put32(kUndefinedLength);
-        const WriteResult result = Put(header);
-        return result == kWritten ? Put(ElementHeader::Item(order_, 0)) : result;
+        return Put(header);
     }
 
+    WriteResult WriteEmptyOffsetTable() { return Put(ElementHeader::Item(order_, 0)); }
+
     WriteResult WriteFragments() {
-        if (pixelData_.fragments == NotIndexedMarker()) return CopyUnindexedFragments();
-        if (!HasFragmentTable(pixelData_)) return kWritten;
-        for (uint32_t i = 0; i < pixelData_.fragmentCount; ++i) {
-            const WriteResult result = WriteEntry(pixelData_.fragments[i]);
-            if (result != kWritten) return result;
-        }
-        return kWritten;
+        WriteResult result = WriteEmptyOffsetTable();
+        if (!HasFragmentTable(pixelData_)) return result;
+        for (uint32_t i = 0; i < pixelData_.fragmentCount && result == kWritten; ++i)
+            result = WriteEntry(pixelData_.fragments[i]);
+        return result;
     }
 
     WriteResult WriteEntry(const FragmentEntry& entry) {
@@ -56,24 +56,26 @@ class FragmentEncoding {
         return CopyFragment(sources_.At(pixelData_.file, entry.offset), entry.length, out_);
     }
 
-    // Fragments without a table are found item by item as they are copied.
-    WriteResult CopyUnindexedFragments() {
+    // Fragments without a table are found item by item as they are copied. Each keeps its size, and
+    // so the offsets of the Basic Offset Table stay right: it is the first of the items. Where the
+    // items end, the Pixel Data do, with a delimiter or without.
+    WriteResult CopyUnindexed() {
         if (pixelData_.fileOffset == kUnreadablePosition) return out_.Fail(kReadFailed);
         StreamReader* reader = sources_.At(pixelData_.file, pixelData_.fileOffset);
         if (reader == nullptr) return out_.Fail(kNoSource);
-        TagHeader item;
-        if (!ReadItem(*reader, item)) return out_.Fail(kReadFailed);
-        reader->Skip(item.length);  // the Basic Offset Table
-        WriteResult result = kWritten;
-        while (result == kWritten && ReadItem(*reader, item)) {
-            result = Put(ElementHeader::Item(order_, item.length));
+        TagHeader item{};
+        bool hasItem = ReadItemHeader(*reader, item);
+        const bool isNothing = hasItem ? item.IsSequenceDelimitation() : reader->Remaining() == 0;
+        const bool isCut = hasItem && item.IsItem() && !reader->Holds(item.length);
+        if (reader->HasFailed()) return out_.Fail(kReadFailed);
+        if (isNothing || isCut) return WriteEmptyOffsetTable();
+        if (!hasItem || !item.IsItem()) return out_.Fail(kReadFailed);
+        for (; hasItem && item.IsItem(); hasItem = ReadItemHeader(*reader, item)) {
+            WriteResult result = Put(ElementHeader::Item(order_, item.length));
             if (result == kWritten) result = CopyFragment(reader, item.length, out_);
+            if (result != kWritten) return result;
         }
-        return result;
-    }
-
-    static bool ReadItem(StreamReader& reader, TagHeader& item) {
-        return ReadItemHeader(reader, item) && item.IsItem();
+        return reader->HasFailed() ? out_.Fail(kReadFailed) : kWritten;
     }
 
     const PGX_Node& pixelData_;

@@ -7,20 +7,21 @@
 #include "codec/delimited_containers.h"
 #include "codec/element_header.h"
 #include "codec/encapsulated_encoding.h"
+#include "codec/meta_run.h"
 #include "codec/source_streams.h"
+#include "codec/syntax_agreement.h"
+#include "codec/transfer_syntax.h"
 #include "codec/value_writer.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 
 namespace pgkit {
 
 namespace {
-
-constexpr uint32_t kMetaModes = PG_META | PG_META_IMPLICIT_VR;
 
 struct Form {
     ByteOrder order;
@@ -69,10 +70,20 @@ class Encoder {
 
     bool IsOpen(const PGX_Node& node) const { return !open_.empty() && open_.back().node == &node; }
 
-    Form FormOf(uint16_t group) const {
-        if (group == kMetaGroup) return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0};
-        return {(mode_ & PG_LITTLE_ENDIAN) != 0 ? ByteOrder::Little : ByteOrder::Big,
-                (mode_ & PG_EXPLICIT_VR) != 0};
+    // What is read as File Meta Information is little endian. It stands at the beginning of the
+    // data set that is written, or is the element that is written by itself.
+    Form FormOf(const PGX_Node& element) {
+        const bool isOutermost = open_.size() <= 1;
+        if (isOutermost && metaRun_.Takes(element)) {
+            return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0};
+        }
+        const Encoding encoding = EncodingOfMode(mode_);
+        return {encoding.byteOrder, !encoding.implicitVr};
+    }
+
+    bool IsLeftOut(const PGX_Node& element) const {
+        return !IsElementTag(element.group, element.element) ||
+               (element.group == kMetaGroup && (mode_ & kMetaModes) == 0);
     }
 
     WriteResult Begin(PGX_Node& node) {
@@ -98,8 +109,8 @@ class Encoder {
 
     WriteResult BeginElement(PGX_Node& node) {
         NotePosition(node);
-        if (node.group == kMetaGroup && (mode_ & kMetaModes) == 0) return kWritten;
-        const Form form = FormOf(node.group);
+        if (IsLeftOut(node)) return kWritten;
+        const Form form = FormOf(node);
         if (node.valueRep == VR_SQ) return BeginSequence(node, form);
         if (node.encapsulated != 0) return WriteEncapsulated(node, form.order, sources_, out_);
         const WriteResult result = WriteHeader(node, form);
@@ -110,7 +121,7 @@ class Encoder {
 
     WriteResult BeginSequence(PGX_Node& node, Form form) {
         if (openSequences_ == 0 && (mode_ & PG_UNDEFINED_LENGTHS) == 0) {
-            CollectDelimitedContainers(node, delimitedContainers_);
+            CollectDelimitedContainers(node, mode_, delimitedContainers_);
         }
         const bool delimited = IsDelimited(node);
         ElementHeader header(form.order, node.group, node.element);
@@ -136,10 +147,13 @@ class Encoder {
                                         : ElementHeader::ItemDelimitation(order));
     }
 
-    // A length that is undefined says itself that delimiters follow.
+    // What has no right length, by the node itself or by what it holds. As long as nobody has
+    // counted, the lengths of the file stand.
     bool IsDelimited(const PGX_Node& container) const {
-        return (mode_ & PG_UNDEFINED_LENGTHS) != 0 || container.length == kUndefinedLength ||
-               delimitedContainers_.contains(&container);
+        if ((mode_ & PG_UNDEFINED_LENGTHS) != 0) return true;
+        const bool hasNoLength =
+            container.length == kUndefinedLength || delimitedContainers_.contains(&container);
+        return hasNoLength && !IsUncounted(container);
     }
 
     WriteResult WriteHeader(const PGX_Node& node, Form form) {
@@ -203,6 +217,7 @@ class Encoder {
     std::vector<Container> open_;
     size_t openSequences_ = 0;
     NodeSet delimitedContainers_;
+    MetaRun metaRun_;
     WriteResult result_ = kWritten;
 };
 
@@ -227,6 +242,7 @@ WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink, WrittenPos
 void PGX_Node::WriteNode(FILE* stream, uint32_t mode) { WriteNodeEx(stream, mode); }
 
 uint32_t PGX_Node::WriteNodeEx(FILE* stream, uint32_t mode) {
+    if (stream == nullptr) return pgkit::kWriteFailed;
     pgkit::StreamSink sink(stream);
     return pgkit::EncodeNode(*this, mode, sink);
 }

@@ -7,7 +7,8 @@
 #include "codec/part10_format.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 
 namespace pgkit {
 
@@ -26,7 +27,10 @@ class LengthComputation {
             open_.back().total += kItemHeaderSize;
             return WalkStep::SkipChildren;
         }
-        if (node.nodeType == NT_DataSet || node.valueRep == VR_SQ) {
+        // Such an element is not written.
+        const bool isElement = node.nodeType == NT_DataElement;
+        if (isElement && !IsElementTag(node.group, node.element)) return WalkStep::SkipChildren;
+        if (!isElement || node.valueRep == VR_SQ) {
             open_.push_back({&node, 0});
             return WalkStep::Continue;
         }

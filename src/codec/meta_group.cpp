@@ -8,8 +8,8 @@
 #include "codec/part10_format.h"
 #include "codec/tag_header.h"
 #include "dataset/node_memory.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/dictionary.h"
 
 namespace pgkit {
@@ -17,8 +17,6 @@ namespace pgkit {
 namespace {
 
 constexpr size_t kTagSize = 4;
-constexpr uint16_t kTransferSyntaxElement = 0x0010;
-constexpr size_t kMaxUidBytes = 127;
 
 // The group length (0002,0000), or the SOP class (0002,0002), in explicit VR little endian.
 bool StartsWithMetaElement(StreamReader& reader) {
@@ -42,15 +40,11 @@ std::optional<Tag> PeekTag(StreamReader& reader) {
     return tag;
 }
 
-// The first word of the UID's text, so that padding of any kind drops off.
 std::string ReadUid(StreamReader& reader, uint32_t length) {
-    char text[kMaxUidBytes + 1] = {};
-    reader.Read(reinterpret_cast<uint8_t*>(text), std::min<size_t>(length, kMaxUidBytes));
-    constexpr const char* kSpace = " \t\n\v\f\r";
-    const std::string_view uid(text);
-    const size_t start = std::min(uid.find_first_not_of(kSpace), uid.size());
-    const size_t end = std::min(uid.find_first_of(kSpace, start), uid.size());
-    return std::string(uid.substr(start, end - start));
+    char text[kMaxSyntaxBytes];
+    const size_t count =
+        reader.Read(reinterpret_cast<uint8_t*>(text), std::min<size_t>(length, sizeof text));
+    return std::string(TransferSyntaxIn({text, count}));
 }
 
 // Reads the elements of group 0002. They end where the group does, or where it starts over: two

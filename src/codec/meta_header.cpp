@@ -1,12 +1,10 @@
-#include "codec/meta_header.h"
-
-#include <new>
+// Completing the File Meta Information of a tree.
+#include <string>
 #include <string_view>
 
 #include "codec/transfer_syntax.h"
-#include "dataset/node_memory.h"
-#include "dataset/value_source.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
+#include "pgkit/node.h"
 
 namespace pgkit {
 
@@ -24,6 +22,13 @@ void InsertIfAbsent(PGX_Node& dataSet, uint16_t element, std::string_view text) 
     dataSet.InsertNode(kMetaGroup, element, text.data(), SizeOf(text));
 }
 
+// The text of a UID element, at most 64 characters; empty when it has none.
+std::string UidText(PGX_Node& element) {
+    char text[kLongestUid + 1];
+    element.GetStringValue(text, kLongestUid);
+    return text;
+}
+
 void CopyUid(PGX_Node& dataSet, uint16_t sourceElement, uint16_t metaElement) {
     PGX_Node* source = dataSet.FindNode(0x0008, sourceElement);
     if (source == nullptr) return;
@@ -38,23 +43,6 @@ std::string_view UidOfSyntaxFlags(uint32_t flags) {
 }
 
 }  // namespace
-
-std::string UidText(PGX_Node& element) {
-    char text[kLongestUid + 1];
-    element.GetStringValue(text, kLongestUid);
-    return text;
-}
-
-std::optional<std::string> FetchUidText(PGX_Node& element) {
-    if (element.value != nullptr || !HasValue(element)) return UidText(element);
-    PGX_Node loaded(NT_DataElement, element.endian, element.group, element.element, 0, 0);
-    loaded.valueRep = element.valueRep;
-    loaded.length = AvailableLength(element);
-    loaded.value = NewValueBuffer(loaded.length);
-    if (loaded.value == nullptr) throw std::bad_alloc();
-    if (FetchValue(element, 0, loaded.value, loaded.length) < loaded.length) return std::nullopt;
-    return UidText(loaded);
-}
 
 }  // namespace pgkit
 

@@ -1,10 +1,10 @@
 // The exported functions that open files and streams, and the quick test for a Part 10 file.
 #include "codec/open.h"
 
-#include <new>
 #include <optional>
 
 #include "base/diagnostics.h"
+#include "base/firewall.h"
 #include "codec/data_set_parser.h"
 #include "codec/meta_group.h"
 #include "codec/stream_reader.h"
@@ -41,42 +41,34 @@ PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t fla
     return root.release();
 }
 
-// The tree owns the stream from then on; without one it stays where it is.
+// The tree owns the stream from then on; without one, also for want of memory, it stays where it
+// is.
 PGX_Node* ParseFile(StreamReader& reader, platform::FileHandle& stream, uint32_t maxLoadLength,
                     uint32_t flags) {
-    try {
-        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
-        if (root != nullptr) static_cast<void>(stream.release());
-        return root;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
-
-PGX_Node* OpenFile(const char* path, uint32_t maxLoadLength, uint32_t flags) {
-    try {
-        return OpenDataSet(OpenInput(path), maxLoadLength, flags);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    PGX_Node* root = Guarded([&] { return ParseStream(reader, maxLoadLength, flags); });
+    if (root != nullptr) static_cast<void>(stream.release());
+    return root;
 }
 
 // The stream is the caller's until the parse has ended one way or the other; when memory runs out
 // it stays the caller's, open.
 PGX_Node* OpenStream(FILE* stream, uint32_t maxLoadLength, uint32_t flags) {
     if (stream == nullptr) return nullptr;
-    try {
-        StreamReader reader(stream);
-        PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
-        if (root != nullptr) {
-            reader.RestorePosition();
-        } else {
-            std::fclose(stream);
-        }
-        return root;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
+    StreamReader reader(stream);
+    PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
+    if (root != nullptr) {
+        reader.RestorePosition();
+    } else {
+        std::fclose(stream);
     }
+    return root;
+}
+
+int32_t IsDicomFile(const char* path) {
+    const InputFile file = OpenToTest(path);
+    if (file.stream == nullptr) return 0;
+    StreamReader reader(file.stream.get(), file.size);
+    return SkipPreamble(reader) ? 1 : 0;
 }
 
 }  // namespace
@@ -113,25 +105,25 @@ PGX_Node* OpenIfDicom(InputFile file, uint32_t maxLoadLength, uint32_t flags, bo
 
 }  // namespace pgkit
 
+using pgkit::Guarded;
+
 PGX_Node* pgOpenDataSetFile(const char* path, uint32_t maxLoadLength) {
-    return pgkit::OpenFile(path, maxLoadLength, 0);
+    return pgOpenDataSetFileEx(path, maxLoadLength, 0);
 }
 
 PGX_Node* pgOpenDataSetFileEx(const char* path, uint32_t maxLoadLength, uint32_t flags) {
-    return pgkit::OpenFile(path, maxLoadLength, flags);
+    return Guarded(
+        [=] { return pgkit::OpenDataSet(pgkit::OpenInput(path), maxLoadLength, flags); });
 }
 
 PGX_Node* pgOpenDataSetFileHandle(FILE* stream, uint32_t maxLoadLength) {
-    return pgkit::OpenStream(stream, maxLoadLength, 0);
+    return pgOpenDataSetFileHandleEx(stream, maxLoadLength, 0);
 }
 
 PGX_Node* pgOpenDataSetFileHandleEx(FILE* stream, uint32_t maxLoadLength, uint32_t flags) {
-    return pgkit::OpenStream(stream, maxLoadLength, flags);
+    return Guarded([=] { return pgkit::OpenStream(stream, maxLoadLength, flags); });
 }
 
 int32_t pgIsDicomFile(const char* path) {
-    const pgkit::InputFile file = pgkit::OpenToTest(path);
-    if (file.stream == nullptr) return 0;
-    pgkit::StreamReader reader(file.stream.get(), file.size);
-    return pgkit::SkipPreamble(reader) ? 1 : 0;
+    return Guarded([=] { return pgkit::IsDicomFile(path); });
 }

@@ -1,68 +1,26 @@
 // Saving a tree as a file: a DICOM Part 10 file or a bare data set.
 #include <array>
 #include <new>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <utility>
 
 #include "base/diagnostics.h"
 #include "codec/encoder.h"
 #include "codec/lengths.h"
-#include "codec/meta_header.h"
 #include "codec/offset_patching.h"
 #include "codec/part10_format.h"
 #include "codec/save_target.h"
-#include "codec/transfer_syntax.h"
+#include "codec/syntax_agreement.h"
 #include "dataset/node_memory.h"
-#include "dictionary/dictionary.h"
 #include "pgkit/node.h"
 
 namespace pgkit {
 
 namespace {
 
-constexpr uint32_t kByteOrders = PG_LITTLE_ENDIAN | PG_BIG_ENDIAN;
-constexpr uint32_t kVrForms = PG_EXPLICIT_VR | PG_IMPLICIT_VR;
-
 bool WritePreamble(FILE* stream) {
     std::array<char, kPreambleSize + kPrefix.size()> preamble{};
     kPrefix.copy(preamble.data() + kPreambleSize, kPrefix.size());
     return std::fwrite(preamble.data(), 1, preamble.size(), stream) == preamble.size();
-}
-
-// What a mode leaves open is taken from the transfer syntax.
-uint32_t CompletedMode(uint32_t mode, uint32_t byteOrder, uint32_t vrForm) {
-    if ((mode & kByteOrders) == 0) mode |= byteOrder;
-    if ((mode & kVrForms) == 0) mode |= vrForm;
-    return mode;
-}
-
-// Brings the transfer syntax element and the mode into agreement. The data of any syntax but the
-// three native ones cannot be turned into another: it stays explicit VR little endian.
-WriteResult ReconcileTransferSyntax(PGX_Node& root, uint32_t& mode) {
-    PGX_Node* element = root.FindNode(kMetaGroup, 0x0010);
-    if (element == nullptr) {
-        if ((mode & PG_IMPLICIT_VR) == 0) mode |= PG_EXPLICIT_VR;
-        return kWritten;
-    }
-    const std::optional<std::string> uid = FetchUidText(*element);
-    if (!uid) return kReadFailed;
-    const uint32_t asked = mode;
-    if (*uid == kExplicitVrBigEndianUid) {
-        mode = CompletedMode(mode, PG_BIG_ENDIAN, PG_EXPLICIT_VR);
-    } else if (*uid == kExplicitVrLittleEndianUid) {
-        mode = CompletedMode(mode, PG_LITTLE_ENDIAN, PG_EXPLICIT_VR);
-    } else if (*uid == kImplicitVrLittleEndianUid) {
-        mode = CompletedMode(mode, PG_LITTLE_ENDIAN, PG_IMPLICIT_VR);
-    } else {
-        mode = (mode & ~(PG_BIG_ENDIAN | PG_IMPLICIT_VR)) | PG_LITTLE_ENDIAN | PG_EXPLICIT_VR;
-        return kWritten;
-    }
-    const std::string_view uidOfMode = UidOfMode(asked);
-    if (uidOfMode.empty()) return kWritten;
-    const auto size = static_cast<uint32_t>(uidOfMode.size());
-    return element->SetValue(uidOfMode.data(), size) != 0 ? kWritten : kOutOfMemory;
 }
 
 // Lengths first, group lengths from them, then the tree.
@@ -78,10 +36,10 @@ WriteResult WriteTree(PGX_Node& root, uint32_t lengthMode, uint32_t mode, FILE* 
 
 // The mode becomes the one that the transfer syntax asks for.
 WriteResult WriteFile(PGX_Node& root, uint32_t& mode, FILE* stream, PendingOffsets& offsets) {
-    if ((mode & (PG_META | PG_META_IMPLICIT_VR)) != 0 && !WritePreamble(stream)) {
+    if ((mode & kMetaModes) != 0 && !WritePreamble(stream)) {
         return kWriteFailed;
     }
-    const WriteResult result = ReconcileTransferSyntax(root, mode);
+    const WriteResult result = AgreeOnSyntax(root, mode);
     return result == kWritten ? WriteTree(root, mode, mode, stream, offsets) : result;
 }
 

@@ -1,25 +1,26 @@
 // The file that a tree is saved to, which may be the one that its values are still read from.
 //
-// Truncating that file would destroy them. A file that the tree reads from is therefore left alone
-// until the new one is complete beside it, and is then replaced by it; streams that are open on the
-// old file go on reading the old content.
+// Truncating that file would destroy them. A file from which something is still to be read (a value
+// or a fragment that is not in memory, a content file) is therefore left alone until the new one is
+// complete beside it, and is then replaced by it; streams that are open on the old file go on
+// reading the old content. Any other file is truncated and written in place, so that its links,
+// attributes and place in a directory that cannot be written stay as they are.
 #pragma once
-
-#include <cstdio>
-#include <string>
 
 #include "codec/write_result.h"
 #include "pgkit/node.h"
 #include "platform/file_handle.h"
+#include "platform/file_replacement.h"
 
 namespace pgkit {
 
 class SaveTarget {
   public:
-    // Throws std::bad_alloc. A null path names nothing that can be created.
+    // Reads values of group 0002 that nothing but they would keep the file for. Throws
+    // std::bad_alloc. A null path names nothing that can be created.
     SaveTarget(const char* path, PGX_Node& root);
     // Removes what has not been put in place.
-    ~SaveTarget();
+    ~SaveTarget() = default;
     SaveTarget(const SaveTarget&) = delete;
     SaveTarget& operator=(const SaveTarget&) = delete;
 
@@ -31,11 +32,13 @@ class SaveTarget {
     WriteResult PutInPlace();
 
   private:
-    const char* WrittenPath() const { return replacement_.empty() ? path_ : replacement_.c_str(); }
+    const char* WrittenPath() const {
+        return replacement_.Exists() ? replacement_.Path().c_str() : path_;
+    }
 
     const char* path_;
     bool isSource_ = false;
-    std::string replacement_;  // of a source, between its creation and the end
+    platform::FileReplacement replacement_;  // of a source, between its creation and the end
 };
 
 }  // namespace pgkit

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "platform/platform.h"
 
@@ -37,14 +38,35 @@ uint64_t StreamReader::Remaining() {
 bool StreamReader::MoveStreamTo(uint64_t position) {
     if (streamPosition_ == position) return true;
     streamPosition_.reset();
-    if (!platform::Seek(stream_, position)) return false;
+    if (!platform::Seek(stream_, position)) {
+        hasFailed_ = true;
+        return false;
+    }
     streamPosition_ = position;
     return true;
 }
 
+void StreamReader::MakeRoom(size_t size) {
+    if (size <= bufferSize_) return;
+    auto larger = std::make_unique_for_overwrite<uint8_t[]>(size);
+    std::memcpy(larger.get(), buffer_, end_);
+    largeBuffer_ = std::move(larger);
+    buffer_ = largeBuffer_.get();
+    bufferSize_ = size;
+}
+
+// The error mark of a stream stays until somebody clears it, and may be an old one. The mark of its
+// end is taken away by every seek: what comes back short without it has failed.
+size_t StreamReader::ReadStream(uint8_t* out, size_t count) {
+    const size_t got = std::fread(out, 1, count, stream_);
+    if (got < count && std::feof(stream_) == 0) hasFailed_ = true;
+    *streamPosition_ += got;
+    return got;
+}
+
 bool StreamReader::FillTo(size_t count) {
     const size_t kept = Buffered();
-    std::memmove(buffer_.data(), buffer_.data() + next_, kept);
+    std::memmove(buffer_, buffer_ + next_, kept);
     bufferStart_ += next_;
     next_ = 0;
     end_ = kept;
@@ -54,8 +76,8 @@ bool StreamReader::FillTo(size_t count) {
         if (!MoveStreamTo(position)) return false;
         size_t wanted = std::min(fillSize_, kBufferSize - end_);
         if (size_) wanted = std::min<uint64_t>(wanted, *size_ - position);
-        const size_t got = std::fread(buffer_.data() + end_, 1, wanted, stream_);
-        *streamPosition_ += got;
+        MakeRoom(end_ + wanted);
+        const size_t got = ReadStream(buffer_ + end_, wanted);
         end_ += got;
         if (got < wanted) size_ = streamPosition_;
         fillSize_ = std::min(2 * fillSize_, kBufferSize);
@@ -65,7 +87,7 @@ bool StreamReader::FillTo(size_t count) {
 
 size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     const size_t fromBuffer = std::min(count, Buffered());
-    std::memcpy(out, buffer_.data() + next_, fromBuffer);
+    std::memcpy(out, buffer_ + next_, fromBuffer);
     next_ += fromBuffer;
     if (fromBuffer == count) return count;
 
@@ -73,14 +95,13 @@ size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     if (missing < kMaxPeek) {
         FillTo(missing);
         const size_t more = std::min(missing, Buffered());
-        std::memcpy(out + fromBuffer, buffer_.data() + next_, more);
+        std::memcpy(out + fromBuffer, buffer_ + next_, more);
         next_ += more;
         return fromBuffer + more;
     }
     const uint64_t position = Position();
     if (!MoveStreamTo(position)) return fromBuffer;
-    const size_t more = std::fread(out + fromBuffer, 1, missing, stream_);
-    *streamPosition_ += more;
+    const size_t more = ReadStream(out + fromBuffer, missing);
     Seek(position + more);
     return fromBuffer + more;
 }

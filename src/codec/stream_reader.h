@@ -2,6 +2,7 @@
 //
 // Reading headers and skipping inside the buffer cost no system call; skipping beyond it costs one
 // seek when something is read there. The stream's own position is arbitrary until RestorePosition.
+// What fills the buffer throws std::bad_alloc.
 #pragma once
 
 #include <array>
@@ -9,6 +10,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <optional>
 
 namespace pgkit {
@@ -45,16 +47,20 @@ class StreamReader {
     // The next count bytes, not consumed; null when the stream ends before. At most kMaxPeek.
     static constexpr size_t kMaxPeek = 256;
     const uint8_t* Peek(size_t count) {
-        return count <= Buffered() || FillTo(count) ? buffer_.data() + next_ : nullptr;
+        return count <= Buffered() || FillTo(count) ? buffer_ + next_ : nullptr;
     }
 
     // Reads as many bytes as there are, up to count.
     size_t Read(uint8_t* out, size_t count) {
         if (count > kMaxPeek || count > Buffered()) return ReadLarge(out, count);
-        std::memcpy(out, buffer_.data() + next_, count);
+        std::memcpy(out, buffer_ + next_, count);
         next_ += count;
         return count;
     }
+
+    // Whether the system has failed to read or to seek so far, where it can tell. What ends early
+    // is a file that ends there as long as this is false.
+    bool HasFailed() const { return hasFailed_; }
 
     // Something else has used the stream, and moved it.
     void StreamMoved() { streamPosition_.reset(); }
@@ -64,13 +70,17 @@ class StreamReader {
   private:
     static constexpr size_t kBufferSize = size_t{64} * 1024;
     // Of a large file that is mostly skipped little is read around each header; of a stretch that
-    // is read through more is read at a time.
-    static constexpr size_t kFirstFill = size_t{8} * 1024;
+    // is read through more is read at a time. A reader mostly lies on the stack, with a buffer for
+    // the first fill; that is enough for most files, which then need no other.
+    static constexpr size_t kFirstFill = size_t{7} * 1024;
 
     size_t Buffered() const { return end_ - next_; }
     bool FillTo(size_t count);
+    void MakeRoom(size_t size);
     size_t ReadLarge(uint8_t* out, size_t count);
     bool MoveStreamTo(uint64_t position);
+    // Reads at the stream's own position.
+    size_t ReadStream(uint8_t* out, size_t count);
 
     FILE* stream_;
     std::optional<uint64_t> streamPosition_;
@@ -79,7 +89,11 @@ class StreamReader {
     size_t next_ = 0;           // index of the next byte to read
     size_t end_ = 0;            // index behind the last byte
     size_t fillSize_ = kFirstFill;
-    std::array<uint8_t, kBufferSize> buffer_;
+    bool hasFailed_ = false;
+    uint8_t* buffer_ = firstBuffer_.data();
+    size_t bufferSize_ = kFirstFill;
+    std::unique_ptr<uint8_t[]> largeBuffer_;  // grows with the fills, up to kBufferSize
+    std::array<uint8_t, kFirstFill> firstBuffer_;
 };
 
 }  // namespace pgkit

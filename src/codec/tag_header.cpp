@@ -1,12 +1,12 @@
 #include "codec/tag_header.h"
 
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 
 namespace pgkit {
 
 namespace {
 
-constexpr size_t kTagSize = 4;
+constexpr size_t kDelimiterTagSize = 4;
 
 // Writers that do not know a VR have put these characters into short headers.
 bool IsPlaceholderVr(const uint8_t* vr) {
@@ -36,7 +36,8 @@ bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHe
     header.group = Load<uint16_t>(bytes, order);
     header.element = Load<uint16_t>(bytes + 2, order);
     header.valueRep = VR_Unknown;
-    if (header.group == 0xFFFF && header.element == 0xFFFF) return FailAfter(reader, kTagSize);
+    if (header.group == 0xFFFF && header.element == 0xFFFF)
+        return FailAfter(reader, kDelimiterTagSize);
 
     if (implicitVr || HasNoVrField(header)) {
         header.length = Load<uint32_t>(bytes + 4, order);

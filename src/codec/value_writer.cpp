@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "base/byte_order.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 
 namespace pgkit {
 

@@ -10,7 +10,7 @@
 #include "dataset/text_output.h"
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 
@@ -23,9 +23,7 @@ constexpr size_t kMaxPrintedNumbers = 20;
 constexpr size_t kTagNameSize = 128;
 constexpr size_t kTextPiece = 0x10000;
 
-bool IsPrintedAsBinary(uint32_t vr) {
-    return vr == VR_OB || vr == VR_OW || vr == VR_OF || vr == VR_OWOB;
-}
+bool IsPrintedAsBinary(uint32_t vr) { return PropertiesOf(vr).kind == VrKind::Bytes; }
 
 // Numbers that count as text, those of VR US or SS, give the same text on every machine. It ends
 // with a unit of zeros at the latest; what the length claims behind it is not touched.
@@ -123,13 +121,12 @@ class Dumper {
     void Head(PGX_Node& node) {
         char name[kTagNameSize];
         node.GetTagName(name);
-        const char* vrName = VrName(node.valueRep);
         Line("(");
         output_.Hex(node.group);
         output_.Text(",");
         output_.Hex(node.element);
         output_.Text(") : ");
-        output_.Padded(vrName != nullptr ? vrName : "????", 4);
+        output_.Padded(PropertiesOf(node.valueRep).name, 4);
         output_.Text(" Len: ");
         if (node.length == kUndefinedLength) {
             output_.Padded("-1", 6);
@@ -147,20 +144,24 @@ class Dumper {
             output_.Text("0x");
             output_.Hex(number);
         };
-        switch (node.valueRep) {
-            case VR_UL:  // signed, as ever
-            case VR_SL:
+        switch (PropertiesOf(node.valueRep).kind) {
+            case VrKind::UInt32:  // signed, as ever
+            case VrKind::Int32:
                 return Integers<int32_t>(node, zeros, integer);
-            case VR_US:
+            case VrKind::UInt16:
                 return Integers<uint16_t>(node, zeros, integer);
-            case VR_SS:
+            case VrKind::Int16:
                 return Integers<int16_t>(node, zeros, integer);
-            case VR_AT:
+            case VrKind::TagHalves:
                 return Integers<uint16_t>(node, zeros, halfTag);
-            case VR_FL:
+            case VrKind::Float32:
                 return Floats<float>(node, zeros);
-            case VR_FD:
+            case VrKind::Float64:
                 return Floats<double>(node, zeros);
+            case VrKind::Int64:
+                return Integers<int64_t>(node, zeros, integer);
+            case VrKind::UInt64:
+                return Integers<uint64_t>(node, zeros, integer);
             default:
                 return NoNumber(node, zeros);
         }

@@ -1,8 +1,8 @@
 // Group length elements (gggg,0000): the encoded size of the rest of their group.
 #include "base/diagnostics.h"
 #include "dataset/new_element.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/node.h"
 
 namespace pgkit {
@@ -21,6 +21,7 @@ int32_t SetGroupLength(PGX_Node& groupLength, uint32_t mode) {
     uint32_t sum = 0;
     for (const PGX_Node* element = groupLength.next;
          element != nullptr && element->group == groupLength.group; element = element->next) {
+        if (!IsElementTag(element->group, element->element)) continue;  // is not written
         sum += HeaderSize(element->valueRep, isExplicit) + element->length;
     }
     return groupLength.SetValue(&sum, sizeof sum);

@@ -1,6 +1,7 @@
 // Construction, destruction and the member-by-member copy of PGX_Node.
 #include "pgkit/node.h"
 
+#include "dataset/long_lists.h"
 #include "dataset/node_memory.h"
 
 using pgkit::FreeFragmentTable;
@@ -34,6 +35,7 @@ PGX_Node::PGX_Node(NodeType type, EndianType byteOrder, uint16_t tagGroup, uint1
       tagName(nullptr) {}
 
 PGX_Node::~PGX_Node() {
+    if (pgkit::MayBeMarked(this)) pgkit::ForgetMarksOf(this);
     FreeValueBuffer(value);
     if (fragments != nullptr) FreeFragmentTable(*this);
     delete[] contentFile;

@@ -5,8 +5,11 @@
 #include <new>
 
 #include "base/diagnostics.h"
+#include "base/firewall.h"
+#include "dataset/long_lists.h"
 #include "dataset/new_element.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/element_table.h"
+#include "dictionary/tags.h"
 #include "pgkit/dataset.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/node.h"
@@ -30,10 +33,7 @@ bool RefuseUnlessDataSet(const PGX_Node& node) {
 
 // Behind every element with a lower or equal tag that comes before the first higher one.
 void LinkInOrder(PGX_Node& dataSet, PGX_Node& node) {
-    const uint32_t key = TagKey(node.group, node.element);
-    PGX_Node** link = &dataSet.first;
-    while (*link != nullptr && TagKey((*link)->group, (*link)->element) <= key)
-        link = &(*link)->next;
+    PGX_Node** const link = FindInsertionLink(dataSet, TagKey(node.group, node.element));
     node.next = *link;
     *link = &node;
 }
@@ -130,9 +130,11 @@ void PGX_Node::RemoveNode(PGX_Node* child) {
 }
 
 PGX_Node* pgFindNodeWithGroupElement(PGX_Node* dataSet, uint16_t group, uint16_t element) {
-    return dataSet == nullptr ? nullptr : dataSet->FindNode(group, element);
+    return pgkit::Guarded(
+        [=] { return dataSet == nullptr ? nullptr : dataSet->FindNode(group, element); });
 }
 
 PGX_Node* pgFindNodeWithElementId(PGX_Node* dataSet, uint32_t elementId) {
-    return dataSet == nullptr ? nullptr : dataSet->FindNode(elementId);
+    return pgkit::Guarded(
+        [=] { return dataSet == nullptr ? nullptr : dataSet->FindNode(elementId); });
 }

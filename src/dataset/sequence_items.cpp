@@ -1,5 +1,6 @@
 // The item list of a sequence.
 #include "base/diagnostics.h"
+#include "dataset/long_lists.h"
 #include "pgkit/node.h"
 
 using pgkit::PrintOut;
@@ -33,9 +34,7 @@ void PGX_Node::SeqAddTail(PGX_Node* item) {
         first = item;
         return;
     }
-    PGX_Node* last = first;
-    while (last->next != nullptr)
-        last = last->next;
-    last->next = item;
+    PGX_Node** const end = pgkit::FindInsertionLink(*this, UINT64_MAX);
+    *end = item;
     item->next = nullptr;
 }

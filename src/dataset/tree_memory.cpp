@@ -1,73 +1,82 @@
 #include "dataset/tree_memory.h"
 
-#include <array>
-#include <atomic>
 #include <bit>
-
-#include "platform/memory_range.h"
+#include <cstdlib>
+#include <new>
 
 namespace pgkit {
 
 namespace {
 
-constexpr size_t kBlockSize = size_t{2} << 20;
-constexpr size_t kBlockCount = kTreeMemoryRange / kBlockSize;
+using platform::kMemoryBlockSize;
 
-// What a block is used for: 0 when it has no memory, else one more than the cells in use. The cells
-// of a block that is still being filled count only when it is closed; until then kFilling stands
-// for them.
-constexpr uint32_t kWithMemory = 1;
+// What a block is used for: 0 when there is none, else one more than the cells in use. The cells of
+// a block that is still being filled count only when it is closed; until then kFilling stands for
+// them.
+constexpr uint32_t kThere = 1;
 constexpr uint32_t kFilling = uint32_t{1} << 30;
-std::array<std::atomic<uint32_t>, kBlockCount> uses{};
 
-class Range {
+// A host may still hold trees when the module's objects are destroyed. Regions without any go back.
+class RegionsEnd {
   public:
-    // The first block is aligned to its size, for large pages.
-    Range() : addresses_(platform::ReserveAddresses(kTreeMemoryRange + kBlockSize)) {
-        if (addresses_ == nullptr) return;
-        const auto begin = reinterpret_cast<uintptr_t>(addresses_);
-        treeMemoryBegin = (begin + kBlockSize - 1) / kBlockSize * kBlockSize;
+    RegionsEnd() = default;
+    ~RegionsEnd() {
+        for (std::atomic<BlockUses*>& region : blockRegions)
+            if (region != nullptr && !IsUsed(*region)) std::free(region.exchange(nullptr));
     }
-    // A host may still hold trees when the module's objects are destroyed.
-    ~Range() {
-        if (addresses_ == nullptr) return;
-        for (const std::atomic<uint32_t>& use : uses)
-            if (use != 0) return;
-        treeMemoryBegin = kNoTreeMemory;
-        platform::ReleaseAddresses(addresses_, kTreeMemoryRange + kBlockSize);
-    }
-    Range(const Range&) = delete;
-    Range& operator=(const Range&) = delete;
+    RegionsEnd(const RegionsEnd&) = delete;
+    RegionsEnd& operator=(const RegionsEnd&) = delete;
 
   private:
-    void* addresses_;
+    static bool IsUsed(const BlockUses& region) {
+        for (const std::atomic<uint32_t>& uses : region)
+            if (uses != 0) return true;
+        return false;
+    }
 };
 
-size_t IndexOf(const void* cell) {
-    return (reinterpret_cast<uintptr_t>(cell) - treeMemoryBegin) / kBlockSize;
-}
+const RegionsEnd regionsEnd;
 
-uint8_t* BlockAt(size_t index) {
-    return std::bit_cast<uint8_t*>(treeMemoryBegin + index * kBlockSize);
+// Null when there is no memory for the region, or the address lies beyond all of them.
+std::atomic<uint32_t>* MakeUsesOfBlockAt(const void* address) {
+    const uintptr_t region =
+        reinterpret_cast<uintptr_t>(address) / kMemoryBlockSize / kBlocksPerRegion;
+    if (region >= kRegionCount) return nullptr;
+    if (blockRegions[region] == nullptr) {
+        void* const memory = std::malloc(sizeof(BlockUses));
+        if (memory == nullptr) return nullptr;
+        // Another thread may have been first.
+        BlockUses* none = nullptr;
+        if (!blockRegions[region].compare_exchange_strong(none, new (memory) BlockUses{})) {
+            std::free(memory);
+        }
+    }
+    return UsesOfBlockAt(address);
 }
 
 uint8_t* AcquireBlock() {
-    static const Range range;
-    if (treeMemoryBegin == kNoTreeMemory) return nullptr;
-    for (size_t index = 0; index < kBlockCount; ++index) {
-        uint32_t unused = 0;
-        if (!uses[index].compare_exchange_strong(unused, kWithMemory + kFilling)) continue;
-        if (platform::CommitMemory(BlockAt(index), kBlockSize)) return BlockAt(index);
-        uses[index] = 0;
+    void* const block = platform::TakeMemoryBlock();
+    if (block == nullptr) return nullptr;
+    std::atomic<uint32_t>* const uses = MakeUsesOfBlockAt(block);
+    if (uses == nullptr) {
+        platform::ReturnMemoryBlock(block);
         return nullptr;
     }
-    return nullptr;
+    platform::ForbidAccess(block, kMemoryBlockSize);
+    *uses = kThere + kFilling;
+    return static_cast<uint8_t*>(block);
 }
 
-void TakeFrom(size_t index, uint32_t count) {
-    if (uses[index].fetch_sub(count) != kWithMemory + count) return;
-    platform::DecommitMemory(BlockAt(index), kBlockSize);
-    uses[index] = 0;
+// The place is given up before the block: as soon as the system has it back, another thread may get
+// it.
+void TakeFrom(void* cell, uint32_t count) {
+    std::atomic<uint32_t>& uses = *UsesOfBlockAt(cell);
+    if (uses.fetch_sub(count) != kThere + count) return;
+    uses = 0;
+    const uintptr_t address = reinterpret_cast<uintptr_t>(cell);
+    void* const block = std::bit_cast<void*>(address - address % kMemoryBlockSize);
+    platform::AllowAccess(block, kMemoryBlockSize);
+    platform::ReturnMemoryBlock(block);
 }
 
 }  // namespace
@@ -76,7 +85,7 @@ bool TreeMemory::OpenBlock() {
     CloseBlock();
     next_ = AcquireBlock();
     if (next_ != nullptr) {
-        room_ = kBlockSize;
+        room_ = kMemoryBlockSize;
     } else {
         fromHeap_ = 0;  // a while later there may be one
     }
@@ -85,12 +94,15 @@ bool TreeMemory::OpenBlock() {
 
 void TreeMemory::CloseBlock() {
     if (next_ == nullptr) return;
-    TakeFrom(IndexOf(next_ - 1), kFilling - cells_);
+    TakeFrom(next_ - 1, kFilling - cells_);
     next_ = nullptr;
     room_ = 0;
     cells_ = 0;
 }
 
-void FreeTreeMemory(void* cell) { TakeFrom(IndexOf(cell), 1); }
+void FreeTreeMemory(void* cell) {
+    platform::ForbidPiece(cell);
+    TakeFrom(cell, 1);
+}
 
 }  // namespace pgkit

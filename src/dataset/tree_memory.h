@@ -6,9 +6,13 @@
 // both, and nodes may leave it and outlive it.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+
+#include "platform/memory_access.h"
+#include "platform/memory_block.h"
 
 namespace pgkit {
 
@@ -22,11 +26,12 @@ class TreeMemory {
     TreeMemory& operator=(const TreeMemory&) = delete;
 
     // At least one byte, aligned for what consists of numbers and pointers. Null for what is to
-    // come from the heap.
+    // come from the heap: what is long, and everything while the system has no block to give.
     void* Allocate(size_t size) {
-        size = (size + kAlignment - 1) / kAlignment * kAlignment;
-        if (size > room_) {
-            if (size > kLargestCell) return nullptr;
+        if (size > kLargestCell) return nullptr;
+        const size_t taken =
+            (size + platform::kGapBehindPieces + kAlignment - 1) & ~(kAlignment - 1);
+        if (taken > room_) {
             if (fromHeap_ < kTreeWorthABlock) {
                 fromHeap_ += size;
                 return nullptr;
@@ -34,9 +39,10 @@ class TreeMemory {
             if (!OpenBlock()) return nullptr;
         }
         uint8_t* cell = next_;
-        next_ += size;
-        room_ -= size;
+        next_ += taken;
+        room_ -= taken;
         ++cells_;
+        platform::AllowAccess(cell, size);
         return cell;
     }
 
@@ -54,15 +60,33 @@ class TreeMemory {
     size_t fromHeap_ = 0;
 };
 
-// Where the range of all blocks begins; while there is none, at an address that nothing has.
-inline constexpr size_t kTreeMemoryRange = size_t{16} << 30;
-inline constexpr uintptr_t kNoTreeMemory = uintptr_t{1} << 63;
-inline std::atomic<uintptr_t> treeMemoryBegin = kNoTreeMemory;
+// ---- Where the blocks are -----------------------------------------------------------------------
+//
+// For each place where a block could be the number of its uses, 0 where there is no block of ours.
+// The numbers of a region of addresses come from the heap when the region gets its first block.
+
+// Addresses of programs have 47 bits on both systems; what the system may give above is not used.
+inline constexpr int kAddressBits = 47;
+inline constexpr size_t kBlocksPerRegion = 8192;
+inline constexpr size_t kRegionCount =
+    (size_t{1} << kAddressBits) / platform::kMemoryBlockSize / kBlocksPerRegion;
+
+using BlockUses = std::array<std::atomic<uint32_t>, kBlocksPerRegion>;
+inline std::array<std::atomic<BlockUses*>, kRegionCount> blockRegions{};
+
+// Null for the place of an address in a region without blocks.
+inline std::atomic<uint32_t>* UsesOfBlockAt(const void* address) {
+    const uintptr_t place = reinterpret_cast<uintptr_t>(address) / platform::kMemoryBlockSize;
+    if (place / kBlocksPerRegion >= kRegionCount) return nullptr;
+    BlockUses* const region =
+        blockRegions[place / kBlocksPerRegion].load(std::memory_order_acquire);
+    return region == nullptr ? nullptr : &(*region)[place % kBlocksPerRegion];
+}
 
 // Whether this is a cell. Null is none.
 inline bool IsTreeMemory(const void* address) {
-    return reinterpret_cast<uintptr_t>(address) - treeMemoryBegin.load(std::memory_order_relaxed) <
-           kTreeMemoryRange;
+    const std::atomic<uint32_t>* const uses = UsesOfBlockAt(address);
+    return uses != nullptr && uses->load(std::memory_order_relaxed) != 0;
 }
 
 // Frees a cell.

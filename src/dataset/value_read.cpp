@@ -9,8 +9,10 @@
 #include <system_error>
 
 #include "base/byte_order.h"
+#include "base/firewall.h"
 #include "dataset/value_source.h"
 #include "pgkit/dictionary.h"
+#include "pgkit/edition.h"
 #include "pgkit/node.h"
 #include "platform/platform.h"
 
@@ -26,6 +28,12 @@ Number FirstNumber(const PGX_Node& node) {
     uint8_t bytes[8] = {};
     if (!ReadValuePrefix(node, bytes, std::min<size_t>(node.length, sizeof bytes))) return 0;
     return LoadHost<Number>(bytes);
+}
+
+// Of null it is 0, too.
+template <typename Number>
+Number FirstNumberOf(const PGX_Node* node) {
+    return node == nullptr ? 0 : FirstNumber<Number>(*node);
 }
 
 // ---- Numbers as text ----------------------------------------------------------------------------
@@ -117,6 +125,7 @@ double NumberOfText(const PGX_Node& node) {
 }  // namespace pgkit
 
 int32_t PGX_Node::GetTagName(char* buffer) {
+    if (buffer == nullptr) return 0;
     if (tagName == nullptr) {
         return static_cast<int32_t>(pgGetTagPrintableName(group, element, buffer));
     }
@@ -159,4 +168,12 @@ double PGX_Node::GetDSDoubleValue() { return length == 0 ? 0 : pgkit::NumberOfTe
 int32_t PGX_Node::GetFileData(void* buffer, uint32_t offset, uint32_t count) {
     if (nodeType != NT_DataSet || file == nullptr || buffer == nullptr) return 0;
     return pgkit::platform::Seek(file, offset) && std::fread(buffer, 1, count, file) == count;
+}
+
+int64_t pgxGetSVValue(PGX_Node* element) {
+    return pgkit::Guarded([=] { return pgkit::FirstNumberOf<int64_t>(element); });
+}
+
+uint64_t pgxGetUVValue(PGX_Node* element) {
+    return pgkit::Guarded([=] { return pgkit::FirstNumberOf<uint64_t>(element); });
 }

@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 #include "dataset/node_memory.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 
@@ -148,8 +148,10 @@ void ReadValue(const PGX_Node& node, uint8_t* out) {
     Present(node, out, fetched);
 }
 
-void ReadValueIntoZeros(const PGX_Node& node, uint8_t* zeros) {
-    Present(node, zeros, FetchValue(node, 0, zeros, node.length));
+size_t ReadValueIntoZeros(const PGX_Node& node, uint8_t* zeros) {
+    const size_t fetched = FetchValue(node, 0, zeros, node.length);
+    Present(node, zeros, fetched);
+    return fetched;
 }
 
 bool ReadValuePrefix(const PGX_Node& node, uint8_t* out, size_t count) {

@@ -43,7 +43,8 @@ bool HasValue(const PGX_Node& node);
 void ReadValue(const PGX_Node& node, uint8_t* out);
 
 // The same into a buffer that is zero already, where bytes that no source has are not touched.
-void ReadValueIntoZeros(const PGX_Node& node, uint8_t* zeros);
+// Returns how many there were.
+size_t ReadValueIntoZeros(const PGX_Node& node, uint8_t* zeros);
 
 // The first count bytes of the same, count being at most length. False when there is no value or a
 // UI text cannot be stripped for lack of memory.

@@ -4,8 +4,8 @@
 #include "base/text.h"
 #include "dataset/node_memory.h"
 #include "dataset/value_source.h"
-#include "dictionary/dictionary.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/tags.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/node.h"
 #include "platform/platform.h"
 
@@ -19,14 +19,11 @@ constexpr uint32_t kMaxLength = 0xFFFFFFFE;
 
 constexpr uint32_t Evened(uint32_t length) { return length + (length & 1); }
 
-constexpr uint8_t PadByte(uint32_t vr) { return vr == VR_UI || vr == VR_OB ? 0x00 : 0x20; }
-
-// OW values are taken as they come: only reading and writing out convert them. So are 8-bit samples
-// in Pixel Data, whatever its VR.
+// Samples of 8 bits in Pixel Data are taken as they come, whatever its VR.
 size_t SetterSwapUnit(const PGX_Node& node) {
     const bool isPixelData = pgkit::IsPixelData(node.group, node.element);
-    if (node.valueRep == VR_OW || (isPixelData && node.bitsAllocated == 8)) return 1;
-    return pgkit::SwapUnit(node.valueRep);
+    if (isPixelData && node.bitsAllocated == 8) return 1;
+    return pgkit::PropertiesOf(node.valueRep).setterSwapUnit;
 }
 
 // A new buffer of an even size with a padded copy of the value; null when memory runs out. Fresh
@@ -46,7 +43,8 @@ uint8_t* NewPaddedValue(const void* data, uint32_t size, uint8_t pad) {
 // The old value goes last: data may point into it.
 int32_t PGX_Node::SetValue(const void* data, uint32_t size) {
     if (size > kMaxLength) return 0;
-    uint8_t* bytes = size == 0 ? nullptr : NewPaddedValue(data, size, PadByte(valueRep));
+    uint8_t* bytes =
+        size == 0 ? nullptr : NewPaddedValue(data, size, pgkit::PropertiesOf(valueRep).pad);
     FreeValueBuffer(value);
     value = bytes;
     length = Evened(size);

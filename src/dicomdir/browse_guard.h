@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "dicomdir/browse_limits.h"
 #include "dicomdir/record_table.h"
 
 namespace pgkit {
@@ -16,7 +17,10 @@ constexpr size_t kRecordLevels = 4;
 
 class BrowseGuard {
   public:
-    explicit BrowseGuard(const RecordTable& records);
+    BrowseGuard(const RecordTable& records, BrowseLimits& limits);
+
+    // What it takes itself for each record.
+    static constexpr size_t kMemoryPerRecord = sizeof(uint32_t) * kRecordLevels;
 
     // A walk along a chain begins. On one level no walk begins within another.
     void BeginWalk(RecordLevel level);
@@ -32,11 +36,10 @@ class BrowseGuard {
     using Visits = std::array<WalkNumber, kRecordLevels>;
 
     const RecordTable& records_;
+    BrowseLimits& limits_;
     std::vector<Visits> visits_;
     Visits current_{};
     WalkNumber lastWalk_ = 0;
-    size_t recordsLeft_;
-    uint64_t bytesLeft_;
 };
 
 }  // namespace pgkit

@@ -3,8 +3,10 @@
 #include <array>
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 #include "base/diagnostics.h"
+#include "dataset/tree_size.h"
 #include "dicomdir/leaf_reader.h"
 #include "dicomdir/record_keys.h"
 #include "dicomdir/record_links.h"
@@ -52,10 +54,28 @@ void AddModality(const char* modality, PGX_DicomDirStudyNode& study) {
     }
 }
 
+// An object of the upper levels with its list cell and its share of the indexes, at most.
+template <typename Object>
+constexpr uint64_t kMemoryOf = HeapBlock(sizeof(Object)) + 512;
+
+// For each record: the table, the guard, and room in the index of the leaves.
+constexpr uint64_t kMemoryPerRecord =
+    RecordTable::kMemoryPerRecord + BrowseGuard::kMemoryPerRecord + 16;
+
+// A tree that was made in memory has no file to be compared with; the memory is the host's.
+BrowseLimits LimitsFor(const RecordTable& records, PGX_Node* dataSet) {
+    const uint64_t treeSize = dataSet == nullptr ? 0 : TreeSize(*dataSet);
+    const uint64_t fileSize = records.FileSize() > 0 ? records.FileSize() : treeSize;
+    return {records.Count(), fileSize, treeSize + kMemoryPerRecord * records.Count()};
+}
+
 }  // namespace
 
 DirectoryBrowser::DirectoryBrowser(PGX_DicomDir& directory, PGX_Node* firstItem)
-    : directory_(directory), records_(firstItem), guard_(records_) {
+    : directory_(directory),
+      records_(firstItem),
+      limits_(LimitsFor(records_, directory.dataSet)),
+      guard_(records_, limits_) {
     leaves_.reserve(records_.Count());
 }
 
@@ -89,6 +109,7 @@ int32_t DirectoryBrowser::WalkChain(RecordLevel level, RecordNumber first, Handl
     for (RecordNumber number = first; guard_.Admit(level, number);) {
         const Outcome outcome = handle(number);
         if (outcome == Outcome::Broken) return 0;
+        if (outcome == Outcome::Refused) return 1;
         const Link next = FollowLink(records_, records_[number].nextRecord);
         if (next.kind == Link::Kind::None) return 1;
         if (next.kind == Link::Kind::Lost) {
@@ -118,6 +139,7 @@ std::optional<RecordNumber> DirectoryBrowser::Descend(RecordLevel level, RecordN
 // does not.
 DirectoryBrowser::Outcome DirectoryBrowser::HandlePatient(RecordNumber number, PGX_List& patients) {
     const PatientIndex::iterator found = FindOrAddPatient(*records_[number].item, patients);
+    if (found == patients_.end()) return Outcome::Refused;
     PGX_DicomDirPatientNode& patient = **found;
     const std::optional<RecordNumber> child = Descend(RecordLevel::Patient, number);
     if (!child) return Outcome::Broken;
@@ -128,7 +150,9 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandlePatient(RecordNumber number, P
 
 DirectoryBrowser::Outcome DirectoryBrowser::HandleStudy(RecordNumber number,
                                                         PGX_DicomDirPatientNode& patient) {
-    PGX_DicomDirStudyNode& study = FindOrAddStudy(*records_[number].item, patient);
+    PGX_DicomDirStudyNode* const found = FindOrAddStudy(*records_[number].item, patient);
+    if (found == nullptr) return Outcome::Refused;
+    PGX_DicomDirStudyNode& study = *found;
     const std::optional<RecordNumber> child = Descend(RecordLevel::Study, number);
     if (!child) return Outcome::Broken;
     BrowseSeries(*child, study);
@@ -140,7 +164,9 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandleSeries(RecordNumber number,
                                                          PGX_DicomDirStudyNode& study) {
     PGX_Node& record = *records_[number].item;
     if (!IsSeries(record)) return Outcome::Skipped;
-    PGX_DicomDirSeriesNode& series = FindOrAddSeries(record, study);
+    PGX_DicomDirSeriesNode* const found = FindOrAddSeries(record, study);
+    if (found == nullptr) return Outcome::Refused;
+    PGX_DicomDirSeriesNode& series = *found;
     const std::optional<RecordNumber> child = Descend(RecordLevel::Series, number);
     if (!child) return Outcome::Broken;
     BrowseLeaves(*child, series);
@@ -166,48 +192,63 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number,
         PrintOut("Instance already found : (%s)\n", instanceUid);
         return Outcome::Handled;
     }
-    PGX_DicomDirLeafNode& leaf =
-        order.Insert(ReadLeaf(record, kind->type, recordType, instanceUid, directory_.folder));
+    auto owned = ReadLeaf(record, kind->type, recordType, instanceUid, directory_.folder, limits_);
+    if (owned == nullptr) return Outcome::Refused;
+    PGX_DicomDirLeafNode& leaf = order.Insert(std::move(owned));
     leaves_.insert({&series, leaf.instanceUid});
     ReportLeaf(leaf);
     return Outcome::Handled;
 }
 
-// In the three that follow, the new object belongs to the list as soon as it stands in it.
+// In the three that follow, the new object belongs to the list as soon as it stands in it. They
+// give none when the browse may not take the memory of another object. Of those that prove to be
+// there already it has one at a time.
 
 PatientIndex::iterator DirectoryBrowser::FindOrAddPatient(PGX_Node& record, PGX_List& patients) {
+    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirPatientNode>)) return patients_.end();
     auto patient = std::make_unique<PGX_DicomDirPatientNode>();
     ReadPatientKeys(record, *patient);
     const auto [found, isNew] = patients_.insert(patient.get());
-    if (!isNew) return found;
+    if (!isNew) {
+        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirPatientNode>);
+        return found;
+    }
     cells_.Append(patients, patient.get());
     PrintRemark("Patient created %s\n", patient.release()->patientsName);
     return found;
 }
 
-PGX_DicomDirStudyNode& DirectoryBrowser::FindOrAddStudy(PGX_Node& record,
+PGX_DicomDirStudyNode* DirectoryBrowser::FindOrAddStudy(PGX_Node& record,
                                                         PGX_DicomDirPatientNode& patient) {
+    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirStudyNode>)) return nullptr;
     auto study = std::make_unique<PGX_DicomDirStudyNode>();
     ReadStudyKeys(record, *study);
     const ChildKey key = {&patient, study->studyInstanceUid};
     const auto [found, isNew] = studies_.try_emplace(key, study.get());
-    if (!isNew) return *found->second;
+    if (!isNew) {
+        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirStudyNode>);
+        return found->second;
+    }
     cells_.Append(patient.studies, study.get());
-    return *study.release();
+    return study.release();
 }
 
-PGX_DicomDirSeriesNode& DirectoryBrowser::FindOrAddSeries(PGX_Node& record,
+PGX_DicomDirSeriesNode* DirectoryBrowser::FindOrAddSeries(PGX_Node& record,
                                                           PGX_DicomDirStudyNode& study) {
+    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirSeriesNode>)) return nullptr;
     auto owned = std::make_unique<PGX_DicomDirSeriesNode>();
     ReadSeriesKeys(record, *owned);
     const ChildKey key = {&study, owned->seriesInstanceUid};
     const auto [found, isNew] = series_.try_emplace(key, owned.get());
-    if (!isNew) return *found->second;
+    if (!isNew) {
+        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirSeriesNode>);
+        return found->second;
+    }
     cells_.Append(study.series, owned.get());
     PGX_DicomDirSeriesNode& series = *owned.release();
     AddModality(series.modality, study);
-    series.icon = ReadIcon(record).release();
-    return series;
+    series.icon = ReadIcon(record, limits_).release();
+    return &series;
 }
 
 void DirectoryBrowser::ReportLeaf(PGX_DicomDirLeafNode& leaf) {

@@ -33,8 +33,9 @@ class DirectoryBrowser {
   private:
     using LeafOrder = InsertionOrder<PGX_DicomDirLeafNode>;
 
-    // What became of one record of a chain. Broken ends the walk.
-    enum class Outcome { Handled, Skipped, Broken };
+    // What became of one record of a chain. Broken ends the walk, and so does Refused: the browse
+    // may not cost more.
+    enum class Outcome { Handled, Skipped, Broken, Refused };
 
     Outcome HandlePatient(RecordNumber number, PGX_List& patients);
     Outcome HandleStudy(RecordNumber number, PGX_DicomDirPatientNode& patient);
@@ -46,8 +47,8 @@ class DirectoryBrowser {
     std::optional<RecordNumber> Descend(RecordLevel level, RecordNumber number);
 
     PatientIndex::iterator FindOrAddPatient(PGX_Node& record, PGX_List& patients);
-    PGX_DicomDirStudyNode& FindOrAddStudy(PGX_Node& record, PGX_DicomDirPatientNode& patient);
-    PGX_DicomDirSeriesNode& FindOrAddSeries(PGX_Node& record, PGX_DicomDirStudyNode& study);
+    PGX_DicomDirStudyNode* FindOrAddStudy(PGX_Node& record, PGX_DicomDirPatientNode& patient);
+    PGX_DicomDirSeriesNode* FindOrAddSeries(PGX_Node& record, PGX_DicomDirStudyNode& study);
     void ReportLeaf(PGX_DicomDirLeafNode& leaf);
 
     void RemovePatient(PatientIndex::iterator found, PGX_List& patients);
@@ -56,6 +57,7 @@ class DirectoryBrowser {
 
     PGX_DicomDir& directory_;
     RecordTable records_;
+    BrowseLimits limits_;
     BrowseGuard guard_;
     CellIndex cells_;
     PatientIndex patients_;

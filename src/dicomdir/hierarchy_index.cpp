@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "dataset/list_cells.h"
-#include "pgkit/dataset.h"
+#include "dataset/patient_names.h"
 
 namespace pgkit {
 
@@ -11,7 +11,7 @@ bool PatientOrder::operator()(const PGX_DicomDirPatientNode* a,
                               const PGX_DicomDirPatientNode* b) const {
     const int ids = std::strcmp(a->patientId, b->patientId);
     if (ids != 0) return ids < 0;
-    return pgComparePatientNames(a->patientsName, b->patientsName, 0) < 0;
+    return ComparePatientNames(a->patientsName, b->patientsName) < 0;
 }
 
 void CellIndex::Append(PGX_List& list, void* object) {

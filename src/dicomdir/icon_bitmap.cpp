@@ -7,14 +7,13 @@
 #include <vector>
 
 #include "base/byte_order.h"
+#include "bitmap/new_bitmap.h"
+#include "dataset/tree_size.h"
 #include "dataset/value_source.h"
-#include "dicomdir/bitmap_format.h"
 
 namespace pgkit {
 
 namespace {
-
-constexpr uint32_t kGrayCount = 256;
 
 // How the samples of the pixels lie in the value.
 struct PixelLayout {
@@ -29,23 +28,6 @@ struct PixelLayout {
     uint64_t FrameSize() const {
         return uint64_t{rows} * columns * samplesPerPixel * bytesPerSample;
     }
-};
-
-// How the rows lie in the bitmap.
-struct BitmapLayout {
-    uint32_t bitCount;
-    uint32_t grayCount;
-    uint64_t stride;
-    uint64_t imageSize;
-
-    explicit BitmapLayout(const PixelLayout& pixels)
-        : bitCount(8 * pixels.samplesPerPixel),
-          grayCount(pixels.samplesPerPixel == 1 ? kGrayCount : 0),
-          stride(BitmapStride(pixels.columns, bitCount)),
-          imageSize(stride * pixels.rows) {}
-
-    uint64_t PixelsOffset() const { return kBitmapHeaderSize + uint64_t{4} * grayCount; }
-    uint64_t Size() const { return PixelsOffset() + imageSize; }
 };
 
 uint32_t NumberOf(PGX_Node& dataSet, uint16_t element, uint32_t fallback) {
@@ -77,14 +59,18 @@ std::optional<PixelLayout> ReadPixelLayout(PGX_Node& dataSet) {
     return pixels;
 }
 
-// The frame in host byte order; empty when the layout asks for more than the value holds.
-std::vector<uint8_t> ReadFrame(PGX_Node& dataSet, const PixelLayout& pixels) {
-    PGX_Node* node = dataSet.FindNode(0x7FE0, 0x0010);
+// Null when the layout asks for more than the value holds.
+PGX_Node* FindPixelData(PGX_Node& dataSet, const PixelLayout& pixels) {
+    PGX_Node* const node = dataSet.FindNode(0x7FE0, 0x0010);
     const uint64_t size = pixels.FrameSize();
-    if (node == nullptr || size == 0 || size > AvailableLength(*node)) return {};
-    std::vector<uint8_t> frame(size);
-    if (node->GetPixelData(0, static_cast<uint32_t>(size), frame.data()) != 1) return {};
-    return frame;
+    return node == nullptr || size == 0 || size > AvailableLength(*node) ? nullptr : node;
+}
+
+// The frame in host byte order; empty when it cannot be read.
+std::vector<uint8_t> ReadFrame(PGX_Node& pixelData, const PixelLayout& pixels) {
+    std::vector<uint8_t> frame(pixels.FrameSize());
+    const auto size = static_cast<uint32_t>(frame.size());
+    return pixelData.GetPixelData(0, size, frame.data()) == 1 ? frame : std::vector<uint8_t>();
 }
 
 uint32_t SampleAt(const uint8_t* bytes, uint32_t size) {
@@ -95,29 +81,6 @@ uint32_t SampleAt(const uint8_t* bytes, uint32_t size) {
 // The eight bits from the high bit down.
 uint8_t ToByte(uint32_t sample, uint32_t highBit) {
     return static_cast<uint8_t>(highBit >= 7 ? sample >> (highBit - 7) : sample << (7 - highBit));
-}
-
-void WriteHeader(const PixelLayout& pixels, const BitmapLayout& bitmap, uint8_t* out) {
-    const auto put32 = [out](size_t field, uint32_t number) {
-        Store<uint32_t>(out + field, number, ByteOrder::Little);
-    };
-    const auto put16 = [out](size_t field, uint16_t number) {
-        Store<uint16_t>(out + field, number, ByteOrder::Little);
-    };
-    put32(0, kBitmapHeaderSize);
-    put32(kBitmapWidth, pixels.columns);
-    put32(kBitmapHeight, pixels.rows);
-    put16(kBitmapPlanes, 1);
-    put16(kBitmapBitCount, static_cast<uint16_t>(bitmap.bitCount));
-    put32(kBitmapImageSize, static_cast<uint32_t>(bitmap.imageSize));
-    put32(kBitmapColoursUsed, bitmap.grayCount);
-}
-
-void WriteGrays(const PixelLayout& pixels, const BitmapLayout& bitmap, uint8_t* out) {
-    for (size_t i = 0; i < bitmap.grayCount; ++i) {
-        const uint8_t gray = static_cast<uint8_t>(pixels.isInverted ? 255 - i : i);
-        out[4 * i] = out[4 * i + 1] = out[4 * i + 2] = gray;
-    }
 }
 
 // Bitmaps keep their pixels as blue, green, red.
@@ -136,38 +99,38 @@ void WriteRow(const PixelLayout& pixels, const uint8_t* frame, uint64_t row, uin
     }
 }
 
-void WriteBitmap(const PixelLayout& pixels, const BitmapLayout& bitmap, const uint8_t* frame,
-                 uint8_t* out) {
-    WriteHeader(pixels, bitmap, out);
-    WriteGrays(pixels, bitmap, out + kBitmapHeaderSize);
-    uint8_t* rowOut = out + bitmap.Size();
-    for (uint64_t row = 0; row < pixels.rows; ++row) {
-        rowOut -= bitmap.stride;
-        WriteRow(pixels, frame, row, rowOut);
-    }
+BitmapHandle ShowPixels(const PixelLayout& pixels, const BitmapHeader& header,
+                        const std::vector<uint8_t>& frame) {
+    NewBitmap bitmap(header);
+    for (uint32_t i = 0; i < header.colourCount; ++i)
+        bitmap.SetGray(i, static_cast<uint8_t>(pixels.isInverted ? 255 - i : i));
+    for (uint32_t row = 0; row < pixels.rows; ++row)
+        WriteRow(pixels, frame.data(), row, bitmap.RowFromTop(row));
+    return bitmap.Give();
 }
 
-BitmapHandle NewBitmap(PGX_Node& dataSet) {
+BitmapHandle MakeIcon(PGX_Node& dataSet, const std::function<bool(uint64_t)>& mayTake) {
     const std::optional<PixelLayout> pixels = ReadPixelLayout(dataSet);
     if (!pixels) return nullptr;
-    const BitmapLayout bitmap(*pixels);
-    if (bitmap.Size() > INT32_MAX) return nullptr;
-    const std::vector<uint8_t> frame = ReadFrame(dataSet, *pixels);
-    if (frame.empty()) return nullptr;
-
-    BitmapHandle handle(platform::AllocateGlobalBlock(bitmap.Size()));
-    uint8_t* const out = platform::LockGlobalBlock(handle.get());
-    if (out == nullptr) return nullptr;
-    WriteBitmap(*pixels, bitmap, frame.data(), out);
-    platform::UnlockGlobalBlock(handle.get());
-    return handle;
+    PGX_Node* const pixelData = FindPixelData(dataSet, *pixels);
+    if (pixelData == nullptr) return nullptr;
+    const BitmapHeader header =
+        NewBitmapHeader(pixels->columns, pixels->rows, 8 * pixels->samplesPerPixel);
+    if (header.TotalSize() > INT32_MAX) return nullptr;
+    if (!mayTake(HeapBlock(header.TotalSize()) + HeapBlock(pixels->FrameSize()))) return nullptr;
+    const std::vector<uint8_t> frame = ReadFrame(*pixelData, *pixels);
+    return frame.empty() ? nullptr : ShowPixels(*pixels, header, frame);
 }
 
 }  // namespace
 
 BitmapHandle NewIconBitmap(PGX_Node& dataSet) {
+    return NewIconBitmap(dataSet, [](uint64_t) { return true; });
+}
+
+BitmapHandle NewIconBitmap(PGX_Node& dataSet, const std::function<bool(uint64_t)>& mayTake) {
     try {
-        return NewBitmap(dataSet);
+        return MakeIcon(dataSet, mayTake);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }

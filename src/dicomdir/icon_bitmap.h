@@ -2,7 +2,10 @@
 // global memory block.
 #pragma once
 
-#include "dicomdir/bitmap_handle.h"
+#include <cstdint>
+#include <functional>
+
+#include "bitmap/bitmap_handle.h"
 #include "pgkit/node.h"
 
 namespace pgkit {
@@ -12,5 +15,9 @@ namespace pgkit {
 // any other photometric interpretation, for encapsulated pixels or samples that do not fill whole
 // bytes, when a side is 0, when there are fewer pixels than that, and when memory runs out.
 BitmapHandle NewIconBitmap(PGX_Node& dataSet);
+
+// The same, null also when it may not take the memory that it asks for: a bound from above of what
+// the bitmap takes, and of what is needed on the way. It is not asked when there is none to make.
+BitmapHandle NewIconBitmap(PGX_Node& dataSet, const std::function<bool(uint64_t)>& mayTake);
 
 }  // namespace pgkit

@@ -1,10 +1,10 @@
 // The file that a leaf refers to, as it is on the medium.
 #include <algorithm>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "base/firewall.h"
 #include "base/paths.h"
 #include "base/text.h"
 #include "dicomdir/leaf_reader.h"
@@ -53,17 +53,15 @@ std::string FileOf(const PGX_DicomDirLeafNode& leaf, const char* folder) {
     return platform::ExistingFile(std::string(*place), names);
 }
 
+size_t TellFile(const PGX_DicomDirLeafNode* leaf, const char* folder, char* path, size_t size) {
+    CopyBounded(path, size, "");
+    return leaf == nullptr ? 0 : CopyBounded(path, size, FileOf(*leaf, folder));
+}
+
 }  // namespace
 
 }  // namespace pgkit
 
 size_t pgxLeafFile(PGX_DicomDirLeafNode* leaf, const char* folder, char* path, size_t size) {
-    try {
-        const std::string file = leaf == nullptr ? std::string() : pgkit::FileOf(*leaf, folder);
-        if (path != nullptr && size > 0) path[file.copy(path, size - 1)] = '\0';
-        return file.size();
-    } catch (const std::bad_alloc&) {
-        if (path != nullptr && size > 0) path[0] = '\0';
-        return 0;
-    }
+    return pgkit::Guarded([=] { return pgkit::TellFile(leaf, folder, path, size); });
 }

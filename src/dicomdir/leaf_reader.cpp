@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "base/text.h"
-#include "dataset/tree_walk.h"
-#include "dataset/value_source.h"
+#include "dataset/tree_size.h"
 #include "dicomdir/class_uids.h"
+#include "dicomdir/record_copy.h"
 #include "dicomdir/record_keys.h"
 #include "pgkit/sopclass.h"
 
@@ -48,86 +48,93 @@ constexpr NamedType kNamedTypes[] = {
     {"WAVEFORM", PG_LEAF_WAVEFORM},         {"RAW DATA", PG_LEAF_RAW_DATA},
 };
 
-// Null also for one that a damaged length makes larger than the DICOMDIR: many leaves may share the
-// record, and each has copies of its own.
-PGX_Node* CopySequence(PGX_Node& record, KeyTag tag) {
+// The list cell of a leaf and its share of the indexes, at most.
+constexpr uint64_t kIndexMemory = 384;
+
+// What another record could not carry is left out here already: the leaf shows what it has when the
+// hierarchy is written again. Null also when the browse may not take so much: many leaves may share
+// the record, and each has copies of its own.
+PGX_Node* CopySequence(PGX_Node& record, KeyTag tag, BrowseLimits& limits) {
     PGX_Node* sequence = record.FindNode(tag.group, tag.element);
-    if (sequence == nullptr || AnyInTree(*sequence, LacksMuch)) return nullptr;
-    return sequence->DuplicateNode(1);
+    if (sequence == nullptr || !limits.TakeMemory(CopySize(*sequence))) return nullptr;
+    return CopyForRecord(sequence).release();
 }
 
-void ReadFields(PGX_Node& record, PGX_DicomDirImageNode& image) {
+void ReadFields(PGX_Node& record, PGX_DicomDirImageNode& image, BrowseLimits& limits) {
     image.rows = ReadUnsignedShortKey(record, {0x0028, 0x0010});
     image.columns = ReadUnsignedShortKey(record, {0x0028, 0x0011});
     image.numberOfFrames = ReadIntegerKey(record, {0x0028, 0x0008}, 1);
     ReadKey(record, {0x0028, 0x0004}, image.photometricInterpretation, "??");
     ReadKey(record, {0x0008, 0x0008}, image.imageType);
     ReadKey(record, {0x0050, 0x0004}, image.calibrationImage);
-    image.icon = ReadIcon(record).release();
+    image.icon = ReadIcon(record, limits).release();
 }
 
-void ReadFields(PGX_Node& record, PGX_DicomDirReportNode& report) {
+void ReadFields(PGX_Node& record, PGX_DicomDirReportNode& report, BrowseLimits& limits) {
     ReadContentDateAndTime(record, report);
     ReadKey(record, {0x0040, 0xA493}, report.verificationFlag);
     ReadKey(record, {0x0040, 0xA491}, report.completionFlag);
     ReadKey(record, {0x0040, 0xA030}, report.verificationDateTime);
-    report.conceptNameCodeSequence = CopySequence(record, kConceptNameCodeSequence);
-    report.contentSequence = CopySequence(record, kContentSequence);
+    report.conceptNameCodeSequence = CopySequence(record, kConceptNameCodeSequence, limits);
+    report.contentSequence = CopySequence(record, kContentSequence, limits);
 }
 
-void ReadFields(PGX_Node& record, PGX_DicomDirKeyObjectNode& object) {
+void ReadFields(PGX_Node& record, PGX_DicomDirKeyObjectNode& object, BrowseLimits& limits) {
     ReadContentDateAndTime(record, object);
-    object.conceptNameCodeSequence = CopySequence(record, kConceptNameCodeSequence);
-    object.contentSequence = CopySequence(record, kContentSequence);
+    object.conceptNameCodeSequence = CopySequence(record, kConceptNameCodeSequence, limits);
+    object.contentSequence = CopySequence(record, kContentSequence, limits);
 }
 
-void ReadFields(PGX_Node& record, PGX_DicomDirPresentationNode& state) {
+void ReadFields(PGX_Node& record, PGX_DicomDirPresentationNode& state, BrowseLimits& limits) {
     ReadPresentationKeys(record, state);
-    state.referencedSeriesSequence = CopySequence(record, kReferencedSeriesSequence);
+    state.referencedSeriesSequence = CopySequence(record, kReferencedSeriesSequence, limits);
 }
 
-void ReadFields(PGX_Node& record, PGX_DicomDirEncapsulatedDocNode& document) {
+void ReadFields(PGX_Node& record, PGX_DicomDirEncapsulatedDocNode& document, BrowseLimits& limits) {
     ReadDocumentKeys(record, document);
-    document.conceptNameCodeSequence = CopySequence(record, kConceptNameCodeSequence);
+    document.conceptNameCodeSequence = CopySequence(record, kConceptNameCodeSequence, limits);
 }
 
-void ReadFields(PGX_Node& record, PGX_DicomDirWaveformNode& waveform) {
+void ReadFields(PGX_Node& record, PGX_DicomDirWaveformNode& waveform, BrowseLimits&) {
     ReadContentDateAndTime(record, waveform);
 }
 
-void ReadFields(PGX_Node& record, PGX_DicomDirRawDataNode& data) {
+void ReadFields(PGX_Node& record, PGX_DicomDirRawDataNode& data, BrowseLimits&) {
     ReadContentDateAndTime(record, data);
 }
 
-void ReadFields(PGX_Node&, PGX_DicomDirLeafNode&) {}
+void ReadFields(PGX_Node&, PGX_DicomDirLeafNode&, BrowseLimits&) {}
 
 template <typename Leaf>
-std::unique_ptr<PGX_DicomDirLeafNode> NewLeaf(PGX_Node& record) {
+std::unique_ptr<PGX_DicomDirLeafNode> NewLeaf(PGX_Node& record, BrowseLimits& limits) {
+    if (!limits.TakeMemory(HeapBlock(sizeof(Leaf)) + kIndexMemory)) return nullptr;
     auto leaf = std::make_unique<Leaf>();
-    ReadFields(record, *leaf);
+    ReadFields(record, *leaf, limits);
+    if (limits.AreExhausted()) return nullptr;
     return leaf;
 }
 
-std::unique_ptr<PGX_DicomDirLeafNode> NewLeafOfType(PGX_Node& record, PgLeafType type) {
+std::unique_ptr<PGX_DicomDirLeafNode> NewLeafOfType(PGX_Node& record, PgLeafType type,
+                                                    BrowseLimits& limits) {
     switch (type) {
         case PG_LEAF_IMAGE:
-            return NewLeaf<PGX_DicomDirImageNode>(record);
+            return NewLeaf<PGX_DicomDirImageNode>(record, limits);
         case PG_LEAF_REPORT:
-            return NewLeaf<PGX_DicomDirReportNode>(record);
+            return NewLeaf<PGX_DicomDirReportNode>(record, limits);
         case PG_LEAF_KEY_OBJECT:
-            return NewLeaf<PGX_DicomDirKeyObjectNode>(record);
+            return NewLeaf<PGX_DicomDirKeyObjectNode>(record, limits);
         case PG_LEAF_PRESENTATION:
-            return NewLeaf<PGX_DicomDirPresentationNode>(record);
+            return NewLeaf<PGX_DicomDirPresentationNode>(record, limits);
         case PG_LEAF_WAVEFORM:
-            return NewLeaf<PGX_DicomDirWaveformNode>(record);
+            return NewLeaf<PGX_DicomDirWaveformNode>(record, limits);
         case PG_LEAF_ENCAPSULATED_DOC:
-            return NewLeaf<PGX_DicomDirEncapsulatedDocNode>(record);
+            return NewLeaf<PGX_DicomDirEncapsulatedDocNode>(record, limits);
         case PG_LEAF_RAW_DATA:
-            return NewLeaf<PGX_DicomDirRawDataNode>(record);
+            return NewLeaf<PGX_DicomDirRawDataNode>(record, limits);
         case PG_LEAF_OTHER:
             break;
     }
-    return NewLeaf<PGX_DicomDirLeafNode>(record);
+    return NewLeaf<PGX_DicomDirLeafNode>(record, limits);
 }
 
 void ReadFileId(PGX_Node& record, const char* folder, PGX_DicomDirLeafNode& leaf) {
@@ -164,8 +171,9 @@ std::optional<LeafKind> ClassifyLeaf(PGX_Node& record, const char* recordType) {
 
 std::unique_ptr<PGX_DicomDirLeafNode> ReadLeaf(PGX_Node& record, PgLeafType type,
                                                const char* recordType, const char* instanceUid,
-                                               const char* folder) {
-    std::unique_ptr<PGX_DicomDirLeafNode> leaf = NewLeafOfType(record, type);
+                                               const char* folder, BrowseLimits& limits) {
+    std::unique_ptr<PGX_DicomDirLeafNode> leaf = NewLeafOfType(record, type, limits);
+    if (leaf == nullptr) return nullptr;
     leaf->record = &record;
     CopyToField(leaf->recordType, recordType);
     CopyToField(leaf->instanceUid, instanceUid);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "dicomdir/browse_limits.h"
 #include "pgkit/directory_records.h"
 #include "pgkit/node.h"
 
@@ -24,9 +25,9 @@ std::optional<LeafKind> ClassifyLeaf(PGX_Node& record, const char* recordType);
 inline constexpr char kNoReferencedFileId[] = "No.ReferencedFileID";
 
 // A new leaf of the class for its type with the keys of the record. The full path begins with
-// folder.
+// folder. Null when the browse may not take so much memory.
 std::unique_ptr<PGX_DicomDirLeafNode> ReadLeaf(PGX_Node& record, PgLeafType type,
                                                const char* recordType, const char* instanceUid,
-                                               const char* folder);
+                                               const char* folder, BrowseLimits& limits);
 
 }  // namespace pgkit

@@ -1,8 +1,10 @@
 // Hierarchies that live on without their DICOMDIR.
+#include "base/firewall.h"
 #include "dicomdir/record_list.h"
 #include "pgkit/directory.h"
 #include "pgkit/patient_list.h"
 
+using pgkit::Guarded;
 using pgkit::Records;
 
 namespace {
@@ -25,13 +27,7 @@ void ForgetRecords(PGX_List& patients) {
     }
 }
 
-}  // namespace
-
-PGX_List* pgGetPatientListFromFile(const char* path) {
-    return pgGetPatientListFromOffshoreFile(path, nullptr);
-}
-
-PGX_List* pgGetPatientListFromOffshoreFile(const char* path, const char* location) {
+PGX_List* ReadPatients(const char* path, const char* location) {
     PGX_DicomDir directory;
     if (directory.OpenDicomDir(path, kLoadLimit) == 0) return nullptr;
     directory.RelocateOffshoreDicomdir(location);
@@ -41,6 +37,18 @@ PGX_List* pgGetPatientListFromOffshoreFile(const char* path, const char* locatio
     return patients;
 }
 
+}  // namespace
+
+PGX_List* pgGetPatientListFromFile(const char* path) {
+    return pgGetPatientListFromOffshoreFile(path, nullptr);
+}
+
+PGX_List* pgGetPatientListFromOffshoreFile(const char* path, const char* location) {
+    return Guarded([=] { return ReadPatients(path, location); });
+}
+
 void pgEmptyPatientList(PGX_List* patients) {
-    if (patients != nullptr) pgkit::DestroyRecords<PGX_DicomDirPatientNode>(*patients);
+    Guarded([=] {
+        if (patients != nullptr) pgkit::DestroyRecords<PGX_DicomDirPatientNode>(*patients);
+    });
 }

@@ -115,10 +115,11 @@ void ReadDocumentKeys(PGX_Node& source, PGX_DicomDirEncapsulatedDocNode& documen
     ReadKey(source, {0x0042, 0x0012}, document.mimeType);
 }
 
-BitmapHandle ReadIcon(PGX_Node& record) {
+BitmapHandle ReadIcon(PGX_Node& record, BrowseLimits& limits) {
     PGX_Node* sequence = record.FindNode(0x0088, 0x0200);
     if (sequence == nullptr || sequence->first == nullptr) return nullptr;
-    return NewIconBitmap(*sequence->first);
+    const auto mayTake = [&](uint64_t bytes) { return limits.TakeMemory(bytes); };
+    return NewIconBitmap(*sequence->first, mayTake);
 }
 
 }  // namespace pgkit

@@ -7,7 +7,8 @@
 #include <string_view>
 
 #include "base/text.h"
-#include "dicomdir/bitmap_handle.h"
+#include "bitmap/bitmap_handle.h"
+#include "dicomdir/browse_limits.h"
 #include "pgkit/directory_records.h"
 #include "pgkit/node.h"
 
@@ -63,7 +64,8 @@ void ReadContentDateAndTime(PGX_Node& source, Leaf& leaf) {
 void ReadPresentationKeys(PGX_Node& source, PGX_DicomDirPresentationNode& presentation);
 void ReadDocumentKeys(PGX_Node& source, PGX_DicomDirEncapsulatedDocNode& document);
 
-// A bitmap of the record's Icon Image Sequence, null when it has none that can be shown.
-BitmapHandle ReadIcon(PGX_Node& record);
+// A bitmap of the record's Icon Image Sequence, null when it has none that can be shown, or none
+// that the browse may still take.
+BitmapHandle ReadIcon(PGX_Node& record, BrowseLimits& limits);
 
 }  // namespace pgkit

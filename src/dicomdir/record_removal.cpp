@@ -1,7 +1,9 @@
 // Removal of single objects from a hierarchy, and of the parents that it leaves empty.
+#include "base/firewall.h"
 #include "dicomdir/record_list.h"
 #include "pgkit/patient_list.h"
 
+using pgkit::Guarded;
 using pgkit::Records;
 
 namespace {
@@ -22,43 +24,59 @@ bool RemoveFrom(PGX_List& list, Record* record) {
     return false;
 }
 
-}  // namespace
-
-void pgRemovePatient(PGX_List* patients, PGX_DicomDirPatientNode* patient) {
+void RemovePatient(PGX_List* patients, PGX_DicomDirPatientNode* patient) {
     if (patients == nullptr || patient == nullptr) return;
     patients->RemoveElement(patient);
     delete patient;
 }
 
-void pgRemoveStudy(PGX_List* patients, PGX_DicomDirStudyNode* study) {
+void RemoveStudy(PGX_List* patients, PGX_DicomDirStudyNode* study) {
     if (patients == nullptr || study == nullptr) return;
     for (PGX_DicomDirPatientNode& patient : Patients(*patients)) {
         if (!RemoveFrom(patient.studies, study)) continue;
-        if (patient.studies.count == 0) pgRemovePatient(patients, &patient);
+        if (patient.studies.count == 0) RemovePatient(patients, &patient);
         return;
     }
 }
 
-void pgRemoveSeries(PGX_List* patients, PGX_DicomDirSeriesNode* series) {
+void RemoveSeries(PGX_List* patients, PGX_DicomDirSeriesNode* series) {
     if (patients == nullptr) return;
     for (PGX_DicomDirPatientNode& patient : Patients(*patients)) {
         for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
             if (!RemoveFrom(study.series, series)) continue;
-            if (study.series.count == 0) pgRemoveStudy(patients, &study);
+            if (study.series.count == 0) RemoveStudy(patients, &study);
             return;
         }
     }
 }
 
-void pgRemoveLeaf(PGX_List* patients, PGX_DicomDirLeafNode* leaf) {
+void RemoveLeaf(PGX_List* patients, PGX_DicomDirLeafNode* leaf) {
     if (patients == nullptr) return;
     for (PGX_DicomDirPatientNode& patient : Patients(*patients)) {
         for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
             for (PGX_DicomDirSeriesNode& series : AllSeries(study.series)) {
                 if (!RemoveFrom(series.leaves, leaf)) continue;
-                if (series.leaves.count == 0) pgRemoveSeries(patients, &series);
+                if (series.leaves.count == 0) RemoveSeries(patients, &series);
                 return;
             }
         }
     }
+}
+
+}  // namespace
+
+void pgRemovePatient(PGX_List* patients, PGX_DicomDirPatientNode* patient) {
+    Guarded([=] { RemovePatient(patients, patient); });
+}
+
+void pgRemoveStudy(PGX_List* patients, PGX_DicomDirStudyNode* study) {
+    Guarded([=] { RemoveStudy(patients, study); });
+}
+
+void pgRemoveSeries(PGX_List* patients, PGX_DicomDirSeriesNode* series) {
+    Guarded([=] { RemoveSeries(patients, series); });
+}
+
+void pgRemoveLeaf(PGX_List* patients, PGX_DicomDirLeafNode* leaf) {
+    Guarded([=] { RemoveLeaf(patients, leaf); });
 }

@@ -8,9 +8,21 @@
 
 namespace pgkit {
 
+namespace {
+
+size_t CountFrom(const PGX_Node* item) {
+    size_t count = 0;
+    for (; item != nullptr; item = item->next)
+        ++count;
+    return count;
+}
+
+}  // namespace
+
 RecordTable::RecordTable(PGX_Node* firstItem) {
     if (firstItem == nullptr) return;
     if (firstItem->file != nullptr) fileSize_ = platform::StreamSize(firstItem->file);
+    records_.reserve(CountFrom(firstItem));
     for (PGX_Node* item = firstItem; item != nullptr; item = item->next) {
         records_.push_back({item, item->FindNode(0x0004, kNextRecordLink),
                             item->FindNode(0x0004, kLowerLevelLink)});

@@ -29,6 +29,11 @@ class RecordTable {
     explicit RecordTable(PGX_Node* firstItem);
 
     size_t Count() const { return records_.size(); }
+    // Of the file that they were read from; 0 when there is none.
+    uint64_t FileSize() const { return fileSize_; }
+    // What the table takes for each record, with room to sort them.
+    static constexpr size_t kMemoryPerRecord = 48;
+
     const DirectoryRecord& operator[](RecordNumber number) const { return records_[number]; }
 
     // The first record that begins at an offset of the file, which is where its item tag stands.

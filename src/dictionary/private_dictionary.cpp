@@ -8,8 +8,9 @@
 #include <optional>
 #include <utility>
 
+#include "base/firewall.h"
 #include "base/text.h"
-#include "dictionary/dictionary.h"
+#include "dictionary/tags.h"
 #include "pgkit/dictionary.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
@@ -103,6 +104,16 @@ size_t PrivateDictionary::CreatorKeyHash::operator()(const CreatorKey& key) cons
 
 bool PrivateDictionary::LoadFile(const char* path) {
     Clear();
+    try {
+        return ReadFile(path);
+    } catch (...) {
+        // An entry that the indexes do not know, or a part of a file, answers questions wrongly.
+        Clear();
+        throw;
+    }
+}
+
+bool PrivateDictionary::ReadFile(const char* path) {
     if (!platform::PathExists(path) || platform::IsDirectory(path)) return false;
     // A device or a pipe might never end.
     if (!platform::FileSize(path)) return true;
@@ -175,5 +186,6 @@ const PrivateDictionaryEntry* FindPrivateElement(uint16_t group, uint16_t elemen
 }  // namespace pgkit
 
 uint32_t pgSetPrivateDictionaryFile(const char* path) {
-    return pgkit::PrivateDictionary::Instance().LoadFile(path) ? 1 : 0;
+    return pgkit::Guarded(
+        [=] { return pgkit::PrivateDictionary::Instance().LoadFile(path) ? 1u : 0u; });
 }

@@ -32,7 +32,8 @@ class PrivateDictionary {
     // The one dictionary of the library.
     static PrivateDictionary& Instance();
 
-    // Replaces all entries by those of a file. False when path names nothing or a directory.
+    // Replaces all entries by those of a file. False when path names nothing or a directory. There
+    // are no entries when it throws.
     bool LoadFile(const char* path);
     void Clear();
 
@@ -53,6 +54,7 @@ class PrivateDictionary {
         size_t operator()(const CreatorKey& key) const;
     };
 
+    bool ReadFile(const char* path);
     void AddLine(const char* line);
 
     // In file order. A list never moves its entries, to which the indexes refer, and takes no

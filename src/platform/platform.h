@@ -1,8 +1,8 @@
 // Every call to the operating system, behind one face for Windows and POSIX.
 //
-// Paths keep their backslashes up to here. The POSIX side turns them into slashes and, when the
-// path does not exist as written, looks it up again component by component, without regard to case
-// and to blanks at the end.
+// Paths keep their backslashes up to here. The POSIX side turns them into slashes and, when a path
+// does not exist as written, looks it up again component by component, without regard to case and
+// to blanks at the end. Files are created under the very path that is given.
 #pragma once
 
 #include <cstddef>
@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pgkit::platform {
@@ -24,7 +25,8 @@ FILE* OpenForUpdate(const char* path);
 // Creates or truncates a file; null on failure, also for a pipe that nobody reads.
 FILE* CreateBinary(const char* path);
 FILE* CreateText(const char* path);
-// Opens a text file, or creates it, for writing at its end; null on failure.
+// Opens a text file, or creates it, for writing at its end; null on failure. The stream is
+// unbuffered. Others may remove the file while it is open.
 FILE* AppendText(const char* path);
 
 // True for anything that the path names, directories included.
@@ -58,18 +60,33 @@ std::vector<DirectoryEntry> ListDirectory(const char* path);
 // joined by backslashes. Empty when there is no such file.
 std::string ExistingFile(const std::string& folder, const std::string& names);
 
-// Creates a file in the directory of an existing one (of the file itself where the path is a link
-// to it), under a name that nothing had, not even a link that leads nowhere, and tells its path. On
-// POSIX nobody but the owner can open it. Null on failure; there is no path then.
-FILE* CreateReplacement(const char* path, std::string& replacement);
-// Waits until a replacement, which is closed, is on the disk: a file system may put a new name
-// there before the content, and a loss of power in between would leave neither the old file nor the
-// new.
+// Whether a path can lead to an entry of this name. On POSIX a backslash may be part of a name,
+// where no path of ours reaches it: the path leads elsewhere.
+bool IsReachableName(std::string_view name);
+// Whether the system takes paths that differ in case for the same.
+bool PathsIgnoreCase();
+
+// Whether a file of this path, as written, can be put in place as a whole: where there is none, or
+// a regular file that may be written.
+bool CanBeReplaced(const char* path);
+// Creates a file in the directory of the one that it is going to replace (of the file itself where
+// the path is a link to it), and tells its path: the name of that file, or else the stem, with
+// ".new" and a number behind it, which nothing had, not even a link that leads nowhere. Where there
+// is a file already, nobody but the owner can open the new one on POSIX. Null on failure, also for
+// a null path; there is no path then.
+FILE* CreateReplacement(const char* path, std::string& replacement, const char* stem);
+// Waits until a replacement, which is closed or unbuffered, is on the disk: a file system may put a
+// new name there before the content, and a loss of power in between would leave neither the old
+// file nor the new.
 bool FlushToDisk(const char* replacement);
-// Puts a finished file in the place of an existing one, whose permissions it takes over on POSIX;
-// streams that are open on the old file keep its content. On failure nothing has changed. On
-// Windows a file that is open can be replaced only when it was opened by OpenForReading.
+// Puts a finished file in the place of an existing one, whose permissions it takes over on POSIX,
+// or where there is none; streams that are open on the old file keep its content. On failure
+// nothing has changed. On Windows a file that is open can be replaced only when it was opened by
+// OpenForReading.
 bool ReplaceWith(const char* path, const char* replacement);
+// Removes what CreateReplacement made for the file, or with its name as the stem, and nobody put in
+// place: regular files of such names, unless the stream that it gave is open still.
+void RemoveStrayReplacements(const char* path);
 bool RemoveFile(const char* path);
 
 // Positions are 64-bit on both platforms.
@@ -77,6 +94,8 @@ bool Seek(FILE* stream, uint64_t position);
 bool SeekToEnd(FILE* stream);
 // Nothing when the stream has no position (a pipe).
 std::optional<uint64_t> Tell(FILE* stream);
+// Cuts the end of a file off.
+bool CutTo(FILE* stream, uint64_t size);
 // The length of what the stream reads; 0 when it cannot be told. May move the stream.
 uint64_t StreamSize(FILE* stream);
 

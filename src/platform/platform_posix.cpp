@@ -13,6 +13,7 @@
 
 #include "platform/name_collation.h"
 #include "platform/platform.h"
+#include "platform/posix_files.h"
 
 namespace pgkit::platform {
 
@@ -81,12 +82,6 @@ std::string ResolveByEntries(const std::string& path) {
     return resolved;
 }
 
-std::string WithSlashes(const char* path) {
-    std::string result = path;
-    std::replace(result.begin(), result.end(), '\\', '/');
-    return result;
-}
-
 std::string NativePath(const char* path) {
     std::string result = WithSlashes(path);
     return Exists(result) ? result : ResolveByEntries(result);
@@ -100,12 +95,6 @@ FileIdentity Identity(const struct stat& status) {
     return {static_cast<uint64_t>(status.st_dev), static_cast<uint64_t>(status.st_ino)};
 }
 
-std::string WithoutLinks(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr),
-                                                               &std::free);
-    return resolved != nullptr ? resolved.get() : path;
-}
-
 // Most file systems say what an entry is; only links, and entries of the others, cost a look.
 // Everything that is no directory counts as a file, whether it can be read or not.
 DirectoryEntry Classify(const std::string& directory, const dirent& entry) {
@@ -116,11 +105,6 @@ DirectoryEntry Classify(const std::string& directory, const dirent& entry) {
     known.isLink = ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
     known.isDirectory = ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
     return known;
-}
-
-FILE* Unbuffered(FILE* stream) {
-    if (stream != nullptr) std::setvbuf(stream, nullptr, _IONBF, 0);
-    return stream;
 }
 
 int OpenDescriptor(const char* path, int flags) {
@@ -147,28 +131,12 @@ FILE* OpenRegular(const char* path, uint64_t& size) {
     return Unbuffered(stream);
 }
 
-// The stream owns the descriptor, which is closed when there is no memory for it.
-FILE* StreamOf(int descriptor, const char* mode) {
-    if (descriptor < 0) return nullptr;
-    FILE* stream = ::fdopen(descriptor, mode);
-    if (stream == nullptr) ::close(descriptor);
-    return stream;
-}
-
-// Of the file itself: a link is not followed.
-void SetPermissions(const char* path, mode_t permissions) {
-    const int descriptor = ::open(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor < 0) return;
-    ::fchmod(descriptor, permissions);
-    ::close(descriptor);
-}
-
 // A pipe that nobody reads fails at once instead of waiting; one that is read is written to as
 // usual.
 FILE* Create(const char* path, int disposition, const char* mode) {
     if (path == nullptr) return nullptr;
     const int flags = O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | disposition;
-    const int descriptor = ::open(NativePath(path).c_str(), flags, 0666);
+    const int descriptor = ::open(WithSlashes(path).c_str(), flags, 0666);
     if (descriptor < 0) return nullptr;
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
     return StreamOf(descriptor, mode);
@@ -198,7 +166,7 @@ FILE* CreateBinary(const char* path) { return Unbuffered(Create(path, O_TRUNC, "
 
 FILE* CreateText(const char* path) { return Create(path, O_TRUNC, "w"); }
 
-FILE* AppendText(const char* path) { return Create(path, O_APPEND, "a"); }
+FILE* AppendText(const char* path) { return Unbuffered(Create(path, O_APPEND, "a")); }
 
 bool PathExists(const char* path) {
     struct stat status;
@@ -250,40 +218,9 @@ std::vector<DirectoryEntry> ListDirectory(const char* path) {
     return entries;
 }
 
-FILE* CreateReplacement(const char* path, std::string& replacement) {
-    constexpr int kNewOnly = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    replacement.clear();
-    const std::string target = WithoutLinks(NativePath(path));
-    for (unsigned number = 0;; ++number) {
-        std::string candidate = target + ".new" + std::to_string(number);
-        const int descriptor = ::open(candidate.c_str(), kNewOnly, S_IRUSR | S_IWUSR);
-        if (descriptor < 0 && errno == EEXIST) continue;
-        FILE* stream = Unbuffered(StreamOf(descriptor, "wb"));
-        if (stream != nullptr) {
-            replacement.swap(candidate);
-        } else if (descriptor >= 0) {
-            ::unlink(candidate.c_str());
-        }
-        return stream;
-    }
-}
+bool IsReachableName(std::string_view name) { return name.find('\\') == name.npos; }
 
-bool FlushToDisk(const char* replacement) {
-    const int descriptor = ::open(replacement, O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor < 0) return false;
-    const bool isFlushed = ::fsync(descriptor) == 0;
-    return ::close(descriptor) == 0 && isFlushed;
-}
-
-bool ReplaceWith(const char* path, const char* replacement) {
-    const std::string target = WithoutLinks(NativePath(path));
-    struct stat status;
-    if (::stat(target.c_str(), &status) != 0) return false;
-    // Only now may others read it who may read the old one. Not every file system can tell them
-    // apart.
-    SetPermissions(replacement, status.st_mode & 07777);
-    return ::rename(replacement, target.c_str()) == 0;
-}
+bool PathsIgnoreCase() { return false; }
 
 bool RemoveFile(const char* path) { return ::unlink(path) == 0; }
 
@@ -292,6 +229,10 @@ bool Seek(FILE* stream, uint64_t position) {
 }
 
 bool SeekToEnd(FILE* stream) { return ::fseeko(stream, 0, SEEK_END) == 0; }
+
+bool CutTo(FILE* stream, uint64_t size) {
+    return ::ftruncate(::fileno(stream), static_cast<off_t>(size)) == 0;
+}
 
 std::optional<uint64_t> Tell(FILE* stream) {
     const off_t position = ::ftello(stream);

@@ -1,22 +1,15 @@
-#include <fcntl.h>
-#include <io.h>
 #include <sys/stat.h>
-#include <windows.h>
 
 #include <algorithm>
 #include <memory>
 
 #include "platform/platform.h"
 #include "platform/wide_path_win32.h"
+#include "platform/win32_files.h"
 
 namespace pgkit::platform {
 
 namespace {
-
-FILE* Unbuffered(FILE* stream) {
-    if (stream != nullptr) std::setvbuf(stream, nullptr, _IONBF, 0);
-    return stream;
-}
 
 // No device name is a DICOM file.
 FILE* RegularOnly(FILE* stream, uint64_t& size) {
@@ -30,89 +23,14 @@ FILE* RegularOnly(FILE* stream, uint64_t& size) {
     return Unbuffered(stream);
 }
 
-// The stream owns the handle, which is closed when there is no memory for it.
-FILE* StreamOf(HANDLE handle, int flags, const char* mode) {
-    if (handle == INVALID_HANDLE_VALUE) return nullptr;
-    const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), flags | _O_BINARY);
-    if (descriptor < 0) {
-        CloseHandle(handle);
-        return nullptr;
-    }
-    FILE* stream = _fdopen(descriptor, mode);
-    if (stream == nullptr) _close(descriptor);
-    return stream;
-}
-
 // fopen would not share the file for deletion: nobody could then rename or replace it while it is
 // open.
 FILE* OpenShared(const char* path) {
     const HANDLE handle = CreateFileW(WidePath(path), GENERIC_READ,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return StreamOf(handle, _O_RDONLY, "rb");
+    return StreamOf(handle, _O_RDONLY | _O_BINARY, "rb");
 }
-
-// Names that are tried for a file beside another one.
-constexpr unsigned kMaxNames = 1000;
-
-std::string NameBeside(const char* path, unsigned number) {
-    return path + (".new" + std::to_string(number));
-}
-
-// Whether the last call failed because of something that has the name. Access is denied, too, to
-// the name of a deleted file until the last stream on it is closed.
-bool IsNameTaken() {
-    const DWORD error = GetLastError();
-    return error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS ||
-           error == ERROR_ACCESS_DENIED;
-}
-
-// Scanners and indexers hold files open for a moment, new ones above all. That is worth waiting
-// for, up to a second for one job.
-class Patience {
-  public:
-    bool Move(const char* from, const char* to) {
-        const WidePath source(from);
-        const WidePath target(to);
-        while (!MoveFileExW(source, target, 0)) {
-            const DWORD error = GetLastError();
-            if (error != ERROR_SHARING_VIOLATION && error != ERROR_LOCK_VIOLATION) return false;
-            if (waits_ == kMostWaits) return false;
-            ++waits_;
-            Sleep(kWait);
-        }
-        return true;
-    }
-
-  private:
-    static constexpr DWORD kWait = 20;  // milliseconds
-    static constexpr int kMostWaits = 50;
-    int waits_ = 0;
-};
-
-// Gives a file an unused name beside its own; empty on failure.
-std::string MoveAside(const char* path, Patience& patience) {
-    for (unsigned number = 0; number < kMaxNames; ++number) {
-        std::string aside = NameBeside(path, number);
-        if (patience.Move(path, aside.c_str())) return aside;
-        if (!IsNameTaken()) break;
-    }
-    return std::string();
-}
-
-struct CloseFileHandle {
-    using pointer = HANDLE;
-    void operator()(HANDLE handle) const {
-        if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
-    }
-};
-
-struct EndSearch {
-    using pointer = HANDLE;
-    void operator()(HANDLE search) const {
-        if (search != INVALID_HANDLE_VALUE) FindClose(search);
-    }
-};
 
 std::optional<FileIdentity> Identity(HANDLE handle) {
     BY_HANDLE_FILE_INFORMATION info;
@@ -159,7 +77,13 @@ FILE* CreateBinary(const char* path) { return Unbuffered(OpenWith(path, L"wb"));
 
 FILE* CreateText(const char* path) { return OpenWith(path, L"w"); }
 
-FILE* AppendText(const char* path) { return OpenWith(path, L"a"); }
+FILE* AppendText(const char* path) {
+    if (path == nullptr) return nullptr;
+    const HANDLE handle = CreateFileW(WidePath(path), GENERIC_WRITE,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return Unbuffered(StreamOf(handle, _O_WRONLY | _O_APPEND | _O_TEXT, "a"));
+}
 
 bool PathExists(const char* path) { return AttributesOf(path) != INVALID_FILE_ATTRIBUTES; }
 
@@ -225,47 +149,9 @@ std::vector<DirectoryEntry> ListDirectory(const char* path) {
     return entries;
 }
 
-// A link of the name counts as what it is: followed, it would lead to a file created elsewhere.
-FILE* CreateReplacement(const char* path, std::string& replacement) {
-    constexpr DWORD kNotThroughLinks = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
-    replacement.clear();
-    for (unsigned number = 0; number < kMaxNames; ++number) {
-        std::string candidate = NameBeside(path, number);
-        const HANDLE handle =
-            CreateFileW(WidePath(candidate.c_str()), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                        CREATE_NEW, kNotThroughLinks, nullptr);
-        if (handle == INVALID_HANDLE_VALUE && IsNameTaken()) continue;
-        FILE* stream = Unbuffered(StreamOf(handle, _O_WRONLY, "wb"));
-        if (stream != nullptr) {
-            replacement.swap(candidate);
-        } else if (handle != INVALID_HANDLE_VALUE) {
-            RemoveFile(candidate.c_str());
-        }
-        return stream;
-    }
-    return nullptr;
-}
+bool IsReachableName(std::string_view) { return true; }
 
-bool FlushToDisk(const char* replacement) {
-    const std::unique_ptr<HANDLE, CloseFileHandle> handle(
-        CreateFileW(WidePath(replacement), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-    return handle.get() != INVALID_HANDLE_VALUE && FlushFileBuffers(handle.get());
-}
-
-// An open file cannot be overwritten by a rename, but it can itself be renamed, and vanishes from
-// there when the last stream on it is closed.
-bool ReplaceWith(const char* path, const char* replacement) {
-    Patience patience;
-    const std::string aside = MoveAside(path, patience);
-    if (aside.empty()) return false;
-    if (!patience.Move(replacement, path)) {
-        Patience().Move(aside.c_str(), path);
-        return false;
-    }
-    RemoveFile(aside.c_str());
-    return true;
-}
+bool PathsIgnoreCase() { return true; }
 
 bool RemoveFile(const char* path) { return DeleteFileW(WidePath(path)) != 0; }
 
@@ -275,6 +161,10 @@ bool Seek(FILE* stream, uint64_t position) {
 }
 
 bool SeekToEnd(FILE* stream) { return _fseeki64(stream, 0, SEEK_END) == 0; }
+
+bool CutTo(FILE* stream, uint64_t size) {
+    return _chsize_s(_fileno(stream), static_cast<int64_t>(size)) == 0;
+}
 
 std::optional<uint64_t> Tell(FILE* stream) {
     const int64_t position = _ftelli64(stream);

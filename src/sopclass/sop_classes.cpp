@@ -1,7 +1,8 @@
-#include <cstring>
-
-#include "base/text.h"
 #include "pgkit/sopclass.h"
+
+#include "base/firewall.h"
+#include "base/text.h"
+#include "sopclass/lookup_texts.h"
 #include "sopclass/sop_class_set.h"
 #include "sopclass/sop_class_tables.h"
 
@@ -13,15 +14,20 @@ constexpr int32_t kFound = 0;
 constexpr int32_t kNotFound = 1;
 constexpr int32_t kNullArgument = -1;
 
-int32_t Give(const char* text, char* output) {
-    std::strcpy(output, text);  // NOLINT: the interface tells no size
-    return kFound;
+int32_t Give(const char* key, std::optional<std::string_view> (*find)(std::string_view),
+             std::string_view placeholder, char* output) {
+    CopyUnbounded(output, placeholder);
+    if (key == nullptr || output == nullptr) return kNullArgument;
+    const std::optional<std::string_view> text = find(key);
+    if (text) CopyUnbounded(output, *text);
+    return text ? kFound : kNotFound;
 }
 
 // What the site's file adds. Every entry of the set is valid.
-int32_t GiveConfigured(const char* uid, std::string SOPClass::*field, char* output) {
+std::optional<std::string_view> FindConfigured(std::string_view uid, std::string SOPClass::*field) {
     const SOPClass* sopClass = SOPClassSet::Instance().Find(uid);
-    return sopClass == nullptr ? kNotFound : Give((sopClass->*field).c_str(), output);
+    if (sopClass == nullptr) return std::nullopt;
+    return sopClass->*field;
 }
 
 // A configured class has a name and a mnemonic but no category, whatever its object says: the
@@ -30,57 +36,78 @@ bool Is(const char* uid, SopCategory category) { return IsInCategory(OrEmpty(uid
 
 }  // namespace
 
+std::optional<std::string_view> MnemonicOf(std::string_view sopClassUid) {
+    if (const ModalityRow* row = FindModality(sopClassUid)) return row->mnemonic;
+    return FindConfigured(sopClassUid, &SOPClass::mnemonic);
+}
+
+std::optional<std::string_view> ModalityNameOf(std::string_view modality) {
+    const ModalityNameRow* row = FindModalityName(modality);
+    return row == nullptr ? std::nullopt : std::optional<std::string_view>(row->description);
+}
+
+std::optional<std::string_view> UidNameOf(std::string_view uid) {
+    if (const UidRow* row = FindUid(uid)) return row->name;
+    return FindConfigured(uid, &SOPClass::name);
+}
+
 }  // namespace pgkit
 
+using pgkit::Give;
+using pgkit::Guarded;
+using pgkit::Is;
 using pgkit::SopCategory;
-using pgkit::SOPClass;
 
 int32_t pgGetSOPClassUIDToModality(const char* sopClassUid, char* modalityOut) {
-    if (modalityOut == nullptr) return pgkit::kNullArgument;
-    pgkit::Give("XX", modalityOut);
-    if (sopClassUid == nullptr) return pgkit::kNullArgument;
-    if (const pgkit::ModalityRow* row = pgkit::FindModality(sopClassUid)) {
-        return pgkit::Give(row->mnemonic, modalityOut);
-    }
-    return pgkit::GiveConfigured(sopClassUid, &SOPClass::mnemonic, modalityOut);
+    return Guarded(
+        [=] { return Give(sopClassUid, pgkit::MnemonicOf, pgkit::kNoMnemonic, modalityOut); });
 }
 
 int32_t pgGetModalityName(const char* modality, char* nameOut) {
-    if (nameOut == nullptr) return pgkit::kNullArgument;
-    pgkit::Give("<NULL modality>", nameOut);
-    if (modality == nullptr) return pgkit::kNullArgument;
-    const pgkit::ModalityNameRow* row = pgkit::FindModalityName(modality);
-    return row == nullptr ? pgkit::kNotFound : pgkit::Give(row->description, nameOut);
+    return Guarded(
+        [=] { return Give(modality, pgkit::ModalityNameOf, pgkit::kNoModalityName, nameOut); });
 }
 
 int32_t pgGetUIDName(const char* uid, char* nameOut) {
-    if (nameOut == nullptr) return pgkit::kNullArgument;
-    pgkit::Give("<NULL uid>", nameOut);
-    if (uid == nullptr) return pgkit::kNullArgument;
-    if (const pgkit::UidRow* row = pgkit::FindUid(uid)) return pgkit::Give(row->name, nameOut);
-    return pgkit::GiveConfigured(uid, &SOPClass::name, nameOut);
+    return Guarded([=] { return Give(uid, pgkit::UidNameOf, pgkit::kNoUidName, nameOut); });
 }
 
-bool pgIsImageSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Image); }
+bool pgIsImageSOPClass(const char* uid) {
+    return Guarded([=] { return Is(uid, SopCategory::Image); });
+}
 
-bool pgIsReportSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Report); }
+bool pgIsReportSOPClass(const char* uid) {
+    return Guarded([=] { return Is(uid, SopCategory::Report); });
+}
 
-bool pgIsWaveformSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Waveform); }
+bool pgIsWaveformSOPClass(const char* uid) {
+    return Guarded([=] { return Is(uid, SopCategory::Waveform); });
+}
 
-bool pgIsKeyObjectSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::KeyObject); }
+bool pgIsKeyObjectSOPClass(const char* uid) {
+    return Guarded([=] { return Is(uid, SopCategory::KeyObject); });
+}
 
-bool pgIsPresentationSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Presentation); }
+bool pgIsPresentationSOPClass(const char* uid) {
+    return Guarded([=] { return Is(uid, SopCategory::Presentation); });
+}
 
-bool pgIsRTDoseSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::RtDose); }
+bool pgIsRTDoseSOPClass(const char* uid) {
+    return Guarded([=] { return Is(uid, SopCategory::RtDose); });
+}
 
 bool pgIsRTStructureSetSOPClass(const char* uid) {
-    return pgkit::Is(uid, SopCategory::RtStructureSet);
+    return Guarded([=] { return Is(uid, SopCategory::RtStructureSet); });
 }
 
-bool pgIsRTPlanSOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::RtPlan); }
+bool pgIsRTPlanSOPClass(const char* uid) {
+    return Guarded([=] { return Is(uid, SopCategory::RtPlan); });
+}
 
-bool pgIsRadiotherapySOPClass(const char* uid) { return pgkit::Is(uid, SopCategory::Radiotherapy); }
+bool pgIsRadiotherapySOPClass(const char* uid) {
+    return Guarded([=] { return Is(uid, SopCategory::Radiotherapy); });
+}
 
 bool pgIsStorageSOPClass(const char* uid) {
-    return pgkit::FindModality(pgkit::OrEmpty(uid)) != nullptr;
+    return Guarded([=] { return pgkit::FindModality(pgkit::OrEmpty(uid)) != nullptr; });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/firewall.h"
 #include "base/text.h"
 
 namespace {
@@ -15,10 +16,7 @@ bool IsComponent(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-}  // namespace
-
-int32_t pgCheckUID(const char* text) {
-    std::string_view rest = pgkit::OrEmpty(text);
+int32_t CheckUid(std::string_view rest) {
     if (rest.size() < kShortestUid || rest.size() > kLongestUid) return 0;
     size_t dot = rest.find('.');
     if (dot == std::string_view::npos) return 0;
@@ -28,4 +26,10 @@ int32_t pgCheckUID(const char* text) {
         dot = rest.find('.');
     }
     return IsComponent(rest) ? 1 : 0;
+}
+
+}  // namespace
+
+int32_t pgCheckUID(const char* text) {
+    return pgkit::Guarded([=] { return CheckUid(pgkit::OrEmpty(text)); });
 }

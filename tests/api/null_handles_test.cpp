@@ -210,6 +210,25 @@ TEST(NullHandle, LeavesBuffersAlone) {
     EXPECT_EQ(offset, 2u);
 }
 
+TEST(NullOutput, GetsNothing) {
+    PGX_Node* const dataSet = pgKitAllocateDataSetNode();
+    PGX_Node* const node = pgKitInsertNodeWithGroupElement(dataSet, 0x0010, 0x0010, "DOE", 3);
+    EXPECT_EQ(pgKitGetValue(node, nullptr), 0);
+    EXPECT_EQ(pgKitGetStringValue(node, nullptr, 4), 0);
+    EXPECT_EQ(pgKitGetFileData(dataSet, nullptr, 0, 4), 0);
+    EXPECT_EQ(pgKitGetPixelData(node, 0, 4, nullptr), 0);
+    EXPECT_EQ(pgKitDumpToStream(node, nullptr, ""), 0);
+    EXPECT_EQ(pgKitDumpToFile(node, nullptr), 0);
+    pgKitWriteNode(node, nullptr, 0);
+    EXPECT_EQ(pgKitWriteNodeEx(node, nullptr, 0), 3u);
+    EXPECT_EQ(node->GetTagName(nullptr), 0);
+    uint32_t length = 1;
+    PGX_Node* const pixels = pgKitInsertEncodedPixelDataNode(dataSet, 1);
+    EXPECT_EQ(pgKitGetEncodedPixelInfo(pixels, 0, &length, nullptr), 0);
+    EXPECT_EQ(pgKitGetEncodedPixelInfo(pixels, 0, nullptr, nullptr), 0);
+    pgKitFreeNodeHierarchy(dataSet);
+}
+
 TEST(NullPath, OpensNothing) {
     EXPECT_EQ(pgKitOpenDataSetFile(nullptr, 64), nullptr);
     CapturePrinted([] { EXPECT_EQ(pgKitOpenDicomDir(nullptr, 64), nullptr); });

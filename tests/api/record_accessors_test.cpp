@@ -66,7 +66,12 @@ INSTANTIATE_TEST_SUITE_P(
         Text("SeriesInstitutionAddress", pgKitDirGetSeriesInstitutionAddress,
              &Series::institutionAddress),
         Text("SeriesPerformingPhysiciansName", pgKitDirGetSeriesPerformingPhysiciansName,
-             &Series::performingPhysiciansName),
+             &Series::performingPhysiciansName)),
+    [](const auto& instance) { return instance.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryLeaf, TextOfRecord,
+    testing::Values(
         Text("LeafRecordType", pgKitDirGetLeafRecordType, &Leaf::recordType),
         Text("LeafInstanceUID", pgKitDirGetLeafInstanceUID, &Leaf::instanceUid),
         Text("LeafSOPClassUID", pgKitDirGetLeafSOPClassUID, &Leaf::sopClassUid),

@@ -253,7 +253,8 @@ TEST_F(Unindexed, FragmentsAreCopiedFromTheFile) {
     EXPECT_EQ(encoded.result, 0u);
     EXPECT_EQ(encoded.bytes, StreamBuilder()
                                  .Header(0x7FE0, 0x0010, "OB", kUndefined)
-                                 .Item(0)
+                                 .Item(4)
+                                 .U32(0)
                                  .Item(4)
                                  .Text("abcd")
                                  .Item(0)
@@ -261,6 +262,27 @@ TEST_F(Unindexed, FragmentsAreCopiedFromTheFile) {
                                  .Text("ef")
                                  .EndSequence()
                                  .Data());
+}
+
+// The offsets of the table stayed behind, and frames of several fragments could no longer be told
+// apart. Items keep their sizes, odd ones too, so that the offsets stay right.
+TEST_F(Unindexed, FragmentsKeepTheirOffsetTableAndOddSizes) {
+    const StreamBuilder items = StreamBuilder()
+                                    .Item(8)
+                                    .U32(0)
+                                    .U32(21)
+                                    .Item(3)
+                                    .Text("abc")
+                                    .Item(2)
+                                    .Text("de")
+                                    .Item(2)
+                                    .Text("fg")
+                                    .EndSequence();
+    SetSource(StreamBuilder().U16(0).Append(items.Data()));
+    const Encoded encoded = Encode(kExplicitLittle);
+    EXPECT_EQ(encoded.result, 0u);
+    EXPECT_EQ(encoded.bytes,
+              StreamBuilder().Header(0x7FE0, 0x0010, "OB", kUndefined).Append(items.Data()).Data());
 }
 
 TEST_F(Unindexed, FragmentsEndWithTheirFile) {
@@ -279,9 +301,26 @@ TEST_F(Unindexed, FragmentsThatAreCutShortFail) {
     EXPECT_EQ(Encode(kExplicitLittle).result, kReadFailed);
 }
 
-TEST_F(Unindexed, PixelDataThatDoesNotBeginWithAnItemFails) {
-    SetSource(StreamBuilder().U16(0).EndSequence());
-    EXPECT_EQ(Encode(kExplicitLittle).result, kReadFailed);
+// A file that ends before the first item could not be saved at all.
+TEST_F(Unindexed, PixelDataWithoutAnyItemAreWrittenEmpty) {
+    const Bytes empty =
+        StreamBuilder().Header(0x7FE0, 0x0010, "OB", kUndefined).Item(0).EndSequence().Data();
+    for (const StreamBuilder& nothing :
+         {StreamBuilder(), StreamBuilder().Text("abc"), StreamBuilder().EndSequence(),
+          StreamBuilder().Item(8).U32(0)}) {
+        SetSource(StreamBuilder().U16(0).Append(nothing.Data()));
+        const Encoded encoded = Encode(kExplicitLittle);
+        EXPECT_EQ(encoded.result, 0u);
+        EXPECT_EQ(encoded.bytes, empty);
+    }
+}
+
+TEST_F(Unindexed, PixelDataThatDoNotBeginWithAnItemFail) {
+    for (const StreamBuilder& other :
+         {StreamBuilder().Text("abcdefgh"), StreamBuilder().U32(0xFFFFFFFF).Text("abcdefgh")}) {
+        SetSource(StreamBuilder().U16(0).Append(other.Data()));
+        EXPECT_EQ(Encode(kExplicitLittle).result, kReadFailed);
+    }
 }
 
 TEST_F(Unindexed, FragmentsWithoutFileFail) {

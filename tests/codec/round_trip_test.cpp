@@ -17,13 +17,9 @@ namespace {
 
 using namespace pgkit_test;
 
-// Files that are not read as what they are, or not written as what their reader takes them for.
+// Implicit VR, read as explicit VR for want of a transfer syntax.
 bool IsLostInTranslation(const std::string& name) {
-    // Implicit VR, read as explicit VR for want of a transfer syntax.
-    if (name == "headerless/meta_without_transfer_syntax.dcm") return true;
-    // A private syntax is written explicit VR like every syntax that is not one of the native ones,
-    // and read as the implicit VR that it stands for.
-    return name == "native/mr_ge_private_syntax_be_pixels.dcm";
+    return name == "headerless/meta_without_transfer_syntax.dcm";
 }
 
 std::vector<std::string> WholeFiles() {
@@ -58,6 +54,8 @@ class RoundTrip : public testing::TestWithParam<std::string> {
         ASSERT_NE(reread, nullptr);
         EXPECT_EQ(FirstDifference(*original, *reread), "");
 
+        // A private syntax becomes a native one, which obeys the mode from then on.
+        if (GetParam() == "native/mr_ge_private_syntax_be_pixels.dcm") return;
         const std::string second = directory_.Path("second");
         ASSERT_EQ(reread->SaveDataSetAsEx(second.c_str(), mode), 0u);
         EXPECT_TRUE(ReadFile(first) == ReadFile(second));

@@ -8,6 +8,7 @@
 #include "codec/encoded.h"
 #include "support/captured.h"
 #include "support/save_modes.h"
+#include "support/stream.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
 #include "support/write_results.h"
@@ -158,6 +159,104 @@ TEST_F(SaveOverSource, OfAStreamOfTheHostLosesNothing) {
     }
     EXPECT_EQ(TextOf(root->first), "DOE^JOHN");
     EXPECT_EQ(FilesInDirectory(), 1u);
+}
+
+// ---- In place -----------------------------------------------------------------------------------
+
+class SaveInPlace : public SaveOverSource {
+  protected:
+    // A Part 10 file with a second name, opened with all its values in memory: but for those of the
+    // File Meta Information, which no open function loads.
+    void OpenLoaded() {
+        path_ = directory_.Write("source.dcm", StreamBuilder()
+                                                   .Part10("1.2.840.10008.1.2.1")
+                                                   .Element(0x0010, 0x0010, "PN", "DOE^JOHN")
+                                                   .Data());
+        fs::create_hard_link(path_, other_);
+        root_.reset(pgOpenDataSetFile(path_.c_str(), kLoadAll));
+        ASSERT_NE(root_, nullptr);
+        ASSERT_EQ(root_->FindNode(0x0002, 0x0010)->value, nullptr);
+    }
+
+    bool IsInPlace() { return fs::equivalent(path_, other_); }
+
+    const std::string other_ = directory_.Path("other.dcm");
+};
+
+// Any file of the tree was replaced, whether something was still to be read from it or not: other
+// names of it kept the old content.
+TEST_F(SaveInPlace, HappensToAFileThatNothingIsReadFromAnyMore) {
+    OpenLoaded();
+    root_->AddOrReplaceNode(0x0010, 0x0010, "DOE^JANE", 8);
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kAsRead), 0u);
+        EXPECT_TRUE(IsInPlace());
+        const DataSet reread(pgOpenDataSetFile(other_.c_str(), kLoadAll));
+        EXPECT_EQ(TextOf(reread->FindNode(0x0010, 0x0010)), "DOE^JANE");
+        EXPECT_EQ(TextOf(reread->FindNode(0x0002, 0x0010)), PaddedUid("1.2.840.10008.1.2.1"));
+        EXPECT_EQ(TextOf(root_->FindNode(0x0002, 0x0010)), PaddedUid("1.2.840.10008.1.2.1"));
+    }
+}
+
+TEST_F(SaveInPlace, NeedsNoOtherFileInTheDirectory) {
+    OpenLoaded();
+    const size_t before = FilesInDirectory();
+    fs::permissions(directory_.Path(""), fs::perms::owner_read | fs::perms::owner_exec);
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kAsRead), 0u);
+    fs::permissions(directory_.Path(""), fs::perms::owner_all);
+    EXPECT_EQ(FilesInDirectory(), before);
+}
+
+TEST_F(SaveInPlace, LeavesOutWhatTheOlderFormDoes) {
+    OpenLoaded();
+    root_->SaveDataSetAs(0, path_.c_str());
+    EXPECT_TRUE(IsInPlace());
+    EXPECT_EQ(ReadFile(path_), StreamBuilder(VrMode::Implicit, Order::Big)
+                                   .Element(0x0010, 0x0010, "PN", "DOE^JOHN")
+                                   .Data());
+    EXPECT_EQ(TextOf(root_->FindNode(0x0002, 0x0010)), PaddedUid("1.2.840.10008.1.2.1"));
+}
+
+TEST_F(SaveInPlace, DoesNotHappenWhileAValueIsUnread) {
+    OpenLoaded();
+    root_.reset(pgOpenDataSetFile(path_.c_str(), 8));
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kAsRead), 0u);
+    EXPECT_FALSE(IsInPlace());
+    EXPECT_EQ(TextOf(root_->FindNode(0x0010, 0x0010)), "DOE^JOHN");
+}
+
+TEST_F(SaveInPlace, DoesNotHappenWhileAFragmentIsUnread) {
+    for (const uint32_t flags : {0u, uint32_t{PG_OPEN_SKIP_FRAGMENTS}}) {
+        StreamBuilder file;
+        file.Part10("1.2.840.10008.1.2.4.70").Header(0x7FE0, 0x0010, "OB", kUndefined);
+        file.Item(0).Item(4).Text("abcd").EndSequence();
+        path_ = directory_.Write("source.dcm", file.Data());
+        fs::remove(other_);
+        fs::create_hard_link(path_, other_);
+        root_.reset(pgOpenDataSetFileEx(path_.c_str(), kLoadAll, flags));
+        EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kAsRead), 0u);
+        EXPECT_FALSE(IsInPlace());
+        EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kAsRead), 0u);
+        root_.reset();
+        const OpenedStream reread(ReadFile(path_));
+        EXPECT_EQ(reread->FindNode(0x7FE0, 0x0010)->fragmentCount, 1u);
+    }
+}
+
+// A value of the File Meta Information that is not there in full cannot be read first.
+TEST_F(SaveInPlace, DoesNotHappenToAFileWhoseMetaInformationIsCut) {
+    const Bytes before = StreamBuilder()
+                             .Part10("1.2.840.10008.1.2.1")
+                             .Header(0x0002, 0x0100, "OB", 1000)
+                             .Text("abcd")
+                             .Data();
+    path_ = directory_.Write("source.dcm", before);
+    root_.reset(pgAllocateDataSetNode());
+    const Stream source = OpenStream(path_, "rb");
+    root_->AddPart10Elements(nullptr);
+    SetSource(*root_->InsertNode(0x0002, 0x0100, nullptr, 0), source.get(), 178, 1000);
+    EXPECT_EQ(root_->SaveDataSetAsEx(path_.c_str(), kPart10Explicit), kReadFailed);
+    EXPECT_EQ(ReadFile(path_), before);
 }
 
 }  // namespace

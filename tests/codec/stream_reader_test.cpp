@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "support/failing_files.h"
 #include "support/stream.h"
 #include "support/temp_dir.h"
 
@@ -160,6 +161,61 @@ TEST_F(StreamReaderTest, ToleratesAFileShorterThanItsKnownSize) {
     EXPECT_EQ(reader.Read(bytes, sizeof bytes), 10u);
     EXPECT_EQ(bytes[9], Expected(99));
     EXPECT_EQ(reader.Remaining(), 0u);
+}
+
+TEST_F(StreamReaderTest, TellsTheEndFromAFailure) {
+    StreamReader reader(Stream(300000));
+    pgkit_test::Bytes piece(200000);
+    reader.Read(piece.data(), 10);
+    EXPECT_FALSE(reader.HasFailed());
+    reader.Seek(299990);
+    EXPECT_EQ(reader.Peek(20), nullptr);
+    EXPECT_EQ(reader.Read(piece.data(), 100), 10u);
+    reader.Seek(200000);
+    EXPECT_EQ(reader.Read(piece.data(), piece.size()), 100000u);
+    reader.Seek(uint64_t{1} << 40);
+    EXPECT_EQ(reader.Read(piece.data(), 1), 0u);
+    EXPECT_FALSE(reader.HasFailed());
+}
+
+TEST_F(StreamReaderTest, TellsAFailureFromTheEnd) {
+    FILE* const stream = Stream(300000);
+    for (const size_t size : {size_t{10}, size_t{100000}}) {
+        for (size_t allowed = 0; allowed < 2; ++allowed) {
+            StreamReader reader(stream);
+            pgkit_test::Bytes piece(size);
+            {
+                const pgkit_test::FailingFiles failing(allowed);
+                EXPECT_EQ(reader.Read(piece.data(), size), 0u);
+            }
+            EXPECT_TRUE(reader.HasFailed());
+        }
+    }
+}
+
+TEST_F(StreamReaderTest, RemembersAFailure) {
+    StreamReader reader(Stream(300000));
+    {
+        const pgkit_test::FailingFiles failing(0);
+        EXPECT_EQ(reader.Peek(4), nullptr);
+    }
+    EXPECT_TRUE(reader.HasFailed());
+    reader.Seek(100000);
+    Next(reader);
+    EXPECT_TRUE(reader.HasFailed());
+}
+
+// The mark of an error stays with a stream: it may be another's.
+TEST_F(StreamReaderTest, TakesNoOldErrorOfTheStreamForItsOwn) {
+    pgkit_test::TempDir directory;
+    const pgkit_test::Stream stream =
+        pgkit_test::OpenStream(directory.Write("old", "0123456789"), "rb");
+    std::fputc('x', stream.get());  // a stream for reading takes nothing
+    ASSERT_NE(std::ferror(stream.get()), 0);
+    StreamReader reader(stream.get());
+    uint8_t bytes[20];
+    EXPECT_EQ(reader.Read(bytes, sizeof bytes), 10u);
+    EXPECT_FALSE(reader.HasFailed());
 }
 
 }  // namespace

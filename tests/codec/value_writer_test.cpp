@@ -7,7 +7,7 @@
 
 #include "codec/encoded.h"
 #include "codec/failing_sink.h"
-#include "dictionary/vr_traits.h"
+#include "dictionary/vr_properties.h"
 
 namespace {
 

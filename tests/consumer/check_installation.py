@@ -7,6 +7,7 @@ The last line is "N passed, M failed".
 """
 import os
 import pathlib
+import re
 import shlex
 import subprocess
 import sys
@@ -122,6 +123,22 @@ def check_python(kit):
                            f"{VERSION} {kit.prefix.resolve()}/lib/libpgkit.so.2")
 
 
+def names_path(text, path):
+    """Whether a text names this path, or one below it, from the root on. "/include/pgkit" does not
+    name "/pgkit", but "-I/pgkit/include" does."""
+    return re.search(rf"(?:^|(?<![\w}})./~-])|(?<=-[IL])){re.escape(str(path))}(?![\w.-])",
+                     text) is not None
+
+
+def check_names_path():
+    wrong = [text for text, expected in (
+        ('set(x "/pgkit")', True), ("-I/pgkit/include", True), ("/pgkit/build;/usr", True),
+        ("a=/pgkit", True), ("${prefix}/pgkit", False), ("lib/cmake/pgkit", False),
+        ("/opt/pgkit/include", False), ("/pgkit-2", False), ("/pgkit.pc", False))
+             if names_path(text, "/pgkit") != expected]
+    return f"are taken wrongly: {wrong}" if wrong else None
+
+
 def check_content(kit):
     """What a developer expects is there, nothing else is beside it, and no file tells whence."""
     modules = (["bin/pgkit.dll", "bin/pgview32.dll", "bin/pgtool.exe", "lib/libpgkit.dll.a",
@@ -144,7 +161,8 @@ def check_content(kit):
     if odd:
         return f"not expected: {odd}"
     telling = [name for name, path in found.items() if path.suffix in (".cmake", ".pc")
-               and (str(ROOT) in path.read_text() or "/first" in path.read_text())]
+               and any(names_path(path.read_text(), origin)
+                       for origin in (ROOT, kit.work.parent / "first"))]
     return f"name their origin: {telling}" if telling else None
 
 
@@ -194,6 +212,8 @@ def main(native, windows, wine):
                                                                            check_tool)),
             ("linux", check_pkg_config), ("linux", check_python),
             ("windows", check_definitions)]]
+        # Paths of a checkout that has the package's name, as in /pgkit, were once found everywhere.
+        checks.append(("self", "check_names_path", check_names_path, ()))
         return run_checks(checks)
 
 

@@ -1,15 +1,18 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
+#include <cstdint>
 #include <string>
 
 #include "support/captured.h"
+#include "support/cost.h"
 #include "support/nodes.h"
 #include "support/tree.h"
 
 namespace {
 
 using pgkit_test::CapturePrinted;
+using pgkit_test::ExpectCheap;
 using pgkit_test::NewDataSet;
 using pgkit_test::NewElement;
 using pgkit_test::Printed;
@@ -97,9 +100,12 @@ TEST(NodeConstruction, AssignmentSharesThePointers) {
 }
 
 TEST(NodeRelease, NullIsAllowedEverywhere) {
-    pgFreeNode(nullptr);
-    pgFreeNodeHierarchy(nullptr);
-    pgCloseDataSet(nullptr);
+    const Printed printed = CapturePrinted([] {
+        pgFreeNode(nullptr);
+        pgFreeNodeHierarchy(nullptr);
+        pgCloseDataSet(nullptr);
+    });
+    EXPECT_EQ(printed.out + printed.err, "");
 }
 
 TEST(NodeRelease, FreeingANodeLeavesChildrenAndSiblings) {
@@ -114,14 +120,21 @@ TEST(NodeRelease, FreeingANodeLeavesChildrenAndSiblings) {
 }
 
 TEST(NodeRelease, VeryDeepTreesAreFreedWithoutRecursion) {
-    PGX_Node* inner = nullptr;
-    for (int level = 0; level < 100'000; ++level) {
-        PGX_Node* item = NewDataSet().release();
-        item->first = inner;
-        inner = NewElement(0x0040, 0xA730, VR_SQ).release();
-        inner->SeqAddHead(item);
-    }
-    pgFreeNodeHierarchy(inner);
+    constexpr int kLevels = 100'000;
+    // Room for one tree and half of another: each is given back as a whole.
+    constexpr uint64_t kMemory = 3ull * kLevels * (sizeof(PGX_Node) + 40);
+    ExpectCheap(kMemory, [] {
+        for (int tree = 0; tree < 5; ++tree) {
+            PGX_Node* inner = nullptr;
+            for (int level = 0; level < kLevels; ++level) {
+                PGX_Node* item = NewDataSet().release();
+                item->first = inner;
+                inner = NewElement(0x0040, 0xA730, VR_SQ).release();
+                inner->SeqAddHead(item);
+            }
+            pgFreeNodeHierarchy(inner);
+        }
+    });
 }
 
 TEST(FindNode, GivesTheFirstDirectChildWithTheTag) {

@@ -12,6 +12,7 @@ namespace {
 using pgkit::FreeTreeMemory;
 using pgkit::IsTreeMemory;
 using pgkit::TreeMemory;
+using pgkit::platform::kGapBehindPieces;
 
 constexpr size_t kNodeSize = 120;
 constexpr size_t kWorthABlock = size_t{2} << 20;
@@ -23,23 +24,12 @@ void MakeLarge(TreeMemory& memory) {
         ASSERT_EQ(memory.Allocate(kNodeSize), nullptr);
 }
 
-class LargeTreeMemory : public testing::Test {
-  protected:
-    void SetUp() override {
-        TreeMemory memory;
-        MakeLarge(memory);
-        void* cell = memory.Allocate(1);
-        if (cell == nullptr) GTEST_SKIP() << "everything comes from the heap here";
-        FreeTreeMemory(cell);
-    }
-
-    static std::vector<void*> FillTwoBlocks(TreeMemory& memory) {
-        std::vector<void*> cells;
-        for (size_t used = 0; used < 2 * kBlockSize; used += kNodeSize)
-            cells.push_back(memory.Allocate(kNodeSize));
-        return cells;
-    }
-};
+std::vector<void*> FillTwoBlocks(TreeMemory& memory) {
+    std::vector<void*> cells;
+    for (size_t used = 0; used < 2 * kBlockSize; used += kNodeSize)
+        cells.push_back(memory.Allocate(kNodeSize));
+    return cells;
+}
 
 TEST(TreeMemory, NeitherNullNorTheHeapIsTreeMemory) {
     const std::vector<char> heap(100);
@@ -52,20 +42,20 @@ TEST(TreeMemory, SmallTreesComeFromTheHeap) {
     MakeLarge(memory);
 }
 
-TEST_F(LargeTreeMemory, CellsFollowEachOther) {
+TEST(LargeTreeMemory, CellsFollowEachOther) {
     TreeMemory memory;
     MakeLarge(memory);
     auto* node = static_cast<char*>(memory.Allocate(kNodeSize));
     auto* value = static_cast<char*>(memory.Allocate(6));
     auto* next = static_cast<char*>(memory.Allocate(kNodeSize));
     EXPECT_TRUE(IsTreeMemory(node));
-    EXPECT_EQ(value, node + kNodeSize);
-    EXPECT_EQ(next, value + 8);
+    EXPECT_EQ(value, node + kNodeSize + kGapBehindPieces);
+    EXPECT_EQ(next, value + 8 + kGapBehindPieces);
     for (char* cell : {node, value, next})
         FreeTreeMemory(cell);
 }
 
-TEST_F(LargeTreeMemory, LongValuesComeFromTheHeap) {
+TEST(LargeTreeMemory, LongValuesComeFromTheHeap) {
     TreeMemory memory;
     MakeLarge(memory);
     EXPECT_EQ(memory.Allocate(257), nullptr);
@@ -74,7 +64,7 @@ TEST_F(LargeTreeMemory, LongValuesComeFromTheHeap) {
     FreeTreeMemory(cell);
 }
 
-TEST_F(LargeTreeMemory, CellsOutliveTheTreeTheyWereReadFor) {
+TEST(LargeTreeMemory, CellsOutliveTheTreeTheyWereReadFor) {
     std::vector<void*> cells;
     {
         TreeMemory memory;
@@ -91,29 +81,59 @@ TEST_F(LargeTreeMemory, CellsOutliveTheTreeTheyWereReadFor) {
     FreeTreeMemory(kept);
 }
 
-TEST_F(LargeTreeMemory, BlocksAreUsedAgainWhenTheirLastCellIsFree) {
-    void* first = nullptr;
-    for (int tree = 0; tree < 3; ++tree) {
+// The addresses of a tree that was gone stayed taken, and so did 16 GiB for the first one.
+TEST(LargeTreeMemory, BlocksGoBackWithTheirLastCell) {
+    void* last = nullptr;
+    {
         TreeMemory memory;
         MakeLarge(memory);
         const std::vector<void*> cells = FillTwoBlocks(memory);
-        if (first == nullptr) first = cells.front();
-        EXPECT_EQ(cells.front(), first);
+        last = cells.back();
         for (void* cell : cells)
             FreeTreeMemory(cell);
+        EXPECT_FALSE(IsTreeMemory(cells.front()));
+        EXPECT_TRUE(IsTreeMemory(last));  // in the block that is open
     }
+    EXPECT_FALSE(IsTreeMemory(last));
 }
 
-TEST_F(LargeTreeMemory, OpenBlockStaysWhenAllItsCellsAreFree) {
+// A long value was a cell when the open block had room for it.
+TEST(LargeTreeMemory, LongValuesComeFromTheHeapWhenABlockIsOpen) {
+    TreeMemory memory;
+    MakeLarge(memory);
+    void* cell = memory.Allocate(8);
+    EXPECT_EQ(memory.Allocate(257), nullptr);
+    FreeTreeMemory(cell);
+}
+
+// The address sanitizer saw nothing of what happens in the memory of large trees.
+TEST(LargeTreeMemory, IsWatchedByTheAddressSanitizer) {
+    if (!PGKIT_TEST_SANITIZED) GTEST_SKIP() << "there is no address sanitizer";
+    TreeMemory memory;
+    MakeLarge(memory);
+    auto* cell = static_cast<char*>(memory.Allocate(13));
+    auto* next = static_cast<char*>(memory.Allocate(8));
+    const auto touch = [](char* byte) { *static_cast<volatile char*>(byte) = 'x'; };
+    touch(cell + 12);
+    EXPECT_DEATH(touch(cell + 13), "use-after-poison");
+    FreeTreeMemory(cell);
+    EXPECT_DEATH(touch(cell), "use-after-poison");
+    EXPECT_DEATH(FreeTreeMemory(cell), "use-after-poison");
+    touch(next);
+    FreeTreeMemory(next);
+}
+
+TEST(LargeTreeMemory, OpenBlockStaysWhenAllItsCellsAreFree) {
     TreeMemory memory;
     MakeLarge(memory);
     auto* cell = static_cast<char*>(memory.Allocate(8));
     FreeTreeMemory(cell);
-    EXPECT_EQ(memory.Allocate(8), cell + 8);
-    FreeTreeMemory(cell + 8);
+    void* const next = memory.Allocate(8);
+    EXPECT_EQ(next, cell + 8 + kGapBehindPieces);
+    FreeTreeMemory(next);
 }
 
-TEST_F(LargeTreeMemory, ThreadsFreeWhatOthersHaveAllocated) {
+TEST(LargeTreeMemory, ThreadsFreeWhatOthersHaveAllocated) {
     std::vector<std::vector<void*>> trees(4);
     pgkit_test::RunOnThreads(trees.size(), [&trees](size_t i) {
         TreeMemory memory;

@@ -118,19 +118,134 @@ TEST(SharedRecords, AreBrowsedInFullWhileTheyAreFew) {
     EXPECT_EQ(browsed->leafCount, 1000);
 }
 
-// 40 records of each level stand for 64,000 images; 12,100 records are handled, 100 for each one.
-TEST(SharedRecords, AreBoundedByTheNumberOfRecords) {
-    BrowsedDirectory browsed(FullyShared(40));
-    EXPECT_GT(browsed->leafCount, 5000);
-    EXPECT_LT(browsed->leafCount, 12100);
-    EXPECT_EQ(browsed.Messages(), "");
-}
+constexpr char kTooMany[] = "DICOMDIR parsing error: too many shared records\n";
 
-TEST(SharedRecords, ThatAreFewAreHandledTenThousandTimes) {
-    const DirectoryBuilder directory = FullyShared(22);  // 10,648 images of 67 records
-    BrowsedDirectory browsed(directory);
+// 40 records of each level stand for 64,000 images; ten thousand of 121 records are visited.
+TEST(SharedRecords, AreVisitedTenThousandTimesWhenThereAreFew) {
+    BrowsedDirectory browsed(FullyShared(40));
     EXPECT_GT(browsed->leafCount, 4500);
     EXPECT_LT(browsed->leafCount, 10000);
+    EXPECT_EQ(browsed.Messages(), kTooMany);
+}
+
+// Used to be visited 100 times as often as there are records.
+TEST(SharedRecords, AreVisitedFourTimesAsOftenAsThereAreRecords) {
+    constexpr int32_t kCount = 2000;
+    DirectoryBuilder directory;
+    const size_t study = directory.Study(directory.Patient("P", "DOE"), "S");
+    const size_t first = directory.Series(study, "0", "CT");
+    for (int32_t i = 0; i < kCount; ++i)
+        directory.Image(first, std::to_string(i), i);
+    for (int32_t i = 1; i < kCount; ++i)
+        directory[directory.Series(study, std::to_string(i), "CT")].lower = first + 1;
+    BrowsedDirectory browsed(directory);
+    // 2 and 2 * 2,000 records. Seven whole series of one and 2,000 visits, and part of another.
+    constexpr int32_t kVisits = 4 * (2 + 2 * kCount);
+    EXPECT_EQ(browsed->leafCount, kVisits - 2 - 8);
+    EXPECT_EQ(browsed.Messages(), kTooMany);
+}
+
+// 98 series with the same 100 images, and one with images of its own: with 99 of those, ten
+// thousand visits.
+DirectoryBuilder ManyVisits(int32_t ownImages) {
+    DirectoryBuilder directory;
+    const size_t study = directory.Study(directory.Patient("P", "DOE"), "S");
+    const size_t first = directory.Series(study, "0", "CT");
+    for (int32_t i = 0; i < 100; ++i)
+        directory.Image(first, std::to_string(i), i);
+    for (int32_t i = 1; i < 98; ++i)
+        directory[directory.Series(study, std::to_string(i), "CT")].lower = first + 1;
+    const size_t last = directory.Series(study, "98", "CT");
+    for (int32_t i = 0; i < ownImages; ++i)
+        directory.Image(last, std::to_string(i), i);
+    return directory;
+}
+
+TEST(SharedRecords, AreReportedFromTheFirstThatIsLeftOut) {
+    BrowsedDirectory whole(ManyVisits(99));
+    EXPECT_EQ(whole->leafCount, 98 * 100 + 99);
+    EXPECT_EQ(whole.Messages(), "");
+    BrowsedDirectory cut(ManyVisits(100));
+    EXPECT_EQ(cut->leafCount, 98 * 100 + 99);
+    EXPECT_EQ(cut.Messages(), kTooMany);
+}
+
+TEST(SharedRecords, AreReportedOnceInEachBrowse) {
+    BrowsedDirectory browsed(FullyShared(40));
+    const std::string again =
+        pgkit_test::CapturePrinted([&] { browsed->Browse(nullptr, nullptr); }).out;
+    EXPECT_EQ(again.find(kTooMany), again.rfind(kTooMany));
+    EXPECT_NE(again.find(kTooMany), std::string::npos);
+}
+
+// Each of 1,000 series shows the same record.
+DirectoryBuilder SharedBySeries(const DirectoryRecordSpec& record) {
+    DirectoryBuilder directory;
+    const size_t study = directory.Study(directory.Patient("P", "DOE"), "S");
+    const size_t first = directory.Series(study, "0", "CT");
+    const size_t leaf = directory.Image(first, "1", 1);
+    for (const auto& [tag, key] : record.keys)
+        directory[leaf].keys[tag] = key;
+    for (int i = 1; i < 1000; ++i)
+        directory[directory.Series(study, std::to_string(i), "CT")].lower = leaf;
+    return directory;
+}
+
+// Opens and browses a file within the memory that its size allows; the number of its leaves.
+int32_t BrowseWithinBounds(const DirectoryBuilder& builder) {
+    const Bytes file = builder.Build();
+    int32_t leafCount = 0;
+    pgkit_test::ExpectCheap((uint64_t{64} << 20) + 60 * file.size(), [&] {
+        BrowsedDirectory browsed(file);
+        leafCount = browsed->leafCount;
+        EXPECT_EQ(browsed.Messages(), kTooMany);
+    });
+    return leafCount;
+}
+
+std::string Text(const StreamBuilder& stream) {
+    return std::string(stream.Data().begin(), stream.Data().end());
+}
+
+// Used to take as much memory as 64 MiB of such sequences in the file: 1,900 times the file.
+TEST(SharedRecords, WithSequencesAreBoundedByTheMemoryOfTheirCopies) {
+    StreamBuilder items;
+    items.Item(0xFFFFFFFF);
+    for (uint16_t i = 0; i < 2000; ++i)
+        items.Element(0x0040, static_cast<uint16_t>(0xA000 + i), "LO", "");
+    items.EndItem();
+    DirectoryRecordSpec record;
+    record.Set(0x0004, 0x1430, "CS", "SR DOCUMENT").Set(0x0040, 0xA730, "SQ", Text(items));
+    const int32_t leafCount = BrowseWithinBounds(SharedBySeries(record));
+    EXPECT_GT(leafCount, 100);
+    EXPECT_LT(leafCount, 1000);
+}
+
+// The rows of a bitmap are filled up to four bytes: it is four times as large as these pixels.
+TEST(SharedRecords, WithIconsAreBoundedByTheMemoryOfTheirBitmaps) {
+    constexpr uint16_t kRows = 30000;
+    StreamBuilder item;
+    item.Item(0xFFFFFFFF)
+        .Element(0x0028, 0x0004, "CS", "MONOCHROME2 ")
+        .ElementUS(0x0028, 0x0010, kRows)
+        .ElementUS(0x0028, 0x0011, 1)
+        .Header(0x7FE0, 0x0010, "OB", kRows)
+        .Zeros(kRows)
+        .EndItem();
+    DirectoryRecordSpec record;
+    record.Set(0x0088, 0x0200, "SQ", Text(item));
+    const int32_t leafCount = BrowseWithinBounds(SharedBySeries(record));
+    EXPECT_GT(leafCount, 300);
+    EXPECT_LT(leafCount, 1000);
+}
+
+// A visit takes the longer the more elements the record has.
+TEST(SharedRecords, ThatAreLargeAreVisitedAgainOnlyForSoManyBytes) {
+    DirectoryRecordSpec record;
+    record.Set(0x0009, 0x1000, "OB", std::string(size_t{1} << 20, ' '));
+    const DirectoryBuilder directory = SharedBySeries(record);
+    const auto size = static_cast<int32_t>(directory.Build().size() >> 20);
+    EXPECT_NEAR(BrowseWithinBounds(directory), 64 + 4 * size, 3);
 }
 
 // A large record is shared less often, so that its copies do not use up the memory.
@@ -140,11 +255,37 @@ TEST(SharedRecords, ThatAreLargeAreBoundedByTheirSize) {
     item.Item(0xF000).Header(0x0040, 0xA160, "UT", 0xF000 - 12).Zeros(0xF000 - 12);
     std::string content;
     for (int i = 0; i < 17; ++i)
-        content.append(item.Data().begin(), item.Data().end());
+        content += Text(item);
     directory[60].Set(0x0004, 0x1430, "CS", "SR DOCUMENT").Set(0x0040, 0xA730, "SQ", content);
+    const int32_t leafCount = BrowseWithinBounds(directory);
+    EXPECT_GT(leafCount, 1);
+    EXPECT_LT(leafCount, 100);
+}
+
+// Icons of 128 by 128, descriptions at their full length, a patient for each few images.
+TEST(SoundRecords, NeverReachTheBounds) {
+    StreamBuilder icon;
+    icon.Item(0xFFFFFFFF)
+        .Element(0x0028, 0x0004, "CS", "MONOCHROME2 ")
+        .ElementUS(0x0028, 0x0010, 128)
+        .ElementUS(0x0028, 0x0011, 128)
+        .Header(0x7FE0, 0x0010, "OB", 0x4000)
+        .Zeros(0x4000)
+        .EndItem();
+    DirectoryBuilder directory;
+    for (int i = 0; i < 1000; ++i) {
+        const std::string uid = "1.2.840.113654.2.55." + std::to_string(i);
+        const size_t study = directory.Study(directory.Patient(uid, "DOE^" + uid), uid);
+        const size_t series = directory.Series(study, uid, "CT");
+        directory[series].Set(0x0008, 0x0081, "ST", std::string(1024, 'A'));
+        for (int image = 0; image < 10; ++image) {
+            const size_t record = directory.Image(series, uid + "." + std::to_string(image), image);
+            if (image == 0) directory[record].Set(0x0088, 0x0200, "SQ", Text(icon));
+        }
+    }
     BrowsedDirectory browsed(directory);
-    EXPECT_GT(browsed->leafCount, 1);
-    EXPECT_LT(browsed->leafCount, 100);
+    EXPECT_EQ(browsed->leafCount, 10000);
+    EXPECT_EQ(browsed.Messages(), "");
 }
 
 // The last value of the file claims what is not there; every leaf would have zeros of its own.

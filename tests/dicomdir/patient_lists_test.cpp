@@ -17,6 +17,7 @@ using pgkit_test::DirectoryBuilder;
 using pgkit_test::LibraryPath;
 using pgkit_test::Outline;
 using pgkit_test::PatientList;
+using pgkit_test::Printed;
 using pgkit_test::StreamBuilder;
 using pgkit_test::TempDir;
 
@@ -147,6 +148,9 @@ TEST_F(PatientListFile, ListsCanBeEmptiedAndUsedAgain) {
     EXPECT_EQ(patients_->GetCount(), 1);
 }
 
-TEST_F(PatientListFile, EmptyingNullDoesNothing) { pgEmptyPatientList(nullptr); }
+TEST_F(PatientListFile, EmptyingNullDoesNothing) {
+    const Printed printed = CapturePrinted([] { pgEmptyPatientList(nullptr); });
+    EXPECT_EQ(printed.out + printed.err, "");
+}
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "dictionary/dictionary.h"
 #include "dictionary/private_dictionary.h"
+#include "dictionary/un_sequence_switch.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/value_representation.h"
 #include "support/private_dictionary.h"

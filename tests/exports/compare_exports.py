@@ -1,6 +1,8 @@
 #!/usr/bin/python3
 """Compares what the modules export with what the public headers declare and with the
 module-definition file: nothing is missing, nothing else is there, ordinals are as they are written.
+There are two families of names: the first, which is complete and keeps its ordinals, and the
+functions pgx..., which grows, from ordinal 2001 on.
 
     compare_exports.py SHARED_OBJECT DLL
 
@@ -16,7 +18,14 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support
 
 from check_runner import report  # noqa: E402
 
-DEFINITIONS = pathlib.Path(__file__).resolve().parent.parent.parent / "src/pgkit.def"
+EXPORTS = pathlib.Path(__file__).resolve().parent
+DEFINITIONS = EXPORTS.parent.parent / "src/pgkit.def"
+FIRST_FAMILY = EXPORTS / "first_family.txt"
+
+FIRST_FAMILY_SIZE = 331
+LAST_OF_FIRST_FAMILY = 1702
+FIRST_OF_SECOND_FAMILY = 2001
+SECOND_FAMILY = re.compile(r"pgx[A-Z]\w*")
 
 
 def defined_ordinals():
@@ -60,6 +69,30 @@ def check_definitions(entries):
         yield "a line has a form that this check cannot read"
 
 
+def first_family():
+    """The names that every release has exported, with their ordinals."""
+    lines = FIRST_FAMILY.read_text().splitlines()
+    return {name: int(ordinal) for ordinal, name in map(str.split, lines)}
+
+
+def check_families(entries):
+    """The first family is whole, and what is not of it is of the second."""
+    first = first_family()
+    if len(first) != FIRST_FAMILY_SIZE or max(first.values()) != LAST_OF_FIRST_FAMILY:
+        yield f"{FIRST_FAMILY.name} is no longer what it was"
+    found = dict(entries)
+    for name, ordinal in first.items():
+        if found.get(name) != ordinal:
+            yield f"{name}: ordinal {found.get(name)} instead of {ordinal}, for ever"
+    for name, ordinal in entries:
+        if name in first:
+            continue
+        if not SECOND_FAMILY.fullmatch(name):
+            yield f"{name}: a new name begins with pgx"
+        if ordinal < FIRST_OF_SECOND_FAMILY:
+            yield f"{name}: a new ordinal is {FIRST_OF_SECOND_FAMILY} or above, not {ordinal}"
+
+
 def check_ordinals(entries, exported):
     for name, ordinal in entries:
         if exported.get(name) != ordinal:
@@ -71,6 +104,7 @@ def main(shared_object, dll):
     exported = ordinals_of_dll(dll)
     checks = {
         "the module-definition file": check_definitions(entries),
+        "the two families of names": check_families(entries),
         f"{dll}, ordinals": check_ordinals(entries, exported),
         f"{dll}, names": differences(microsoft_symbols() | gcc_symbols(GCC_WINDOWS), set(exported)),
         shared_object: differences(gcc_symbols(GCC_LINUX), symbols_of_shared_object(shared_object)),

@@ -80,4 +80,38 @@ TEST(TwoThreads, CreateAndBrowseTheirOwnMedia) {
     EXPECT_EQ(patients, (std::vector<int32_t>{1, 1}));
 }
 
+// A text was that of the thread which had asked last.
+TEST(TwoThreads, HaveTextsOfRecordsOfTheirOwn) {
+    const auto readsItsOwn = [](char letter) {
+        PGX_DicomDirPatientNode patient;
+        const std::string name(100, letter);
+        name.copy(patient.patientsName, name.size());
+        for (int round = 0; round < 1000; ++round)
+            if (pgKitDirGetPatientsName(&patient) != name) return false;
+        return true;
+    };
+    bool results[2] = {};
+    std::thread first([&] { results[0] = readsItsOwn('a'); });
+    std::thread second([&] { results[1] = readsItsOwn('b'); });
+    first.join();
+    second.join();
+    EXPECT_TRUE(results[0]);
+    EXPECT_TRUE(results[1]);
+}
+
+// A parse goes by the switch as it was when it began.
+TEST(TwoThreads, MaySwitchTheDecodingOfUnElementsWhileFilesAreOpened) {
+    const TempDir directory;
+    const std::string path = directory.Write("file", InstanceFile().Data());
+    const std::string expected = Describe(DataSet(pgOpenDataSetFile(path.c_str(), 0)).get());
+    std::thread switching([] {
+        for (uint32_t round = 0; round < 1000; ++round)
+            pgTryToDecodeUNSequences(round % 2);
+    });
+    for (int round = 0; round < kRounds; ++round)
+        EXPECT_EQ(Describe(DataSet(pgOpenDataSetFile(path.c_str(), 0)).get()), expected);
+    switching.join();
+    pgTryToDecodeUNSequences(1);
+}
+
 }  // namespace

@@ -90,6 +90,17 @@ Bytes LongWords(std::initializer_list<uint32_t> words) {
     return stream.Data();
 }
 
+Bytes RleFrame(const std::vector<Bytes>& segments) {
+    Bytes frame(64);
+    PutU32(frame, 0, static_cast<uint32_t>(segments.size()));
+    for (size_t i = 0; i < segments.size(); ++i) {
+        PutU32(frame, 4 + 4 * i, static_cast<uint32_t>(frame.size()));
+        frame.insert(frame.end(), segments[i].begin(), segments[i].end());
+    }
+    if (frame.size() % 2 != 0) frame.push_back(0);
+    return frame;
+}
+
 LoadedImage::LoadedImage(const Bytes& file)
     : result_(vwImaLoadFrom(image_, directory_.Write("image.dcm", file).c_str())) {}
 

@@ -49,6 +49,10 @@ constexpr const char* kRleLossless = "1.2.840.10008.1.2.5";
 Bytes Words(std::initializer_list<uint32_t> words, Order order = Order::Little);
 Bytes LongWords(std::initializer_list<uint32_t> words);
 
+// An encoded frame in RLE Lossless: the header of 64 bytes with the segments' offsets, and the
+// segments.
+Bytes RleFrame(const std::vector<Bytes>& segments);
+
 // An image of the module, freed at the end.
 class LoadedImage {
   public:

@@ -10,18 +10,7 @@ using pgkit_test::ImageFile;
 using pgkit_test::kRleLossless;
 using pgkit_test::LoadedImage;
 using pgkit_test::LongWords;
-
-// An encoded frame: the header of 64 bytes with the segments' offsets, and the segments.
-Bytes RleFrame(const std::vector<Bytes>& segments) {
-    Bytes frame(64);
-    pgkit_test::PutU32(frame, 0, static_cast<uint32_t>(segments.size()));
-    for (size_t i = 0; i < segments.size(); ++i) {
-        pgkit_test::PutU32(frame, 4 + 4 * i, static_cast<uint32_t>(frame.size()));
-        frame.insert(frame.end(), segments[i].begin(), segments[i].end());
-    }
-    if (frame.size() % 2 != 0) frame.push_back(0);
-    return frame;
-}
+using pgkit_test::RleFrame;
 
 const Bytes kNoTable;
 
@@ -63,6 +52,26 @@ TEST(Rle, LongestLiteralAndLongestRun) {
     ImageFile file = RleImage({kNoTable, RleFrame({segment})});
     file.columns = 256;
     EXPECT_EQ(LoadedImage(file).Pixels(), expected);
+}
+
+// Rows used to be made only when the whole frame was decoded.
+TEST(Rle, PiecesReachAcrossRows) {
+    ImageFile file = RleImage({kNoTable, RleFrame({{0, 7, 0xFC, 8, 4, 1, 2, 3, 4, 5, 0xFF, 9}})});
+    file.rows = 3;
+    EXPECT_EQ(LoadedImage(file).Pixels(), (Bytes{7, 8, 8, 8, 8, 8, 1, 2, 3, 4, 5, 9}));
+    file.windowCentre = file.windowWidth = "";  // the range of all rows
+    EXPECT_EQ(LoadedImage(file).Pixels(),
+              (Bytes{191, 223, 223, 223, 223, 223, 0, 32, 64, 96, 128, 255}));
+}
+
+TEST(Rle, FramesThatEndInTheLastRowHaveNoBitmap) {
+    ImageFile file = RleImage({kNoTable, RleFrame({{0xFD, 9, 0xFD, 8, 2, 1, 2, 3}})});
+    file.rows = 3;
+    EXPECT_FALSE(HasBitmap(file));
+    const LoadedImage image(file);
+    EXPECT_EQ(vwGetThumbnailDib(image.Handle(), 2), nullptr);
+    file.windowCentre = file.windowWidth = "";
+    EXPECT_FALSE(HasBitmap(file));
 }
 
 TEST(Rle, MostSignificantBytesComeFirst) {

@@ -28,7 +28,9 @@ TEST(Thumbnail, LongerSideFillsTheSquare) {
     EXPECT_EQ(SizeOf(512, 256, 64), (Size{64, 32}));
     EXPECT_EQ(SizeOf(256, 512, 64), (Size{32, 64}));
     EXPECT_EQ(SizeOf(100, 100, 64), (Size{64, 64}));
-    EXPECT_EQ(SizeOf(300, 200, 64), (Size{64, 42}));
+    EXPECT_EQ(SizeOf(300, 200, 64), (Size{64, 43}));
+    EXPECT_EQ(SizeOf(300, 199, 64), (Size{64, 42}));
+    EXPECT_EQ(SizeOf(200, 300, 64), (Size{43, 64}));
 }
 
 TEST(Thumbnail, SmallImagesAreEnlarged) {
@@ -40,6 +42,20 @@ TEST(Thumbnail, SmallImagesAreEnlarged) {
 TEST(Thumbnail, OfALineIsALine) {
     EXPECT_EQ(SizeOf(1000, 2, 64), (Size{64, 1}));
     EXPECT_EQ(SizeOf(2, 1000, 64), (Size{1, 64}));
+}
+
+// A thumbnail never sees the bitmap of the whole frame, but it is what that would be scaled to.
+TEST(Thumbnail, IsTheFrameZoomed) {
+    Bytes pixels(size_t{97} * 60);
+    for (size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = static_cast<uint8_t>(i * i / 7 + i);
+    const LoadedImage image(ImageFile{.rows = 60, .columns = 97, .pixels = pixels});
+    const Bitmap frame = image.Frame(0);
+    for (const uint32_t size : {1u, 2u, 13u, 48u, 96u, 97u, 98u, 194u, 250u}) {
+        const Bitmap thumbnail(vwGetThumbnailDib(image.Handle(), size));
+        const Bitmap zoomed(vwDuplicateZoomDib(frame.Handle(), size / 97.0));
+        EXPECT_EQ(thumbnail.All(), zoomed.All()) << size;
+    }
 }
 
 TEST(Thumbnail, SizesBeyondReasonGiveNone) {

@@ -83,12 +83,24 @@ TEST(DuplicateZoom, WholeFactorsRepeatPixels) {
                                                                             3, 3, 4, 4}));
 }
 
-TEST(DuplicateZoom, SidesAreRoundedDownAndNeverZero) {
-    EXPECT_EQ(ZoomedSize(10, 10, 0.99), (Size{9, 9}));
+// Used to be rounded down.
+TEST(DuplicateZoom, SidesAreRoundedToTheNearestAndNeverZero) {
+    EXPECT_EQ(ZoomedSize(10, 10, 0.99), (Size{10, 10}));
+    EXPECT_EQ(ZoomedSize(10, 10, 0.94), (Size{9, 9}));
     EXPECT_EQ(ZoomedSize(10, 1, 0.5), (Size{5, 1}));
+    EXPECT_EQ(ZoomedSize(5, 7, 0.5), (Size{3, 4}));
     EXPECT_EQ(ZoomedSize(3, 1000, 0.1), (Size{1, 100}));
     EXPECT_EQ(ZoomedSize(10, 10, 1e-300), (Size{1, 1}));
-    EXPECT_EQ(ZoomedSize(10, 10, 1.19), (Size{11, 11}));
+    EXPECT_EQ(ZoomedSize(10, 10, 1.19), (Size{12, 12}));
+    EXPECT_EQ(ZoomedSize(10, 10, 1.14), (Size{11, 11}));
+}
+
+// A product that falls just short of the middle between two lengths by its rounding is the middle.
+TEST(DuplicateZoom, HalfPixelsAreRoundedUp) {
+    for (uint32_t length = 1; length < 400; length += 2)
+        EXPECT_EQ(ZoomedSize(length, 1, 0.1 * 5).first, (length + 1) / 2) << length;
+    EXPECT_EQ(ZoomedSize(45, 15, 0.7), (Size{32, 11}));
+    EXPECT_EQ(ZoomedSize(300, 200, 64.5 / 300).first, 65u);
 }
 
 // A fraction of two sizes, times one of them, must not fall short of the other.
@@ -195,6 +207,33 @@ TEST(Zoom, OtherBitmapsAreNotTaken) {
     EXPECT_FALSE(isTaken(32, 257));  // more colours than there can be
     EXPECT_FALSE(isTaken(32, 0xFFFFFFFF));
     EXPECT_FALSE(isTaken(44, 0x000001));  // a colour
+}
+
+// Their headers used to be believed where handles are plain addresses.
+TEST(Zoom, BitmapsThatExceedTheirBlockAreNotTaken) {
+    const Bytes good = GrayBitmap(4, 4, Bytes(16)).All();
+    const auto isTaken = [](const Bytes& bytes) {
+        const Bitmap bitmap(bytes);
+        pgkit_test::TempDir files;
+        const bool isCopied = Duplicate(bitmap, 1.0).Exists();
+        EXPECT_EQ(Duplicate(bitmap, 0.5).Exists(), isCopied);
+        EXPECT_EQ(Interpolate(bitmap, 2.0).Exists(), isCopied);
+        EXPECT_EQ(vwWriteDib(bitmap.Handle(), files.Path("bitmap").c_str()), isCopied ? 1 : 0);
+        return isCopied;
+    };
+    const auto with = [&](size_t offset, uint32_t value) {
+        Bytes bytes = good;
+        PutU32(bytes, offset, value);
+        return bytes;
+    };
+    EXPECT_TRUE(isTaken(good));
+    EXPECT_FALSE(isTaken(with(4, 400)));
+    EXPECT_FALSE(isTaken(with(4, 65535)));
+    EXPECT_FALSE(isTaken(with(8, 400)));
+    EXPECT_FALSE(isTaken(with(8, 65535)));
+    // Blocks may be a little larger than was asked for.
+    for (const size_t size : {size_t{1}, size_t{4}, size_t{39}, size_t{40}, size_t{1000}})
+        EXPECT_FALSE(isTaken(Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(size))));
 }
 
 }  // namespace

@@ -198,11 +198,8 @@ def expected_icon(image, edge):
     frame = frame_bytes(image, frame_count // 3, columns * rows, sample_bytes)
     if frame is None:
         return None
-    height = rows * edge // columns
-    height = min(height, edge)
-    if height == 0:
-        return None
-    width = max(columns * height // rows, 1)
+    longer = max(columns, rows)
+    width, height = (max((2 * side * edge + longer) // (2 * longer), 1) for side in (columns, rows))
     pixels = grays(image, stored_values(image, frame, sample_bytes))
     return width, height, reduce(pixels, columns, rows, width, height)
 

@@ -168,18 +168,32 @@ TEST_F(Platform, FilesAreNoDirectories) {
     EXPECT_FALSE(platform::IsDirectory(Path("Disc\\Images\\Im0001.dcm").c_str()));
 }
 
-TEST_F(Platform, FilesAreCreatedInADirectoryFoundIgnoringCase) {
-    const std::string path = Path("DISC\\IMAGES\\New.dcm");
-    Stream(platform::CreateBinary(path.c_str())).reset();
-    EXPECT_TRUE(fs::exists(directory_.Path("Disc/Images/New.dcm")));
+// A file of another case, or in a directory of another case, used to be overwritten.
+TEST_F(Platform, FilesAreCreatedUnderTheNameThatIsGiven) {
+    if (fs::exists(directory_.Path("DISC"))) GTEST_SKIP() << "this file system ignores case";
+    for (const auto create : {platform::CreateBinary, platform::CreateText, platform::AppendText}) {
+        const Stream file(create(Path("Disc\\Images\\IM0001.DCM").c_str()));
+        EXPECT_TRUE(file);
+        EXPECT_EQ(create(Path("DISC\\IMAGES\\New.dcm").c_str()), nullptr);
+    }
+    EXPECT_EQ(EntriesIn(directory_.Path("Disc/Images")), 2u);
+    EXPECT_EQ(LineOf(Path("Disc\\Images\\Im0001.dcm")), "here");
     EXPECT_EQ(EntriesIn(directory_.Path("")), 1u);
 }
 
-TEST_F(Platform, CreatingReplacesAFileOfAnotherCase) {
-    const Stream file(platform::CreateBinary(Path("Disc\\Images\\IM0001.DCM").c_str()));
-    ASSERT_TRUE(file);
-    EXPECT_EQ(EntriesIn(directory_.Path("Disc/Images")), 1u);
-    EXPECT_EQ(platform::FileSize(Path("Disc\\Images\\Im0001.dcm").c_str()), 0u);
+TEST_F(Platform, TellsWhichNamesAPathLeadsTo) {
+    EXPECT_TRUE(platform::IsReachableName("A"));
+    EXPECT_EQ(platform::IsReachableName("A\\B"), fs::path::preferred_separator == '\\');
+    EXPECT_EQ(platform::PathsIgnoreCase(), fs::path::preferred_separator == '\\');
+}
+
+TEST_F(Platform, CutsTheEndOfAFileOff) {
+    const std::string path = Path("file");
+    const Stream file(platform::AppendText(path.c_str()));
+    std::fputs("first", file.get());
+    EXPECT_TRUE(platform::CutTo(file.get(), 2));
+    std::fputs("last", file.get());
+    EXPECT_EQ(LineOf(path), "filast");
 }
 
 TEST_F(Platform, NothingIsCreatedInAMissingDirectory) {
@@ -274,7 +288,7 @@ class Replacement : public Platform {
 
 TEST_F(Replacement, IsCreatedBesideTheFileUnderAnUnusedName) {
     directory_.Write("Disc/Images/Im0001.dcm.new0", "taken");
-    const Stream file(platform::CreateReplacement(path_.c_str(), replacement_));
+    const Stream file(platform::CreateReplacement(path_.c_str(), replacement_, nullptr));
     ASSERT_NE(file, nullptr);
     EXPECT_TRUE(replacement_.ends_with("Im0001.dcm.new1")) << replacement_;
     EXPECT_EQ(platform::FileSize(replacement_.c_str()), 0u);
@@ -286,7 +300,7 @@ TEST_F(Replacement, PassesOverDirectoriesAndLinksThatLeadNowhere) {
     std::error_code noLinksHere;
     fs::create_symlink(directory_.Path("nothing"), directory_.Path("Disc/Images/Im0001.dcm.new1"),
                        noLinksHere);
-    const Stream file(platform::CreateReplacement(path_.c_str(), replacement_));
+    const Stream file(platform::CreateReplacement(path_.c_str(), replacement_, nullptr));
     ASSERT_NE(file, nullptr);
     EXPECT_TRUE(replacement_.ends_with(noLinksHere ? ".new1" : ".new2")) << replacement_;
     EXPECT_FALSE(fs::exists(directory_.Path("nothing")));
@@ -298,7 +312,7 @@ TEST_F(Replacement, IsNobodyElsesToReadBeforeItIsInPlace) {
     fs::permissions(file, perms::owner_read | perms::owner_write | perms::others_read);
     const perms before = fs::status(file).permissions();
     if ((before & perms::group_read) != perms::none) GTEST_SKIP() << "no permissions here";
-    Stream(platform::CreateReplacement(path_.c_str(), replacement_)).reset();
+    Stream(platform::CreateReplacement(path_.c_str(), replacement_, nullptr)).reset();
     EXPECT_EQ(fs::status(replacement_).permissions(), perms::owner_read | perms::owner_write);
     EXPECT_TRUE(platform::ReplaceWith(path_.c_str(), replacement_.c_str()));
     EXPECT_EQ(fs::status(file).permissions(), before);
@@ -306,8 +320,69 @@ TEST_F(Replacement, IsNobodyElsesToReadBeforeItIsInPlace) {
 
 TEST_F(Replacement, HasNoPathWhenItCannotBeCreated) {
     replacement_ = "before";
-    EXPECT_EQ(platform::CreateReplacement(Path("Other\\New.dcm").c_str(), replacement_), nullptr);
+    EXPECT_EQ(platform::CreateReplacement(Path("Other\\New.dcm").c_str(), replacement_, nullptr),
+              nullptr);
     EXPECT_EQ(replacement_, "");
+}
+
+TEST_F(Replacement, OfANewFileHasThePermissionsOfANewFile) {
+    const std::string path = Path("Disc\\Images\\New");
+    directory_.Write("Disc/Images/Other", "");
+    Stream(platform::CreateReplacement(path.c_str(), replacement_, nullptr)).reset();
+    EXPECT_TRUE(platform::ReplaceWith(path.c_str(), replacement_.c_str()));
+    EXPECT_EQ(fs::status(directory_.Path("Disc/Images/New")).permissions(),
+              fs::status(directory_.Path("Disc/Images/Other")).permissions());
+    EXPECT_EQ(EntriesIn(directory_.Path("Disc/Images")), 3u);
+}
+
+TEST_F(Replacement, MayHaveTheNameOfAnotherFile) {
+    const Stream file(platform::CreateReplacement(path_.c_str(), replacement_, "DICOMDIR"));
+    EXPECT_TRUE(fs::exists(directory_.Path("Disc/Images/DICOMDIR.new0")));
+}
+
+TEST_F(Replacement, IsOfRegularFilesThatMayBeWrittenAndOfNewOnes) {
+    EXPECT_TRUE(platform::CanBeReplaced(path_.c_str()));
+    EXPECT_TRUE(platform::CanBeReplaced(Path("Disc\\Images\\New").c_str()));
+    EXPECT_FALSE(platform::CanBeReplaced(Path("Disc\\Images").c_str()));
+    EXPECT_FALSE(platform::CanBeReplaced(nullptr));
+}
+
+// Nobody writes it any more: its process was killed.
+TEST_F(Replacement, IsRemovedWhenItIsAStray) {
+    for (const char* name : {"Im0001.dcm.new0", "Im0001.dcm.new12"})
+        directory_.Write(std::string("Disc/Images/") + name, "stray");
+    const char* const others[] = {"Im0001.dcm.new", "Im0001.dcm.new1x", "im0001.dcm.new1",
+                                  "Im0001.dcm.old1", "Im0002.dcm.new1"};
+    for (const char* name : others)
+        directory_.Write(std::string("Disc/Images/") + name, "somebody's");
+    fs::create_directory(directory_.Path("Disc/Images/Im0001.dcm.new3"));
+    platform::RemoveStrayReplacements(path_.c_str());
+    EXPECT_FALSE(fs::exists(directory_.Path("Disc/Images/Im0001.dcm.new0")));
+    EXPECT_FALSE(fs::exists(directory_.Path("Disc/Images/Im0001.dcm.new12")));
+    EXPECT_TRUE(fs::exists(directory_.Path("Disc/Images/Im0001.dcm.new3")));
+    EXPECT_EQ(LineOf(path_), "here");
+    for (const char* name : others)
+        EXPECT_EQ(LineOf(Path(std::string("Disc\\Images\\") + name)), "somebody's") << name;
+}
+
+TEST_F(Replacement, IsNoStrayWhileItIsWritten) {
+    Stream file(platform::CreateReplacement(path_.c_str(), replacement_, nullptr));
+    platform::RemoveStrayReplacements(path_.c_str());
+    EXPECT_TRUE(fs::exists(replacement_));
+    file.reset();
+    platform::RemoveStrayReplacements(path_.c_str());
+    EXPECT_FALSE(fs::exists(replacement_));
+}
+
+TEST_F(Replacement, OfALinkStaysALink) {
+    const fs::path link = directory_.Path("link");
+    std::error_code noLinksHere;
+    fs::create_symlink("Disc/Images/Im0001.dcm", link, noLinksHere);
+    if (noLinksHere || fs::path::preferred_separator == '\\') GTEST_SKIP() << "no links here";
+    Stream(platform::CreateReplacement(link.string().c_str(), replacement_, nullptr)).reset();
+    EXPECT_TRUE(platform::ReplaceWith(link.string().c_str(), replacement_.c_str()));
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(platform::FileSize(path_.c_str()), 0u);
 }
 
 // "name", with a slash behind directories.

@@ -29,8 +29,8 @@ FILE* RealOpenForUpdate(Path path) REAL_NAME("13OpenForUpdateEPKc");
 FILE* RealCreateBinary(Path path) REAL_NAME("12CreateBinaryEPKc");
 FILE* RealCreateText(Path path) REAL_NAME("10CreateTextEPKc");
 FILE* RealAppendText(Path path) REAL_NAME("10AppendTextEPKc");
-FILE* RealCreateReplacement(Path path, std::string& replacement)
-    REAL_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
+FILE* RealCreateReplacement(Path path, std::string& replacement, Path stem)
+    REAL_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEES2_");
 bool RealFlushToDisk(Path path) REAL_NAME("11FlushToDiskEPKc");
 bool RealReplaceWith(Path path, Path replacement) REAL_NAME("11ReplaceWithEPKcS2_");
 bool RealSeek(FILE* stream, uint64_t position)
@@ -44,8 +44,8 @@ FILE* WrappedOpenForUpdate(Path path) WRAPPED_NAME("13OpenForUpdateEPKc");
 FILE* WrappedCreateBinary(Path path) WRAPPED_NAME("12CreateBinaryEPKc");
 FILE* WrappedCreateText(Path path) WRAPPED_NAME("10CreateTextEPKc");
 FILE* WrappedAppendText(Path path) WRAPPED_NAME("10AppendTextEPKc");
-FILE* WrappedCreateReplacement(Path path, std::string& replacement)
-    WRAPPED_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
+FILE* WrappedCreateReplacement(Path path, std::string& replacement, Path stem)
+    WRAPPED_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEES2_");
 bool WrappedFlushToDisk(Path path) WRAPPED_NAME("11FlushToDiskEPKc");
 bool WrappedReplaceWith(Path path, Path replacement) WRAPPED_NAME("11ReplaceWithEPKcS2_");
 bool WrappedSeek(FILE* stream, uint64_t position)
@@ -108,8 +108,8 @@ FILE* WrappedAppendText(Path path) {
     return CountedOpen([&] { return RealAppendText(path); });
 }
 
-FILE* WrappedCreateReplacement(Path path, std::string& replacement) {
-    return CountedOpen([&] { return RealCreateReplacement(path, replacement); });
+FILE* WrappedCreateReplacement(Path path, std::string& replacement, Path stem) {
+    return CountedOpen([&] { return RealCreateReplacement(path, replacement, stem); });
 }
 
 bool WrappedFlushToDisk(Path path) {

@@ -25,12 +25,18 @@ class Comparison {
     }
 
   private:
-    // What saving sets is not compared: the meta group of the output and group lengths.
+    // What saving sets is not compared: the meta group of the output and group lengths. Nor is what
+    // it leaves out, because readers would not take it for an element.
     static PGX_Node* Next(PGX_Node* element) {
-        while (element != nullptr && (element->group == 0x0002 || element->element == 0)) {
+        while (element != nullptr && !IsCompared(*element))
             element = element->next;
-        }
         return element;
+    }
+
+    static bool IsCompared(const PGX_Node& element) {
+        const bool isNone = element.group == 0xFFFF && element.element == 0xFFFF;
+        return element.group != 0x0002 && element.element != 0 && element.group != 0xFFFE &&
+               !isNone;
     }
 
     std::string OfElements(PGX_Node* a, PGX_Node* b) {
@@ -45,10 +51,11 @@ class Comparison {
 
     // The VRs that a header cannot show read as those it shows for them.
     static bool SameVr(uint32_t a, uint32_t b) {
+        if (a == b) return true;
         if (a == VR_USSS) return b == VR_US;
         if (a == VR_OWOB) return b == VR_OW;
         if (a == VR_Unknown) return b == VR_UN;
-        return a == b;
+        return false;
     }
 
     std::string OfItems(const PGX_Node* a, const PGX_Node* b) {
@@ -68,9 +75,34 @@ class Comparison {
     }
 
     static std::string OfFragments(PGX_Node* a, PGX_Node* b) {
-        const std::vector<Bytes> fragments = Fragments(a);
-        if (Indexed(a)) return fragments == Fragments(b) ? "" : "fragments";
-        return Indexed(b) && b->fragmentCount > 0 ? "" : "no fragments";
+        if (Indexed(a)) return Fragments(a) == Fragments(b) ? "" : "fragments";
+        return Items(a) == Items(b) ? "" : "items of Pixel Data";
+    }
+
+    static bool IsItem(const uint8_t* header) {
+        return header[0] == 0xFE && header[1] == 0xFF && header[2] == 0x00 && header[3] == 0xE0;
+    }
+
+    // What stands in the file, the offset table first; one that is not there in full is empty.
+    static std::vector<Bytes> Items(PGX_Node* pixelData) {
+        std::vector<Bytes> items;
+        PGX_Node reader;
+        reader.file = pixelData->file;
+        uint8_t header[8];
+        for (uint32_t at = pixelData->fileOffset;
+             reader.GetFileData(header, at, sizeof header) != 0 && IsItem(header);) {
+            const uint32_t length = header[4] | header[5] << 8 | header[6] << 16 |
+                                    static_cast<uint32_t>(header[7]) << 24;
+            at += sizeof header;
+            // A length may be a mere claim.
+            if (length > kLongestItem) break;
+            Bytes item(length);
+            if (reader.GetFileData(item.data(), at, length) == 0) break;
+            items.push_back(item);
+            at += length;
+        }
+        if (items.empty()) items.emplace_back();
+        return items;
     }
 
     static bool Indexed(const PGX_Node* pixelData) {
@@ -85,6 +117,10 @@ class Comparison {
         reader.file = pixelData->file;
         for (uint32_t i = 0; pixelData->GetEncodedPixelInfo(i, &length, &offset) != 0; ++i) {
             fragments.emplace_back(length);
+            if (const uint8_t* const bytes = pixelData->fragments[i].bytes; bytes != nullptr) {
+                fragments.back().assign(bytes, bytes + length);
+                continue;
+            }
             if (reader.GetFileData(fragments.back().data(), offset, length) == 0) break;
         }
         return fragments;
@@ -96,6 +132,8 @@ class Comparison {
         if (element->GetValue(value.data()) == 0) value.clear();
         return value;
     }
+
+    static constexpr uint32_t kLongestItem = 1 << 24;
 
     bool vrsWritten_;
 };

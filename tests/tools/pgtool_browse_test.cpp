@@ -49,6 +49,30 @@ class PgtoolBrowse : public testing::Test {
     TempDir files_;
 };
 
+// The system was asked about files anywhere.
+TEST_F(PgtoolBrowse, TellsFileIdsThatLeadOutside) {
+    MakeFile("IMG", "X1");
+    for (const char* id :
+         {"..\\IMG\\X1", "IMG\\..\\..\\X", "../X", "..", "/ETC/PASSWD", "C:\\X", "\\\\SERVER\\X"}) {
+        DirectoryBuilder directory = OneImage();
+        directory[kImage].Set(0x0004, 0x1500, "CS", id);
+        const Finished tree = Browse(directory);
+        EXPECT_THAT(tree.out, HasSubstr("  [1.2.3.4]  (outside)\n")) << id;
+        EXPECT_THAT(tree.out, EndsWith("1 instance, 0 missing files, 1 file outside\n")) << id;
+        const Finished json = Browse(directory, "--json");
+        EXPECT_THAT(json.out, HasSubstr("\"outside\"")) << id;
+    }
+}
+
+TEST_F(PgtoolBrowse, FollowsFileIdsThatStayOnTheMedium) {
+    MakeFile("IMG", "X1");
+    for (const char* id : {"IMG\\..\\IMG\\X1", ".\\IMG\\X1", "\\IMG\\X1", "IMG/X1"}) {
+        DirectoryBuilder directory = OneImage();
+        directory[kImage].Set(0x0004, 0x1500, "CS", id);
+        EXPECT_THAT(Browse(directory).out, EndsWith("1 instance, 0 missing files\n")) << id;
+    }
+}
+
 TEST_F(PgtoolBrowse, PrintsATreeAndTheNumbers) {
     MakeFile("IMG", "X1");
     const Finished run = Browse(OneImage());

@@ -153,6 +153,57 @@ TEST_F(PgtoolMkdir, FailsWhereNothingCanBeWritten) {
     EXPECT_FALSE(std::filesystem::exists(directory_.Path("MEDIUM/DICOMDIR")));
 }
 
+// An empty DICOMDIR took its place.
+TEST_F(PgtoolMkdir, LeavesTheDicomdirWhenNothingIsAccepted) {
+    Write("A", Instance(1));
+    EXPECT_EQ(Mkdir({}).exitStatus, 0);
+    const Bytes before = ReadFile(directory_.Path("MEDIUM/DICOMDIR"));
+    const Finished run = Mkdir({"--profile", "STD-DEN"});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.out, HasSubstr("5 Profile restriction don't match file: 1\n"));
+    EXPECT_EQ(run.err, "pgtool mkdir: nothing is accepted: no DICOMDIR is written\n");
+    EXPECT_EQ(ReadFile(directory_.Path("MEDIUM/DICOMDIR")), before);
+    EXPECT_EQ(Mkdir({"--profile", "STD-DEN", "--allow-empty"}).exitStatus, 0);
+    EXPECT_EQ(Hierarchy(), "");
+}
+
+TEST_F(PgtoolMkdir, WritesNoDicomdirOfOffshoreFilesWhenNothingIsAccepted) {
+    std::filesystem::create_directory(directory_.Path("TARGET"));
+    const auto run = [&](std::vector<std::string> options) {
+        options.insert(options.begin(),
+                       {"mkdir", directory_.Path("TARGET"), "--offshore", Medium()});
+        return RunProgram(PGKIT_PGTOOL, options).exitStatus;
+    };
+    EXPECT_EQ(run({}), 1);
+    EXPECT_FALSE(std::filesystem::exists(directory_.Path("TARGET/DICOMDIR")));
+    EXPECT_EQ(run({"--allow-empty"}), 0);
+    EXPECT_TRUE(std::filesystem::exists(directory_.Path("TARGET/DICOMDIR")));
+}
+
+TEST_F(PgtoolMkdir, RefusesUnknownProfilesBeforeItTouchesAnything) {
+    Write("A", Instance(1));
+    for (const char* command : {"mkdir", "check"}) {
+        const Finished run = RunProgram(PGKIT_PGTOOL, {command, Medium(), "--profile", "STD-GEN"});
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_THAT(run.err, HasSubstr(": unknown profile: STD-GEN\n"));
+    }
+    EXPECT_FALSE(std::filesystem::exists(directory_.Path("MEDIUM/dcmdir.lst")));
+}
+
+// The files that such names seem to lead to were read.
+TEST_F(PgtoolMkdir, RefusesOffshoreNamesWithBackslashes) {
+    if (std::filesystem::path::preferred_separator == '\\') GTEST_SKIP() << "there are none here";
+    Write("SUB/B", Instance(1));
+    Write("SUB\\B", Instance(2));
+    std::filesystem::create_directory(directory_.Path("MEDIUM/C\\D"));
+    Write("C\\D/E", Instance(3));
+    std::filesystem::create_directory(directory_.Path("TARGET"));
+    const Finished run =
+        RunProgram(PGKIT_PGTOOL, {"mkdir", directory_.Path("TARGET"), "--offshore", Medium()});
+    EXPECT_EQ(run.out, "0 Dicom file accepted: 1\n1 Invalid filename for file: 2\n");
+    EXPECT_EQ(Hierarchy("TARGET"), "ID1(1.2.3(1.2.3.4(1.2.3.4.1)))");
+}
+
 TEST_F(PgtoolMkdir, ShowsNoProgressWhereNobodyLooks) {
     Write("A", Instance(1));
     EXPECT_THAT(Mkdir({}).err, IsEmpty());

@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "support/process.h"
 #include "support/save_modes.h"
+#include "support/stream_builder.h"
 #include "support/tree.h"
 
 namespace {
@@ -42,6 +45,42 @@ class PgtoolWriting : public testing::Test {
     const std::string source_ = TestData(kSource);
     const std::string output_ = directory_.Path("output");
 };
+
+// What was there was cut before it was known whether the new file can be written.
+TEST_F(PgtoolWriting, AFailureLeavesTheFormerFile) {
+    directory_.Write("output", "former");
+    const std::string broken = directory_.Write("broken", "x");
+    EXPECT_EQ(Pgtool({"save", broken + "missing", output_}).exitStatus, 1);
+    DataSet long_(pgAllocateDataSetNode());
+    const std::string text(65536, 'x');
+    long_->InsertNode(0x0010, 0x4000, text.data(), 65536);
+    const std::string source = directory_.Path("source");
+    ASSERT_EQ(long_->SaveDataSetAsEx(source.c_str(), pgkit_test::kPart10Implicit), 0u);
+    EXPECT_EQ(Pgtool({"save", source, output_, "--mode", "explicit-le"}).exitStatus, 1);
+    EXPECT_EQ(Pgtool({"set", source, "PatientID=" + text, "-o", output_}).exitStatus, 1);
+    const pgkit_test::Bytes kept = ReadFile(output_);
+    EXPECT_EQ(std::string(kept.begin(), kept.end()), "former");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory_.Path("")), {}), 3);
+}
+
+TEST_F(PgtoolWriting, WritesOverItsSourceAndThroughALink) {
+    std::filesystem::copy_file(source_, output_);
+    std::error_code noLinksHere;
+    std::filesystem::create_symlink(output_, directory_.Path("link"), noLinksHere);
+    const std::string target = noLinksHere ? output_ : directory_.Path("link");
+    EXPECT_EQ(Pgtool({"set", output_, "PatientID=4711", "-o", target}).exitStatus, 0);
+    const DataSet root(pgOpenDataSetFile(output_.c_str(), pgkit_test::kLoadAll));
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0010, 0x0020)), "4711");
+    EXPECT_EQ(std::filesystem::is_symlink(directory_.Path("link")), !noLinksHere);
+    EXPECT_FALSE(std::filesystem::exists(output_ + ".new0"));
+}
+
+TEST_F(PgtoolWriting, WritesToADeviceWhereItIs) {
+    if (!std::filesystem::exists("/dev/null")) GTEST_SKIP() << "no such device";
+    EXPECT_EQ(Pgtool({"save", source_, "/dev/null"}).exitStatus, 0);
+    EXPECT_FALSE(std::filesystem::exists("/dev/null.new0"));
+    EXPECT_FALSE(std::filesystem::is_regular_file("/dev/null"));
+}
 
 TEST_F(PgtoolWriting, SaveKeepsTheEncodingUnlessAsked) {
     const DataSet root = Written({"save", source_, output_});
@@ -161,6 +200,29 @@ TEST_F(PgtoolWriting, SetRefusesWhatItCannotSet) {
         EXPECT_EQ(Pgtool({"set", source_, assignment, "-o", output_}).exitStatus, 2) << assignment;
     }
     EXPECT_EQ(Pgtool({"set", source_, "PatientID=7"}).exitStatus, 2);
+}
+
+// Values that do not fit the length field of their VR made the tool fail.
+TEST_F(PgtoolWriting, ValuesTooLongForTheirVrBecomeUn) {
+    const std::string text(70000, 'x');
+    std::string numbers;
+    for (int i = 0; i < 35000; ++i)
+        numbers += std::string("\x01\x02", 2);
+    const std::string source = directory_.Write("long", pgkit_test::StreamBuilder()
+                                                            .Part10("1.2.840.10008.1.2")
+                                                            .Mode(pgkit_test::VrMode::Implicit)
+                                                            .Element(0x0010, 0x4000, "LT", text)
+                                                            .Element(0x0028, 0x1101, "US", numbers)
+                                                            .Data());
+    for (const char* mode : {"explicit-le", "explicit-be", "implicit-le"}) {
+        const DataSet root = Written({"save", source, output_, "--mode", mode});
+        EXPECT_EQ(TextOf(Child(root.get(), 0x0010, 0x4000)), text);
+        EXPECT_EQ(TextOf(Child(root.get(), 0x0028, 0x1101)), numbers);
+    }
+    const DataSet root = Written({"save", source, output_, "--mode", "explicit-le"});
+    EXPECT_EQ(Child(root.get(), 0x0010, 0x4000)->valueRep, static_cast<uint32_t>(VR_UN));
+    const DataSet set = Written({"set", output_, "0010,0010=DOE", "-o", output_});
+    EXPECT_EQ(TextOf(Child(set.get(), 0x0010, 0x4000)), text);
 }
 
 }  // namespace

@@ -16,11 +16,17 @@ from typing import Any, Iterator, NoReturn
 from ._dictionary import (UNKNOWN_VR, Tag, TagLike, element_name, find_tag, value_representation,
                           vr_code, vr_name)
 from ._errors import ClosedError, PgkitError, SaveError
+from ._output import write_whole
 from ._library import StrPath, c_text, encoded_path, lib
 from ._values import Value, codec_of, decode, encode, split_text
 
 _UNDEFINED_LENGTH = 0xFFFFFFFF
 _LOAD_BELOW = 64
+
+# In explicit VR the length of all others has 16 bits, and 65,535 is none.
+_VRS_WITH_LONG_HEADER = {"OB", "OW", "OWOB", "OF", "SQ", "UN", "UT", UNKNOWN_VR}
+_VRS_OF_SHORT_NUMBERS = {"US", "SS", "USSS", "UL", "SL", "AT", "FL", "FD"}
+_FIRST_TOO_LONG = 65535
 
 # Bits of a write mode.
 _UNDEFINED_LENGTHS = 0x01
@@ -271,7 +277,9 @@ class DataSet(Item):
         encoding is "explicit", "implicit" (both little endian) or "big endian"; None keeps the
         one of the file (then the other options do not count) and is "explicit" for a data set
         built in memory. Part 10 files have the File Meta Information, which is completed when it
-        has no transfer syntax. Raises SaveError.
+        has no transfer syntax. Values of 65,535 bytes and more get the VR UN where theirs has no
+        room for such a length. The new file takes the place of the former one as a whole, when it
+        is complete. Raises SaveError; the former file is as it was then.
         """
         if encoding is None and self._is_built:
             encoding = "explicit"
@@ -285,9 +293,21 @@ class DataSet(Item):
                 mode |= _PART_10
                 if (0x0002, 0x0010) not in self:
                     lib.pgKitAddPart10Elements(self._live, c_text(syntax))
-        result = lib.pgKitSaveDataSetAsEx(self._live, encoded_path(path), mode)
+        self._make_long_values_un()
+        live = self._live
+        result = write_whole(path, lambda beside: lib.pgKitSaveDataSetAsEx(
+            live, encoded_path(beside), mode))
         if result != 0:
             raise SaveError(str(path), result)
+
+    def _make_long_values_un(self) -> None:
+        parents = [self._live]
+        while parents:
+            for handle in _chain(lib.pgKitGetFirst(parents.pop())):
+                if lib.pgKitGetFirst(handle) is not None:
+                    parents.append(handle)
+                elif _is_too_long(handle):
+                    _make_un(handle, self._tree.longest_value)
 
     def dump(self) -> str:
         """The text form, a line for each element."""
@@ -297,6 +317,30 @@ class DataSet(Item):
                 raise PgkitError("the data set cannot be dumped")
             with _builtin_open(path, encoding="latin-1") as file:
                 return file.read()
+
+
+def _is_too_long(handle: int) -> bool:
+    """Whether a value does not fit the 16-bit length that its VR has in explicit VR."""
+    length = lib.pgKitGetLength(handle)
+    if length < _FIRST_TOO_LONG or length == _UNDEFINED_LENGTH or not lib.pgKitGetNodeType(handle):
+        return False
+    is_long_vr = vr_name(lib.pgKitGetValueRep(handle)) in _VRS_WITH_LONG_HEADER
+    return not is_long_vr and not lib.pgKitIsEncodedPixelData(handle)
+
+
+def _make_un(handle: int, longest_value: int) -> None:
+    """Makes a value one of VR UN, whose bytes are little endian in every encoding."""
+    is_number = vr_name(lib.pgKitGetValueRep(handle)) in _VRS_OF_SHORT_NUMBERS
+    length = lib.pgKitGetLength(handle)
+    # What is longer cannot be there in full: saving will say so.
+    if is_number and length <= longest_value:
+        buffer = ctypes.create_string_buffer(length + 1)
+        if not lib.pgKitGetValue(handle, buffer):
+            raise PgkitError("a long value cannot be read")
+        lib.pgKitSetValueRep(handle, vr_code("UN"))
+        if not lib.pgKitSetValue(handle, buffer.raw[:length], length):
+            raise MemoryError
+    lib.pgKitSetValueRep(handle, vr_code("UN"))
 
 
 class Element(_Node):

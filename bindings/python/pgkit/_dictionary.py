@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import ctypes
-import mmap
 from typing import Tuple, Union
 
 from ._library import c_text, lib
@@ -68,11 +67,14 @@ def value_representation(key: TagLike) -> str:
 
 def uid_name(uid: str) -> str | None:
     """The name of a UID, None for one that the library does not know."""
-    # Names of a site's own SOP classes have no bound but the size of their file, 16 MiB at most.
-    # Pages that are not touched cost nothing.
-    pages = mmap.mmap(-1, 1 << 24)
-    buffer = (ctypes.c_char * len(pages)).from_buffer(pages)
-    return None if lib.pgGetUIDName(c_text(uid), buffer) else buffer.value.decode("utf-8", "replace")
+    # Names of a site's own SOP classes may have any length.
+    buffer = ctypes.create_string_buffer(128)
+    length = lib.pgxGetUIDName(c_text(uid), buffer, len(buffer))
+    if length >= len(buffer):
+        buffer = ctypes.create_string_buffer(length + 1)
+        lib.pgxGetUIDName(c_text(uid), buffer, len(buffer))
+    # What is there and empty leaves no placeholder.
+    return None if length == 0 and buffer.value else buffer.value.decode("utf-8", "replace")
 
 
 def is_valid_uid(text: str) -> bool:

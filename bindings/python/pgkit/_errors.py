@@ -20,6 +20,7 @@ class SaveError(PgkitError):
         5: "out of memory",
         6: "a value is too long for its length field",
         7: "the file cannot be reopened",
+        8: "nothing is accepted: no DICOMDIR is written",
     }
 
     def __init__(self, path: str, code: int) -> None:
@@ -28,4 +29,8 @@ class SaveError(PgkitError):
 
 
 class CreateError(SaveError):
-    """A DICOMDIR could not be written."""
+    """A DICOMDIR could not be written, or nothing was accepted that it would refer to."""
+
+
+class UnknownProfileError(PgkitError, ValueError):
+    """There is no media application profile of this name."""

@@ -9,7 +9,7 @@ import ctypes
 import os
 import pathlib
 import sys
-from ctypes import POINTER, c_char_p, c_int32, c_uint16, c_uint32, c_void_p
+from ctypes import POINTER, c_char_p, c_int32, c_size_t, c_uint16, c_uint32, c_void_p
 from typing import Union
 
 # With the version of the interface first: the plain name is there for developers only.
@@ -92,7 +92,7 @@ _PROTOTYPES = {
     "pgFindValueRepresentationVR": (c_uint32, c_char_p),
     "pgGetVRPrintableName": (c_uint32, c_uint32, c_char_p),
     "pgGetTagPrintableName": (c_uint32, c_uint16, c_uint16, c_char_p),
-    "pgGetUIDName": (c_int32, c_char_p, c_char_p),
+    "pgxGetUIDName": (c_size_t, c_char_p, c_char_p, c_size_t),
     "pgCheckUID": (c_int32, c_char_p),
     "pgGetVersionString": (c_int32, c_char_p, c_int32),
     "pgxSetVerbosity": (c_int32, c_int32),
@@ -104,6 +104,7 @@ _PROTOTYPES = {
     "pgKitDirBrowse": (c_void_p, c_void_p, BrowseCallback, c_void_p),
     "pgCreateDicomdirEx": (c_uint32, c_char_p, c_char_p, POINTER(DicomdirOptions), ScanCallback,
                            c_void_p),
+    "pgxIsProfile": (c_int32, c_char_p),
 }
 
 # Getters of directory records: a record in, a text, a number or a list out.

@@ -5,12 +5,17 @@ from __future__ import annotations
 import ctypes
 import dataclasses
 import enum
+import re
 import threading
 from typing import Any, Callable, Dict, Iterator, List, Optional
 
-from ._errors import CreateError, PgkitError
+from ._errors import CreateError, PgkitError, UnknownProfileError
 from ._library import (BrowseCallback, DicomdirOptions, ObjectList, ScanCallback, StrPath,
                        backslashed_path, c_text, decoded_path, lib)
+
+
+_LONGEST_FILE_ID = 4096
+_DRIVE = re.compile("[A-Za-z]:")
 
 
 class LeafType(enum.IntEnum):
@@ -31,7 +36,9 @@ class Leaf:
     """A file. ``keys`` has what the DICOMDIR says about files of its type, rows for instance.
 
     ``path`` is in upper case and with backslashes, whatever the file is called: ``pgkit.open``
-    finds it, other functions need not.
+    finds it, other functions need not. ``file_id`` is what the DICOMDIR says, without a backslash
+    at its beginning; ``is_outside`` tells that it leads out of the directory of the DICOMDIR, to
+    whatever lies there: such a path is not to be opened.
     """
 
     type: LeafType
@@ -41,6 +48,8 @@ class Leaf:
     sop_class_uid: str
     instance_number: int
     keys: Dict[str, Any] = dataclasses.field(default_factory=dict)
+    file_id: str = ""
+    is_outside: bool = False
 
 
 @dataclasses.dataclass
@@ -211,27 +220,63 @@ def _leaf(handle: int, codec: str) -> Leaf:
         function = getattr(lib, "pgKitDirGet" + getter)
         is_number = function.restype is ctypes.c_int32
         keys[key] = function(handle) if is_number else _text(getter, handle, codec)
+    file_id = _file_id(handle)
     return Leaf(kind, _text("LeafRecordType", handle, codec),
                 _leaf_path(_bytes("LeafFullPath", handle)),
                 _text("LeafInstanceUID", handle, codec), _text("LeafSOPClassUID", handle, codec),
-                lib.pgKitDirGetLeafInstanceNumber(handle), keys)
+                lib.pgKitDirGetLeafInstanceNumber(handle), keys, file_id, _leads_outside(file_id))
+
+
+def _file_id(handle: int) -> str:
+    record = lib.pgKitDirGetLeafNode(handle)
+    element = record and lib.pgKitFindNodeWithGroupElement(record, 0x0004, 0x1500)
+    if not element:
+        return ""
+    length = lib.pgKitGetLength(element)
+    if length > _LONGEST_FILE_ID:  # it is none, and may be a lie
+        return ""
+    buffer = ctypes.create_string_buffer(length + 1)
+    lib.pgKitGetValue(element, buffer)
+    text = decoded_path(buffer.value).rstrip(" ")
+    return text[1:] if text.startswith("\\") else text
+
+
+def _leads_outside(file_id: str) -> bool:
+    names = file_id.strip(" ").replace("/", "\\").split("\\")
+    if (len(names) > 1 and not names[0]) or _DRIVE.match(names[0]):
+        return True
+    depth = 0
+    for name in (name.strip(" ") for name in names):
+        if name == "..":
+            depth -= 1
+        elif name not in ("", "."):
+            depth += 1
+        if depth < 0:
+            return True
+    return False
 
 
 def create(directory: StrPath, profile: Optional[str] = None, *, icon_size: int = 0,
            series_icons: bool = False, store_file_size: bool = False,
            fill_missing_keys: bool = False, file_set_id: str = "", skip_checks: bool = False,
-           recurse: bool = True, acceptance_list: bool = True,
+           recurse: bool = True, acceptance_list: bool = True, allow_empty: bool = False,
            progress: Optional[Callable[[ScannedFile], Any]] = None) -> List[ScannedFile]:
     """Makes the DICOMDIR of a directory, and tells what became of every file.
 
     progress is called for every file, as soon as it is judged. When it returns something true the
     scan ends and the DICOMDIR has what was found so far; so it does when progress raises, and what
-    it raised is raised here in the end. Raises CreateError when the DICOMDIR cannot be written.
+    it raised is raised here in the end. The new DICOMDIR takes the place of the one that is there
+    as a whole. Raises UnknownProfileError before anything is touched, and CreateError when the
+    DICOMDIR cannot be written or nothing is accepted, unless allow_empty says that there may be no
+    records; the DICOMDIR that is there stays then.
     """
+    if profile and not lib.pgxIsProfile(profile.encode("utf-8", "replace")):
+        raise UnknownProfileError(f"unknown profile: {profile}")
     options = DicomdirOptions(icon_size, series_icons, store_file_size, fill_missing_keys,
                               _file_set_id(file_set_id),
                               (1 if skip_checks else 0) | (0 if recurse else 0x10)
-                              | (0 if acceptance_list else 0x20))
+                              | (0 if acceptance_list else 0x20)
+                              | (0 if allow_empty else 0x200))
     scanned: List[ScannedFile] = []
     raised: List[BaseException] = []
 

@@ -1,6 +1,8 @@
 import copy
 import gc
 import pathlib
+import resource
+import signal
 import tempfile
 import unittest
 
@@ -20,6 +22,20 @@ class TemporaryDirectory(unittest.TestCase):
         path = self.directory / "saved.dcm"
         data_set.save(path, **options)
         return pgkit.open(path)
+
+
+class LongValues(TemporaryDirectory):
+    def test_are_written_as_un_where_their_vr_has_no_room_for_the_length(self):
+        data_set = pgkit.new()
+        self.addCleanup(data_set.close)
+        data_set.set("PatientComments", "x" * 70000)
+        data_set.set((0x0028, 0x1101), [258] * 35000, vr="US")
+        for encoding in ("explicit", "implicit", "big endian"):
+            with self.saved(data_set, encoding=encoding) as saved:
+                self.assertEqual(saved["PatientComments"].raw, b"x" * 70000)
+                self.assertEqual(saved[0x0028, 0x1101].raw, b"\x02\x01" * 35000)
+        with self.saved(data_set) as saved:
+            self.assertEqual(saved["PatientComments"].vr, "UN")
 
 
 class Reading(unittest.TestCase):
@@ -157,6 +173,27 @@ class Editing(TemporaryDirectory):
         super().setUp()
         self.data_set = pgkit.open(MR)
         self.addCleanup(self.data_set.close)
+
+    # What was there was cut before it was known whether the new file can be written.
+    def test_a_failing_save_leaves_the_former_file(self):
+        path = self.directory / "saved.dcm"
+        path.write_bytes(b"former")
+        path.chmod(0o640)
+        mode = path.stat().st_mode
+        limit = resource.getrlimit(resource.RLIMIT_FSIZE)
+        ignored = signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        resource.setrlimit(resource.RLIMIT_FSIZE, (1000, limit[1]))
+        try:
+            with self.assertRaises(pgkit.SaveError):
+                self.data_set.save(path, encoding="explicit")
+        finally:
+            resource.setrlimit(resource.RLIMIT_FSIZE, limit)
+            signal.signal(signal.SIGXFSZ, ignored)
+        self.assertEqual(path.read_bytes(), b"former")
+        self.data_set.save(path, encoding="explicit")
+        self.assertGreater(path.stat().st_size, 100)
+        self.assertEqual(path.stat().st_mode, mode)
+        self.assertEqual([path.name for path in self.directory.iterdir()], ["saved.dcm"])
 
     def test_changes_are_saved_and_the_rest_stays(self):
         before = {element.tag: element.raw for element in self.data_set}

@@ -119,12 +119,51 @@ class Creation(TemporaryDirectory):
             pgkit.create("")
 
     def test_a_profile_refuses(self):
-        scanned = pgkit.create(self.directory, "STD-DEN", recurse=False)
+        scanned = pgkit.create(self.directory, "STD-DEN", recurse=False, allow_empty=True)
         self.assertEqual([file.code for file in scanned],
                          [pgkit.AcceptanceCode.PROFILE_REFUSES,
                           pgkit.AcceptanceCode.NOT_DICOM_PART_10,
                           pgkit.AcceptanceCode.NOT_DICOM_PART_10])
         self.assertTrue((self.directory / "dcmdir.lst").is_file())
+
+    # The DICOMDIR used to be replaced by an empty one.
+    def test_nothing_accepted_leaves_the_dicomdir(self):
+        pgkit.create(self.directory)
+        before = (self.directory / "DICOMDIR").read_bytes()
+        with self.assertRaises(pgkit.CreateError) as raised:
+            pgkit.create(self.directory, "STD-DEN")
+        self.assertEqual(raised.exception.code, 8)
+        self.assertEqual((self.directory / "DICOMDIR").read_bytes(), before)
+        pgkit.create(self.directory, "STD-DEN", allow_empty=True)
+        self.assertEqual(leaves_of(self.directory / "DICOMDIR"), [])
+
+    def test_an_unknown_profile_raises_before_anything_is_touched(self):
+        for name in ("STD-GEN-C", "std-gen-cd", "nö"):
+            with self.assertRaises(pgkit.UnknownProfileError):
+                pgkit.create(self.directory, name)
+        self.assertEqual(sorted(path.name for path in self.directory.iterdir()),
+                         ["IM1", "NOTES", "SUB"])
+
+    @unittest.skipIf(os.name == "nt", "names have no backslashes here")
+    def test_names_with_backslashes_are_refused(self):
+        (self.directory / "SUB\\SR1").write_bytes((self.directory / "IM1").read_bytes())
+        scanned = pgkit.create(self.directory, acceptance_list=False)
+        self.assertIn(pgkit.ScannedFile("SUB\\SR1", pgkit.AcceptanceCode.INVALID_FILE_NAME),
+                      scanned)
+
+    def test_leaves_tell_their_file_ids_and_those_that_lead_outside(self):
+        pgkit.create(self.directory)
+        leaves = leaves_of(self.directory / "DICOMDIR")
+        self.assertEqual(sorted(leaf.file_id for leaf in leaves), ["IM1", "SUB\\SR1"])
+        self.assertFalse(any(leaf.is_outside for leaf in leaves))
+        data = (self.directory / "DICOMDIR").read_bytes()
+        for hostile, is_outside in ((b"..\\..\\X ", True), (b"A\\..\\..\\", True),
+                                    (b"../../X ", True), (b"/ETC/X  ", True), (b"C:\\XYZ  ", True),
+                                    (b"A\\..\\B  ", False), (b"..A\\B.. ", False)):
+            (self.directory / "DICOMDIR").write_bytes(data.replace(b"SUB\\SR1 ", hostile))
+            found = {leaf.file_id: leaf.is_outside
+                     for leaf in leaves_of(self.directory / "DICOMDIR")}
+            self.assertEqual(found[hostile.decode().rstrip(" ")], is_outside, hostile)
 
     def test_progress_can_end_the_scan(self):
         scanned = pgkit.create(self.directory, progress=lambda file: True, acceptance_list=False)

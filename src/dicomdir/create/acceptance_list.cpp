@@ -1,10 +1,15 @@
 #include "dicomdir/create/acceptance_list.h"
 
+#include <array>
 #include <cstdio>
 #include <iterator>
 
+#include "base/firewall.h"
 #include "base/paths.h"
-#include "platform/file_handle.h"
+#include "dicomdir/create/dicomdir_file.h"
+#include "dicomdir/record_list.h"
+#include "pgkit/dicomdir_creation.h"
+#include "pgkit/directory_records.h"
 #include "platform/platform.h"
 
 namespace pgkit {
@@ -25,28 +30,138 @@ constexpr const char* kCodeTexts[] = {"Dicom file accepted",
                                       "SeriesInstanceUID attribute was not found",
                                       "StudyInstanceUID attribute was not found"};
 
+std::string Header() {
+    std::string text = ";*** DICOMDIR CODES SUMMARY ***\n;******************************\n";
+    for (size_t code = 0; code < std::size(kCodeTexts); ++code)
+        text += "; " + std::to_string(code) + "\t" + kCodeTexts[code] + "\n";
+    return text + "\n";
+}
+
+std::string Line(uint32_t code, std::string_view path) {
+    return std::to_string(static_cast<int>(code)).append("\t").append(path).append("\n");
+}
+
+[[nodiscard]] bool WriteText(FILE* stream, std::string_view text) {
+    return std::fwrite(text.data(), 1, text.size(), stream) == text.size() &&
+           std::fflush(stream) == 0;
+}
+
+// At the end of a file whose lines end as those of the platform.
+[[nodiscard]] bool AppendText(const std::string& path, std::string_view text) {
+    const platform::FileHandle stream(platform::AppendText(path.c_str()));
+    return stream != nullptr && WriteText(stream.get(), text);
+}
+
+[[nodiscard]] bool CopyBytes(FILE* from, FILE* to) {
+    std::array<char, 4096> buffer;
+    if (!platform::Seek(from, 0)) return false;
+    for (;;) {
+        const size_t size = std::fread(buffer.data(), 1, buffer.size(), from);
+        if (std::fwrite(buffer.data(), 1, size, to) != size) return false;
+        if (size < buffer.size()) return std::ferror(from) == 0 && std::fflush(to) == 0;
+    }
+}
+
+template <typename Use>
+void ForEachLeaf(PGX_List& patients, Use use) {
+    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies)) {
+            for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series)) {
+                for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
+                    use(leaf);
+            }
+        }
+    }
+}
+
+// The lines of all leaves, in pieces: there may be millions.
+[[nodiscard]] bool AppendLeaves(PGX_List& patients, const std::string& path) {
+    constexpr size_t kPiece = 65536;
+    const platform::FileHandle stream(platform::AppendText(path.c_str()));
+    bool isWritten = stream != nullptr;
+    std::string lines;
+    ForEachLeaf(patients, [&](const PGX_DicomDirLeafNode& leaf) {
+        lines += Line(PG_ACCEPTED, leaf.referencedFileId);
+        if (!isWritten || lines.size() < kPiece) return;
+        isWritten = WriteText(stream.get(), lines);
+        lines.clear();
+    });
+    return isWritten && WriteText(stream.get(), lines);
+}
+
+char WithBackslash(char c) { return c == '/' ? '\\' : c; }
+
+// Slashes and backslashes are alike.
+bool StartsWithPath(std::string_view text, std::string_view path) {
+    if (text.size() < path.size()) return false;
+    for (size_t i = 0; i < path.size(); ++i) {
+        if (WithBackslash(text[i]) != WithBackslash(path[i])) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
+AcceptanceList::~AcceptanceList() {
+    // Without memory for the names the list stays as it was started.
+    Guarded([this] {
+        if (former_.Exists()) static_cast<void>(former_.PutInPlace());
+    });
+}
+
 void AcceptanceList::Start() {
+    const std::string path = Path();
+    if (!platform::CanBeReplaced(path.c_str())) return StartInPlace();
+    platform::FileReplacement started;
+    isSkipped_ = !KeepFormer() || !started.Create(path.c_str(), kDicomdirName) ||
+                 !AppendText(started.Path(), Header()) ||
+                 started.PutInPlace() != platform::FileReplacement::Outcome::InPlace;
+    if (isSkipped_) former_.Discard();
+}
+
+bool AcceptanceList::KeepFormer() {
+    const std::string path = Path();
+    const platform::FileHandle file(platform::OpenForReading(path.c_str()));
+    return file == nullptr ||
+           (former_.Create(path.c_str(), kDicomdirName) && CopyBytes(file.get(), former_.Stream()));
+}
+
+// A device, for instance, has no content that could be lost.
+void AcceptanceList::StartInPlace() {
     const platform::FileHandle stream(platform::CreateText(Path().c_str()));
-    if (stream == nullptr) return;
-    std::fputs(";*** DICOMDIR CODES SUMMARY ***\n;******************************\n", stream.get());
-    for (size_t code = 0; code < std::size(kCodeTexts); ++code) {
-        std::fprintf(stream.get(), "; %d\t%s\n", static_cast<int>(code), kCodeTexts[code]);
-    }
-    std::fputc('\n', stream.get());
+    isSkipped_ = stream == nullptr || !WriteText(stream.get(), Header());
 }
 
 void AcceptanceList::Append(uint32_t code, std::string_view fullPath) {
-    if (code == kNoAcceptanceCode) return;
+    if (code == kNoAcceptanceCode || isSkipped_) return;
     const platform::FileHandle stream(platform::AppendText(Path().c_str()));
     if (stream == nullptr) return;
-    const std::string path(RelativePath(fullPath));
-    std::fprintf(stream.get(), "%d\t%s\n", static_cast<int>(code), path.c_str());
+    const uint64_t size = platform::StreamSize(stream.get());
+    if (!WriteText(stream.get(), Line(code, RelativePath(fullPath)))) {
+        platform::CutTo(stream.get(), size);
+    }
 }
 
+void AcceptanceList::AppendAccepted(PGX_List& patients) {
+    if (isSkipped_) return;
+    const std::string path = Path();
+    if (!platform::CanBeReplaced(path.c_str())) {
+        [[maybe_unused]] const bool isWritten = AppendLeaves(patients, path);
+        return;
+    }
+    platform::FileReplacement replacement;
+    if (!replacement.Create(path.c_str(), kDicomdirName)) return;
+    const platform::FileHandle current(platform::OpenForReading(path.c_str()));
+    const platform::FileHandle copy(platform::CreateBinary(replacement.Path().c_str()));
+    if (copy == nullptr || (current != nullptr && !CopyBytes(current.get(), copy.get()))) return;
+    if (!AppendLeaves(patients, replacement.Path())) return;
+    [[maybe_unused]] const auto outcome = replacement.PutInPlace();
+}
+
+void AcceptanceList::Keep() { former_.Discard(); }
+
 std::string_view AcceptanceList::RelativePath(std::string_view fullPath) const {
-    if (!fullPath.starts_with(directory_)) return fullPath;
+    if (!StartsWithPath(fullPath, directory_)) return fullPath;
     const std::string_view rest = fullPath.substr(directory_.size());
     return !rest.empty() && IsSeparator(rest.front()) ? rest.substr(1) : fullPath;
 }

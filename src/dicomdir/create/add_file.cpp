@@ -1,22 +1,27 @@
 // One file of a medium joins a hierarchy of the caller's.
 #include <algorithm>
-#include <new>
 #include <string>
 #include <string_view>
 
+#include "base/firewall.h"
 #include "base/paths.h"
 #include "base/text.h"
 #include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/record_builder.h"
 #include "pgkit/dicomdir_creation.h"
+#include "platform/platform.h"
 
 namespace pgkit {
 
 namespace {
 
-// A character as paths compare: separators and letters of either kind are alike.
-char Folded(char c) { return c == '/' ? '\\' : ToUpper(c); }
+// A character as paths compare: separators are alike, and letters of either kind where the system
+// takes them for the same.
+char Folded(char c) {
+    if (IsSeparator(c)) return '\\';
+    return platform::PathsIgnoreCase() ? ToUpper(c) : c;
+}
 
 std::string_view WithoutTrailingSeparator(std::string_view directory) {
     if (!directory.empty() && IsSeparator(directory.back())) directory.remove_suffix(1);
@@ -53,13 +58,13 @@ PgAcceptanceCode AddFile(PGX_List& patients, std::string_view directory, std::st
 
 uint32_t pgAddFile(PGX_List* patients, const char* directory, const char* fullPath,
                    const char* profile, const PgDicomdirOptions* options) {
-    if (patients == nullptr || directory == nullptr || fullPath == nullptr) {
-        return PG_INVALID_FILE_NAME;
-    }
-    try {
-        return pgkit::AddFile(*patients, pgkit::WithoutTrailingSeparator(directory), fullPath,
-                              pgkit::OrEmpty(profile), pgkit::OptionsOrDefault(options));
-    } catch (const std::bad_alloc&) {
-        return PG_NOT_A_DATA_SET;
-    }
+    return pgkit::Guarded(
+        [=]() -> uint32_t {
+            if (patients == nullptr || directory == nullptr || fullPath == nullptr) {
+                return PG_INVALID_FILE_NAME;
+            }
+            return pgkit::AddFile(*patients, pgkit::WithoutTrailingSeparator(directory), fullPath,
+                                  pgkit::OrEmpty(profile), pgkit::OptionsOrDefault(options));
+        },
+        PG_NOT_A_DATA_SET);
 }

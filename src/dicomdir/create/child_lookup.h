@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "base/text.h"
 #include "dicomdir/hierarchy_index.h"
 #include "dicomdir/record_list.h"
 #include "pgkit/directory_records.h"
@@ -12,11 +13,16 @@
 
 namespace pgkit {
 
-inline std::string_view UidOf(const PGX_DicomDirStudyNode& study) { return study.studyInstanceUid; }
-inline std::string_view UidOf(const PGX_DicomDirSeriesNode& series) {
-    return series.seriesInstanceUid;
+// Padding makes no other UID: a browse does not see it.
+inline std::string_view UidOf(const PGX_DicomDirStudyNode& study) {
+    return TrimBlanks(study.studyInstanceUid);
 }
-inline std::string_view UidOf(const PGX_DicomDirLeafNode& leaf) { return leaf.instanceUid; }
+inline std::string_view UidOf(const PGX_DicomDirSeriesNode& series) {
+    return TrimBlanks(series.seriesInstanceUid);
+}
+inline std::string_view UidOf(const PGX_DicomDirLeafNode& leaf) {
+    return TrimBlanks(leaf.instanceUid);
+}
 
 template <typename Child>
 class ChildLookup {

@@ -1,12 +1,32 @@
 // Creation in one call: a directory is scanned, and gets its DICOMDIR.
-#include <new>
-
+#include "base/firewall.h"
 #include "codec/write_result.h"
 #include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/dicomdir_build.h"
+#include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/create/disk_scan.h"
 #include "dicomdir/create/own_patients.h"
 #include "pgkit/dicomdir_creation.h"
+
+namespace pgkit {
+
+namespace {
+
+uint32_t Create(const char* directory, const char* profile, const PgDicomdirOptions* options,
+                PgDicomdirScanCallback callback, void* userData) {
+    if (directory == nullptr) return kCannotCreate;
+    DicomdirFile(WithoutTrailingBackslash(directory)).RemoveStrays();
+    DiskScan scan(directory, profile, options);
+    const OwnPatients patients = NewPatients();
+    scan.Run(*patients, callback, userData);
+    return BuildDicomdir(
+        *patients, {scan.Directory(), FileSetIdOf(scan.Options()),
+                    scan.Options().storeFileSize != 0, MayBeEmpty(scan.Options()), scan.List()});
+}
+
+}  // namespace
+
+}  // namespace pgkit
 
 uint32_t pgCreateDicomdir(const char* directory, const char* profile,
                           PgDicomdirScanCallback callback, void* userData) {
@@ -16,15 +36,7 @@ uint32_t pgCreateDicomdir(const char* directory, const char* profile,
 uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
                             const PgDicomdirOptions* options, PgDicomdirScanCallback callback,
                             void* userData) {
-    if (directory == nullptr) return pgkit::kCannotCreate;
-    try {
-        pgkit::DiskScan scan(directory, profile, options);
-        const pgkit::OwnPatients patients = pgkit::NewPatients();
-        scan.Run(*patients, callback, userData);
-        return pgkit::BuildDicomdir(*patients,
-                                    {scan.Directory(), pgkit::FileSetIdOf(scan.Options()),
-                                     scan.Options().storeFileSize != 0, scan.List()});
-    } catch (const std::bad_alloc&) {
-        return pgkit::kOutOfMemory;
-    }
+    return pgkit::Guarded(
+        [=] { return pgkit::Create(directory, profile, options, callback, userData); },
+        pgkit::kOutOfMemory);
 }

@@ -17,6 +17,10 @@ inline bool WantsList(const PgDicomdirOptions& options) {
     return (options.flags & PG_DICOMDIR_NO_LIST) == 0;
 }
 
+inline bool MayBeEmpty(const PgDicomdirOptions& options) {
+    return (options.flags & PG_DICOMDIR_NEVER_EMPTY) == 0;
+}
+
 // The field is as long as its text may be: the terminating zero may be missing.
 inline std::string_view FileSetIdOf(const PgDicomdirOptions& options) {
     const std::string_view field(options.fileSetId, sizeof options.fileSetId);

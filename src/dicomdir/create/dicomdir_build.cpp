@@ -2,10 +2,13 @@
 
 #include <new>
 
+#include "base/firewall.h"
+#include "base/text.h"
 #include "codec/write_result.h"
 #include "dataset/node_ptr.h"
 #include "dicomdir/class_uids.h"
 #include "dicomdir/create/creation_options.h"
+#include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/generated_values.h"
 #include "dicomdir/create/record_items.h"
@@ -20,7 +23,6 @@ namespace {
 
 constexpr std::string_view kImplementation = "KIT_ZORVA_2865";
 constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
-constexpr int32_t kWriteMode = PG_LITTLE_ENDIAN | PG_EXPLICIT_VR | PG_META;
 
 NodeTree NewFileSet(std::string_view fileSetId) {
     NodeTree root(pgAllocateDataSetNode());
@@ -63,6 +65,21 @@ class RecordChain {
     PGX_Node* link_;
 };
 
+const PGX_List& ChildrenOf(const PGX_DicomDirPatientNode& patient) { return patient.studies; }
+const PGX_List& ChildrenOf(const PGX_DicomDirStudyNode& study) { return study.series; }
+const PGX_List& ChildrenOf(const PGX_DicomDirSeriesNode& series) { return series.leaves; }
+
+// The objects of one level in the order of their records: those without children come last. There a
+// browse ends the level, and what came behind them would be lost.
+template <typename Parent, typename Write>
+void WriteEach(PGX_List& level, Write write) {
+    for (const bool hasChildren : {true, false}) {
+        for (Parent& parent : Records<Parent>(level)) {
+            if ((ChildrenOf(parent).head != nullptr) == hasChildren) write(parent);
+        }
+    }
+}
+
 class DirectoryWriter {
   public:
     DirectoryWriter(PGX_Node& root, const BuildRequest& request)
@@ -70,32 +87,32 @@ class DirectoryWriter {
 
     void WritePatients(PGX_List& patients) {
         RecordChain chain(root_.FindNode(0x0004, 0x1200));
-        for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+        WriteEach<PGX_DicomDirPatientNode>(patients, [&](PGX_DicomDirPatientNode& patient) {
             PGX_Node& record = Append(NewPatientItem(patient), chain);
             PointAt(*root_.FindNode(0x0004, 0x1202), record);
             WriteStudies(patient, record);
-        }
+        });
     }
 
   private:
     void WriteStudies(PGX_DicomDirPatientNode& patient, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
-        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies))
+        WriteEach<PGX_DicomDirStudyNode>(patient.studies, [&](PGX_DicomDirStudyNode& study) {
             WriteSeries(study, Append(NewStudyItem(study), chain));
+        });
     }
 
     void WriteSeries(PGX_DicomDirStudyNode& study, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
-        for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series))
+        WriteEach<PGX_DicomDirSeriesNode>(study.series, [&](PGX_DicomDirSeriesNode& series) {
             WriteLeaves(series, Append(NewSeriesItem(series), chain));
+        });
     }
 
     void WriteLeaves(PGX_DicomDirSeriesNode& series, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
-        for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves)) {
+        for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
             Append(NewLeafItem(leaf, request_.wantsFileSizes), chain);
-            if (request_.list != nullptr) request_.list->Append(PG_ACCEPTED, leaf.fullPath);
-        }
     }
 
     // Puts an item at the end of the sequence, which owns it from then on.
@@ -112,13 +129,42 @@ class DirectoryWriter {
     PGX_Node** end_;
 };
 
+uint32_t WriteDicomdir(PGX_List& patients, const BuildRequest& request) {
+    const NodeTree root = NewFileSet(request.fileSetId);
+    DicomdirFile file(request.directory);
+    file.RemoveStrays();
+    if (!file.Create()) return kCannotCreate;
+    if (patients.count == 0 && !request.mayBeEmpty) return PG_CREATION_NOTHING_ACCEPTED;
+    DirectoryWriter(*root, request).WritePatients(patients);
+    const uint32_t result = file.Save(*root);
+    if (result == kWritten) file.RemoveStrays();
+    return result;
+}
+
 }  // namespace
 
 uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request) {
-    const NodeTree root = NewFileSet(request.fileSetId);
-    DirectoryWriter(*root, request).WritePatients(patients);
-    return root->SaveDataSetAsEx((request.directory + "\\DICOMDIR").c_str(), kWriteMode);
+    const uint32_t result = WriteDicomdir(patients, request);
+    if (request.list == nullptr) return result;
+    if (result == kWritten) request.list->AppendAccepted(patients);
+    if (result == kWritten || result == PG_CREATION_NOTHING_ACCEPTED) request.list->Keep();
+    return result;
 }
+
+namespace {
+
+uint32_t Build(PGX_List* patients, const char* directory, const char* fileSetId) {
+    if (patients == nullptr || directory == nullptr) return kCannotCreate;
+    const std::string medium = WithoutTrailingBackslash(directory);
+    AcceptanceList list(medium);
+    return BuildDicomdir(*patients, {.directory = medium,
+                                     .fileSetId = OrEmpty(fileSetId),
+                                     .wantsFileSizes = false,
+                                     .mayBeEmpty = true,
+                                     .list = &list});
+}
+
+}  // namespace
 
 }  // namespace pgkit
 
@@ -127,15 +173,6 @@ uint32_t pgBuildDicomdir(PGX_List* patients, const char* directory) {
 }
 
 uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory, const char* fileSetId) {
-    if (patients == nullptr || directory == nullptr) return pgkit::kCannotCreate;
-    try {
-        const std::string medium = pgkit::WithoutTrailingBackslash(directory);
-        pgkit::AcceptanceList list(medium);
-        return pgkit::BuildDicomdir(*patients, {.directory = medium,
-                                                .fileSetId = fileSetId == nullptr ? "" : fileSetId,
-                                                .wantsFileSizes = false,
-                                                .list = &list});
-    } catch (const std::bad_alloc&) {
-        return pgkit::kOutOfMemory;
-    }
+    return pgkit::Guarded([=] { return pgkit::Build(patients, directory, fileSetId); },
+                          pgkit::kOutOfMemory);
 }

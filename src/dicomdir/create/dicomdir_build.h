@@ -14,10 +14,14 @@ struct BuildRequest {
     std::string directory;
     std::string_view fileSetId;  // empty for the default
     bool wantsFileSizes = false;
+    bool mayBeEmpty = true;
     AcceptanceList* list = nullptr;  // gets a line for every leaf, if there is one
 };
 
-// Returns the result of saving. Throws std::bad_alloc.
-uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request);
+// Returns the result of saving, or PG_CREATION_NOTHING_ACCEPTED for a hierarchy that has nothing
+// and may not be empty. Whatever it is, the directory has the DICOMDIR that it had, or the new one.
+// The list is kept when it belongs to the DICOMDIR, or tells why there is none. Throws
+// std::bad_alloc.
+[[nodiscard]] uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request);
 
 }  // namespace pgkit

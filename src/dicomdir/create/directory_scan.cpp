@@ -1,5 +1,7 @@
 #include "dicomdir/create/directory_scan.h"
 
+#include "dicomdir/create/dicomdir_file.h"
+
 namespace pgkit {
 
 namespace {
@@ -20,9 +22,9 @@ void DirectoryScan::Run(bool descends) {
         source.pop_back();
         if (!IsNew(current)) continue;
         const auto entries = platform::ListDirectory(FullPath(current.path).c_str());
-        if (!AddFiles(current.path, entries) || !descends) return;
+        if (!AddFiles(current.path, entries, descends) || !descends) return;
         for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-            if (!entry->isDirectory) continue;
+            if (!entry->isDirectory || !platform::IsReachableName(entry->name)) continue;
             const bool isLinked = current.isLinked || entry->isLink;
             (isLinked ? linked : pending).push_back({Joined(current.path, entry->name), isLinked});
         }
@@ -38,19 +40,29 @@ bool DirectoryScan::IsNew(const Subdirectory& subdirectory) {
     return isNew || !subdirectory.isLinked;
 }
 
+// A directory that no path leads to is told of like a file: what is in it is not.
 bool DirectoryScan::AddFiles(const std::string& subdirectory,
-                             const std::vector<platform::DirectoryEntry>& entries) {
+                             const std::vector<platform::DirectoryEntry>& entries, bool descends) {
     for (const platform::DirectoryEntry& entry : entries) {
-        if (entry.isDirectory) continue;
-        const std::string name = Joined(subdirectory, entry.name);
-        const std::string path = FullPath(name);
-        const AddedRecords added = builder_.Add({name.c_str(), path.c_str()});
+        // What creations leave behind, and this one's own, is no part of the medium.
+        if (subdirectory.empty() && IsReplacementOfDicomdir(entry.name)) continue;
+        const bool isEntered = platform::IsReachableName(entry.name);
+        if (entry.isDirectory && (isEntered || !descends)) continue;
+        const PgAcceptanceCode code = Judge(subdirectory, entry);
         if (callback_ == nullptr) continue;
-        const PgDicomdirScanReason reason{entry.name.c_str(), subdirectory.c_str(), added.code,
-                                          userData_};
+        const PgDicomdirScanReason reason{entry.name.c_str(), subdirectory.c_str(),
+                                          static_cast<uint32_t>(code), userData_};
         if (callback_(&reason) != 0) return false;
     }
     return true;
+}
+
+PgAcceptanceCode DirectoryScan::Judge(const std::string& subdirectory,
+                                      const platform::DirectoryEntry& entry) {
+    const std::string name = Joined(subdirectory, entry.name);
+    const std::string path = FullPath(name);
+    if (!platform::IsReachableName(entry.name)) return builder_.RefuseName(path.c_str());
+    return builder_.Add({name.c_str(), path.c_str()}).code;
 }
 
 std::string DirectoryScan::FullPath(const std::string& relativePath) const {

@@ -31,8 +31,10 @@ class DirectoryScan {
     };
 
     bool IsNew(const Subdirectory& subdirectory);
+    // False when the callback ended the scan.
     bool AddFiles(const std::string& subdirectory,
-                  const std::vector<platform::DirectoryEntry>& entries);
+                  const std::vector<platform::DirectoryEntry>& entries, bool descends);
+    PgAcceptanceCode Judge(const std::string& subdirectory, const platform::DirectoryEntry& entry);
     std::string FullPath(const std::string& relativePath) const;
 
     std::string directory_;

@@ -23,6 +23,8 @@ class DiskScan {
     const PgDicomdirOptions& Options() const { return options_; }
     // Null when the options want none.
     AcceptanceList* List();
+    // The scan was all that was asked for.
+    void KeepList() { list_.Keep(); }
 
   private:
     std::string directory_;

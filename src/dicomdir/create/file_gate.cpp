@@ -1,11 +1,14 @@
 #include "dicomdir/create/file_gate.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "base/text.h"
 #include "codec/open.h"
 #include "dicomdir/class_uids.h"
+#include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/record_keys.h"
+#include "pgkit/directory_records.h"
 
 namespace pgkit {
 
@@ -34,21 +37,22 @@ PgAcceptanceCode Open(const char* path, bool skipChecks, OpenedDataSet& dataSet)
 // mistake: a caller who wants every file has the data set's own class instead.
 void ReadSopClass(PGX_Node& dataSet, bool skipChecks, char (&sopClass)[65]) {
     char own[65];
-    ReadKey(dataSet, {0x0002, 0x0002}, sopClass);
-    ReadKey(dataSet, {0x0008, 0x0016}, own);
+    ReadTrimmedKey(dataSet, {0x0002, 0x0002}, sopClass);
+    ReadTrimmedKey(dataSet, {0x0008, 0x0016}, own);
     const bool isMistaken = skipChecks && IsDirectoryClass(sopClass) && own[0] != '\0';
     if (sopClass[0] == '\0' || isMistaken) CopyToField(sopClass, own);
 }
 
+// A browse drops the blanks around UIDs, whatever their VR: padding must not make two of one.
 PgAcceptanceCode ReadIdentifiers(bool skipChecks, Candidate& candidate) {
     PGX_Node& dataSet = *candidate.dataSet;
     ReadSopClass(dataSet, skipChecks, candidate.sopClassUid);
     if (candidate.sopClassUid[0] == '\0') return PG_NOT_A_DATA_SET;
     if (IsDirectoryClass(candidate.sopClassUid)) return PG_IS_A_DICOMDIR;
-    ReadKey(dataSet, {0x0008, 0x0018}, candidate.instanceUid);
-    ReadKey(dataSet, {0x0020, 0x000D}, candidate.studyInstanceUid);
-    ReadKey(dataSet, {0x0020, 0x000E}, candidate.seriesInstanceUid);
-    ReadKey(dataSet, {0x0002, 0x0010}, candidate.transferSyntaxUid);
+    ReadTrimmedKey(dataSet, {0x0008, 0x0018}, candidate.instanceUid);
+    ReadTrimmedKey(dataSet, {0x0020, 0x000D}, candidate.studyInstanceUid);
+    ReadTrimmedKey(dataSet, {0x0020, 0x000E}, candidate.seriesInstanceUid);
+    ReadTrimmedKey(dataSet, {0x0002, 0x0010}, candidate.transferSyntaxUid);
     if (candidate.instanceUid[0] == '\0') return PG_NO_SOP_INSTANCE_UID;
     if (candidate.studyInstanceUid[0] == '\0') return PG_NO_STUDY_INSTANCE_UID;
     if (candidate.seriesInstanceUid[0] == '\0') return PG_NO_SERIES_INSTANCE_UID;
@@ -64,9 +68,25 @@ bool IsAllowed(const Candidate& candidate, const char* profile) {
                                photometricInterpretation, modality, profile) != 0;
 }
 
+// Whether a name fits the field of a leaf and leads to a file of the medium: there is one, and no
+// component goes back up.
+bool IsFileId(std::string_view name) {
+    if (name.empty() || name.size() >= sizeof(PGX_DicomDirLeafNode::referencedFileId)) return false;
+    while (!name.empty()) {
+        const size_t end = std::min(name.find_first_of("\\/"), name.size());
+        if (name.substr(0, end) == "..") return false;
+        name.remove_prefix(std::min(end + 1, name.size()));
+    }
+    return true;
+}
+
 PgAcceptanceCode Judge(const FileToAdd& file, const char* profile, bool skipChecks,
                        Candidate& candidate) {
-    if (ToUpper(file.referencedName) == "DICOMDIR") return PG_IS_A_DICOMDIR;
+    if (!IsFileId(file.referencedName)) return PG_INVALID_FILE_NAME;
+    const std::string_view name = file.referencedName;
+    if (ToUpper(name) == kDicomdirName) return PG_IS_A_DICOMDIR;
+    // The creation of the DICOMDIR would remove it.
+    if (IsReplacementOfDicomdir(name)) return PG_IS_A_DICOMDIR;
     PgAcceptanceCode code = Open(file.fullPath, skipChecks, candidate.dataSet);
     if (code == PG_ACCEPTED) code = ReadIdentifiers(skipChecks, candidate);
     if (code != PG_ACCEPTED) return code;

@@ -5,8 +5,9 @@
 #include <new>
 #include <vector>
 
+#include "bitmap/received_bitmap.h"
 #include "dicomdir/create/element_insertion.h"
-#include "dicomdir/create/received_bitmap.h"
+#include "dicomdir/record_copy.h"
 
 namespace pgkit {
 
@@ -75,6 +76,9 @@ NodeTree NewItem(const BitmapHeader& header, const std::vector<uint8_t>& pixels)
 NodeTree NewIconItem(void* bitmap) {
     const ReceivedBitmap received(bitmap);
     if (!received.Header() || !HasColourIndexes(*received.Header())) return nullptr;
+    if (uint64_t{received.Header()->width} * received.Header()->height > kMaxRecordCopy) {
+        return nullptr;
+    }
     try {
         const std::vector<uint8_t> pixels = ReadPixels(received);
         return pixels.empty() ? nullptr : NewItem(*received.Header(), pixels);

@@ -1,9 +1,10 @@
 #include "dicomdir/create/icon_making.h"
 
+#include <algorithm>
 #include <new>
 
+#include "bitmap/received_bitmap.h"
 #include "dicomdir/create/imaging_module.h"
-#include "dicomdir/create/received_bitmap.h"
 
 namespace pgkit {
 
@@ -37,11 +38,11 @@ class LoadedImage {
     bool isLoaded_;
 };
 
-// 0 when the icon would have no height.
+// By this factor the longer side becomes the edge; the module rounds the other one to the nearest
+// pixel, and never below 1. The icon's own height by that of the image would be the same factor,
+// but for what that height was rounded: a width could then exceed the square.
 double FittingZoom(const BitmapHeader& bitmap, uint32_t edge) {
-    const uint64_t height = uint64_t{bitmap.height} * edge / bitmap.width;
-    const uint64_t iconHeight = height <= edge ? height : edge;
-    return static_cast<double>(iconHeight) / static_cast<double>(bitmap.height);
+    return static_cast<double>(edge) / std::max(bitmap.width, bitmap.height);
 }
 
 BitmapHandle ZoomedToFit(const ImagingModule& module, void* bitmap, uint32_t edge) {

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "dicomdir/bitmap_handle.h"
+#include "bitmap/bitmap_handle.h"
 
 namespace pgkit {
 

@@ -32,7 +32,7 @@ std::unique_ptr<PGX_DicomDirPatientNode> NewPatient(PGX_Node& dataSet) {
 
 std::unique_ptr<PGX_DicomDirStudyNode> NewStudy(PGX_Node& dataSet) {
     auto study = std::make_unique<PGX_DicomDirStudyNode>();
-    ReadKey(dataSet, {0x0020, 0x000D}, study->studyInstanceUid);
+    ReadTrimmedKey(dataSet, {0x0020, 0x000D}, study->studyInstanceUid);
     ReadKey(dataSet, {0x0020, 0x0010}, study->studyId);
     ReadKey(dataSet, {0x0008, 0x0020}, study->studyDate);
     ReadKey(dataSet, {0x0008, 0x0030}, study->studyTime);
@@ -46,7 +46,7 @@ std::unique_ptr<PGX_DicomDirStudyNode> NewStudy(PGX_Node& dataSet) {
 
 std::unique_ptr<PGX_DicomDirSeriesNode> NewSeries(PGX_Node& dataSet) {
     auto series = std::make_unique<PGX_DicomDirSeriesNode>();
-    ReadKey(dataSet, {0x0020, 0x000E}, series->seriesInstanceUid);
+    ReadTrimmedKey(dataSet, {0x0020, 0x000E}, series->seriesInstanceUid);
     ReadKey(dataSet, {0x0008, 0x0060}, series->modality);
     ReadKey(dataSet, {0x0020, 0x0011}, series->seriesNumber, "0");
     ReadKey(dataSet, {0x0008, 0x103E}, series->seriesDescription);

@@ -6,9 +6,10 @@
 
 #include "base/text.h"
 #include "dicomdir/class_uids.h"
+#include "dicomdir/create/concept_modifiers.h"
 #include "dicomdir/create/icon_making.h"
 #include "dicomdir/create/instance_keys.h"
-#include "dicomdir/create/sequence_copy.h"
+#include "dicomdir/record_copy.h"
 #include "dicomdir/record_keys.h"
 #include "pgkit/sopclass.h"
 #include "platform/platform.h"

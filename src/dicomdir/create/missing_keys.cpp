@@ -1,5 +1,6 @@
 #include "dicomdir/create/missing_keys.h"
 
+#include <set>
 #include <string>
 
 #include "base/text.h"
@@ -16,11 +17,27 @@ void Fill(char (&field)[Size], std::string (*newValue)()) {
     if (field[0] == '\0') CopyToField(field, newValue());
 }
 
+// A patient must not become another one of the list: media that were made here have such IDs, and a
+// browse would make one of the two and drop what both have.
+void FillPatientIds(PGX_List& patients) {
+    std::set<std::string> known;
+    for (const PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients))
+        known.insert(patient.patientId);
+    if (!known.contains("")) return;
+    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+        if (patient.patientId[0] != '\0') continue;
+        std::string id = NewPatientId();
+        for (size_t tries = known.size(); tries > 0 && known.contains(id); --tries)
+            id = NewPatientId();
+        CopyToField(patient.patientId, id);
+    }
+}
+
 }  // namespace
 
 void FillMissingKeys(PGX_List& patients) {
+    FillPatientIds(patients);
     for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
-        Fill(patient.patientId, NewPatientId);
         for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies)) {
             Fill(study.studyId, NewStudyId);
             Fill(study.studyDate, CurrentDate);

@@ -1,11 +1,11 @@
 // Creation file by file: the files may lie anywhere, and the caller says under which names the
 // DICOMDIR refers to them.
 #include <memory>
-#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "base/firewall.h"
 #include "codec/write_result.h"
 #include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/creation_options.h"
@@ -39,8 +39,9 @@ class OffshoreCreation {
     uint32_t Add(const FileToAdd& file) { return builder_.Add(file).code; }
 
     uint32_t Build() {
-        return BuildDicomdir(
-            *patients_, {directory_, FileSetIdOf(options_), options_.storeFileSize != 0, List()});
+        return BuildDicomdir(*patients_,
+                             {directory_, FileSetIdOf(options_), options_.storeFileSize != 0,
+                              MayBeEmpty(options_), List()});
     }
 
   private:
@@ -53,36 +54,45 @@ class OffshoreCreation {
     RecordBuilder builder_;
 };
 
+using CreationOwner = std::unique_ptr<OffshoreCreation>;
+
+OffshoreCreation* Start(const char* directory, const PgDicomdirOptions* options) {
+    if (directory == nullptr) return nullptr;
+    const auto shortened = std::string_view(directory).substr(0, kMaxDirectory);
+    return new OffshoreCreation(WithoutTrailingBackslash(shortened), OptionsOrDefault(options));
+}
+
+uint32_t Add(OffshoreCreation* creation, const char* referencedName, const char* fullPath) {
+    if (creation == nullptr) return kNoCreation;
+    if (referencedName == nullptr || fullPath == nullptr) return PG_INVALID_FILE_NAME;
+    return creation->Add({referencedName, fullPath});
+}
+
+uint32_t End(CreationOwner creation) {
+    return creation == nullptr ? kNoCreation : creation->Build();
+}
+
+OffshoreCreation* CreationOf(void* handle) { return static_cast<OffshoreCreation*>(handle); }
+
 }  // namespace
 
 }  // namespace pgkit
 
+using pgkit::CreationOf;
+using pgkit::Guarded;
+
 void* pgStartCreateOffshoreDicomdir(const char* directory, const char* /*profile*/,
                                     const PgDicomdirOptions* options) {
-    if (directory == nullptr) return nullptr;
-    try {
-        const auto shortened = std::string_view(directory).substr(0, pgkit::kMaxDirectory);
-        return new pgkit::OffshoreCreation(pgkit::WithoutTrailingBackslash(shortened),
-                                           pgkit::OptionsOrDefault(options));
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return Guarded([=] { return pgkit::Start(directory, options); });
 }
 
 uint32_t pgAddFileToOffshoreDicomdir(void* handle, const char* referencedName,
                                      const char* fullPath) {
-    if (handle == nullptr) return pgkit::kNoCreation;
-    if (referencedName == nullptr || fullPath == nullptr) return PG_INVALID_FILE_NAME;
-    return static_cast<pgkit::OffshoreCreation*>(handle)->Add({referencedName, fullPath});
+    return Guarded([=] { return pgkit::Add(CreationOf(handle), referencedName, fullPath); },
+                   PG_NOT_A_DATA_SET);
 }
 
 uint32_t pgEndCreateOffshoreDicomdir(void* handle) {
-    if (handle == nullptr) return pgkit::kNoCreation;
-    const std::unique_ptr<pgkit::OffshoreCreation> creation(
-        static_cast<pgkit::OffshoreCreation*>(handle));
-    try {
-        return creation->Build();
-    } catch (const std::bad_alloc&) {
-        return pgkit::kOutOfMemory;
-    }
+    return Guarded([=] { return pgkit::End(pgkit::CreationOwner(CreationOf(handle))); },
+                   pgkit::kOutOfMemory);
 }

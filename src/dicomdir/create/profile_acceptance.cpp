@@ -2,10 +2,11 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/firewall.h"
 #include "base/text.h"
 #include "dicomdir/create/profiles.h"
 #include "pgkit/dicomdir_creation.h"
-#include "pgkit/sopclass.h"
+#include "sopclass/sop_class_tables.h"
 
 namespace pgkit {
 
@@ -70,9 +71,18 @@ bool Accepts(const Profile& profile, bool isImage, const Traits& traits) {
            AcceptsPhotometricInterpretation(profile, traits);
 }
 
+int32_t AcceptsDataSet(const Traits& traits, std::string_view profile) {
+    if (profile.empty()) return 1;
+    const Profile* found = FindProfile(profile);
+    if (found == nullptr) return 0;
+    return Accepts(*found, IsInCategory(traits.sopClass, SopCategory::Image), traits) ? 1 : 0;
+}
+
 }  // namespace
 
 }  // namespace pgkit
+
+using pgkit::OrEmpty;
 
 int32_t pgDirAcceptDataset(const char* transferSyntaxUid, const char* sopClassUid,
                            const char* photometricInterpretation, const char* profile) {
@@ -83,11 +93,9 @@ int32_t pgDirAcceptDataset(const char* transferSyntaxUid, const char* sopClassUi
 int32_t pgDirAcceptDataset2(const char* transferSyntaxUid, const char* sopClassUid,
                             const char* photometricInterpretation, const char* modality,
                             const char* profile) {
-    using pgkit::OrEmpty;
-    if (OrEmpty(profile).empty()) return 1;
-    const pgkit::Profile* found = pgkit::FindProfile(profile);
-    if (found == nullptr) return 0;
-    const pgkit::Traits traits{OrEmpty(transferSyntaxUid), OrEmpty(sopClassUid),
-                               OrEmpty(photometricInterpretation), OrEmpty(modality)};
-    return pgkit::Accepts(*found, pgIsImageSOPClass(sopClassUid), traits) ? 1 : 0;
+    return pgkit::Guarded([=] {
+        return pgkit::AcceptsDataSet({OrEmpty(transferSyntaxUid), OrEmpty(sopClassUid),
+                                      OrEmpty(photometricInterpretation), OrEmpty(modality)},
+                                     OrEmpty(profile));
+    });
 }

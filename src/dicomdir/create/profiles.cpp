@@ -30,6 +30,8 @@ static_assert(std::size(kProfiles) == 56);
 
 }  // namespace
 
+std::span<const Profile> Profiles() { return kProfiles; }
+
 const Profile* FindProfile(std::string_view name) {
     for (const Profile& profile : kProfiles) {
         if (profile.name == name) return &profile;

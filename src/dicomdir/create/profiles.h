@@ -40,6 +40,9 @@ struct Profile {
     RuleList nonImage;
 };
 
+// All of them, in the order of the table.
+std::span<const Profile> Profiles();
+
 // Null when there is no profile of exactly this name.
 const Profile* FindProfile(std::string_view name);
 

@@ -4,12 +4,12 @@
 #include <new>
 #include <utility>
 
+#include "dataset/patient_names.h"
 #include "dicomdir/create/icon_making.h"
 #include "dicomdir/create/instance_keys.h"
 #include "dicomdir/create/leaf_builder.h"
 #include "dicomdir/create/series_number.h"
 #include "dicomdir/record_list.h"
-#include "pgkit/dataset.h"
 
 namespace pgkit {
 
@@ -23,7 +23,7 @@ int32_t InstanceNumberOf(const PGX_DicomDirLeafNode& leaf) { return leaf.instanc
 
 bool IsSamePatient(const PGX_DicomDirPatientNode& known, const PGX_DicomDirPatientNode& keys) {
     return std::strcmp(known.patientId, keys.patientId) == 0 &&
-           pgComparePatientNames(known.patientsName, keys.patientsName, 0) == 0;
+           ComparePatientNames(known.patientsName, keys.patientsName) == 0;
 }
 
 }  // namespace
@@ -47,6 +47,16 @@ AddedRecords RecordBuilder::Add(const FileToAdd& file) {
         ForgetIndexes();
         return {PG_NOT_A_DATA_SET};
     }
+}
+
+PgAcceptanceCode RecordBuilder::RefuseName(const char* fullPath) {
+    if (refusals_ == nullptr) return PG_INVALID_FILE_NAME;
+    try {
+        refusals_->Append(PG_INVALID_FILE_NAME, fullPath);
+    } catch (const std::bad_alloc&) {
+        // There is no line then.
+    }
+    return PG_INVALID_FILE_NAME;
 }
 
 // They may know objects that were to be added and are gone.

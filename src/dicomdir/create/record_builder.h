@@ -36,6 +36,9 @@ class RecordBuilder {
     // set, and leaves the hierarchy as it was.
     AddedRecords Add(const FileToAdd& file);
 
+    // A file that cannot be referred to: it is listed, and not looked at.
+    PgAcceptanceCode RefuseName(const char* fullPath);
+
   private:
     // What the parents of a leaf are made of.
     struct NewParents {

@@ -5,7 +5,7 @@
 
 #include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/icon_item.h"
-#include "dicomdir/create/sequence_copy.h"
+#include "dicomdir/record_copy.h"
 #include "dicomdir/record_table.h"
 
 namespace pgkit {

@@ -38,8 +38,41 @@ constexpr char kHeader[] =
 TEST(AcceptanceListFile, StartsWithTheMeaningOfTheCodes) {
     const TempDir directory;
     directory.Write("dcmdir.lst", "what an earlier creation left");
+    AcceptanceList list(directory.Path("."));
+    list.Start();
+    EXPECT_EQ(ListIn(directory), kHeader);
+    list.Keep();
+}
+
+// The list of the DICOMDIR that stays was gone.
+TEST(AcceptanceListFile, BringsTheFormerOneBackUnlessItIsKept) {
+    const TempDir directory;
+    directory.Write("dcmdir.lst", "former");
+    for (const bool isKept : {false, true}) {
+        {
+            AcceptanceList list(directory.Path("."));
+            list.Start();
+            list.Append(2, "README");
+            if (isKept) list.Keep();
+        }
+        EXPECT_EQ(ListIn(directory), isKept ? kHeader + std::string("2\tREADME\n") : "former");
+    }
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory.Path("")), {}), 1);
+}
+
+TEST(AcceptanceListFile, StaysWhereThereWasNone) {
+    const TempDir directory;
     AcceptanceList(directory.Path(".")).Start();
     EXPECT_EQ(ListIn(directory), kHeader);
+}
+
+TEST(AcceptanceListFile, TakesSlashesForBackslashesInFrontOfWhatItLists) {
+    const TempDir directory;
+    AcceptanceList list(directory.Path(".") + "\\SUB");
+    std::filesystem::create_directory(directory.Path("SUB"));
+    list.Append(2, directory.Path(".") + "/SUB/README");
+    std::ifstream file(directory.Path("SUB/dcmdir.lst"));
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "2\tREADME\n");
 }
 
 TEST(AcceptanceListFile, HasALineForEveryFile) {

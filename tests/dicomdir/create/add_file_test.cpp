@@ -79,7 +79,8 @@ TEST_F(AddFile, ToleratesADirectoryThatEndsWithASeparator) {
     EXPECT_EQ(ListFile(), "2\tmissing\n");
 }
 
-TEST_F(AddFile, FindsTheDirectoryInThePathWhateverItsCaseAndSeparators) {
+// On POSIX a directory of another case is another one.
+TEST_F(AddFile, FindsTheDirectoryInThePathAsTheSystemComparesIt) {
     Write("SUB/IM1", Instance(1));
     std::string path = LibraryPath(Directory() + "/SUB/IM1");
     const size_t last = LibraryPath(Directory()).rfind('\\');
@@ -87,8 +88,23 @@ TEST_F(AddFile, FindsTheDirectoryInThePathWhateverItsCaseAndSeparators) {
                    path.begin() + static_cast<ptrdiff_t>(Directory().size()),
                    path.begin() + static_cast<ptrdiff_t>(last),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    if (std::filesystem::path::preferred_separator != '\\') {
+        EXPECT_EQ(Add(path), 1u);
+        path.replace(0, Directory().size(), LibraryPath(Directory()));
+    }
     EXPECT_EQ(Add(path), 0u);
     EXPECT_STREQ(Leaf().referencedFileId, "SUB\\IM1");
+}
+
+// The file of a neighbouring directory became one of the medium.
+TEST_F(AddFile, RefusesPathsThatLeadOutOfTheDirectoryAgain) {
+    outside_.Write("IM1", Instance(1).Data());
+    Write("SUB/IM1", Instance(2));
+    const std::string up =
+        "\\..\\..\\" + std::filesystem::path(outside_.Path("")).parent_path().filename().string();
+    EXPECT_EQ(Add(Directory() + up + "\\IM1"), 1u);
+    EXPECT_EQ(Add(Directory() + "/SUB/../SUB/IM1"), 1u);
+    EXPECT_EQ(patients_.count, 0);
 }
 
 TEST_F(AddFile, RefusesNullArguments) {

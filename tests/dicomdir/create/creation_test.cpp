@@ -358,6 +358,67 @@ TEST_F(Creation, FailsWhereItCannotWrite) {
     EXPECT_EQ(pgCreateDicomdir(nullptr, "", nullptr, nullptr), 1u);
 }
 
+// What an earlier creation left behind was scanned and stayed.
+TEST_F(Creation, RemovesStraysOfEarlierCreations) {
+    Create();
+    Write("A", InstanceFile());
+    Write("DICOMDIR.new7", Bytes{1});
+    Write("SUB/DICOMDIR.new7", Bytes{1});
+    for (const char* name : {"DICOMDIR.new", "DICOMDIR.new7x", "DICOMDIR.old"})
+        Write(name, Bytes{1});
+    EXPECT_EQ(Create(), 0u);
+    EXPECT_FALSE(Exists("DICOMDIR.new7"));
+    for (const char* name : {"SUB/DICOMDIR.new7", "DICOMDIR.new", "DICOMDIR.new7x", "DICOMDIR.old"})
+        EXPECT_TRUE(Exists(name)) << name;
+}
+
+TEST_F(Creation, RemovesStraysWhereThereWasNoDicomdirYet) {
+    Write("A", Instance(1));
+    Write("DICOMDIR.new0", Instance(2));
+    EXPECT_EQ(Create(), 0u);
+    EXPECT_EQ(ListLines(), "2\tdcmdir.lst\n0\tA\n");
+    EXPECT_FALSE(Exists("DICOMDIR.new0"));
+    EXPECT_EQ(RecordsOf(Open().get()).size(), 4u);
+}
+
+TEST_F(Creation, LeavesTheDicomdirOnDemandWhenNothingIsAccepted) {
+    Write("A", InstanceFile());
+    Create();
+    const Bytes before = ReadFile(medium_.Path("DICOMDIR"));
+    options_.flags = PG_DICOMDIR_NEVER_EMPTY;
+    EXPECT_EQ(Create("STD-DEN"), PG_CREATION_NOTHING_ACCEPTED);
+    EXPECT_EQ(ReadFile(medium_.Path("DICOMDIR")), before);
+    EXPECT_EQ(ListLines(), "5\tA\n4\tDICOMDIR\n2\tdcmdir.lst\n");
+    EXPECT_EQ(Create(), 0u);
+}
+
+// A referenced file ID was cut, and led to another file or to none.
+TEST_F(Creation, RefusesAFileWhoseIdDoesNotFit) {
+    if (std::filesystem::path::preferred_separator == '\\')
+        GTEST_SKIP() << "paths are shorter here";
+    const std::string folder(200, 'D');
+    Write(folder + "/" + std::string(58, 'F'), Instance(1));
+    Write(folder + "/" + std::string(59, 'G'), Instance(2));
+    EXPECT_EQ(Create(), 0u);
+    const std::string fits = folder + "\\" + std::string(58, 'F');
+    EXPECT_EQ(ListLines(),
+              "2\tdcmdir.lst\n1\t" + folder + "\\" + std::string(59, 'G') + "\n0\t" + fits + "\n");
+    EXPECT_EQ(TextOf(Child(RecordOf(Open().get(), "IMAGE "), 0x0004, 0x1500)).substr(0, 259), fits);
+}
+
+// The files behind the names that these seem to have were read.
+TEST_F(Creation, RefusesNamesWithBackslashesAndDoesNotEnterThem) {
+    if (std::filesystem::path::preferred_separator == '\\') GTEST_SKIP() << "there are none here";
+    Write("A/B", Instance(1));
+    Write("A\\B", Instance(2));
+    Write("C\\D/E", Instance(3));
+    Write("C/D/E", Instance(4));
+    EXPECT_EQ(Create(), 0u);
+    EXPECT_EQ(seen_, "A\\B||1;C\\D||1;dcmdir.lst||2;B|A|0;E|C\\D|0;");
+    EXPECT_EQ(ListLines(), "1\tA\\B\n1\tC\\D\n2\tdcmdir.lst\n0\tA\\B\n0\tC\\D\\E\n");
+    EXPECT_EQ(RecordsOf(Open().get()).size(), 5u);
+}
+
 TEST_F(Creation, MakesUpMissingKeysOnDemand) {
     const InstanceFile file = InstanceFile().Patient("", "X").Set(0x0020, 0x0011, "IS", "");
     Write("A", file);
@@ -445,8 +506,7 @@ TEST(BuildDicomdir, AppendsItsLeavesToTheList) {
     patient->studies.AddTail(study);
     study->series.AddTail(series);
     series->leaves.AddTail(leaf);
-    const std::string path = directory.Path(".") + "\\SUB\\A";
-    path.copy(leaf->fullPath, sizeof leaf->fullPath - 1);
+    std::copy_n("SUB\\A", 5, leaf->referencedFileId);
     std::copy_n("PLAN", 5, leaf->recordType);
     leaf->referencedDataSetSize = -2;  // 4 GiB less two bytes
     EXPECT_EQ(pgBuildDicomdir(&patients, directory.Path(".").c_str()), 0u);

@@ -90,14 +90,20 @@ TEST_F(IconCreation, FitsTheImageIntoTheSquare) {
     EXPECT_EQ(SizeOf(PlainImage(1, 2, 1)), "64x32");
 }
 
-// The height of the icon, a whole number, decides on the scale of both axes.
-TEST_F(IconCreation, ScalesByTheHeight) {
-    EXPECT_EQ(SizeOf(PlainImage(1, 512, 300)), "63x37");
-    EXPECT_EQ(SizeOf(PlainImage(1, 300, 512)), "37x64");
+// Used to round the height down, and the width that followed from it once more.
+TEST_F(IconCreation, RoundsTheShorterSideToTheNearestPixel) {
+    EXPECT_EQ(SizeOf(PlainImage(1, 512, 300)), "64x38");
+    EXPECT_EQ(SizeOf(PlainImage(1, 300, 512)), "38x64");
+    EXPECT_EQ(SizeOf(PlainImage(1, 300, 200)), "64x43");
+    EXPECT_EQ(SizeOf(PlainImage(1, 300, 199)), "64x42");
+    EXPECT_EQ(SizeOf(PlainImage(1, 100, 101)), "63x64");
 }
 
-TEST_F(IconCreation, MakesNoneWithoutAnyHeight) {
-    EXPECT_EQ(SizeOf(PlainImage(1, 128, 1)), "none");
+// Used to make none when the height would have been rounded down to 0.
+TEST_F(IconCreation, NoSideIsShorterThanAPixel) {
+    EXPECT_EQ(SizeOf(PlainImage(1, 128, 1)), "64x1");
+    EXPECT_EQ(SizeOf(PlainImage(1, 1000, 3)), "64x1");
+    EXPECT_EQ(SizeOf(PlainImage(1, 3, 1000)), "1x64");
     EXPECT_EQ(SizeOf(PlainImage(1, 64, 1)), "64x1");
     EXPECT_EQ(SizeOf(PlainImage(1, 1, 128)), "1x64");
 }

@@ -173,14 +173,15 @@ TEST_F(ImagingModule, IsAskedForAThirdOfTheLow16BitsOfTheFrames) {
     EXPECT_EQ(IconPixels(ImageRecord(Create().get(), "FRAMES")), Bytes(8, 2));
 }
 
-TEST_F(ImagingModule, IsGivenTheRatioOfTheHeights) {
+// Used to be the ratio of the heights, of which the icon's was rounded down.
+TEST_F(ImagingModule, IsGivenTheRatioOfTheEdgeAndTheLongerSide) {
     Install(PGKIT_TEST_BROKEN_IMAGING);
     medium_.Write("ZOOM", Image(1));
     const Bytes pixels = IconPixels(ImageRecord(Create("20").get(), "ZOOM"));
     double zoom = 0;
     ASSERT_EQ(pixels.size(), sizeof zoom);
     std::memcpy(&zoom, pixels.data(), sizeof zoom);
-    EXPECT_EQ(zoom, 2.0);  // 8 by 1 becomes 16 by 2, and not 20 by 2.5
+    EXPECT_EQ(zoom, 2.5);  // 8 by 1 becomes 20 by 2.5, which the module rounds
 }
 
 }  // namespace

@@ -195,12 +195,12 @@ TEST_F(LeafBuilder, KeepsCopiesWhenTheFileIsClosed) {
     EXPECT_EQ(TextOf(Child(report.contentSequence->first, 0x0040, 0xA160)), std::string(300, 'x'));
 }
 
-// A report whose concept name ends so many bytes before its end.
+// A report whose concept name, a code and a text, ends so many bytes before its end.
 class CutConceptName : public LeafBuilder {
   protected:
     PGX_Node* CopyOf(const std::string& name, size_t missing) {
         StreamBuilder item;
-        item.Item().Element(0x0040, 0xA160, "UT", name);
+        item.Item().Element(0x0008, 0x0100, "SH", "A1").Element(0x0040, 0xA160, "UT", name);
         Bytes bytes = WithContentTimes(kReport).SetSequence(0x0040, 0xA043, item).Data();
         bytes.resize(bytes.size() - missing);
         const std::string path = directory_.Write("FILE", bytes);
@@ -210,16 +210,29 @@ class CutConceptName : public LeafBuilder {
     }
 };
 
-TEST_F(CutConceptName, IsCopiedWithZerosInThePlaceOfWhatIsMissing) {
-    PGX_Node* const copy = CopyOf(std::string(300, 'x'), 100);
-    ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(TextOf(Child(copy->first, 0x0040, 0xA160)),
-              std::string(200, 'x') + std::string(100, '\0'));
+// What is missing was copied as zeros, which nobody had written.
+TEST_F(CutConceptName, IsCopiedWithoutTheValueThatIsNotThereInFull) {
+    for (const size_t size : {30u, 300u, 70000u}) {
+        PGX_Node* const copy = CopyOf(std::string(size, 'x'), 20);
+        ASSERT_NE(copy, nullptr) << size;
+        EXPECT_EQ(Tags(copy->first), "0008,0100") << size;
+        pgEmptyPatientList(&patients_);
+        StartAnew();
+    }
 }
 
-// It would be written as so many zeros.
-TEST_F(CutConceptName, IsNotCopiedWhenMuchIsMissing) {
-    EXPECT_EQ(CopyOf(std::string(70000, 'x'), 69000), nullptr);
+TEST_F(CutConceptName, MayLackTheByteThatMakesItsLengthEven) {
+    for (const size_t size : {30u, 300u}) {
+        PGX_Node* const copy = CopyOf(std::string(size, 'x'), 1);
+        ASSERT_NE(copy, nullptr) << size;
+        EXPECT_EQ(TextOf(Child(copy->first, 0x0040, 0xA160)), std::string(size - 1, 'x') + '\0');
+        pgEmptyPatientList(&patients_);
+        StartAnew();
+    }
+}
+
+TEST_F(CutConceptName, IsNotCopiedWhenNothingOfItIsThere) {
+    EXPECT_EQ(CopyOf(std::string(70000, 'x'), 70014), nullptr);
 }
 
 // One such file would make the DICOMDIR of all of them fail, or unreadable.

@@ -118,6 +118,24 @@ TEST_F(OffshoreCreation, RefusesNullNames) {
     EXPECT_EQ(ListLines(), "");
 }
 
+// The DICOMDIR referred to files that nobody reaches.
+TEST_F(OffshoreCreation, RefusesAndListsNamesThatCannotBeFileIds) {
+    options_.flags = 0;
+    Start();
+    const std::string path = outside_.Write("A", Instance(1).Data());
+    std::string lines;
+    for (const std::string& name :
+         {std::string(), std::string(".."), std::string("..\\A"), std::string("A\\..\\..\\A"),
+          std::string("A/../A"), std::string(260, 'A')}) {
+        EXPECT_EQ(AddPath(name, path), 1u) << name;
+        lines += "1\t" + path + "\n";
+    }
+    EXPECT_EQ(ListLines(), lines);
+    EXPECT_EQ(AddPath(std::string(259, 'A'), path), 0u);
+    EXPECT_EQ(End(), 0u);
+    EXPECT_EQ(ListLines(), lines + "0\t" + std::string(259, 'A') + "\n");
+}
+
 TEST_F(OffshoreCreation, HoldsNoFileAgainstAProfile) {
     for (const char* profile : {"STD-GEN-MIME", "NO-PROFILE", ""}) {
         Start(profile);
@@ -176,7 +194,7 @@ TEST_F(OffshoreCreation, ListsRefusedFilesAtOnceAndAcceptedOnesAtTheEnd) {
     const std::string elsewhere = outside_.Write("elsewhere", Instance(2).Data());
     AddPath("IM2", elsewhere);
     End();
-    EXPECT_EQ(ListLines(), "6\tIM1\n2\t" + outside + "\n0\tIM1\n0\t" + elsewhere + "\n");
+    EXPECT_EQ(ListLines(), "6\tIM1\n2\t" + outside + "\n0\tIM1\n0\tIM2\n");
 }
 
 TEST_F(OffshoreCreation, WritesNoListOnDemand) {

@@ -1,0 +1,104 @@
+#include "reading_back.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "support/tree_comparison.h"
+#include "tree_nodes.h"
+#include "violation.h"
+
+namespace pgkit_fuzz {
+
+namespace {
+
+constexpr uint32_t kEncodingBits =
+    PG_EXPLICIT_VR | PG_IMPLICIT_VR | PG_LITTLE_ENDIAN | PG_BIG_ENDIAN;
+
+template <typename Predicate>
+bool AnyElement(PGX_Node& root, Predicate predicate) {
+    const std::vector<PGX_Node*> nodes = NodesOf(root);
+    return std::ranges::any_of(nodes, [&](PGX_Node* node) {
+        return node->nodeType == NT_DataElement && predicate(*node);
+    });
+}
+
+bool IsAmbiguousWithoutVrs(PGX_Node& root) {
+    return AnyElement(root, [](const PGX_Node& element) {
+        const uint32_t known = pgFindValueRepresentation(element.group, element.element);
+        return (known != VR_Unknown && (known == VR_SQ) != (element.valueRep == VR_SQ)) ||
+               (known == VR_UI) != (element.valueRep == VR_UI);
+    });
+}
+
+}  // namespace
+
+bool HasContent(PGX_Node& root) {
+    for (PGX_Node* element = root.first; element != nullptr; element = element->next) {
+        const bool isNone = element->group == 0xFFFF && element->element == 0xFFFF;
+        if (element->group != 0x0002 && element->group != 0xFFFE && !isNone) return true;
+    }
+    return false;
+}
+
+bool HasPrivateSyntax(PGX_Node& root) {
+    return AnyElement(root, [](PGX_Node& element) {
+        if (element.group != 0x0002 || element.element != 0x0010 || element.length > 1000) {
+            return false;
+        }
+        const std::string uid = pgkit_test::TextOf(&element);
+        return uid.find("1.2.840.113619.5.2") != std::string::npos ||
+               uid.find("1.2.840.113704.7.0.4.5") != std::string::npos;
+    });
+}
+
+bool HasElementsToLeaveOut(PGX_Node& root, bool isBare) {
+    return AnyElement(root, [&](const PGX_Node& element) {
+        return (isBare && element.group == 0x0002) || element.group >= 0xFFFE;
+    });
+}
+
+bool IsUndeclared(PGX_Node& root, int32_t mode) {
+    constexpr uint32_t kTakenForGranted = PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
+    const uint32_t used = mode == 0 ? root.syntaxFlags : static_cast<uint32_t>(mode);
+    if ((used & PG_META) == 0 || (used & kEncodingBits) == kTakenForGranted) return false;
+    const PGX_Node* element = root.first;
+    while (element != nullptr && element->group < 0x0002)
+        element = element->next;
+    uint16_t last = 0;
+    for (; element != nullptr && element->group == 0x0002 && element->element >= last;
+         element = element->next) {
+        last = element->element;
+        if (last == 0x0010) return false;
+    }
+    return true;
+}
+
+bool HasUnindexedFragments(PGX_Node& root) {
+    return AnyElement(root, [](const PGX_Node& element) {
+        return element.encapsulated != 0 && element.fragmentCount == 0;
+    });
+}
+
+bool HasMissingValue(PGX_Node& root) {
+    return AnyElement(root, [](const PGX_Node& element) {
+        return element.length != 0 && element.value == nullptr && element.file == nullptr &&
+               element.encapsulated == 0 && element.valueRep != VR_SQ;
+    });
+}
+
+pgkit_test::DataSet RequireReadsBack(PGX_Node& original, const std::string& path, int32_t mode,
+                                     uint32_t limit) {
+    // A bare data set does not say how it is encoded.
+    const uint32_t flags =
+        (mode == 0 ? original.syntaxFlags : static_cast<uint32_t>(mode)) & kEncodingBits;
+    pgkit_test::DataSet reread(pgOpenDataSetFileEx(path.c_str(), limit, flags));
+    Require(reread != nullptr, "what was saved can be read");
+    if (IsUndeclared(original, mode)) return reread;
+    const bool isExplicit = (reread->syntaxFlags & PG_EXPLICIT_VR) != 0;
+    if (!isExplicit && IsAmbiguousWithoutVrs(original)) return reread;
+    const std::string difference = pgkit_test::FirstDifference(original, *reread);
+    Require(difference.empty(), difference);
+    return reread;
+}
+
+}  // namespace pgkit_fuzz

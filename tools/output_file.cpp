@@ -1,0 +1,79 @@
+#include "output_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "disk.h"
+
+namespace pgtool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMaxNames = 10000;
+
+// The library takes a backslash for a separator everywhere.
+std::string WithSlashes(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+std::string BehindLinks(const std::string& path) {
+    std::error_code error;
+    if (!fs::is_symlink(path, error)) return path;
+    const fs::path target = fs::canonical(path, error);
+    return error ? path : target.string();
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const std::string& path) : target_(BehindLinks(WithSlashes(path))) {
+    std::error_code error;
+    const fs::file_status status = fs::status(target_, error);
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        path_ = target_;
+    } else if (!fs::exists(status)) {
+        CreateBeside();
+    } else if (access(target_.c_str(), W_OK) == 0) {
+        CreateBeside();
+        fs::permissions(path_, fs::perms::owner_read | fs::perms::owner_write, error);
+    }
+}
+
+OutputFile::~OutputFile() {
+    std::error_code error;
+    if (path_ != target_ && !path_.empty()) fs::remove(path_, error);
+}
+
+// Under a name that nothing has, not even a link that leads nowhere.
+void OutputFile::CreateBeside() {
+    for (int number = 0; number < kMaxNames; ++number) {
+        const std::string candidate = target_ + ".new" + std::to_string(number);
+        const int descriptor = open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666);
+        if (descriptor < 0 && errno == EEXIST) continue;
+        if (descriptor < 0) return;
+        close(descriptor);
+        path_ = candidate;
+        return;
+    }
+}
+
+bool OutputFile::PutInPlace() {
+    if (path_ == target_) return true;
+    if (path_.empty() || !FlushToDisk(path_)) return false;
+    std::error_code error;
+    const fs::file_status former = fs::status(target_, error);
+    if (fs::exists(former)) fs::permissions(path_, former.permissions(), error);
+    fs::rename(path_, target_, error);
+    if (error) return false;
+    path_.clear();
+    return true;
+}
+
+}  // namespace pgtool
