@@ -209,7 +209,7 @@ TEST_F(SavedSyntax, StandsInOrder) {
             .Element(0x0002, 0x0013, "SH", "NAME");
         const OpenedStream opened(file.Append(BodyOf(kExplicitLittleUid).Data()));
         ExpectToReadBack(*opened.Root(), mode);
-        EXPECT_EQ(Tags(reread_.get()).substr(0, 29), "0002,0002 0002,0010 0002,0013");
+        EXPECT_EQ(Tags(reread_.get()).substr(0, 39), "0002,0000 0002,0002 0002,0010 0002,0013");
     }
 }
 
