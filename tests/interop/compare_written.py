@@ -55,7 +55,7 @@ DCIODVFY_EXCEPTIONS = {
 }
 META_OUT_OF_ORDER = "reads what was written in order, and so finds errors that it misses in the source"
 for image in ("IM1", "IM2", "IM3"):
-    for mode in MODES:
+    for mode in ENCODINGS:
         DCIODVFY_EXCEPTIONS[f"media/nested_minimal/ST1/SE1/{image}", mode] = META_OUT_OF_ORDER
 
 
