@@ -173,8 +173,11 @@ WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode) {
     }
     const std::optional<std::string> uid = FetchSyntax(*meta.syntaxes.back());
     if (!uid) return kReadFailed;
-    if ((mode & kMetaModes) != 0 && NeedsExplicitLittle(root, meta, mode)) {
-        mode = InExplicitLittle(mode);
+    const uint32_t explicitLittle = InExplicitLittle(mode);
+    // Most saves are in this encoding already, and need no walk of the tree.
+    if (mode != explicitLittle && (mode & kMetaModes) != 0 &&
+        NeedsExplicitLittle(root, meta, mode)) {
+        mode = explicitLittle;
     }
     const std::string_view wanted = Agree(*uid, mode);
     if (wanted.empty()) return kWritten;
