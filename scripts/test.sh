@@ -197,7 +197,7 @@ if $quick; then
     (native_lane || true; wait)
 else
     presets+=(windows-x64 native-sanitize native-tsan)
-    ( (native_lane && windows_lane && both_lane) || true; wait) &
+    ({ native_lane && windows_lane && both_lane; } || true; wait) &
     (sanitizer_lane || true; run lint scripts/lint.sh || true; wait) &
     wait
 fi

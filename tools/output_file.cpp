@@ -64,14 +64,32 @@ void OutputFile::CreateBeside() {
     }
 }
 
+// Where the system does not let an open file be overwritten it can be moved out of the way; it
+// vanishes when it is closed.
+bool OutputFile::Replace() const {
+    std::error_code error;
+    fs::rename(path_, target_, error);
+    if (!error) return true;
+    const std::string aside = path_ + ".old";
+    fs::rename(target_, aside, error);
+    if (error) return false;
+    fs::rename(path_, target_, error);
+    std::error_code ignored;
+    if (error) {
+        fs::rename(aside, target_, ignored);
+        return false;
+    }
+    fs::remove(aside, ignored);
+    return true;
+}
+
 bool OutputFile::PutInPlace() {
     if (path_ == target_) return true;
     if (path_.empty() || !FlushToDisk(path_)) return false;
     std::error_code error;
     const fs::file_status former = fs::status(target_, error);
     if (fs::exists(former)) fs::permissions(path_, former.permissions(), error);
-    fs::rename(path_, target_, error);
-    if (error) return false;
+    if (!Replace()) return false;
     path_.clear();
     return true;
 }

@@ -26,6 +26,7 @@ class OutputFile {
 
   private:
     void CreateBeside();
+    [[nodiscard]] bool Replace() const;
 
     std::string target_;
     std::string path_;

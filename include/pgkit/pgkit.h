@@ -50,6 +50,7 @@
 #include "pgkit/patient_list.h"
 #include "pgkit/profiles.h"
 #include "pgkit/sopclass.h"
+#include "pgkit/streams.h"
 #include "pgkit/text.h"
 #include "pgkit/uid.h"
 #include "pgkit/value_representation.h"

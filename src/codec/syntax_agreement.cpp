@@ -64,11 +64,29 @@ void PutMetaFirst(PGX_Node& root) {
         start = &(*start)->next;
     if (start == &root.first || *start == nullptr || (*start)->group != kMetaGroup) return;
     PGX_Node** end = start;
-    for (MetaRun run; *end != nullptr && run.Takes(**end);)
+    while (*end != nullptr && (*end)->group == kMetaGroup)
         end = &(*end)->next;
     PGX_Node* const meta = *start;
     *start = std::exchange(*end, root.first);
     root.first = meta;
+}
+
+// Readers take the File Meta Information to end where the numbers of its elements fall. Without
+// order the rest of it would be read in the encoding of the data set. Of two groups, which have
+// elements in common, the second one is part of the data set.
+void SortMeta(PGX_Node& root) {
+    std::vector<PGX_Node*> meta;
+    PGX_Node* rest = root.first;
+    for (; rest != nullptr && rest->group == kMetaGroup; rest = rest->next)
+        meta.push_back(rest);
+    std::ranges::sort(meta, {}, &PGX_Node::element);
+    if (std::ranges::adjacent_find(meta, {}, &PGX_Node::element) != meta.end()) return;
+    PGX_Node** link = &root.first;
+    for (PGX_Node* element : meta) {
+        *link = element;
+        link = &element->next;
+    }
+    *link = rest;
 }
 
 // The File Meta Information has no sequences: what claims to be one was read as bytes, and is
@@ -143,6 +161,7 @@ WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode) {
     MetaInformation meta;
     if ((mode & kMetaModes) != 0 && root.nodeType == NT_DataSet) {
         PutMetaFirst(root);
+        SortMeta(root);
         MakeSequencesBytes(root);
         meta = FindMeta(root);
     } else if (PGX_Node* const element = root.FindNode(kMetaGroup, kTransferSyntaxElement)) {
@@ -154,8 +173,11 @@ WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode) {
     }
     const std::optional<std::string> uid = FetchSyntax(*meta.syntaxes.back());
     if (!uid) return kReadFailed;
-    if ((mode & kMetaModes) != 0 && NeedsExplicitLittle(root, meta, mode)) {
-        mode = InExplicitLittle(mode);
+    const uint32_t explicitLittle = InExplicitLittle(mode);
+    // Most saves are in this encoding already, and need no walk of the tree.
+    if (mode != explicitLittle && (mode & kMetaModes) != 0 &&
+        NeedsExplicitLittle(root, meta, mode)) {
+        mode = explicitLittle;
     }
     const std::string_view wanted = Agree(*uid, mode);
     if (wanted.empty()) return kWritten;

@@ -103,10 +103,16 @@ consteval bool HasOnlyTheseMasks() {
 }
 static_assert(HasOnlyTheseMasks());
 
+// Evaluated row by row: all rows in one are more than compilers are willing to.
+template <size_t Size>
+consteval uint32_t KeywordHash(const char (&keyword)[Size]) {
+    return NameHash({keyword, Size - 1});
+}
+
 // Of the rows, and of the ranges behind them.
 constexpr uint32_t kKeywordHashes[] = {
-#define PGKIT_CURRENT_ELEMENT(group, element, vr, vm, keyword) NameHash(keyword),
-#define PGKIT_CURRENT_REPEATING(tag, mask, vr, vm, keyword) NameHash(keyword),
+#define PGKIT_CURRENT_ELEMENT(group, element, vr, vm, keyword) KeywordHash(keyword),
+#define PGKIT_CURRENT_REPEATING(tag, mask, vr, vm, keyword) KeywordHash(keyword),
 #include "dictionary/current_elements.inc"
 #include "dictionary/current_repeating_elements.inc"
 #undef PGKIT_CURRENT_ELEMENT

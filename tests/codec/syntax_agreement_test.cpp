@@ -199,6 +199,20 @@ TEST_F(SavedSyntax, PrecedesElementsOfLowerGroups) {
     }
 }
 
+// Readers end the group where its numbers fall. What stood behind was written in implicit VR, and
+// no reader understood the file.
+TEST_F(SavedSyntax, StandsInOrder) {
+    for (const uint32_t mode : kEveryMode) {
+        StreamBuilder file;
+        file.Preamble().Element(0x0002, 0x0010, "UI", PaddedUid(kExplicitLittleUid));
+        file.Element(0x0002, 0x0002, "UI", PaddedUid("1.2.3"))
+            .Element(0x0002, 0x0013, "SH", "NAME");
+        const OpenedStream opened(file.Append(BodyOf(kExplicitLittleUid).Data()));
+        ExpectToReadBack(*opened.Root(), mode);
+        EXPECT_EQ(Tags(reread_.get()).substr(0, 39), "0002,0000 0002,0002 0002,0010 0002,0013");
+    }
+}
+
 // The group has no sequences: what claims to be one is bytes to readers. Its value was lost, and
 // that of a group length stood in the header only.
 TEST_F(SavedSyntax, IsNotUpsetBySequencesInItsGroup) {

@@ -8,7 +8,7 @@ Two kinds of checks, a line each:
   set   a text of one script: written by the library under a character set, put into a file, and read
         by the library and by both others
   file  every text of the files that have one beyond ASCII: those of tests/data and, when the
-        environment variable PGKIT_SAMPLES names a directory, all files below it that pydicom reads
+        environment variable PGKIT_SAMPLES names a directory, those of its folders of character sets
 
 Where a reader differs the reason stands in EXPLAINED. The last line is "N passed, M failed".
 """
@@ -233,12 +233,17 @@ def international_texts(path):
         else []
 
 
+# Below a directory of samples.
+CHARACTER_SETS = ("charset", "media/character_sets")
+
+
 def main(library_path):
     library = Library(library_path)
     results = [("set", name, check_text(library, name, *rest)) for name, *rest in TEXTS]
     roots = [DATA]
     if "PGKIT_SAMPLES" in os.environ:
-        roots.append(pathlib.Path(os.environ["PGKIT_SAMPLES"]))
+        samples = pathlib.Path(os.environ["PGKIT_SAMPLES"])
+        roots += filter(pathlib.Path.is_dir, (samples / name for name in CHARACTER_SETS))
     for root in roots:
         for name, path in files_below(root):
             texts = [] if name.startswith("bad/") else international_texts(path)

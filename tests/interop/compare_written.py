@@ -53,6 +53,10 @@ DCIODVFY_EXCEPTIONS = {
     ("sequences/seg_fractional_implicit.dcm", "explicit-be"): UN_IN_BIG_ENDIAN,
     ("sequences/seg_implicit_232_sequences.dcm", "explicit-be"): UN_IN_BIG_ENDIAN,
 }
+META_OUT_OF_ORDER = "reads what was written in order, and so finds errors that it misses in the source"
+for image in ("IM1", "IM2", "IM3"):
+    for mode in ENCODINGS:
+        DCIODVFY_EXCEPTIONS[f"media/nested_minimal/ST1/SE1/{image}", mode] = META_OUT_OF_ORDER
 
 
 def run(*command):

@@ -151,9 +151,13 @@ void AcceptanceList::AppendAccepted(PGX_List& patients) {
     }
     platform::FileReplacement replacement;
     if (!replacement.Create(path.c_str(), kDicomdirName)) return;
-    const platform::FileHandle current(platform::OpenForReading(path.c_str()));
-    const platform::FileHandle copy(platform::CreateBinary(replacement.Path().c_str()));
-    if (copy == nullptr || (current != nullptr && !CopyBytes(current.get(), copy.get()))) return;
+    {
+        // Both are closed before the file is put in place: an open one cannot be moved on Windows.
+        const platform::FileHandle current(platform::OpenForReading(path.c_str()));
+        const platform::FileHandle copy(platform::CreateBinary(replacement.Path().c_str()));
+        if (copy == nullptr) return;
+        if (current != nullptr && !CopyBytes(current.get(), copy.get())) return;
+    }
     if (!AppendLeaves(patients, replacement.Path())) return;
     [[maybe_unused]] const auto outcome = replacement.PutInPlace();
 }
