@@ -90,10 +90,10 @@ class StreamReader {
     size_t end_ = 0;            // index behind the last byte
     size_t fillSize_ = kFirstFill;
     bool hasFailed_ = false;
+    std::array<uint8_t, kFirstFill> firstBuffer_;
     uint8_t* buffer_ = firstBuffer_.data();
     size_t bufferSize_ = kFirstFill;
     std::unique_ptr<uint8_t[]> largeBuffer_;  // grows with the fills, up to kBufferSize
-    std::array<uint8_t, kFirstFill> firstBuffer_;
 };
 
 }  // namespace pgkit
