@@ -3,7 +3,10 @@
 #include <new>
 
 #include "base/firewall.h"
+#include "base/identity.h"
 #include "base/text.h"
+#include "codec/part10_format.h"
+#include "codec/transfer_syntax.h"
 #include "codec/write_result.h"
 #include "dataset/node_ptr.h"
 #include "dicomdir/class_uids.h"
@@ -21,19 +24,16 @@ namespace pgkit {
 
 namespace {
 
-constexpr std::string_view kImplementation = "KIT_ZORVA_2865";
-constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
-
 NodeTree NewFileSet(std::string_view fileSetId) {
     NodeTree root(pgAllocateDataSetNode());
     if (root == nullptr) throw std::bad_alloc();
     PutBytes(*root, 0x0002, 0x0001, kMetaInformationVersion, sizeof kMetaInformationVersion);
     PutText(*root, 0x0002, 0x0002, kMediaStorageDirectory);
     PutText(*root, 0x0002, 0x0003, NewDicomdirUid());
-    PutText(*root, 0x0002, 0x0010, "1.2.840.10008.1.2.1");
-    PutText(*root, 0x0002, 0x0012, "1.2.999.1.47.453.2865");
-    PutText(*root, 0x0002, 0x0013, kImplementation);
-    PutText(*root, 0x0004, 0x1130, fileSetId.empty() ? kImplementation : fileSetId);
+    PutText(*root, 0x0002, 0x0010, kExplicitVrLittleEndianUid);
+    PutText(*root, 0x0002, 0x0012, kImplementationClassUid);
+    PutText(*root, 0x0002, 0x0013, kDirectoryFileImplementation);
+    PutText(*root, 0x0004, 0x1130, fileSetId.empty() ? kDirectoryFileImplementation : fileSetId);
     PutNumber<uint32_t>(*root, 0x0004, 0x1200, 0);
     PutNumber<uint32_t>(*root, 0x0004, 0x1202, 0);
     PutNumber<uint16_t>(*root, 0x0004, 0x1212, 0);
