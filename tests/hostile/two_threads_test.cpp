@@ -91,10 +91,7 @@ TEST(TwoThreads, HaveTextsOfRecordsOfTheirOwn) {
         return true;
     };
     bool results[2] = {};
-    std::thread first([&] { results[0] = readsItsOwn('a'); });
-    std::thread second([&] { results[1] = readsItsOwn('b'); });
-    first.join();
-    second.join();
+    RunOnThreads(2, [&](size_t thread) { results[thread] = readsItsOwn(thread == 0 ? 'a' : 'b'); });
     EXPECT_TRUE(results[0]);
     EXPECT_TRUE(results[1]);
 }
@@ -104,13 +101,17 @@ TEST(TwoThreads, MaySwitchTheDecodingOfUnElementsWhileFilesAreOpened) {
     const TempDir directory;
     const std::string path = directory.Write("file", InstanceFile().Data());
     const std::string expected = Describe(DataSet(pgOpenDataSetFile(path.c_str(), 0)).get());
-    std::thread switching([] {
-        for (uint32_t round = 0; round < 1000; ++round)
-            pgTryToDecodeUNSequences(round % 2);
+    std::vector<std::string> trees(kRounds);
+    RunOnThreads(2, [&](size_t thread) {
+        if (thread == 0) {
+            for (uint32_t round = 0; round < 1000; ++round)
+                pgTryToDecodeUNSequences(round % 2);
+        } else {
+            for (std::string& tree : trees)
+                tree = Describe(DataSet(pgOpenDataSetFile(path.c_str(), 0)).get());
+        }
     });
-    for (int round = 0; round < kRounds; ++round)
-        EXPECT_EQ(Describe(DataSet(pgOpenDataSetFile(path.c_str(), 0)).get()), expected);
-    switching.join();
+    EXPECT_EQ(trees, std::vector<std::string>(kRounds, expected));
     pgTryToDecodeUNSequences(1);
 }
 
