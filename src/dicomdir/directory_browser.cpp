@@ -214,7 +214,7 @@ PatientIndex::iterator DirectoryBrowser::FindOrAddPatient(PGX_Node& record, PGX_
         return found;
     }
     cells_.Append(patients, patient.get());
-    PrintOut("Patient created %s\n", patient.release()->patientsName);
+    PrintRemark("Patient created %s\n", patient.release()->patientsName);
     return found;
 }
 

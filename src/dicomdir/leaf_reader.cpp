@@ -139,7 +139,7 @@ std::unique_ptr<PGX_DicomDirLeafNode> NewLeafOfType(PGX_Node& record, PgLeafType
 
 void ReadFileId(PGX_Node& record, const char* folder, PGX_DicomDirLeafNode& leaf) {
     char buffer[512];
-    ReadKey(record, {0x0004, 0x1500}, buffer, "No.ReferencedFileID");
+    ReadKey(record, {0x0004, 0x1500}, buffer, kNoReferencedFileId);
     std::string_view fileId(buffer);
     if (fileId.starts_with('\\')) fileId.remove_prefix(1);
     CopyToField(leaf.referencedFileId, fileId);

@@ -21,6 +21,9 @@ struct LeafKind {
 // blanks at both ends.
 std::optional<LeafKind> ClassifyLeaf(PGX_Node& record, const char* recordType);
 
+// What stands in the place of a missing Referenced File ID.
+inline constexpr char kNoReferencedFileId[] = "No.ReferencedFileID";
+
 // A new leaf of the class for its type with the keys of the record. The full path begins with
 // folder. Null when the browse may not take so much memory.
 std::unique_ptr<PGX_DicomDirLeafNode> ReadLeaf(PGX_Node& record, PgLeafType type,

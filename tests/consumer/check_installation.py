@@ -11,6 +11,7 @@ import re
 import shlex
 import subprocess
 import sys
+import tarfile
 import tempfile
 import zipfile
 
@@ -119,7 +120,7 @@ def check_python(kit):
     environment.pop("PGKIT_LIBRARY", None)
     script = "import pgkit; print(pgkit.library_version(), pgkit.library_path())"
     return complain_unless(run("python3", "-c", script, env=environment).strip(),
-                           f"{VERSION} {kit.prefix.resolve()}/lib/libpgkit.so")
+                           f"{VERSION} {kit.prefix.resolve()}/lib/libpgkit.so.2")
 
 
 def names_path(text, path):
@@ -142,7 +143,7 @@ def check_content(kit):
     """What a developer expects is there, nothing else is beside it, and no file tells whence."""
     modules = (["bin/pgkit.dll", "bin/pgview32.dll", "bin/pgtool.exe", "lib/libpgkit.dll.a",
                 "lib/libpgview32.dll.a", "lib/pgkit.def", "lib/pgview32.def"] if kit.wine else
-               ["bin/pgtool", "lib/libpgkit.so", "lib/pgview32.so"])
+               ["bin/pgtool", "lib/libpgkit.so", "lib/libpgkit.so.2", "lib/pgview32.so"])
     documents = ["LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "SECURITY.md", "docs/api.md",
                  "docs/files.md", "docs/ownership.md", "docs/architecture.md",
                  "examples/CMakeLists.txt"]
@@ -190,8 +191,10 @@ def package(build, work, pattern):
 def prepare(native, windows, wine, work):
     yield Kit("linux", install(native, work, "linux"), work)
     yield Kit("windows", install(windows, work, "windows"), work, wine)
-    run("dpkg-deb", "--extract", package(native, work, "pgkit_*.deb"), work / "debian")
-    yield Kit("debian", work / "debian/usr", work)
+    archive = package(native, work, "pgkit-*-linux-*.tar.gz")
+    with tarfile.open(archive) as content:
+        content.extractall(work / "tar")
+    yield Kit("tar", work / "tar" / archive.name.removesuffix(".tar.gz"), work)
     archive = package(windows, work, "pgkit-*-windows-x64.zip")
     with zipfile.ZipFile(archive) as content:
         content.extractall(work / "zip")

@@ -117,6 +117,16 @@ static void CallGetters(PGX_Node* root) {
     EXPECT(IsYesOrNo(pgKitGetFileData(root, text, 128, 4)));
 }
 
+static void CallSwitches(void) {
+    const int32_t verbosity = pgxSetVerbosity(0);
+    EXPECT(pgxSetVerbosity(verbosity) == 0);
+    const int32_t encoding = pgxGetPathEncoding();
+    EXPECT(pgxSetPathEncoding(PGX_PATHS_UTF8) == encoding);
+    EXPECT(pgxSetPathEncoding(encoding) == PGX_PATHS_UTF8);
+    EXPECT(pgxListFirst(NULL) == NULL && pgxListNext(NULL) == NULL && pgxListData(NULL) == NULL);
+    EXPECT(pgxLeafFile(NULL, NULL, NULL, 0) == 0);
+}
+
 static void CallEditions(void) {
     char text[80] = "";
     uint16_t group = 0;
@@ -390,6 +400,7 @@ int CallEveryFunction(const HostFiles* files) {
     CallDictionary(files);
     CallUids();
     CallEditions();
+    CallSwitches();
     CallNodeFields();
     CallDataSets(files);
     CallLists();

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "base/firewall.h"
+#include "base/paths.h"
 #include "dicomdir/create/dicomdir_file.h"
 #include "dicomdir/record_list.h"
 #include "pgkit/dicomdir_creation.h"
@@ -166,7 +167,7 @@ void AcceptanceList::Keep() { former_.Discard(); }
 std::string_view AcceptanceList::RelativePath(std::string_view fullPath) const {
     if (!StartsWithPath(fullPath, directory_)) return fullPath;
     const std::string_view rest = fullPath.substr(directory_.size());
-    return rest.starts_with('\\') || rest.starts_with('/') ? rest.substr(1) : fullPath;
+    return !rest.empty() && IsSeparator(rest.front()) ? rest.substr(1) : fullPath;
 }
 
 }  // namespace pgkit

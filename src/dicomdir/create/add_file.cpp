@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/firewall.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/creation_options.h"
@@ -14,8 +15,6 @@
 namespace pgkit {
 
 namespace {
-
-bool IsSeparator(char c) { return c == '\\' || c == '/'; }
 
 // A character as paths compare: separators are alike, and letters of either kind where the system
 // takes them for the same.

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/paths.h"
 #include "pgkit/dicomdir_creation.h"
 
 namespace pgkit {
@@ -27,7 +28,7 @@ inline std::string_view FileSetIdOf(const PgDicomdirOptions& options) {
 }
 
 inline std::string WithoutTrailingBackslash(std::string_view directory) {
-    if (directory.ends_with('\\')) directory.remove_suffix(1);
+    if (!directory.empty() && IsSeparator(directory.back())) directory.remove_suffix(1);
     return std::string(directory);
 }
 
