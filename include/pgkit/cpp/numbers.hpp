@@ -362,9 +362,15 @@ inline std::string text_of_real(double n, int digits) {
     return text;
 }
 
+// Integers of up to 15 digits are written as such.
+inline bool is_short_integer(double n) noexcept {
+    return n > -1e15 && n < 1e15 && static_cast<double>(static_cast<std::int64_t>(n)) == n;
+}
+
 // The shortest text that is read as this number again, or, where that is longer than allowed, the
 // nearest one that is not. (17 digits tell every double from all others.)
 inline std::string shortest_text(double n, std::size_t longest = 32) {
+    if (is_short_integer(n)) return std::to_string(static_cast<std::int64_t>(n));
     std::string text;
     for (int digits = 1; digits <= 17; ++digits) {
         std::string more = text_of_real(n, digits);
@@ -387,7 +393,8 @@ inline std::string text_of_number(const any_number& number, number_type type) {
         default:
             return {};
     }
-    if (type != number_type::f32) return shortest_text(number.real);
+    if (type != number_type::f32 || is_short_integer(number.real))
+        return shortest_text(number.real);
     // Of the digits that tell floats apart.
     const float least = static_cast<float>(number.real);
     for (int digits = 1; digits < 9; ++digits) {
