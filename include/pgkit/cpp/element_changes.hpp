@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "pgkit/cpp/decimals.hpp"
 #include "pgkit/cpp/element.hpp"
 #include "pgkit/cpp/element_values.hpp"
 #include "pgkit/cpp/fields.hpp"

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "pgkit/cpp/decimals.hpp"
 #include "pgkit/cpp/element.hpp"
 #include "pgkit/cpp/fields.hpp"
 #include "pgkit/dictionary.h"
