@@ -53,10 +53,11 @@ inline bool take_exponent(std::string_view& text, decimal& parsed) noexcept {
     if (text.empty()) return false;
     std::int32_t exponent = 0;
     for (; !text.empty() && is_digit(text.front()); text.remove_prefix(1)) {
-        if (exponent > 10000)
+        if (exponent > 10000) {
             parsed.is_exact = false;
-        else
+        } else {
             exponent = exponent * 10 + (text.front() - '0');
+        }
     }
     parsed.exponent += is_negative ? -exponent : exponent;
     parsed.is_whole = false;
@@ -131,10 +132,11 @@ inline std::string text_of_real(double n, int digits) {
     bool is_point = false;
     for (const char* c = buffer; *c != '\0'; ++c) {
         const bool belongs = is_digit(*c) || *c == '-' || *c == '+' || (*c >= 'a' && *c <= 'z');
-        if (belongs)
+        if (belongs) {
             text += *c;
-        else if (!is_point)
+        } else if (!is_point) {
             text += '.';
+        }
         is_point = !belongs;
     }
     return text;

@@ -94,9 +94,10 @@ class made_way {
         const bool is_known = known != VR_Unknown;
         if (vr == std::uint32_t{VR_SQ} && is_known && known != VR_SQ && known != VR_UN)
             return fails(failure::not_a_sequence, tag.text() + " is no sequence");
-        if (!vr && !is_known)
+        if (!vr && !is_known) {
             return fails(failure::wrong_type,
                          "the value representation of " + tag.text() + " is not known");
+        }
         if (tag == pixel_data) remember_bits_allocated(in);
         PGX_Node* const inserted =
             pgKitInsertNodeWithGroupElement(in.node(), tag.group, tag.element, nullptr, 0);
