@@ -32,14 +32,11 @@ bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
     return declaredLength != kUndefinedLength && bytes >= declaredLength;
 }
 
-// Formats a name for a tag into the buffer.
-template <size_t Size>
-std::string_view FormatName(char (&buffer)[Size], const char* format, unsigned number) {
-    const int length = std::snprintf(buffer, Size, format, number);
-    return {buffer, static_cast<size_t>(length)};
-}
-
 }  // namespace
+
+void DataSetParser::Identity::MakeName(const char* format, unsigned number) {
+    madeLength = static_cast<size_t>(std::snprintf(madeName, sizeof madeName, format, number));
+}
 
 DataSetParser::DataSetParser(StreamReader& reader, TreeBuilder& builder, Encoding encoding,
                              uint32_t maxLoadLength, uint32_t flags)
@@ -50,6 +47,13 @@ DataSetParser::DataSetParser(StreamReader& reader, TreeBuilder& builder, Encodin
       flags_(flags),
       decodesUnSequences_(DecodesUnSequences()) {}
 
+inline bool DataSetParser::ReadHeader(const Level& level, TagHeader& header) {
+    const uint64_t start = reader_.Position();
+    if (ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return true;
+    NoteBadHeader(start, level.sequence);
+    return false;
+}
+
 NodeTree DataSetParser::Parse() {
     NodeTree root(builder_.NewNode());
     levels_.clear();
@@ -58,17 +62,22 @@ NodeTree DataSetParser::Parse() {
 
     while (true) {
         Level& level = levels_.back();
-        if (level.dataSet != nullptr) {
-            if (IsUsedUp(level.dataSetLength, level.dataSetBytes) || !ReadElement()) CloseDataSet();
-        } else if (level.sequence == nullptr) {
-            return root;
-        } else if (!OpenNextItem(level)) {
-            CloseSequence();
+        switch (level.next) {
+            case Next::Element:
+                if (IsUsedUp(level.dataSetLength, level.dataSetBytes) || !ReadElement())
+                    CloseDataSet();
+                break;
+            case Next::Item:
+                if (!OpenNextItem(level)) CloseSequence();
+                break;
+            case Next::Nothing:
+                return root;
         }
     }
 }
 
 void DataSetParser::OpenDataSet(Level& level, PGX_Node* node, uint32_t declaredLength) {
+    level.next = Next::Element;
     level.dataSet = node;
     level.elementLink = &node->first;
     level.dataSetBytes = 0;
@@ -81,6 +90,7 @@ void DataSetParser::CloseDataSet() {
     Level& level = levels_.back();
     level.sequenceBytes += level.dataSetBytes;
     level.dataSet = nullptr;
+    level.next = level.sequence != nullptr ? Next::Item : Next::Nothing;
 }
 
 bool DataSetParser::OpenNextItem(Level& level) {
@@ -133,11 +143,11 @@ bool DataSetParser::ItemsAreImplicit(const Level& parent, const Identity& identi
 // False at a delimiter and at a header that cannot be read.
 bool DataSetParser::ReadElement() {
     Level& level = levels_.back();
-    const uint64_t start = reader_.Position();
     TagHeader header;
     if (!ReadHeader(level, header)) return false;
     if (header.IsItemDelimitation() || header.IsSequenceDelimitation()) {
         const bool isOutermost = level.sequence == nullptr;
+        const uint64_t start = reader_.Position() - kDelimiterSize;
         if (isOutermost) NoteEnd({EndKind::Broken, start, header.group, header.element});
         level.dataSetBytes += kDelimiterSize;
         return false;
@@ -175,12 +185,12 @@ void DataSetParser::Identify(const TagHeader& header, const Level& level,
     identity.valueRep = header.valueRep;
     if (header.element == 0x0000) {
         identity.valueRep = VR_UL;
-        identity.name = FormatName(identity.nameBuffer, "GroupLength%04X", header.group);
+        identity.MakeName("GroupLength%04X", header.group);
     } else if (IsPrivateCreator(header.group, header.element)) {
         if (level.implicitVr) identity.valueRep = VR_LO;
         const char* format =
             identity.valueRep == VR_LO ? "PrivateCreator%02Xxx" : "BUGGYPrivateCreator%02Xxx";
-        identity.name = FormatName(identity.nameBuffer, format, header.element);
+        identity.MakeName(format, header.element);
     } else if (header.group == 0xFFFE) {
         return;
     } else if (level.implicitVr && header.valueRep == VR_Unknown) {
@@ -210,7 +220,7 @@ void DataSetParser::IdentifyByCreator(const TagHeader& header, const Level& leve
     const PrivateDictionaryEntry* entry =
         FindPrivateElement(header.group, header.element, level.creators);
     identity.valueRep = entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
-    identity.name = entry != nullptr ? std::string_view(entry->name) : unknownTagName;
+    identity.foundName = entry != nullptr ? std::string_view(entry->name) : unknownTagName;
 }
 
 PGX_Node* DataSetParser::AppendElement(const TagHeader& header, const Identity& identity) {
@@ -219,7 +229,8 @@ PGX_Node* DataSetParser::AppendElement(const TagHeader& header, const Identity& 
     lastElement_ = node;
     *level.elementLink = node;
     level.elementLink = &node->next;
-    if (!identity.name.empty()) node->tagName = builder_.NewTagName(identity.name);
+    const std::string_view name = identity.Name();
+    if (!name.empty()) node->tagName = builder_.NewTagName(name);
     return node;
 }
 
@@ -283,13 +294,6 @@ void DataSetParser::NoteEnd(const ParseEnd& end) {
     if (hasEnded_) return;
     hasEnded_ = true;
     end_ = end;
-}
-
-bool DataSetParser::ReadHeader(const Level& level, TagHeader& header) {
-    const uint64_t start = reader_.Position();
-    if (ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return true;
-    NoteBadHeader(start, level.sequence);
-    return false;
 }
 
 // A value that reaches beyond the end is found here, too: the reader is beyond the end with it.

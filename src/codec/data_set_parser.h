@@ -37,16 +37,24 @@ class DataSetParser {
     bool HasIgnoredCreators() const { return hasIgnoredCreators_; }
 
   private:
+    // What comes next on a level.
+    enum class Next {
+        Element,
+        Item,
+        Nothing  // behind the top data set
+    };
+
     // A sequence that is being read and, most of the time, its current item. The bottom level is
     // the top data set, which has no sequence. Byte counts follow the declared lengths, not the
     // stream, and wrap as these do: they decide where containers of defined length end.
     struct Level {
+        Next next = Next::Item;
         PGX_Node* sequence = nullptr;
         PGX_Node** itemLink = nullptr;  // where the next item is linked
         uint32_t sequenceBytes = 0;
         bool implicitVr = false;  // of the items
 
-        PGX_Node* dataSet = nullptr;
+        PGX_Node* dataSet = nullptr;       // the item, as long as its elements are read
         PGX_Node** elementLink = nullptr;  // where the next element is linked
         uint32_t dataSetBytes = 0;
         uint32_t dataSetLength = 0;  // as declared
@@ -57,9 +65,16 @@ class DataSetParser {
     // What is made of a header's tag and VR before its node is built.
     struct Identity {
         uint32_t valueRep;
-        std::string_view name;      // for tagName; empty for none
         bool isUnSequence = false;  // an UN element of undefined length, read as a sequence
-        char nameBuffer[32];
+        // For tagName: one that was made for this element, or one of the dictionary's; or none.
+        size_t madeLength = 0;
+        char madeName[32];
+        std::string_view foundName;
+
+        std::string_view Name() const {
+            return madeLength != 0 ? std::string_view(madeName, madeLength) : foundName;
+        }
+        void MakeName(const char* format, unsigned number);
     };
 
     void OpenDataSet(Level& level, PGX_Node* node, uint32_t declaredLength);

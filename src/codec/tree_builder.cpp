@@ -40,28 +40,31 @@ uint8_t* TreeBuilder::NewZeroedValue(uint32_t length) {
 
 void TreeBuilder::ReadValue(PGX_Node& element, uint32_t limit) {
     const uint32_t length = element.length;
-    const bool isWhole = reader_.Holds(length);
-    const bool isLoadable = isWhole || length <= kAlwaysLoadable;
-    if (length == 0 || ((length >= limit || !isLoadable) && !keepsEverything_)) {
-        reader_.Skip(length);
-        return;
+    if (length == 0) return;
+    const bool isWanted = length < limit || keepsEverything_;
+    if (!isWanted) return reader_.Skip(length);
+    if (length != kUndefinedLength && reader_.Holds(length)) {
+        element.value = NewValue(length);
+        const size_t available = reader_.Read(element.value, length);
+        if (available == length) return;
+        std::memset(element.value + available, 0, length - available);
+        return reader_.Skip(length - available);
     }
-    const uint64_t end = reader_.Position() + length;
-    // A length that nothing else could bear out later is made the true one.
-    if (!isLoadable || length == kUndefinedLength) {
-        element.length =
-            static_cast<uint32_t>(std::min<uint64_t>(reader_.Remaining(), kUndefinedLength - 1));
-    }
-    LoadValue(element, isWhole || !isLoadable);
-    reader_.Seek(end);
+    if (length <= kAlwaysLoadable || keepsEverything_) return LoadInPart(element);
+    reader_.Skip(length);
 }
 
-void TreeBuilder::LoadValue(PGX_Node& element, bool isWhole) {
-    const uint32_t length = element.length;
-    if (length == 0) return;
-    element.value = isWhole ? NewValue(length) : NewZeroedValue(length);
-    const size_t available = reader_.Read(element.value, length);
-    std::memset(element.value + available, 0, isWhole ? length - available : 0);
+// A long length that nothing else could bear out later is made the true one.
+void TreeBuilder::LoadInPart(PGX_Node& element) {
+    const uint64_t end = reader_.Position() + element.length;
+    const auto available =
+        static_cast<uint32_t>(std::min<uint64_t>(reader_.Remaining(), kUndefinedLength - 1));
+    if (element.length > kAlwaysLoadable) element.length = available;
+    if (element.length > 0) {
+        element.value = NewZeroedValue(element.length);
+        reader_.Read(element.value, std::min(available, element.length));
+    }
+    reader_.Seek(end);
 }
 
 }  // namespace pgkit

@@ -49,7 +49,7 @@ class TreeBuilder {
   private:
     uint8_t* NewValue(uint32_t length);
     uint8_t* NewZeroedValue(uint32_t length);
-    void LoadValue(PGX_Node& element, bool isWhole);
+    void LoadInPart(PGX_Node& element);
 
     StreamReader& reader_;
     FILE* const file_;
