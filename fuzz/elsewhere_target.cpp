@@ -90,11 +90,7 @@ void RequireSameSaves(PGX_Node& root, int32_t mode) {
 }  // namespace
 
 void Elsewhere(Bytes bytes) {
-    constexpr int32_t kModes[] = {kAsRead,
-                                  kPart10Explicit,
-                                  kPart10Implicit,
-                                  kPart10Big,
-                                  kPart10Explicit | PG_UNDEFINED_LENGTHS,
+    constexpr int32_t kModes[] = {kAsRead, kPart10Implicit | PG_UNDEFINED_LENGTHS, kPart10Big,
                                   kExplicitLittle};
     Input input(bytes);
     const uint32_t flags = input.U16() & (PG_OPEN_UN_AS_STREAM | PG_OPEN_UN_BY_INSPECTION);

@@ -4,13 +4,13 @@ namespace pgkit {
 
 namespace {
 
-constexpr size_t kPieceSize = size_t{64} << 10;
+constexpr size_t kDeflatePiece = size_t{64} << 10;
 
 }  // namespace
 
 DeflatingSink::DeflatingSink(ByteSink& out)
     : out_(out),
-      buffer_(std::make_unique_for_overwrite<uint8_t[]>(kPieceSize)),
+      buffer_(std::make_unique_for_overwrite<uint8_t[]>(kDeflatePiece)),
       position_(out.Position().value_or(0)) {}
 
 bool DeflatingSink::Write(const uint8_t* bytes, size_t count) {
@@ -22,11 +22,11 @@ bool DeflatingSink::Write(const uint8_t* bytes, size_t count) {
 // Damaged when the bytes do not get out.
 DeflateState DeflatingSink::Deflate(std::span<const uint8_t> bytes, bool isLast) {
     while (true) {
-        const DeflateStep step = deflater_.Run(bytes, {buffer_.get(), kPieceSize}, isLast);
+        const DeflateStep step = deflater_.Run(bytes, {buffer_.get(), kDeflatePiece}, isLast);
         bytes = bytes.subspan(step.taken);
         deflatedSize_ += step.given;
         if (step.given > 0 && !out_.Write(buffer_.get(), step.given)) return DeflateState::Damaged;
-        const bool isUsedUp = bytes.empty() && step.given < kPieceSize && !isLast;
+        const bool isUsedUp = bytes.empty() && step.given < kDeflatePiece && !isLast;
         if (isUsedUp || step.state != DeflateState::Open) return step.state;
     }
 }

@@ -13,7 +13,7 @@ namespace pgkit {
 
 namespace {
 
-constexpr size_t kPieceSize = size_t{64} << 10;
+constexpr size_t kInflatePiece = size_t{64} << 10;
 
 // Some writers put the header of zlib in front, which is no deflate: what has its form would be a
 // stored block, whose length is followed by the same with all bits inverted.
@@ -38,7 +38,7 @@ class FileInflation {
         : reader_(reader),
           out_(out),
           limit_(limit),
-          buffers_(std::make_unique_for_overwrite<uint8_t[]>(2 * kPieceSize)) {}
+          buffers_(std::make_unique_for_overwrite<uint8_t[]>(2 * kInflatePiece)) {}
 
     InflateResult Run() {
         const uint64_t start = reader_.Position();
@@ -46,7 +46,7 @@ class FileInflation {
         if (!CopyUpTo(start)) return InflateResult::CannotWrite;
         Inflater inflater(HasZlibHeader(reader_));
         while (true) {
-            const std::span<uint8_t> input(buffers_.get(), kPieceSize);
+            const std::span<uint8_t> input(buffers_.get(), kInflatePiece);
             const size_t got = reader_.Read(input.data(), input.size());
             if (got == 0) return InflateResult::Partial;
             const std::optional<InflateResult> result = Inflate(inflater, input.first(got));
@@ -60,7 +60,7 @@ class FileInflation {
     bool CopyUpTo(uint64_t end) {
         while (size_ < end) {
             const size_t wanted =
-                end - size_ < kPieceSize ? static_cast<size_t>(end - size_) : kPieceSize;
+                end - size_ < kInflatePiece ? static_cast<size_t>(end - size_) : kInflatePiece;
             const size_t got = reader_.Read(buffers_.get(), wanted);
             if (got == 0 || !Write({buffers_.get(), got})) return false;
         }
@@ -74,7 +74,7 @@ class FileInflation {
 
     // Nothing as long as there is more to come.
     std::optional<InflateResult> Inflate(Inflater& inflater, std::span<const uint8_t> input) {
-        const std::span<uint8_t> output(buffers_.get() + kPieceSize, kPieceSize);
+        const std::span<uint8_t> output(buffers_.get() + kInflatePiece, kInflatePiece);
         while (true) {
             const DeflateStep step = inflater.Run(input, output);
             if (size_ + step.given > limit_) return InflateResult::TooLarge;

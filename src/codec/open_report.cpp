@@ -40,8 +40,8 @@ class Report {
         filled.offset = opened.end.offset;
         filled.group = opened.end.group;
         filled.element = opened.end.element;
-        constexpr size_t kLongestUid = 64;
-        CopyBounded(filled.transferSyntax, kLongestUid + 1, opened.transferSyntax);
+        constexpr size_t kUidLength = 64;
+        CopyBounded(filled.transferSyntax, kUidLength + 1, opened.transferSyntax);
         Copy(filled);
     }
 
