@@ -153,6 +153,7 @@ both_lane() {
         build/native/bin/{libpgkit.so,pgview32.so,pgtool} \
         build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
     start text tests/interop/compare_text.py build/native/bin/libpgkit.so
+    start frames tests/interop/compare_frames.py build/native/bin/libpgkit.so
     start neighbours tests/interop/hostile_neighbours.py "$root/build/native/bin/pgtool"
     start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
     start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" "$wine" \
