@@ -6,7 +6,7 @@
 #   install-packages.sh bench  and to run the benchmarks beside other libraries
 set -euo pipefail
 
-packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 librapidxml-dev wine64)
+packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 rapidjson-dev librapidxml-dev wine64)
 case ${1:-} in
     test)
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)

@@ -41,6 +41,7 @@
 #include "pgkit/directory_records.h"
 #include "pgkit/edition.h"
 #include "pgkit/export.h"
+#include "pgkit/json.h"
 #include "pgkit/list.h"
 #include "pgkit/lookup.h"
 #include "pgkit/node.h"
