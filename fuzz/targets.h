@@ -45,6 +45,9 @@ void SOPClassFile(Bytes input);
 void Accessors(Bytes input);
 // A text value, or UTF-8, and a character set: read and written both ways.
 void Text(Bytes input);
+// A data set file that becomes JSON, or JSON, as it comes or a rich one that is changed in places,
+// that becomes a tree: what was written reads the same.
+void Json(Bytes input);
 
 inline constexpr Target kTargets[] = {
     {"read", Read},
@@ -59,6 +62,7 @@ inline constexpr Target kTargets[] = {
     {"sop_classes", SOPClassFile},
     {"accessors", Accessors},
     {"text", Text},
+    {"json", Json},
 };
 
 // Null when there is no such target.
