@@ -33,7 +33,7 @@
 //                 InlineBinary: base64 of the value, its words in little endian. Values whose VR
 //                 is unknown are UN. Elements that a dictionary says to be "US or SS" are SS where
 //                 Pixel Representation (0028,0103) of their data set is 1, else US; "OW or OB" are
-//                 OW. What a file does not hold any more of a value is left out.
+//                 OW. What a file lacks of a value that was not loaded is left out.
 //   BulkDataURI   Instead of a value of more than bulkLimit stored bytes, of the VRs for which the
 //                 standard allows it: DS, FL, FD, IS, LT, OB, OD, OF, OL, OV, OW, SL, SS, ST, SV,
 //                 UC, UL, UN, US, UT, UV. Encapsulated Pixel Data are always one, for no other way
@@ -56,12 +56,12 @@
 //   tree are little endian and in ascending order, all values in memory. Group lengths and group
 //   0002 are dropped. Where a text needs more than ASCII, the (0008,0005) that holds for it becomes
 //   ISO_IR 192, and the data set gets one if there is none. Numbers of DS are taken as they stand,
-//   those longer than 16 characters as the nearest number of 16. Values are made even as
+//   those longer than 16 characters rounded to what 16 can hold. Values are made even as
 //   PGX_Node::SetValue does, InlineBinary with a zero.
 //
 //   Everything else is an error: see PgxJsonError. Data sets may be nested 2,048 deep, as in files.
-//   Memory is bounded by the length of the JSON: at most about 40 times as much for many tiny
-//   elements, and that of the value for a long one.
+//   Memory is bounded by the length of the JSON: at most about 50 times as much for many tiny
+//   items, and that of the value for a long one.
 //
 // Options and places begin with their own size, so that they can grow: set it to sizeof, as the
 // macros PGX_JSON_WRITE_OPTIONS and PGX_JSON_READ_OPTIONS do. Null options are those of the macros.
@@ -96,7 +96,7 @@ typedef enum PgxJsonError {
     PGX_JSON_BAD_TAG = -15,          /* no 8 hexadecimal digits, group FFFE or FFFFFFFF */
     PGX_JSON_UNKNOWN_VR = -16,       /* or none given and none in the tables */
     PGX_JSON_OUT_OF_RANGE = -17,     /* a number that the VR does not have */
-    PGX_JSON_BAD_TEXT = -18,         /* a delimiter inside of a value: "\", or "=" in a name */
+    PGX_JSON_BAD_TEXT = -18,         /* "\" in one of several values, "=" in a name, no ASCII in CS */
     PGX_JSON_BAD_BASE64 = -19,       /* also numbers whose bytes are not whole */
     PGX_JSON_NO_BULK_DATA = -20,     /* a BulkDataURI that nobody supplies */
     PGX_JSON_SEVERAL_DATA_SETS = -21 /* where one was asked for */

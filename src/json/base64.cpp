@@ -80,6 +80,20 @@ size_t Base64Decoder::Decode(std::string_view characters, uint8_t* bytes) {
         written += DecodeGroup(pending_, bytes + written);
         pendingCount_ = 0;
     }
+    while (characters.size() > kBase64Characters && !isBroken_) {
+        // All but the last group have nothing but digits.
+        const uint32_t first = DigitOf(characters[0]);
+        const uint32_t second = DigitOf(characters[1]);
+        const uint32_t third = DigitOf(characters[2]);
+        const uint32_t fourth = DigitOf(characters[3]);
+        if ((first | second | third | fourth) > 63 || hasPadding_) break;
+        const uint32_t bits = first << 18 | second << 12 | third << 6 | fourth;
+        bytes[written] = static_cast<uint8_t>(bits >> 16);
+        bytes[written + 1] = static_cast<uint8_t>(bits >> 8);
+        bytes[written + 2] = static_cast<uint8_t>(bits);
+        written += kBase64Bytes;
+        characters.remove_prefix(kBase64Characters);
+    }
     while (characters.size() >= kBase64Characters && !isBroken_) {
         written += DecodeGroup(characters.data(), bytes + written);
         characters.remove_prefix(kBase64Characters);

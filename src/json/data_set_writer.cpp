@@ -89,16 +89,12 @@ void DataSetWriter::CloseDataSet() {
 
 void DataSetWriter::BeginElement(uint16_t group, uint16_t element, const char* valueRep) {
     const TagDigits digits = DigitsOfTag(group, element);
-    output_.Key({digits.text, sizeof digits.text});
-    output_.StartObject();
-    output_.Key("vr");
-    output_.String(valueRep);
+    output_.StartElement({digits.text, sizeof digits.text}, valueRep);
 }
 
 void DataSetWriter::WriteCharacterSet() {
     BeginElement(kIdentifyingGroup, kSpecificCharacterSet, "CS");
-    output_.Key("Value");
-    output_.StartArray();
+    output_.StartValues();
     output_.String("ISO_IR 192");
     output_.EndArray();
     output_.EndObject();
@@ -133,8 +129,7 @@ void DataSetWriter::OpenSequence(Level& level, PGX_Node& sequence) {
         output_.EndObject();
         return;
     }
-    output_.Key("Value");
-    output_.StartArray();
+    output_.StartValues();
     OpenDataSet(*level.item);
 }
 

@@ -24,12 +24,9 @@ void AppendIndexToPath(std::string& path, size_t index) {
 
 TagDigits DigitsOfTag(uint16_t group, uint16_t element) {
     constexpr std::string_view kHex = "0123456789ABCDEF";
-    TagDigits digits;
-    for (size_t i = 0; i < 4; ++i) {
-        digits.text[i] = kHex[(group >> (12 - 4 * i)) & 15];
-        digits.text[4 + i] = kHex[(element >> (12 - 4 * i)) & 15];
-    }
-    return digits;
+    const auto digit = [kHex](unsigned number) { return kHex[number & 15]; };
+    return {{digit(group >> 12u), digit(group >> 8u), digit(group >> 4u), digit(group),
+             digit(element >> 12u), digit(element >> 8u), digit(element >> 4u), digit(element)}};
 }
 
 }  // namespace pgkit

@@ -138,11 +138,14 @@ bool MayBeBulk(uint32_t valueRep) {
     }
 }
 
-ElementWriter::ElementWriter(JsonOutput& output)
-    : output_(output),
-      texts_(output),
-      piece_(std::make_unique_for_overwrite<uint8_t[]>(kValuePiece)),
-      utf8_(std::make_unique_for_overwrite<char[]>(kDecodedPiece)) {}
+ElementWriter::ElementWriter(JsonOutput& output) : output_(output), texts_(output) {}
+
+ValuePieces ElementWriter::PiecesOf(const PGX_Node& element) {
+    if (piece_ == nullptr && element.value == nullptr) NewPiece();
+    return {element, piece_.get()};
+}
+
+void ElementWriter::NewPiece() { piece_ = std::make_unique_for_overwrite<uint8_t[]>(kValuePiece); }
 
 void ElementWriter::WriteValue(const PGX_Node& element, uint32_t valueRep, PGX_Node* characterSet) {
     if (element.length == 0 || !HasValue(element)) return;
@@ -160,7 +163,7 @@ void ElementWriter::WriteValue(const PGX_Node& element, uint32_t valueRep, PGX_N
 bool ElementWriter::NeedsCharacterSet(const PGX_Node& element, uint32_t valueRep) {
     const TextRules* const rules = FindTextRules(valueRep);
     if (rules == nullptr || !rules->usesCharacterSet || !HasValue(element)) return false;
-    const ValuePieces pieces(element, piece_.get());
+    const ValuePieces pieces = PiecesOf(element);
     for (size_t offset = 0; offset < pieces.Size();) {
         const auto piece = pieces.At(offset, kValuePiece);
         if (!IsPlainText(AsText(piece))) return true;
@@ -172,7 +175,7 @@ bool ElementWriter::NeedsCharacterSet(const PGX_Node& element, uint32_t valueRep
 
 // What a text begins with is the same in every set as long as it is plain.
 void ElementWriter::WriteText(const PGX_Node& element, uint32_t valueRep, PGX_Node* characterSet) {
-    const ValuePieces pieces(element, piece_.get());
+    const ValuePieces pieces = PiecesOf(element);
     const size_t length = LengthWithoutPadding(pieces);
     if (length == 0) return;
     texts_.Begin(valueRep);
@@ -193,6 +196,7 @@ void ElementWriter::WriteText(const PGX_Node& element, uint32_t valueRep, PGX_No
 void ElementWriter::DecodeText(const ValuePieces& pieces, size_t offset, size_t length,
                                const TextRules& rules, PGX_Node* characterSet) {
     TextDecoder& decoder = DecoderFor(characterSet);
+    if (utf8_ == nullptr) utf8_ = std::make_unique_for_overwrite<char[]>(kDecodedPiece);
     decoder.Begin(rules, CutEnd::Replace,
                   decoder.DependsOnUtf8(rules) && IsUtf8(pieces, offset, length));
     while (offset < length && !output_.HasFailed()) {
@@ -218,9 +222,10 @@ TextDecoder& ElementWriter::DecoderFor(PGX_Node* characterSet) {
 // ---- Bytes --------------------------------------------------------------------------------------
 
 void ElementWriter::WriteBinary(const PGX_Node& element, uint32_t valueRep) {
-    const ValuePieces pieces(element, piece_.get());
+    const ValuePieces pieces = PiecesOf(element);
     if (pieces.Size() == 0) return;
     const size_t unit = OrderOf(element) == ByteOrder::Big ? SwapUnit(valueRep) : 1;
+    if (unit > 1 && piece_ == nullptr) NewPiece();
     output_.Key("InlineBinary");
     output_.BeginString();
     for (size_t offset = 0; offset < pieces.Size() && !output_.HasFailed();) {
@@ -244,11 +249,10 @@ void ElementWriter::WriteBinary(const PGX_Node& element, uint32_t valueRep) {
 
 template <typename Number, typename Write>
 void ElementWriter::WriteNumbers(const PGX_Node& element, Write write) {
-    const ValuePieces pieces(element, piece_.get());
+    const ValuePieces pieces = PiecesOf(element);
     if (pieces.Size() < sizeof(Number)) return;
     const ByteOrder order = OrderOf(element);
-    output_.Key("Value");
-    output_.StartArray();
+    output_.StartValues();
     for (size_t offset = 0; offset < pieces.Size() && !output_.HasFailed();) {
         const auto bytes = pieces.At(offset, kValuePiece);
         if (bytes.size() < sizeof(Number)) break;

@@ -24,7 +24,7 @@ bool MayBeBulk(uint32_t valueRep);
 
 class ElementWriter {
   public:
-    // Throws std::bad_alloc, as everything here.
+    // What writes throws std::bad_alloc.
     explicit ElementWriter(JsonOutput& output);
 
     // The members "Value" or "InlineBinary" of an element that is no sequence, if it has a value.
@@ -35,6 +35,8 @@ class ElementWriter {
     bool NeedsCharacterSet(const PGX_Node& element, uint32_t valueRep);
 
   private:
+    ValuePieces PiecesOf(const PGX_Node& element);
+    void NewPiece();
     void WriteText(const PGX_Node& element, uint32_t valueRep, PGX_Node* characterSet);
     void DecodeText(const ValuePieces& pieces, size_t offset, size_t length, const TextRules& rules,
                     PGX_Node* characterSet);
@@ -51,6 +53,7 @@ class ElementWriter {
 
     JsonOutput& output_;
     TextValues texts_;
+    // For values that cannot be used where they are; made when the first one comes.
     std::unique_ptr<uint8_t[]> piece_;  // kValuePiece
     std::unique_ptr<char[]> utf8_;      // what a piece of text can become
     std::optional<TextDecoder> decoder_;

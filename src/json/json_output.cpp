@@ -34,6 +34,11 @@ class BufferedStream {
     void Commit(size_t size) { used_ += size; }
 
     void Put(std::string_view text) {
+        if (text.size() <= kCapacity - used_) {
+            text.copy(buffer_.get() + used_, text.size());
+            used_ += text.size();
+            return;
+        }
         while (!text.empty()) {
             if (used_ == kCapacity) PassOn();
             const size_t count = text.copy(buffer_.get() + used_, kCapacity - used_);
@@ -79,6 +84,17 @@ class PieceWriter : public RapidWriter {
     }
     void EndString() { os_->Put('"'); }
     void BeginNumber() { Prefix(rapidjson::kNumberType); }
+
+    // Bookkeeping for what is put as a text: a member of the present object whose value is opened,
+    // with so many members of its own.
+    void NoteMember(bool isArray, size_t members) {
+        ++level_stack_.template Top<Level>()->valueCount;
+        auto* const level = level_stack_.template Push<Level>();
+        new (level) Level(isArray);
+        level->valueCount = 2 * members;
+    }
+    // The name of a member, but for the name: a comma in front of it.
+    void BeginKey() { Prefix(rapidjson::kStringType); }
 };
 
 // What stands for a character in a string: 0 is itself, 'u' a number, another letter a letter.
@@ -125,9 +141,25 @@ JsonOutput::~JsonOutput() = default;
 
 void JsonOutput::StartObject() { impl_->writer.StartObject(); }
 void JsonOutput::EndObject() { impl_->writer.EndObject(); }
-void JsonOutput::StartArray() { impl_->writer.StartArray(); }
 void JsonOutput::EndArray() { impl_->writer.EndArray(); }
 void JsonOutput::Null() { impl_->writer.Null(); }
+
+void JsonOutput::StartElement(std::string_view tag, std::string_view valueRep) {
+    constexpr std::string_view kHead = R"("ggggeeee":{"vr":"VR")";
+    impl_->writer.BeginKey();
+    char* const head = impl_->stream.Reserve(kHead.size());
+    kHead.copy(head, kHead.size());
+    tag.copy(head + 1, 8);
+    valueRep.copy(head + 18, 2);
+    impl_->stream.Commit(kHead.size());
+    impl_->writer.NoteMember(false, 1);
+}
+
+void JsonOutput::StartValues() {
+    impl_->writer.BeginKey();
+    impl_->stream.Put(R"("Value":[)");
+    impl_->writer.NoteMember(true, 0);
+}
 
 void JsonOutput::Key(std::string_view name) {
     impl_->writer.BeginString();

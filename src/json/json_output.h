@@ -21,8 +21,14 @@ class JsonOutput {
 
     void StartObject();
     void EndObject();
-    void StartArray();
     void EndArray();
+
+    // What nearly all JSON of data sets consists of, each written at once.
+    //
+    // The name of an element and its object with the first member: "00100010":{"vr":"PN"
+    void StartElement(std::string_view tag, std::string_view valueRep);
+    // Its member with the values: ,"Value":[
+    void StartValues();
 
     // The name of a member, which needs no escapes.
     void Key(std::string_view name);

@@ -80,13 +80,12 @@ size_t SignificantDigits(const Decimal& decimal) {
 
 bool FitsDouble(const Decimal& decimal, std::string_view spelt) {
     const size_t digits = SignificantDigits(decimal);
+    // Texts are short: without an exponent no number is too large or too small.
+    if (digits <= kSafeDigits && decimal.exponent.empty()) return true;
     double number = 0;
     const auto parsed = std::from_chars(spelt.data(), spelt.data() + spelt.size(), number);
     if (parsed.ec != std::errc()) return false;
-    const bool isZero = number == 0;
-    // Some readers refuse a zero with a large exponent.
-    if (isZero) return decimal.exponent.empty();
-    // Smaller ones have fewer digits.
+    // Smaller ones have fewer digits, and some readers refuse a zero with a large exponent.
     if (std::abs(number) < std::numeric_limits<double>::min()) return false;
     if (digits <= kSafeDigits) return true;
     return decimal.fraction.empty() && decimal.exponent.empty() &&

@@ -22,26 +22,20 @@ constexpr std::array<std::string_view, 3> kComponents = {"Alphabetic", "Ideograp
 
 bool IsNumber(uint32_t valueRep) { return valueRep == VR_IS || valueRep == VR_DS; }
 
-// Between values; between the groups of a name, too. The "^" inside of these is kept.
-std::string_view DelimitersOf(uint32_t valueRep) {
-    if (valueRep == VR_PN) return "\\=";
-    const TextRules* const rules = FindTextRules(valueRep);
-    return rules == nullptr ? std::string_view() : rules->delimiters;
-}
-
 }  // namespace
 
 void TextValues::Begin(uint32_t valueRep) {
     valueRep_ = valueRep;
-    delimiters_ = DelimitersOf(valueRep);
+    isSplit_ = !FindTextRules(valueRep)->delimiters.empty();
     component_ = 0;
     isArrayOpen_ = isStringOpen_ = hasContent_ = false;
 }
 
 void TextValues::Put(std::string_view utf8) {
-    if (delimiters_.empty()) return PutContent(utf8);
+    if (!isSplit_) return PutContent(utf8);
     for (;;) {
-        const size_t end = std::min(utf8.find_first_of(delimiters_), utf8.size());
+        const auto found = std::ranges::find_if(utf8, [this](char c) { return IsDelimiter(c); });
+        const auto end = static_cast<size_t>(found - utf8.begin());
         PutPart(utf8.substr(0, end));
         if (end == utf8.size()) return;
         EndComponent();
@@ -53,6 +47,9 @@ void TextValues::Put(std::string_view utf8) {
         utf8.remove_prefix(end + 1);
     }
 }
+
+// Between values; between the groups of a name, too. The "^" inside of these is kept.
+bool TextValues::IsDelimiter(char c) const { return c == '\\' || (c == '=' && valueRep_ == VR_PN); }
 
 void TextValues::End() {
     EndComponent();
@@ -97,8 +94,7 @@ void TextValues::PutContent(std::string_view text) {
 
 void TextValues::OpenArray() {
     if (isArrayOpen_) return;
-    output_.Key("Value");
-    output_.StartArray();
+    output_.StartValues();
     isArrayOpen_ = true;
 }
 

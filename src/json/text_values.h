@@ -17,11 +17,13 @@ class TextValues {
   public:
     explicit TextValues(JsonOutput& output) : output_(output) {}
 
+    // The VR is one of texts.
     void Begin(uint32_t valueRep);
     void Put(std::string_view utf8);
     void End();
 
   private:
+    bool IsDelimiter(char c) const;
     void PutPart(std::string_view text);
     void PutContent(std::string_view text);
     bool HoldsBackNumber(std::string_view& text);
@@ -33,7 +35,7 @@ class TextValues {
 
     JsonOutput& output_;
     uint32_t valueRep_ = 0;
-    std::string_view delimiters_;
+    bool isSplit_ = false;  // at delimiters
     std::string heldBack_;  // blanks
     std::string number_;    // all of a value that may be one
     size_t component_ = 0;  // of a name

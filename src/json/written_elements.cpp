@@ -60,10 +60,11 @@ void WrittenElements::Sort(PGX_Node& dataSet) {
     for (PGX_Node* node = dataSet.first; node != nullptr; node = node->next) {
         if (IsWrittenToJson(*node)) ordered_.push_back(node);
     }
-    const auto keyOf = [](const PGX_Node* node) { return KeyOf(*node); };
-    std::ranges::stable_sort(ordered_, {}, keyOf);
-    const auto repeated = std::ranges::unique(ordered_, {}, keyOf);
-    ordered_.erase(repeated.begin(), repeated.end());
+    std::ranges::stable_sort(ordered_, {}, [](const PGX_Node* node) { return KeyOf(*node); });
+    const auto isRepeated = [](const PGX_Node* one, const PGX_Node* next) {
+        return KeyOf(*one) == KeyOf(*next);
+    };
+    ordered_.erase(std::unique(ordered_.begin(), ordered_.end(), isRepeated), ordered_.end());
     std::ranges::reverse(ordered_);
     isOrdered_ = true;
 }
