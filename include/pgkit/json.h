@@ -90,15 +90,15 @@ typedef enum PgxJsonError {
     PGX_JSON_TOO_DEEP = -9,     /* data sets nested deeper than depthLimit */
     PGX_JSON_TOO_LARGE = -10,   /* more than sizeLimit; a value of 4 GiB */
     PGX_JSON_WRONG_TYPE = -11,  /* a number where a string must be, or the like */
-    PGX_JSON_UNKNOWN_MEMBER = -12,   /* of an element or a name */
-    PGX_JSON_DUPLICATE = -13,        /* an element, or a member of one, twice */
-    PGX_JSON_SEVERAL_VALUES = -14,   /* Value, InlineBinary and BulkDataURI beside each other */
-    PGX_JSON_BAD_TAG = -15,          /* no 8 hexadecimal digits, group FFFE or FFFFFFFF */
-    PGX_JSON_UNKNOWN_VR = -16,       /* or none given and none in the tables */
-    PGX_JSON_OUT_OF_RANGE = -17,     /* a number that the VR does not have */
-    PGX_JSON_BAD_TEXT = -18,         /* "\" in one of several values, "=" in a name, no ASCII in CS */
-    PGX_JSON_BAD_BASE64 = -19,       /* also numbers whose bytes are not whole */
-    PGX_JSON_NO_BULK_DATA = -20,     /* a BulkDataURI that nobody supplies */
+    PGX_JSON_UNKNOWN_MEMBER = -12, /* of an element or a name */
+    PGX_JSON_DUPLICATE = -13,      /* an element, or a member of one, twice */
+    PGX_JSON_SEVERAL_VALUES = -14, /* Value, InlineBinary and BulkDataURI beside each other */
+    PGX_JSON_BAD_TAG = -15,        /* no 8 hexadecimal digits, group FFFE or FFFFFFFF */
+    PGX_JSON_UNKNOWN_VR = -16,     /* or none given and none in the tables */
+    PGX_JSON_OUT_OF_RANGE = -17,   /* a number that the VR does not have */
+    PGX_JSON_BAD_TEXT = -18,       /* "\" in one of several values, "=" in a name, no ASCII in CS */
+    PGX_JSON_BAD_BASE64 = -19,     /* also numbers whose bytes are not whole */
+    PGX_JSON_NO_BULK_DATA = -20,   /* a BulkDataURI that nobody supplies */
     PGX_JSON_SEVERAL_DATA_SETS = -21 /* where one was asked for */
 } PgxJsonError;
 

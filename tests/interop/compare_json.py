@@ -25,6 +25,7 @@ import warnings
 
 import pydicom
 import pydicom.config
+import pydicom.dicomdir
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
@@ -204,6 +205,8 @@ EXPLAINED = {
 
 # Files that each reader takes for something else: nothing in them says what they are.
 NOT_COMPARED = {
+    "headerless/derived_acr_nema_1_be.dcm",
+    "headerless/derived_be_no_meta.dcm",
     "headerless/explicit_be_no_meta.dcm",
     "headerless/meta_without_transfer_syntax.dcm",
 }
@@ -346,4 +349,6 @@ def main(library_path):
 if __name__ == "__main__":
     warnings.simplefilter("ignore")  # pydicom comments on unusual values
     pydicom.config.replace_un_with_known_vr = False
+    # It would follow the links between records, some of which run in circles.
+    pydicom.dicomdir.DicomDir.parse_records = lambda self: None
     sys.exit(main(*sys.argv[1:]))
