@@ -32,8 +32,8 @@
 //   OB, OD, OF, OL, OV, OW, UN
 //                 InlineBinary: base64 of the value, its words in little endian. Values whose VR
 //                 is unknown are UN. Elements that a dictionary says to be "US or SS" are SS where
-//                 Pixel Representation (0028,0103) of their data set is 1, else US; "OW or OB" are
-//                 OW. What a file lacks of a value that was not loaded is left out.
+//                 Pixel Representation (0028,0103) of their data set is 1, else US; "OW or OB" is
+//                 OW, in groups 50xx OB. What a file lacks of a value not loaded is left out.
 //   BulkDataURI   Instead of a value of more than bulkLimit stored bytes, of the VRs for which the
 //                 standard allows it: DS, FL, FD, IS, LT, OB, OD, OF, OL, OV, OW, SL, SS, ST, SV,
 //                 UC, UL, UN, US, UT, UV. Encapsulated Pixel Data are always one, for no other way

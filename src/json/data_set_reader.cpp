@@ -11,6 +11,7 @@
 #include "dictionary/current_table.h"
 #include "dictionary/tags.h"
 #include "dictionary/vr_properties.h"
+#include "json/ambiguous_vr.h"
 #include "json/element_path.h"
 #include "json/open_data_set.h"
 #include "pgkit/dictionary.h"
@@ -371,7 +372,7 @@ std::optional<uint32_t> Reader::FindVr() {
         case VR_USSS:
             return Current().IsSigned() || HasNegative(element.values) ? VR_SS : VR_US;
         case VR_OWOB:
-            return VR_OW;
+            return OwOrOb(element.group);
         default:
             return valueRep < VrCount() ? std::optional(valueRep) : std::nullopt;
     }

@@ -9,6 +9,7 @@
 #include "base/byte_order.h"
 #include "base/utf8.h"
 #include "dictionary/vr_properties.h"
+#include "json/ambiguous_vr.h"
 #include "json/base64.h"
 #include "json/element_path.h"
 #include "json/number_text.h"
@@ -114,7 +115,7 @@ uint32_t JsonVrOf(const PGX_Node& element, bool isSigned) {
         case VR_USSS:
             return isSigned ? VR_SS : VR_US;
         case VR_OWOB:
-            return element.encapsulated != 0 ? VR_OB : VR_OW;
+            return element.encapsulated != 0 ? uint32_t{VR_OB} : OwOrOb(element.group);
         default:
             return element.valueRep < VrCount() ? element.valueRep : uint32_t{VR_UN};
     }

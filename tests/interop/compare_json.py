@@ -153,10 +153,17 @@ def swapped(value, unit):
     return b"".join(value[i:i + unit][::-1] for i in range(0, len(value), unit))
 
 
-def is_name_of_carets(pair):
-    groups = [group for value in (pair.ours or {}).get("Value", []) for group in value.values()] \
-        if pair.vr == "PN" else []
-    return pair.writer == "dcm2json" and groups and set("".join(groups)) == {"^"}
+def has_carets_at_the_end(pair):
+    if pair.writer != "dcm2json" or pair.vr != "PN" or not pair.ours or not pair.theirs:
+        return False
+    names = [{key: group.rstrip("^") for key, group in (value or {}).items() if group.rstrip("^")}
+             for value in pair.ours.get("Value", [])]
+    return [name for name in names if name] == pair.theirs.get("Value", [])
+
+
+def is_left_open(pair):
+    return pair.writer == "pydicom" and pair.theirs and pair.theirs["vr"] == "OB or OW" \
+        and pair.ours["InlineBinary"] == pair.theirs["InlineBinary"]
 
 
 def is_little_endian(pair):
@@ -191,7 +198,8 @@ RULES = {
     is_number_as_text: "PS3.18 F.2.3: a string preserves the original format, or avoids losing "
                        "precision; PS3.5 6.2: what is no number of the VR is no number here",
     is_inexact: "PS3.18 F.2.3: numbers of JSON; it prints nine digits of FL, and FD by dividing",
-    is_name_of_carets: "PS3.5 6.2.1.1: null components at the end may be left out with their carets",
+    is_left_open: "PS3.5 A.1: where the dictionary says OB or OW, implicit VR settles it",
+    has_carets_at_the_end: "PS3.5 6.2.1.1: null components at the end may be left out with their carets",
     is_little_endian: "PS3.18 F.2.7, PS3.5 7.3: InlineBinary is in little endian",
     is_private: "PS3.5 6.2.2: a private element whose VR is not known is UN",
     is_fragments: "PS3.18 F.2.6: encapsulated Pixel Data are bulk data",
@@ -199,6 +207,7 @@ RULES = {
 
 # What differs in one file alone: (writer, file, tag): why.
 EXPLAINED = {
+    ("dcm2json", "native/dx_odd_length_value.dcm", "7FE00010"): "makes an odd length even",
     ("dcm2json", "native/mr_ge_private_syntax_be_pixels.dcm", "7FE00010"):
         "knows that this private transfer syntax has big-endian pixels",
 }

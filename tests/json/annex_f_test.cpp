@@ -284,19 +284,22 @@ TEST(AnnexF23ValueRepresentation, TakesAnUnknownVrForUn) {
     EXPECT_EQ(json, R"({"00091001":{"vr":"UN","InlineBinary":"YWI="}})");
 }
 
-// A dictionary leaves these open; in implicit VR, OW or OB is OW (PS3.5, A.1).
+// A dictionary leaves these open; in implicit VR, OW or OB is OW but for curves (PS3.5, A.1).
 TEST(AnnexF23ValueRepresentation, SettlesVrsThatDependOnTheDataSet) {
     const auto file = [](uint16_t pixelRepresentation) {
         StreamBuilder stream(VrMode::Implicit);
         stream.Part10(kImplicit).ElementUS(0x0028, 0x0103, pixelRepresentation);
-        stream.Element(0x0028, 0x0106, "US", "\xFF\xFF").Element(0x5400, 0x1010, "OW", "ab");
+        stream.Element(0x0028, 0x0106, "US", "\xFF\xFF").Element(0x5000, 0x3000, "OB", "ab");
+        stream.Element(0x5400, 0x1010, "OW", "ab");
         return stream;
     };
     EXPECT_EQ(JsonOf(file(0)),
               R"({"00280103":{"vr":"US","Value":[0]},"00280106":{"vr":"US","Value":[65535]},)"
+              R"("50003000":{"vr":"OB","InlineBinary":"YWI="},)"
               R"("54001010":{"vr":"OW","InlineBinary":"YWI="}})");
     EXPECT_EQ(JsonOf(file(1)),
               R"({"00280103":{"vr":"US","Value":[1]},"00280106":{"vr":"SS","Value":[-1]},)"
+              R"("50003000":{"vr":"OB","InlineBinary":"YWI="},)"
               R"("54001010":{"vr":"OW","InlineBinary":"YWI="}})");
 }
 
