@@ -44,6 +44,7 @@
 #include "pgkit/edition.h"
 #include "pgkit/export.h"
 #include "pgkit/frames.h"
+#include "pgkit/json.h"
 #include "pgkit/list.h"
 #include "pgkit/lookup.h"
 #include "pgkit/node.h"
