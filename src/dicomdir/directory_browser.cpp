@@ -26,7 +26,7 @@ struct LevelMessages {
     const char* childless;
 };
 
-constexpr std::array<LevelMessages, kRecordLevels> kMessages = {{
+constexpr std::array<LevelMessages, kHierarchyLevels> kMessages = {{
     {"Next Patient not found ", nullptr, "First Study item not found at ", "Patient without Study"},
     {"Next Study not found", nullptr, "First Series item not found at ", "Study without Series"},
     {"Next Series item not found", "Next Series not found", "First Image item not found at ",
@@ -34,7 +34,9 @@ constexpr std::array<LevelMessages, kRecordLevels> kMessages = {{
     {"Next Leaf item not found", nullptr, nullptr, nullptr},
 }};
 
-const LevelMessages& MessagesOf(RecordLevel level) { return kMessages[static_cast<size_t>(level)]; }
+const LevelMessages& MessagesOf(HierarchyLevel level) {
+    return kMessages[static_cast<size_t>(level)];
+}
 
 void ReportBreak(const char* message) { PrintOut("DICOMDIR parsing error: %s\n", message); }
 
@@ -80,17 +82,17 @@ DirectoryBrowser::DirectoryBrowser(PGX_DicomDir& directory, PGX_Node* firstItem)
 }
 
 int32_t DirectoryBrowser::BrowsePatients(RecordNumber first, PGX_List& patients) {
-    return WalkChain(RecordLevel::Patient, first,
+    return WalkChain(HierarchyLevel::Patient, first,
                      [&](RecordNumber number) { return HandlePatient(number, patients); });
 }
 
 int32_t DirectoryBrowser::BrowseStudies(RecordNumber first, PGX_DicomDirPatientNode& patient) {
-    return WalkChain(RecordLevel::Study, first,
+    return WalkChain(HierarchyLevel::Study, first,
                      [&](RecordNumber number) { return HandleStudy(number, patient); });
 }
 
 int32_t DirectoryBrowser::BrowseSeries(RecordNumber first, PGX_DicomDirStudyNode& study) {
-    return WalkChain(RecordLevel::Series, first,
+    return WalkChain(HierarchyLevel::Series, first,
                      [&](RecordNumber number) { return HandleSeries(number, study); });
 }
 
@@ -99,12 +101,12 @@ int32_t DirectoryBrowser::BrowseLeaves(RecordNumber first, PGX_DicomDirSeriesNod
     LeafOrder& order =
         leafOrders_.try_emplace(&series, series.leaves, numberOf, Ties::BehindGreatest)
             .first->second;
-    return WalkChain(RecordLevel::Leaf, first,
+    return WalkChain(HierarchyLevel::Leaf, first,
                      [&](RecordNumber number) { return HandleLeaf(number, series, order); });
 }
 
 template <typename Handle>
-int32_t DirectoryBrowser::WalkChain(RecordLevel level, RecordNumber first, Handle handle) {
+int32_t DirectoryBrowser::WalkChain(HierarchyLevel level, RecordNumber first, Handle handle) {
     guard_.BeginWalk(level);
     for (RecordNumber number = first; guard_.Admit(level, number);) {
         const Outcome outcome = handle(number);
@@ -124,7 +126,7 @@ int32_t DirectoryBrowser::WalkChain(RecordLevel level, RecordNumber first, Handl
 }
 
 // The first record of the level below one; without it the walk of the one's level is broken.
-std::optional<RecordNumber> DirectoryBrowser::Descend(RecordLevel level, RecordNumber number) {
+std::optional<RecordNumber> DirectoryBrowser::Descend(HierarchyLevel level, RecordNumber number) {
     const Link child = FollowLink(records_, records_[number].lowerLevel);
     if (child.kind == Link::Kind::Found) return child.target;
     const LevelMessages& messages = MessagesOf(level);
@@ -141,7 +143,7 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandlePatient(RecordNumber number, P
     const PatientIndex::iterator found = FindOrAddPatient(*records_[number].item, patients);
     if (found == patients_.end()) return Outcome::Refused;
     PGX_DicomDirPatientNode& patient = **found;
-    const std::optional<RecordNumber> child = Descend(RecordLevel::Patient, number);
+    const std::optional<RecordNumber> child = Descend(HierarchyLevel::Patient, number);
     if (!child) return Outcome::Broken;
     BrowseStudies(*child, patient);
     if (patient.studies.count == 0) RemovePatient(found, patients);
@@ -153,7 +155,7 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandleStudy(RecordNumber number,
     PGX_DicomDirStudyNode* const found = FindOrAddStudy(*records_[number].item, patient);
     if (found == nullptr) return Outcome::Refused;
     PGX_DicomDirStudyNode& study = *found;
-    const std::optional<RecordNumber> child = Descend(RecordLevel::Study, number);
+    const std::optional<RecordNumber> child = Descend(HierarchyLevel::Study, number);
     if (!child) return Outcome::Broken;
     BrowseSeries(*child, study);
     if (study.series.count == 0) RemoveStudy(study, patient);
@@ -167,7 +169,7 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandleSeries(RecordNumber number,
     PGX_DicomDirSeriesNode* const found = FindOrAddSeries(record, study);
     if (found == nullptr) return Outcome::Refused;
     PGX_DicomDirSeriesNode& series = *found;
-    const std::optional<RecordNumber> child = Descend(RecordLevel::Series, number);
+    const std::optional<RecordNumber> child = Descend(HierarchyLevel::Series, number);
     if (!child) return Outcome::Broken;
     BrowseLeaves(*child, series);
     if (series.leaves.count == 0) RemoveSeries(series, study);

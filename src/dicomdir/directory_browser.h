@@ -43,8 +43,8 @@ class DirectoryBrowser {
     Outcome HandleLeaf(RecordNumber number, PGX_DicomDirSeriesNode& series, LeafOrder& order);
 
     template <typename Handle>
-    int32_t WalkChain(RecordLevel level, RecordNumber first, Handle handle);
-    std::optional<RecordNumber> Descend(RecordLevel level, RecordNumber number);
+    int32_t WalkChain(HierarchyLevel level, RecordNumber first, Handle handle);
+    std::optional<RecordNumber> Descend(HierarchyLevel level, RecordNumber number);
 
     PatientIndex::iterator FindOrAddPatient(PGX_Node& record, PGX_List& patients);
     PGX_DicomDirStudyNode* FindOrAddStudy(PGX_Node& record, PGX_DicomDirPatientNode& patient);

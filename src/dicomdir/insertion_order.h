@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "dataset/list_cells.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/object_list.h"
 #include "pgkit/list.h"
 
 namespace pgkit {
@@ -26,7 +26,7 @@ class InsertionOrder {
 
     InsertionOrder(PGX_List& list, NumberOf numberOf, Ties ties)
         : list_(list), numberOf_(numberOf), ties_(ties) {
-        for (const Object& object : Records<Object>(list))
+        for (const Object& object : Objects<Object>(list))
             greatest_ = std::max(greatest_, numberOf(object));
     }
 

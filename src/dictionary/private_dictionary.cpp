@@ -102,10 +102,10 @@ size_t PrivateDictionary::CreatorKeyHash::operator()(const CreatorKey& key) cons
     return std::hash<std::string_view>()(key.creator) ^ (size_t{key.tag} * 0x9E3779B97F4A7C15u);
 }
 
-bool PrivateDictionary::LoadFile(const char* path) {
+bool PrivateDictionary::ReadFile(const char* path) {
     Clear();
     try {
-        return ReadFile(path);
+        return ReadLines(path);
     } catch (...) {
         // An entry that the indexes do not know, or a part of a file, answers questions wrongly.
         Clear();
@@ -113,7 +113,7 @@ bool PrivateDictionary::LoadFile(const char* path) {
     }
 }
 
-bool PrivateDictionary::ReadFile(const char* path) {
+bool PrivateDictionary::ReadLines(const char* path) {
     if (!platform::PathExists(path) || platform::IsDirectory(path)) return false;
     // A device or a pipe might never end.
     if (!platform::FileSize(path)) return true;
@@ -187,5 +187,5 @@ const PrivateDictionaryEntry* FindPrivateElement(uint16_t group, uint16_t elemen
 
 uint32_t pgSetPrivateDictionaryFile(const char* path) {
     return pgkit::Guarded(
-        [=] { return pgkit::PrivateDictionary::Instance().LoadFile(path) ? 1u : 0u; });
+        [=] { return pgkit::PrivateDictionary::Instance().ReadFile(path) ? 1u : 0u; });
 }

@@ -10,7 +10,7 @@ namespace pgkit {
 namespace {
 
 constexpr ModalityRow kModalities[] = {
-#define PGKIT_MODALITY(uid, mnemonic, size) {uid, mnemonic, size},
+#define PGKIT_MODALITY(uid, mnemonic, size) {uid, mnemonic},
 #include "sopclass/modalities.inc"
 #undef PGKIT_MODALITY
 };
@@ -67,8 +67,6 @@ constexpr auto kCategorySets = [] {
 }();
 
 }  // namespace
-
-std::span<const ModalityRow> ModalityRows() { return kModalities; }
 
 const ModalityRow* FindModality(std::string_view sopClassUid) {
     const size_t row = FindModalityRow(sopClassUid);

@@ -3,15 +3,14 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string_view>
 
 namespace pgkit {
 
+// A storage SOP class.
 struct ModalityRow {
     const char* uid;
     const char* mnemonic;
-    uint64_t size;
 };
 
 struct ModalityNameRow {
@@ -36,9 +35,6 @@ enum class SopCategory : uint16_t {
     RtPlan = 0x080,
     Radiotherapy = 0x100
 };
-
-// The storage SOP classes, in table order.
-std::span<const ModalityRow> ModalityRows();
 
 // Null when there is no such row.
 const ModalityRow* FindModality(std::string_view sopClassUid);

@@ -5,8 +5,8 @@
 #include <iterator>
 
 #include "base/firewall.h"
-#include "dicomdir/create/dicomdir_file.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/create/directory_file.h"
+#include "dicomdir/object_list.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/directory_records.h"
 #include "platform/platform.h"
@@ -63,10 +63,10 @@ std::string Line(uint32_t code, std::string_view path) {
 
 template <typename Use>
 void ForEachLeaf(PGX_List& patients, Use use) {
-    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
-        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies)) {
-            for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series)) {
-                for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
+    for (PGX_DicomDirPatientNode& patient : Patients(patients)) {
+        for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
+            for (PGX_DicomDirSeriesNode& series : AllSeries(study.series)) {
+                for (PGX_DicomDirLeafNode& leaf : Leaves(series.leaves))
                     use(leaf);
             }
         }

@@ -7,7 +7,7 @@
 #include "base/text.h"
 #include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/creation_options.h"
-#include "dicomdir/create/record_builder.h"
+#include "dicomdir/create/hierarchy_builder.h"
 #include "pgkit/dicomdir_creation.h"
 #include "platform/platform.h"
 
@@ -48,8 +48,8 @@ PgAcceptanceCode AddFile(PGX_List& patients, std::string_view directory, std::st
     const std::string medium(directory);
     const std::string fullPath = medium + "\\" + name;
     AcceptanceList list(medium);
-    RecordBuilder builder(patients, std::string(profile), options,
-                          WantsList(options) ? &list : nullptr);
+    HierarchyBuilder builder(patients, std::string(profile), options,
+                             WantsList(options) ? &list : nullptr);
     return builder.Add({name.c_str(), fullPath.c_str()}).code;
 }
 

@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 #include "dicomdir/hierarchy_index.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/object_list.h"
 #include "pgkit/directory_records.h"
 #include "pgkit/list.h"
 
@@ -47,14 +47,14 @@ class ChildLookup {
 
   private:
     static Child* Walk(PGX_List& children, std::string_view uid) {
-        for (Child& child : Records<Child>(children)) {
+        for (Child& child : Objects<Child>(children)) {
             if (UidOf(child) == uid) return &child;
         }
         return nullptr;
     }
 
     void Index(PGX_List& children) {
-        for (Child& child : Records<Child>(children))
+        for (Child& child : Objects<Child>(children))
             index_.try_emplace({&children, UidOf(child)}, &child);
     }
 

@@ -2,8 +2,8 @@
 #include "base/firewall.h"
 #include "codec/write_result.h"
 #include "dicomdir/create/creation_options.h"
-#include "dicomdir/create/dicomdir_build.h"
-#include "dicomdir/create/dicomdir_file.h"
+#include "dicomdir/create/directory_build.h"
+#include "dicomdir/create/directory_file.h"
 #include "dicomdir/create/disk_scan.h"
 #include "dicomdir/create/own_patients.h"
 #include "pgkit/dicomdir_creation.h"
@@ -15,11 +15,11 @@ namespace {
 uint32_t Create(const char* directory, const char* profile, const PgDicomdirOptions* options,
                 PgDicomdirScanCallback callback, void* userData) {
     if (directory == nullptr) return kCannotCreate;
-    DicomdirFile(WithoutTrailingBackslash(directory)).RemoveStrays();
+    DirectoryFile(WithoutTrailingBackslash(directory)).RemoveStrays();
     DiskScan scan(directory, profile, options);
     const OwnPatients patients = NewPatients();
     scan.Run(*patients, callback, userData);
-    return BuildDicomdir(
+    return BuildDirectoryFile(
         *patients, {scan.Directory(), FileSetIdOf(scan.Options()),
                     scan.Options().storeFileSize != 0, MayBeEmpty(scan.Options()), scan.List()});
 }

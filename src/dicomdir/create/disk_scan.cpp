@@ -2,9 +2,9 @@
 
 #include "base/text.h"
 #include "dicomdir/create/creation_options.h"
-#include "dicomdir/create/directory_scan.h"
+#include "dicomdir/create/folder_scan.h"
+#include "dicomdir/create/hierarchy_builder.h"
 #include "dicomdir/create/missing_keys.h"
-#include "dicomdir/create/record_builder.h"
 
 namespace pgkit {
 
@@ -16,8 +16,8 @@ DiskScan::DiskScan(const char* directory, const char* profile, const PgDicomdirO
 
 void DiskScan::Run(PGX_List& patients, PgDicomdirScanCallback callback, void* userData) {
     if (WantsList(options_)) list_.Start();
-    RecordBuilder builder(patients, profile_, options_, List());
-    DirectoryScan(directory_, builder, callback, userData)
+    HierarchyBuilder builder(patients, profile_, options_, List());
+    FolderScan(directory_, builder, callback, userData)
         .Run((options_.flags & PG_DICOMDIR_NO_RECURSION) == 0);
     if (options_.fillMissingKeys != 0) FillMissingKeys(patients);
 }

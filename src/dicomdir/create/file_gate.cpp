@@ -6,7 +6,7 @@
 #include "base/text.h"
 #include "codec/open.h"
 #include "dicomdir/class_uids.h"
-#include "dicomdir/create/dicomdir_file.h"
+#include "dicomdir/create/directory_file.h"
 #include "dicomdir/record_keys.h"
 #include "pgkit/directory_records.h"
 

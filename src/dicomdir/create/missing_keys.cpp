@@ -5,7 +5,7 @@
 
 #include "base/text.h"
 #include "dicomdir/create/generated_values.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/object_list.h"
 #include "pgkit/directory_records.h"
 
 namespace pgkit {
@@ -21,10 +21,10 @@ void Fill(char (&field)[Size], std::string (*newValue)()) {
 // browse would make one of the two and drop what both have.
 void FillPatientIds(PGX_List& patients) {
     std::set<std::string> known;
-    for (const PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients))
+    for (const PGX_DicomDirPatientNode& patient : Patients(patients))
         known.insert(patient.patientId);
     if (!known.contains("")) return;
-    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+    for (PGX_DicomDirPatientNode& patient : Patients(patients)) {
         if (patient.patientId[0] != '\0') continue;
         std::string id = NewPatientId();
         for (size_t tries = known.size(); tries > 0 && known.contains(id); --tries)
@@ -37,12 +37,12 @@ void FillPatientIds(PGX_List& patients) {
 
 void FillMissingKeys(PGX_List& patients) {
     FillPatientIds(patients);
-    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
-        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies)) {
+    for (PGX_DicomDirPatientNode& patient : Patients(patients)) {
+        for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
             Fill(study.studyId, NewStudyId);
             Fill(study.studyDate, CurrentDate);
             Fill(study.studyTime, CurrentTime);
-            for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series))
+            for (PGX_DicomDirSeriesNode& series : AllSeries(study.series))
                 Fill(series.seriesNumber, NewSeriesNumber);
         }
     }

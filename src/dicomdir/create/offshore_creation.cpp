@@ -9,9 +9,9 @@
 #include "codec/write_result.h"
 #include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/creation_options.h"
-#include "dicomdir/create/dicomdir_build.h"
+#include "dicomdir/create/directory_build.h"
+#include "dicomdir/create/hierarchy_builder.h"
 #include "dicomdir/create/own_patients.h"
-#include "dicomdir/create/record_builder.h"
 #include "pgkit/dicomdir_creation.h"
 
 namespace pgkit {
@@ -39,9 +39,9 @@ class OffshoreCreation {
     uint32_t Add(const FileToAdd& file) { return builder_.Add(file).code; }
 
     uint32_t Build() {
-        return BuildDicomdir(*patients_,
-                             {directory_, FileSetIdOf(options_), options_.storeFileSize != 0,
-                              MayBeEmpty(options_), List()});
+        return BuildDirectoryFile(*patients_,
+                                  {directory_, FileSetIdOf(options_), options_.storeFileSize != 0,
+                                   MayBeEmpty(options_), List()});
     }
 
   private:
@@ -51,7 +51,7 @@ class OffshoreCreation {
     PgDicomdirOptions options_;
     AcceptanceList list_;
     OwnPatients patients_;
-    RecordBuilder builder_;
+    HierarchyBuilder builder_;
 };
 
 using CreationOwner = std::unique_ptr<OffshoreCreation>;

@@ -16,7 +16,7 @@ constexpr char kPdf[] = "1.2.840.10008.5.1.4.1.1.104.1";
 constexpr char kRawData[] = "1.2.840.10008.5.1.4.1.1.66";
 constexpr char kSpectroscopy[] = "1.2.840.10008.5.1.4.1.1.4.2";
 
-class LeafBuilder : public RecordBuilding {
+class LeafBuilder : public HierarchyBuilding {
   protected:
     // The leaf that a file gives, which must be of this class.
     template <typename Leaf>

@@ -1,4 +1,5 @@
-// Construction, copies and destruction of the leaves.
+// Construction, copies and destruction of the objects of a hierarchy.
+#include "dicomdir/object_list.h"
 #include "pgkit/dataset.h"
 #include "pgkit/directory_records.h"
 #include "platform/global_block.h"
@@ -11,6 +12,39 @@ void FreeSequence(PGX_Node*& sequence) {
 }
 
 }  // namespace
+
+// ---- The upper three levels ---------------------------------------------------------------------
+
+PGX_DicomDirPatientNode::PGX_DicomDirPatientNode() = default;
+
+PGX_DicomDirPatientNode::~PGX_DicomDirPatientNode() {
+    pgkit::DestroyObjects<PGX_DicomDirStudyNode>(studies);
+}
+
+PGX_DicomDirPatientNode& PGX_DicomDirPatientNode::operator=(const PGX_DicomDirPatientNode& other) =
+    default;
+
+PGX_DicomDirStudyNode::PGX_DicomDirStudyNode() = default;
+
+PGX_DicomDirStudyNode::~PGX_DicomDirStudyNode() {
+    pgkit::DestroyObjects<PGX_DicomDirSeriesNode>(series);
+}
+
+PGX_DicomDirStudyNode& PGX_DicomDirStudyNode::operator=(const PGX_DicomDirStudyNode& other) =
+    default;
+
+PGX_DicomDirSeriesNode::PGX_DicomDirSeriesNode() = default;
+
+PGX_DicomDirSeriesNode::~PGX_DicomDirSeriesNode() {
+    pgkit::platform::FreeGlobalBlock(icon);
+    icon = nullptr;
+    pgkit::DestroyObjects<PGX_DicomDirLeafNode>(leaves);
+}
+
+PGX_DicomDirSeriesNode& PGX_DicomDirSeriesNode::operator=(const PGX_DicomDirSeriesNode& other) =
+    default;
+
+// ---- Leaves -------------------------------------------------------------------------------------
 
 PGX_DicomDirLeafNode::PGX_DicomDirLeafNode() = default;
 PGX_DicomDirLeafNode::PGX_DicomDirLeafNode(const PGX_DicomDirLeafNode& other) = default;

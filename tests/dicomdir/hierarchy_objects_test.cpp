@@ -9,11 +9,11 @@
 #include <typeinfo>
 #include <vector>
 
-#include "dicomdir/record_classes.h"
+#include "dicomdir/object_classes.h"
 
 namespace {
 
-using namespace pgkit_test::record_classes;
+using namespace pgkit_test::object_classes;
 using testing::Each;
 using testing::ElementsAre;
 using testing::ElementsAreArray;

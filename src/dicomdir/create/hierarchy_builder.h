@@ -18,7 +18,7 @@
 namespace pgkit {
 
 // What a file has become: the code and, when it is accepted, the four records.
-struct AddedRecords {
+struct AddedObjects {
     PgAcceptanceCode code = PG_ACCEPTED;
     PGX_DicomDirPatientNode* patient = nullptr;
     PGX_DicomDirStudyNode* study = nullptr;
@@ -26,15 +26,15 @@ struct AddedRecords {
     PGX_DicomDirLeafNode* leaf = nullptr;
 };
 
-class RecordBuilder {
+class HierarchyBuilder {
   public:
     // Refusals are appended to the list, if there is one.
-    RecordBuilder(PGX_List& patients, std::string profile, const PgDicomdirOptions& options,
-                  AcceptanceList* refusals);
+    HierarchyBuilder(PGX_List& patients, std::string profile, const PgDicomdirOptions& options,
+                     AcceptanceList* refusals);
 
     // Does not throw. A file for which memory does not suffice is refused like one that is no data
     // set, and leaves the hierarchy as it was.
-    AddedRecords Add(const FileToAdd& file);
+    AddedObjects Add(const FileToAdd& file);
 
     // A file that cannot be referred to: it is listed, and not looked at.
     PgAcceptanceCode RefuseName(const char* fullPath);
@@ -46,19 +46,19 @@ class RecordBuilder {
         std::unique_ptr<PGX_DicomDirPatientNode> patient;
     };
 
-    AddedRecords Place(const FileToAdd& file);
-    AddedRecords FindParents(const Candidate& candidate, PGX_DicomDirPatientNode& patient);
+    AddedObjects Place(const FileToAdd& file);
+    AddedObjects FindParents(const Candidate& candidate, PGX_DicomDirPatientNode& patient);
     PGX_DicomDirPatientNode* FindPatient(PGX_DicomDirPatientNode& keys);
 
     // Each of these adds an object to its parent or, where there is none yet, to one that it makes
     // and adds in turn. What is new joins the hierarchy at last, and as a whole.
     void AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, NewParents& parents,
-                 AddedRecords& added);
+                 AddedObjects& added);
     void AddSeries(std::unique_ptr<PGX_DicomDirSeriesNode> series, NewParents& parents,
-                   AddedRecords& added);
+                   AddedObjects& added);
     void AddStudy(std::unique_ptr<PGX_DicomDirStudyNode> study, NewParents& parents,
-                  AddedRecords& added);
-    void AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient, AddedRecords& added);
+                  AddedObjects& added);
+    void AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient, AddedObjects& added);
 
     void AddSeriesIcon(const FileToAdd& file, PGX_DicomDirSeriesNode& series,
                        PGX_DicomDirLeafNode& leaf);

@@ -1,4 +1,4 @@
-#include "dicomdir/create/dicomdir_file.h"
+#include "dicomdir/create/directory_file.h"
 
 #include "base/diagnostics.h"
 #include "codec/write_result.h"
@@ -17,24 +17,24 @@ bool IsReplacementOfDicomdir(std::string_view name) {
     return platform::IsReplacementName(name, kDicomdirName);
 }
 
-DicomdirFile::DicomdirFile(const std::string& directory)
+DirectoryFile::DirectoryFile(const std::string& directory)
     : path_(directory + "\\" + kDicomdirName) {}
 
-void DicomdirFile::RemoveStrays() {
+void DirectoryFile::RemoveStrays() {
     if (hasNoStrays_ || !platform::FileSize(path_.c_str())) return;
     platform::RemoveStrayReplacements(path_.c_str());
     hasNoStrays_ = true;
 }
 
 // What is no regular file, a device for instance, is written where it is: there is nothing to lose.
-bool DicomdirFile::Create() {
+bool DirectoryFile::Create() {
     if (!platform::CanBeReplaced(path_.c_str())) return true;
     if (replacement_.Create(path_.c_str())) return true;
     PrintError("pgSaveDataSetAsEx : unable to open %s\n", path_.c_str());
     return false;
 }
 
-uint32_t DicomdirFile::Save(PGX_Node& root) {
+uint32_t DirectoryFile::Save(PGX_Node& root) {
     if (!replacement_.Exists()) return root.SaveDataSetAsEx(path_.c_str(), kWriteMode);
     const uint32_t result = root.SaveDataSetAsEx(replacement_.Path().c_str(), kWriteMode);
     if (result != kWritten) return result;

@@ -1,24 +1,22 @@
 // Removal of single objects from a hierarchy, and of the parents that it leaves empty.
 #include "base/firewall.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/object_list.h"
 #include "pgkit/patient_list.h"
 
+using pgkit::AllSeries;
 using pgkit::Guarded;
-using pgkit::Records;
+using pgkit::Patients;
+using pgkit::Studies;
 
 namespace {
 
-using Patients = Records<PGX_DicomDirPatientNode>;
-using Studies = Records<PGX_DicomDirStudyNode>;
-using AllSeries = Records<PGX_DicomDirSeriesNode>;
-
 // Whether the list held the object, which is destroyed then. Cells without an object match null.
-template <typename Record>
-bool RemoveFrom(PGX_List& list, Record* record) {
+template <typename Object>
+bool RemoveFrom(PGX_List& list, Object* object) {
     for (PGX_ListElement* cell = list.head; cell != nullptr; cell = cell->next) {
-        if (cell->data != record) continue;
-        list.RemoveElement(record);
-        pgkit::Destroy(record);
+        if (cell->data != object) continue;
+        list.RemoveElement(object);
+        pgkit::Destroy(object);
         return true;
     }
     return false;

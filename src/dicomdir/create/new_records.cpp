@@ -1,4 +1,4 @@
-#include "dicomdir/create/record_items.h"
+#include "dicomdir/create/new_records.h"
 
 #include <new>
 #include <string>
@@ -126,7 +126,7 @@ void PutFileSize(PGX_Node& item, int32_t size) {
 
 }  // namespace
 
-NodeTree NewPatientItem(const PGX_DicomDirPatientNode& patient) {
+NodeTree NewPatientRecord(const PGX_DicomDirPatientNode& patient) {
     NodeTree item = NewItem("PATIENT");
     PutText(*item, 0x0008, 0x0005, patient.specificCharacterSet);
     PutText(*item, 0x0010, 0x0010, patient.patientsName);
@@ -136,7 +136,7 @@ NodeTree NewPatientItem(const PGX_DicomDirPatientNode& patient) {
     return item;
 }
 
-NodeTree NewStudyItem(const PGX_DicomDirStudyNode& study) {
+NodeTree NewStudyRecord(const PGX_DicomDirStudyNode& study) {
     NodeTree item = NewItem("STUDY");
     PutText(*item, 0x0008, 0x0005, study.specificCharacterSet);
     PutText(*item, 0x0008, 0x0020, study.studyDate);
@@ -149,7 +149,7 @@ NodeTree NewStudyItem(const PGX_DicomDirStudyNode& study) {
     return item;
 }
 
-NodeTree NewSeriesItem(const PGX_DicomDirSeriesNode& series) {
+NodeTree NewSeriesRecord(const PGX_DicomDirSeriesNode& series) {
     NodeTree item = NewItem("SERIES");
     PutText(*item, 0x0008, 0x0005, series.specificCharacterSet);
     PutText(*item, 0x0008, 0x0060, series.modality);
@@ -163,7 +163,7 @@ NodeTree NewSeriesItem(const PGX_DicomDirSeriesNode& series) {
     return item;
 }
 
-NodeTree NewLeafItem(const PGX_DicomDirLeafNode& leaf, bool wantsFileSize) {
+NodeTree NewLeafRecord(const PGX_DicomDirLeafNode& leaf, bool wantsFileSize) {
     NodeTree item = NewItemOfKind(leaf);
     PutText(*item, 0x0004, 0x1500, leaf.referencedFileId);
     PutText(*item, 0x0004, 0x1510, leaf.sopClassUid);

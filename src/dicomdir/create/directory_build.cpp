@@ -1,4 +1,4 @@
-#include "dicomdir/create/dicomdir_build.h"
+#include "dicomdir/create/directory_build.h"
 
 #include <new>
 
@@ -8,11 +8,11 @@
 #include "dataset/node_ptr.h"
 #include "dicomdir/class_uids.h"
 #include "dicomdir/create/creation_options.h"
-#include "dicomdir/create/dicomdir_file.h"
+#include "dicomdir/create/directory_file.h"
 #include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/generated_values.h"
-#include "dicomdir/create/record_items.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/create/new_records.h"
+#include "dicomdir/object_list.h"
 #include "dicomdir/record_table.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/directory_records.h"
@@ -74,7 +74,7 @@ const PGX_List& ChildrenOf(const PGX_DicomDirSeriesNode& series) { return series
 template <typename Parent, typename Write>
 void WriteEach(PGX_List& level, Write write) {
     for (const bool hasChildren : {true, false}) {
-        for (Parent& parent : Records<Parent>(level)) {
+        for (Parent& parent : Objects<Parent>(level)) {
             if ((ChildrenOf(parent).head != nullptr) == hasChildren) write(parent);
         }
     }
@@ -88,7 +88,7 @@ class DirectoryWriter {
     void WritePatients(PGX_List& patients) {
         RecordChain chain(root_.FindNode(0x0004, 0x1200));
         WriteEach<PGX_DicomDirPatientNode>(patients, [&](PGX_DicomDirPatientNode& patient) {
-            PGX_Node& record = Append(NewPatientItem(patient), chain);
+            PGX_Node& record = Append(NewPatientRecord(patient), chain);
             PointAt(*root_.FindNode(0x0004, 0x1202), record);
             WriteStudies(patient, record);
         });
@@ -98,21 +98,21 @@ class DirectoryWriter {
     void WriteStudies(PGX_DicomDirPatientNode& patient, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
         WriteEach<PGX_DicomDirStudyNode>(patient.studies, [&](PGX_DicomDirStudyNode& study) {
-            WriteSeries(study, Append(NewStudyItem(study), chain));
+            WriteSeries(study, Append(NewStudyRecord(study), chain));
         });
     }
 
     void WriteSeries(PGX_DicomDirStudyNode& study, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
         WriteEach<PGX_DicomDirSeriesNode>(study.series, [&](PGX_DicomDirSeriesNode& series) {
-            WriteLeaves(series, Append(NewSeriesItem(series), chain));
+            WriteLeaves(series, Append(NewSeriesRecord(series), chain));
         });
     }
 
     void WriteLeaves(PGX_DicomDirSeriesNode& series, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
-        for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
-            Append(NewLeafItem(leaf, request_.wantsFileSizes), chain);
+        for (PGX_DicomDirLeafNode& leaf : Leaves(series.leaves))
+            Append(NewLeafRecord(leaf, request_.wantsFileSizes), chain);
     }
 
     // Puts an item at the end of the sequence, which owns it from then on.
@@ -131,7 +131,7 @@ class DirectoryWriter {
 
 uint32_t WriteDicomdir(PGX_List& patients, const BuildRequest& request) {
     const NodeTree root = NewFileSet(request.fileSetId);
-    DicomdirFile file(request.directory);
+    DirectoryFile file(request.directory);
     file.RemoveStrays();
     if (!file.Create()) return kCannotCreate;
     if (patients.count == 0 && !request.mayBeEmpty) return PG_CREATION_NOTHING_ACCEPTED;
@@ -143,7 +143,7 @@ uint32_t WriteDicomdir(PGX_List& patients, const BuildRequest& request) {
 
 }  // namespace
 
-uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request) {
+uint32_t BuildDirectoryFile(PGX_List& patients, const BuildRequest& request) {
     const uint32_t result = WriteDicomdir(patients, request);
     if (request.list == nullptr) return result;
     if (result == kWritten) request.list->AppendAccepted(patients);
@@ -157,11 +157,11 @@ uint32_t Build(PGX_List* patients, const char* directory, const char* fileSetId)
     if (patients == nullptr || directory == nullptr) return kCannotCreate;
     const std::string medium = WithoutTrailingBackslash(directory);
     AcceptanceList list(medium);
-    return BuildDicomdir(*patients, {.directory = medium,
-                                     .fileSetId = OrEmpty(fileSetId),
-                                     .wantsFileSizes = false,
-                                     .mayBeEmpty = true,
-                                     .list = &list});
+    return BuildDirectoryFile(*patients, {.directory = medium,
+                                          .fileSetId = OrEmpty(fileSetId),
+                                          .wantsFileSizes = false,
+                                          .mayBeEmpty = true,
+                                          .list = &list});
 }
 
 }  // namespace

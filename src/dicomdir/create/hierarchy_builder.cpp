@@ -1,4 +1,4 @@
-#include "dicomdir/create/record_builder.h"
+#include "dicomdir/create/hierarchy_builder.h"
 
 #include <cstring>
 #include <new>
@@ -9,7 +9,7 @@
 #include "dicomdir/create/instance_keys.h"
 #include "dicomdir/create/leaf_builder.h"
 #include "dicomdir/create/series_number.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/object_list.h"
 
 namespace pgkit {
 
@@ -28,17 +28,17 @@ bool IsSamePatient(const PGX_DicomDirPatientNode& known, const PGX_DicomDirPatie
 
 }  // namespace
 
-RecordBuilder::RecordBuilder(PGX_List& patients, std::string profile,
-                             const PgDicomdirOptions& options, AcceptanceList* refusals)
+HierarchyBuilder::HierarchyBuilder(PGX_List& patients, std::string profile,
+                                   const PgDicomdirOptions& options, AcceptanceList* refusals)
     : patients_(patients),
       profile_(std::move(profile)),
       options_(options),
       refusals_(refusals),
       hasPatientIndex_(patients.count == 0) {}
 
-AddedRecords RecordBuilder::Add(const FileToAdd& file) {
+AddedObjects HierarchyBuilder::Add(const FileToAdd& file) {
     try {
-        AddedRecords added = Place(file);
+        AddedObjects added = Place(file);
         if (added.code != PG_ACCEPTED && refusals_ != nullptr) {
             refusals_->Append(added.code, file.fullPath);
         }
@@ -49,7 +49,7 @@ AddedRecords RecordBuilder::Add(const FileToAdd& file) {
     }
 }
 
-PgAcceptanceCode RecordBuilder::RefuseName(const char* fullPath) {
+PgAcceptanceCode HierarchyBuilder::RefuseName(const char* fullPath) {
     if (refusals_ == nullptr) return PG_INVALID_FILE_NAME;
     try {
         refusals_->Append(PG_INVALID_FILE_NAME, fullPath);
@@ -60,7 +60,7 @@ PgAcceptanceCode RecordBuilder::RefuseName(const char* fullPath) {
 }
 
 // They may know objects that were to be added and are gone.
-void RecordBuilder::ForgetIndexes() {
+void HierarchyBuilder::ForgetIndexes() {
     hasPatientIndex_ = false;
     patientIndex_.clear();
     studies_ = {};
@@ -71,7 +71,7 @@ void RecordBuilder::ForgetIndexes() {
 }
 
 // Nothing is added before everything about the file is known.
-AddedRecords RecordBuilder::Place(const FileToAdd& file) {
+AddedObjects HierarchyBuilder::Place(const FileToAdd& file) {
     Candidate candidate;
     const bool skipChecks = (options_.flags & PG_DICOMDIR_SKIP_CHECKS) != 0;
     const PgAcceptanceCode code = PassFileGate(file, profile_.c_str(), skipChecks, candidate);
@@ -79,7 +79,7 @@ AddedRecords RecordBuilder::Place(const FileToAdd& file) {
 
     PGX_Node& dataSet = *candidate.dataSet;
     auto patient = NewPatient(dataSet);
-    AddedRecords added = FindParents(candidate, *patient);
+    AddedObjects added = FindParents(candidate, *patient);
     if (added.series != nullptr &&
         leaves_.Find(added.series->leaves, candidate.instanceUid) != nullptr) {
         return {PG_INSTANCE_KNOWN};
@@ -90,9 +90,9 @@ AddedRecords RecordBuilder::Place(const FileToAdd& file) {
     return added;
 }
 
-AddedRecords RecordBuilder::FindParents(const Candidate& candidate,
-                                        PGX_DicomDirPatientNode& patient) {
-    AddedRecords found;
+AddedObjects HierarchyBuilder::FindParents(const Candidate& candidate,
+                                           PGX_DicomDirPatientNode& patient) {
+    AddedObjects found;
     found.patient = FindPatient(patient);
     if (found.patient == nullptr) return found;
     found.study = studies_.Find(found.patient->studies, candidate.studyInstanceUid);
@@ -102,23 +102,23 @@ AddedRecords RecordBuilder::FindParents(const Candidate& candidate,
 }
 
 // The first one in the list, which of several equal ones is the one that the index keeps.
-PGX_DicomDirPatientNode* RecordBuilder::FindPatient(PGX_DicomDirPatientNode& keys) {
+PGX_DicomDirPatientNode* HierarchyBuilder::FindPatient(PGX_DicomDirPatientNode& keys) {
     if (!hasPatientIndex_ && !std::exchange(hasSearchedPatients_, true)) {
-        for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients_)) {
+        for (PGX_DicomDirPatientNode& patient : Patients(patients_)) {
             if (IsSamePatient(patient, keys)) return &patient;
         }
         return nullptr;
     }
     if (!std::exchange(hasPatientIndex_, true)) {
-        for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients_))
+        for (PGX_DicomDirPatientNode& patient : Patients(patients_))
             patientIndex_.insert(&patient);
     }
     const auto found = patientIndex_.find(&keys);
     return found == patientIndex_.end() ? nullptr : *found;
 }
 
-void RecordBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, NewParents& parents,
-                            AddedRecords& added) {
+void HierarchyBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, NewParents& parents,
+                               AddedObjects& added) {
     added.leaf = leaf.get();
     if (added.series == nullptr) {
         auto series = NewSeries(parents.dataSet);
@@ -131,8 +131,8 @@ void RecordBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, NewParen
         .first->second.Insert(std::move(leaf));
 }
 
-void RecordBuilder::AddSeries(std::unique_ptr<PGX_DicomDirSeriesNode> series, NewParents& parents,
-                              AddedRecords& added) {
+void HierarchyBuilder::AddSeries(std::unique_ptr<PGX_DicomDirSeriesNode> series,
+                                 NewParents& parents, AddedObjects& added) {
     added.series = series.get();
     if (added.study == nullptr) {
         auto study = NewStudy(parents.dataSet);
@@ -145,8 +145,8 @@ void RecordBuilder::AddSeries(std::unique_ptr<PGX_DicomDirSeriesNode> series, Ne
         .first->second.Insert(std::move(series));
 }
 
-void RecordBuilder::AddStudy(std::unique_ptr<PGX_DicomDirStudyNode> study, NewParents& parents,
-                             AddedRecords& added) {
+void HierarchyBuilder::AddStudy(std::unique_ptr<PGX_DicomDirStudyNode> study, NewParents& parents,
+                                AddedObjects& added) {
     added.study = study.get();
     if (added.patient == nullptr) {
         Append(parents.patient->studies, std::move(study));
@@ -157,8 +157,8 @@ void RecordBuilder::AddStudy(std::unique_ptr<PGX_DicomDirStudyNode> study, NewPa
     Append(siblings, std::move(study));
 }
 
-void RecordBuilder::AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient,
-                               AddedRecords& added) {
+void HierarchyBuilder::AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient,
+                                  AddedObjects& added) {
     added.patient = patient.get();
     if (hasPatientIndex_) patientIndex_.insert(patient.get());
     Append(patients_, std::move(patient));
@@ -166,8 +166,8 @@ void RecordBuilder::AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient,
 
 // A series looks like the first of its images that has an icon. It gets one of its own from the
 // imaging module, which says what a bitmap is.
-void RecordBuilder::AddSeriesIcon(const FileToAdd& file, PGX_DicomDirSeriesNode& series,
-                                  PGX_DicomDirLeafNode& leaf) {
+void HierarchyBuilder::AddSeriesIcon(const FileToAdd& file, PGX_DicomDirSeriesNode& series,
+                                     PGX_DicomDirLeafNode& leaf) {
     const PGX_DicomDirImageNode* const image = ImageOf(&leaf);
     if (options_.seriesIcons == 0 || series.icon != nullptr) return;
     if (image == nullptr || image->icon == nullptr) return;

@@ -7,10 +7,10 @@
 
 namespace pgkit {
 
-NodeTree NewPatientItem(const PGX_DicomDirPatientNode& patient);
-NodeTree NewStudyItem(const PGX_DicomDirStudyNode& study);
-NodeTree NewSeriesItem(const PGX_DicomDirSeriesNode& series);
+NodeTree NewPatientRecord(const PGX_DicomDirPatientNode& patient);
+NodeTree NewStudyRecord(const PGX_DicomDirStudyNode& study);
+NodeTree NewSeriesRecord(const PGX_DicomDirSeriesNode& series);
 // A leaf's size is written when it is known, or when it is wanted anyway.
-NodeTree NewLeafItem(const PGX_DicomDirLeafNode& leaf, bool wantsFileSize);
+NodeTree NewLeafRecord(const PGX_DicomDirLeafNode& leaf, bool wantsFileSize);
 
 }  // namespace pgkit

@@ -22,6 +22,6 @@ struct BuildRequest {
 // and may not be empty. Whatever it is, the directory has the DICOMDIR that it had, or the new one.
 // The list is kept when it belongs to the DICOMDIR, or tells why there is none. Throws
 // std::bad_alloc.
-[[nodiscard]] uint32_t BuildDicomdir(PGX_List& patients, const BuildRequest& request);
+[[nodiscard]] uint32_t BuildDirectoryFile(PGX_List& patients, const BuildRequest& request);
 
 }  // namespace pgkit

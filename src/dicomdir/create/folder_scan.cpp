@@ -1,6 +1,6 @@
-#include "dicomdir/create/directory_scan.h"
+#include "dicomdir/create/folder_scan.h"
 
-#include "dicomdir/create/dicomdir_file.h"
+#include "dicomdir/create/directory_file.h"
 
 namespace pgkit {
 
@@ -13,7 +13,7 @@ std::string Joined(const std::string& directory, const std::string& name) {
 }  // namespace
 
 // What links lead to comes last, so that a directory that has a path without links is known by it.
-void DirectoryScan::Run(bool descends) {
+void FolderScan::Run(bool descends) {
     std::vector<Subdirectory> pending{{"", false}};
     std::vector<Subdirectory> linked;
     while (!pending.empty() || !linked.empty()) {
@@ -33,7 +33,7 @@ void DirectoryScan::Run(bool descends) {
 
 // Without links directories form a tree. A link may lead to one that was visited, or that it is in
 // itself.
-bool DirectoryScan::IsNew(const Subdirectory& subdirectory) {
+bool FolderScan::IsNew(const Subdirectory& subdirectory) {
     const auto identity = platform::IdentityOf(FullPath(subdirectory.path).c_str());
     if (!identity) return !subdirectory.isLinked;
     const bool isNew = visited_.insert({identity->volume, identity->index}).second;
@@ -41,8 +41,8 @@ bool DirectoryScan::IsNew(const Subdirectory& subdirectory) {
 }
 
 // A directory that no path leads to is told of like a file: what is in it is not.
-bool DirectoryScan::AddFiles(const std::string& subdirectory,
-                             const std::vector<platform::DirectoryEntry>& entries, bool descends) {
+bool FolderScan::AddFiles(const std::string& subdirectory,
+                          const std::vector<platform::DirectoryEntry>& entries, bool descends) {
     for (const platform::DirectoryEntry& entry : entries) {
         // What creations leave behind, and this one's own, is no part of the medium.
         if (subdirectory.empty() && IsReplacementOfDicomdir(entry.name)) continue;
@@ -57,15 +57,15 @@ bool DirectoryScan::AddFiles(const std::string& subdirectory,
     return true;
 }
 
-PgAcceptanceCode DirectoryScan::Judge(const std::string& subdirectory,
-                                      const platform::DirectoryEntry& entry) {
+PgAcceptanceCode FolderScan::Judge(const std::string& subdirectory,
+                                   const platform::DirectoryEntry& entry) {
     const std::string name = Joined(subdirectory, entry.name);
     const std::string path = FullPath(name);
     if (!platform::IsReachableName(entry.name)) return builder_.RefuseName(path.c_str());
     return builder_.Add({name.c_str(), path.c_str()}).code;
 }
 
-std::string DirectoryScan::FullPath(const std::string& relativePath) const {
+std::string FolderScan::FullPath(const std::string& relativePath) const {
     return relativePath.empty() ? directory_ : directory_ + "\\" + relativePath;
 }
 

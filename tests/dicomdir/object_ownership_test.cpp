@@ -4,12 +4,12 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "dicomdir/record_classes.h"
+#include "dicomdir/object_classes.h"
 #include "pgkit/dataset.h"
 
 namespace {
 
-using namespace pgkit_test::record_classes;
+using namespace pgkit_test::object_classes;
 
 // A leaf that counts how often it is destroyed.
 class CountedLeaf : public Leaf {

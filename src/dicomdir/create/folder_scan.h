@@ -7,16 +7,16 @@
 #include <utility>
 #include <vector>
 
-#include "dicomdir/create/record_builder.h"
+#include "dicomdir/create/hierarchy_builder.h"
 #include "pgkit/dicomdir_creation.h"
 #include "platform/platform.h"
 
 namespace pgkit {
 
-class DirectoryScan {
+class FolderScan {
   public:
-    DirectoryScan(std::string directory, RecordBuilder& builder, PgDicomdirScanCallback callback,
-                  void* userData)
+    FolderScan(std::string directory, HierarchyBuilder& builder, PgDicomdirScanCallback callback,
+               void* userData)
         : directory_(std::move(directory)),
           builder_(builder),
           callback_(callback),
@@ -38,7 +38,7 @@ class DirectoryScan {
     std::string FullPath(const std::string& relativePath) const;
 
     std::string directory_;
-    RecordBuilder& builder_;
+    HierarchyBuilder& builder_;
     PgDicomdirScanCallback callback_;
     void* userData_;
     std::set<std::pair<uint64_t, uint64_t>> visited_;  // volumes and indexes

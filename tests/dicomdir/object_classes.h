@@ -3,7 +3,7 @@
 
 #include <pgkit/directory_records.h>
 
-namespace pgkit_test::record_classes {
+namespace pgkit_test::object_classes {
 
 using Patient = PGX_DicomDirPatientNode;
 using Study = PGX_DicomDirStudyNode;
@@ -17,4 +17,4 @@ using Document = PGX_DicomDirEncapsulatedDocNode;
 using Waveform = PGX_DicomDirWaveformNode;
 using RawData = PGX_DicomDirRawDataNode;
 
-}  // namespace pgkit_test::record_classes
+}  // namespace pgkit_test::object_classes

@@ -15,10 +15,10 @@ inline constexpr const char* kDicomdirName = "DICOMDIR";
 // Whether a name in the directory of a DICOMDIR is one of the files that grow beside it.
 bool IsReplacementOfDicomdir(std::string_view name);
 
-class DicomdirFile {
+class DirectoryFile {
   public:
     // Of a medium: the path of its directory.
-    explicit DicomdirFile(const std::string& directory);
+    explicit DirectoryFile(const std::string& directory);
 
     // Removes what earlier creations left behind that came to an end in the middle. Where there is
     // no DICOMDIR it does nothing, and is to be called again when there is one: on Windows a

@@ -1,37 +1,38 @@
 // Where files go in the hierarchy.
-#include "dicomdir/create/record_builder.h"
+#include "dicomdir/create/hierarchy_builder.h"
 
 #include <fstream>
 #include <iterator>
 
 #include "base/text.h"
 #include "dicomdir/create/creation_fixture.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/object_list.h"
 
 namespace {
 
 using namespace pgkit_test;
-using pgkit::AddedRecords;
-using pgkit::Records;
+using pgkit::AddedObjects;
+using pgkit::AllSeries;
+using pgkit::Leaves;
 
-using RecordBuilder = RecordBuilding;
+using HierarchyBuilder = HierarchyBuilding;
 
 std::string SeriesNumbers(PGX_DicomDirStudyNode& study) {
     std::string numbers;
-    for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series))
+    for (PGX_DicomDirSeriesNode& series : AllSeries(study.series))
         numbers += "[" + std::string(series.seriesNumber) + "]";
     return numbers;
 }
 
 std::string InstanceUids(PGX_DicomDirSeriesNode& series) {
     std::string uids;
-    for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
+    for (PGX_DicomDirLeafNode& leaf : Leaves(series.leaves))
         uids += "[" + std::string(leaf.instanceUid) + "]";
     return uids;
 }
 
-TEST_F(RecordBuilder, MakesOneRecordOfEachLevelForAFile) {
-    const AddedRecords added = Add(InstanceFile());
+TEST_F(HierarchyBuilder, MakesOneObjectOfEachLevelForAFile) {
+    const AddedObjects added = Add(InstanceFile());
     EXPECT_EQ(added.code, PG_ACCEPTED);
     ASSERT_EQ(patients_.count, 1);
     EXPECT_EQ(patients_.GetHead(), added.patient);
@@ -43,26 +44,26 @@ TEST_F(RecordBuilder, MakesOneRecordOfEachLevelForAFile) {
     EXPECT_EQ(added.series->leaves.GetHead(), added.leaf);
 }
 
-TEST_F(RecordBuilder, GivesNoRecordsForARefusedFile) {
-    const AddedRecords added = Add(InstanceFile().Remove(0x0020, 0x000E));
+TEST_F(HierarchyBuilder, ReturnsNoObjectsForARefusedFile) {
+    const AddedObjects added = Add(InstanceFile().Remove(0x0020, 0x000E));
     EXPECT_EQ(added.code, PG_NO_SERIES_INSTANCE_UID);
     EXPECT_EQ(added.patient, nullptr);
     EXPECT_EQ(added.leaf, nullptr);
     EXPECT_EQ(patients_.count, 0);
 }
 
-TEST_F(RecordBuilder, HandsTheProfileToTheGate) {
+TEST_F(HierarchyBuilder, HandsTheProfileToTheGate) {
     profile_ = "STD-GEN-MIME";
     EXPECT_EQ(Add(InstanceFile()).code, PG_PROFILE_REFUSES);
 }
 
-TEST_F(RecordBuilder, SkipsChecksOnDemand) {
+TEST_F(HierarchyBuilder, SkipsChecksOnDemand) {
     profile_ = "STD-GEN-MIME";
     options_.flags = PG_DICOMDIR_SKIP_CHECKS;
     EXPECT_EQ(Add(InstanceFile()).code, PG_ACCEPTED);
 }
 
-TEST_F(RecordBuilder, ReadsThePatientsKeys) {
+TEST_F(HierarchyBuilder, ReadsThePatientsKeys) {
     const PGX_DicomDirPatientNode& patient = *Add(InstanceFile()
                                                       .Patient("  ID 7 ", "DOE^JOHN^^^ ")
                                                       .Set(0x0010, 0x0030, "DA", "19610203")
@@ -77,8 +78,8 @@ TEST_F(RecordBuilder, ReadsThePatientsKeys) {
     EXPECT_EQ(patient.record, nullptr);
 }
 
-TEST_F(RecordBuilder, HasDefaultsForTheCharacterSetAndTheSeriesNumberAlone) {
-    const AddedRecords added = Add(InstanceFile()
+TEST_F(HierarchyBuilder, HasDefaultsForTheCharacterSetAndTheSeriesNumberAlone) {
+    const AddedObjects added = Add(InstanceFile()
                                        .Remove(0x0008, 0x0060)
                                        .Remove(0x0010, 0x0010)
                                        .Remove(0x0010, 0x0020)
@@ -93,14 +94,14 @@ TEST_F(RecordBuilder, HasDefaultsForTheCharacterSetAndTheSeriesNumberAlone) {
     EXPECT_STREQ(added.leaf->specificCharacterSet, "ISO_IR 100");
 }
 
-TEST_F(RecordBuilder, TakesAnEmptyKeyAsItIs) {
-    const AddedRecords added =
+TEST_F(HierarchyBuilder, TakesAnEmptyKeyAsItIs) {
+    const AddedObjects added =
         Add(InstanceFile().Set(0x0008, 0x0005, "CS", "").Set(0x0020, 0x0011, "IS", ""));
     EXPECT_STREQ(added.patient->specificCharacterSet, "");
     EXPECT_STREQ(added.series->seriesNumber, "");
 }
 
-TEST_F(RecordBuilder, ReadsTheStudysKeys) {
+TEST_F(HierarchyBuilder, ReadsTheStudysKeys) {
     const PGX_DicomDirStudyNode& study = *Add(InstanceFile()
                                                   .Set(0x0020, 0x0010, "SH", "STUDY1")
                                                   .Set(0x0008, 0x0020, "DA", "20200102")
@@ -120,7 +121,7 @@ TEST_F(RecordBuilder, ReadsTheStudysKeys) {
     EXPECT_STREQ(study.referringPhysiciansName, "REF^DR");
 }
 
-TEST_F(RecordBuilder, ReadsTheSeriesKeys) {
+TEST_F(HierarchyBuilder, ReadsTheSeriesKeys) {
     const PGX_DicomDirSeriesNode& series = *Add(InstanceFile()
                                                     .Set(0x0020, 0x0011, "IS", "12")
                                                     .Set(0x0008, 0x103E, "LO", "Axial!")
@@ -137,8 +138,8 @@ TEST_F(RecordBuilder, ReadsTheSeriesKeys) {
     EXPECT_STREQ(series.performingPhysiciansName, "PERF^D");
 }
 
-TEST_F(RecordBuilder, CutsKeysToTheirFields) {
-    const AddedRecords added = Add(InstanceFile()
+TEST_F(HierarchyBuilder, CutsKeysToTheirFields) {
+    const AddedObjects added = Add(InstanceFile()
                                        .Set(0x0010, 0x0020, "LO", std::string(70, 'I'))
                                        .Set(0x0008, 0x0081, "ST", std::string(1100, 'A'))
                                        .Set(0x0020, 0x0010, "SH", std::string(20, 'S')));
@@ -147,7 +148,7 @@ TEST_F(RecordBuilder, CutsKeysToTheirFields) {
     EXPECT_EQ(std::string(added.study->studyId), std::string(16, 'S'));
 }
 
-TEST_F(RecordBuilder, TellsPatientsApartByIdAndName) {
+TEST_F(HierarchyBuilder, TellsPatientsApartByIdAndName) {
     Add(NextInstance().Patient("ID1", "DOE^JOHN"));
     Add(NextInstance().Patient("ID1", "DOE^JANE"));
     Add(NextInstance().Patient("ID2", "DOE^JOHN"));
@@ -155,7 +156,7 @@ TEST_F(RecordBuilder, TellsPatientsApartByIdAndName) {
     EXPECT_EQ(patients_.count, 4);
 }
 
-TEST_F(RecordBuilder, KnowsAPatientWhoseNameDiffersInBlanksAndCaretsOnly) {
+TEST_F(HierarchyBuilder, KnowsAPatientWhoseNameDiffersInBlanksAndCaretsOnly) {
     PGX_DicomDirPatientNode* const first = Add(NextInstance().Patient("ID1", "DOE^JOHN")).patient;
     for (const char* name : {"DOE^JOHN^^", "DOE^JOHN  ", "doe^john", " DOE^JOHN"})
         EXPECT_EQ(Add(NextInstance().Patient("ID1", name)).patient, first) << name;
@@ -163,7 +164,7 @@ TEST_F(RecordBuilder, KnowsAPatientWhoseNameDiffersInBlanksAndCaretsOnly) {
     EXPECT_STREQ(first->patientsName, "DOE^JOHN");
 }
 
-TEST_F(RecordBuilder, PutsNewPatientsAndStudiesAtTheEnd) {
+TEST_F(HierarchyBuilder, PutsNewPatientsAndStudiesAtTheEnd) {
     for (const char* id : {"B", "A", "C"})
         Add(NextInstance().Patient(id, "X"));
     Add(NextInstance().Patient("B", "X").Study("9"));
@@ -175,73 +176,73 @@ TEST_F(RecordBuilder, PutsNewPatientsAndStudiesAtTheEnd) {
                  "5");
 }
 
-TEST_F(RecordBuilder, FindsTheStudyAndSeriesOfALaterFile) {
-    const AddedRecords first = Add(NextInstance());
+TEST_F(HierarchyBuilder, FindsTheStudyAndSeriesOfALaterFile) {
+    const AddedObjects first = Add(NextInstance());
     Add(NextInstance().Study("7").Series("8"));
-    const AddedRecords third = Add(NextInstance());
+    const AddedObjects third = Add(NextInstance());
     EXPECT_EQ(third.study, first.study);
     EXPECT_EQ(third.series, first.series);
     EXPECT_EQ(first.series->leaves.count, 2);
 }
 
-TEST_F(RecordBuilder, KeepsTheSameStudyUidOfTwoPatientsApart) {
-    const AddedRecords first = Add(NextInstance().Patient("A", "A"));
-    const AddedRecords second = Add(NextInstance().Patient("B", "B"));
+TEST_F(HierarchyBuilder, KeepsTheSameStudyUidOfTwoPatientsApart) {
+    const AddedObjects first = Add(NextInstance().Patient("A", "A"));
+    const AddedObjects second = Add(NextInstance().Patient("B", "B"));
     EXPECT_NE(second.study, first.study);
     EXPECT_NE(second.series, first.series);
 }
 
-TEST_F(RecordBuilder, KeepsTheKeysOfTheFirstFile) {
+TEST_F(HierarchyBuilder, KeepsTheKeysOfTheFirstFile) {
     Add(NextInstance().Set(0x0008, 0x1030, "LO", "first."));
-    const AddedRecords second = Add(NextInstance().Set(0x0008, 0x1030, "LO", "second"));
+    const AddedObjects second = Add(NextInstance().Set(0x0008, 0x1030, "LO", "second"));
     EXPECT_STREQ(second.study->studyDescription, "first.");
 }
 
-TEST_F(RecordBuilder, OrdersSeriesByTheirNumbers) {
+TEST_F(HierarchyBuilder, OrdersSeriesByTheirNumbers) {
     Add(NextInstance().Series("1").Set(0x0020, 0x0011, "IS", "10"));
     Add(NextInstance().Series("2").Set(0x0020, 0x0011, "IS", "2 "));
-    const AddedRecords last = Add(NextInstance().Series("3").Set(0x0020, 0x0011, "IS", ""));
+    const AddedObjects last = Add(NextInstance().Series("3").Set(0x0020, 0x0011, "IS", ""));
     EXPECT_EQ(SeriesNumbers(*last.study), "[][2 ][10]");
 }
 
-TEST_F(RecordBuilder, PutsASeriesInFrontOfThoseWithTheSameNumber) {
+TEST_F(HierarchyBuilder, PutsASeriesInFrontOfThoseWithTheSameNumber) {
     Add(NextInstance().Series("1"));
-    const AddedRecords second = Add(NextInstance().Series("2"));
+    const AddedObjects second = Add(NextInstance().Series("2"));
     EXPECT_EQ(second.study->series.GetHead(), second.series);
 }
 
-TEST_F(RecordBuilder, OrdersLeavesByTheirNumbers) {
+TEST_F(HierarchyBuilder, OrdersLeavesByTheirNumbers) {
     for (const int number : {3, -1, 7, 5})
         Add(InstanceFile().Instance("1." + std::to_string(number + 1)).InstanceNumber(number));
-    const AddedRecords last = Add(InstanceFile().Instance("9").Remove(0x0020, 0x0013));
+    const AddedObjects last = Add(InstanceFile().Instance("9").Remove(0x0020, 0x0013));
     EXPECT_EQ(InstanceUids(*last.series), "[1.0][9][1.4][1.6][1.8]");
 }
 
-TEST_F(RecordBuilder, PutsALeafInFrontOfThoseWithTheSameNumber) {
+TEST_F(HierarchyBuilder, PutsALeafInFrontOfThoseWithTheSameNumber) {
     Add(InstanceFile().Instance("1").InstanceNumber(5));
-    const AddedRecords second = Add(InstanceFile().Instance("2").InstanceNumber(5));
+    const AddedObjects second = Add(InstanceFile().Instance("2").InstanceNumber(5));
     EXPECT_EQ(InstanceUids(*second.series), "[2][1]");
 }
 
-TEST_F(RecordBuilder, RefusesAnInstanceThatItsSeriesHas) {
-    const AddedRecords first = Add(InstanceFile());
-    const AddedRecords second = Add(InstanceFile(), "COPY");
+TEST_F(HierarchyBuilder, RefusesAnInstanceThatItsSeriesHas) {
+    const AddedObjects first = Add(InstanceFile());
+    const AddedObjects second = Add(InstanceFile(), "COPY");
     EXPECT_EQ(second.code, PG_INSTANCE_KNOWN);
     EXPECT_EQ(second.leaf, nullptr);
     EXPECT_EQ(first.series->leaves.count, 1);
     EXPECT_EQ(Add(InstanceFile(), "COPY2").code, PG_INSTANCE_KNOWN);
 }
 
-TEST_F(RecordBuilder, DoesNotSeeAnInstanceOfAnotherSeries) {
+TEST_F(HierarchyBuilder, DoesNotSeeAnInstanceOfAnotherSeries) {
     Add(InstanceFile());
     EXPECT_EQ(Add(InstanceFile().Series("8"), "COPY").code, PG_ACCEPTED);
 }
 
-TEST_F(RecordBuilder, GoesOnWithAHierarchyThatIsThere) {
-    const AddedRecords first = Add(NextInstance().InstanceNumber(2));
+TEST_F(HierarchyBuilder, GoesOnWithAHierarchyThatIsThere) {
+    const AddedObjects first = Add(NextInstance().InstanceNumber(2));
     for (int i = 0; i < 3; ++i) {
         StartAnew();
-        const AddedRecords next = Add(NextInstance().InstanceNumber(i));
+        const AddedObjects next = Add(NextInstance().InstanceNumber(i));
         EXPECT_EQ(next.series, first.series);
         EXPECT_EQ(Add(InstanceFile().Instance("1.2.3.4.1")).code, PG_INSTANCE_KNOWN);
         EXPECT_EQ(Add(NextInstance().InstanceNumber(9)).patient, first.patient);
@@ -251,7 +252,7 @@ TEST_F(RecordBuilder, GoesOnWithAHierarchyThatIsThere) {
               "[1.2.3.4.2][1.2.3.4.4][1.2.3.4.6][1.2.3.4.1][1.2.3.4.7][1.2.3.4.5][1.2.3.4.3]");
 }
 
-TEST_F(RecordBuilder, TakesTheFirstOfSeveralEqualPatients) {
+TEST_F(HierarchyBuilder, TakesTheFirstOfSeveralEqualPatients) {
     for (int i = 0; i < 2; ++i) {
         auto* patient = new PGX_DicomDirPatientNode;
         pgkit::CopyToField(patient->patientId, "ID1");
@@ -262,7 +263,7 @@ TEST_F(RecordBuilder, TakesTheFirstOfSeveralEqualPatients) {
         EXPECT_EQ(Add(NextInstance()).patient, patients_.GetHead());
 }
 
-TEST_F(RecordBuilder, AppendsRefusalsToTheList) {
+TEST_F(HierarchyBuilder, AppendsRefusalsToTheList) {
     refusals_ = std::make_unique<pgkit::AcceptanceList>(directory_.Path("."));
     Add(InstanceFile());
     Add(InstanceFile(), "COPY");
