@@ -7,16 +7,12 @@
 
 #include "base/diagnostics.h"
 #include "dataset/tree_size.h"
-#include "dicomdir/leaf_reader.h"
-#include "dicomdir/record_keys.h"
 #include "dicomdir/record_links.h"
+#include "dicomdir/record_reader.h"
 
 namespace pgkit {
 
 namespace {
-
-constexpr KeyTag kRecordType = {0x0004, 0x1430};
-constexpr KeyTag kInstanceUid = {0x0004, 0x1511};
 
 // What is printed about the links of each level.
 struct LevelMessages {
@@ -42,7 +38,7 @@ void ReportBreak(const char* message) { PrintOut("DICOMDIR parsing error: %s\n",
 
 bool IsSeries(PGX_Node& record) {
     char type[65];
-    ReadKey(record, kRecordType, type, "NoRecordType");
+    ReadText(record, tags::kRecordType, type);
     return std::string_view(type) == "SERIES";
 }
 
@@ -181,20 +177,20 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number,
                                                        LeafOrder& order) {
     PGX_Node& record = *records_[number].item;
     char recordType[65];
-    ReadTrimmedKey(record, kRecordType, recordType);
-    const std::optional<LeafKind> kind = ClassifyLeaf(record, recordType);
-    if (!kind) {
+    ReadTrimmedText(record, tags::kRecordType, recordType);
+    const RecordKind found = KindOfRecord(record, recordType);
+    if (found.kind == nullptr) {
         PrintOut("[Refused Private/Invalid LeafType] Skipping record type %s\n", recordType);
         return Outcome::Handled;
     }
-    if (kind->seriesModality != nullptr) CopyToField(series.modality, kind->seriesModality);
+    if (found.seriesModality != nullptr) CopyToField(series.modality, found.seriesModality);
     char instanceUid[65];
-    ReadTrimmedKey(record, kInstanceUid, instanceUid);
+    ReadTrimmedText(record, tags::kReferencedSopInstanceUid, instanceUid);
     if (leaves_.contains({&series, instanceUid})) {
         PrintOut("Instance already found : (%s)\n", instanceUid);
         return Outcome::Handled;
     }
-    auto owned = ReadLeaf(record, kind->type, recordType, instanceUid, directory_.folder, limits_);
+    auto owned = ReadLeaf(record, *found.kind, recordType, instanceUid, directory_.folder, limits_);
     if (owned == nullptr) return Outcome::Refused;
     PGX_DicomDirLeafNode& leaf = order.Insert(std::move(owned));
     leaves_.insert({&series, leaf.instanceUid});
@@ -209,7 +205,7 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number,
 PatientIndex::iterator DirectoryBrowser::FindOrAddPatient(PGX_Node& record, PGX_List& patients) {
     if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirPatientNode>)) return patients_.end();
     auto patient = std::make_unique<PGX_DicomDirPatientNode>();
-    ReadPatientKeys(record, *patient);
+    ReadPatient(record, *patient);
     const auto [found, isNew] = patients_.insert(patient.get());
     if (!isNew) {
         limits_.ReturnMemory(kMemoryOf<PGX_DicomDirPatientNode>);
@@ -224,7 +220,7 @@ PGX_DicomDirStudyNode* DirectoryBrowser::FindOrAddStudy(PGX_Node& record,
                                                         PGX_DicomDirPatientNode& patient) {
     if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirStudyNode>)) return nullptr;
     auto study = std::make_unique<PGX_DicomDirStudyNode>();
-    ReadStudyKeys(record, *study);
+    ReadStudy(record, *study);
     const ChildKey key = {&patient, study->studyInstanceUid};
     const auto [found, isNew] = studies_.try_emplace(key, study.get());
     if (!isNew) {
@@ -239,7 +235,7 @@ PGX_DicomDirSeriesNode* DirectoryBrowser::FindOrAddSeries(PGX_Node& record,
                                                           PGX_DicomDirStudyNode& study) {
     if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirSeriesNode>)) return nullptr;
     auto owned = std::make_unique<PGX_DicomDirSeriesNode>();
-    ReadSeriesKeys(record, *owned);
+    ReadSeries(record, *owned);
     const ChildKey key = {&study, owned->seriesInstanceUid};
     const auto [found, isNew] = series_.try_emplace(key, owned.get());
     if (!isNew) {

@@ -8,15 +8,11 @@
 #include "base/text.h"
 #include "dictionary/current_table.h"
 #include "dictionary/element_table.h"
+#include "dictionary/tags.h"
 
 namespace pgkit {
 
 namespace {
-
-struct Tag {
-    uint16_t group;
-    uint16_t element;
-};
 
 constexpr Tag TagOf(uint32_t key) {
     return {static_cast<uint16_t>(key >> 16), static_cast<uint16_t>(key)};

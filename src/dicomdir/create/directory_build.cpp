@@ -6,14 +6,13 @@
 #include "base/text.h"
 #include "codec/write_result.h"
 #include "dataset/node_ptr.h"
-#include "dicomdir/class_uids.h"
 #include "dicomdir/create/creation_options.h"
 #include "dicomdir/create/directory_file.h"
-#include "dicomdir/create/element_insertion.h"
 #include "dicomdir/create/generated_values.h"
 #include "dicomdir/create/new_records.h"
+#include "dicomdir/elements.h"
+#include "dicomdir/leaf_kinds.h"
 #include "dicomdir/object_list.h"
-#include "dicomdir/record_table.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/directory_records.h"
 
@@ -27,17 +26,18 @@ constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
 NodeTree NewFileSet(std::string_view fileSetId) {
     NodeTree root(pgAllocateDataSetNode());
     if (root == nullptr) throw std::bad_alloc();
-    PutBytes(*root, 0x0002, 0x0001, kMetaInformationVersion, sizeof kMetaInformationVersion);
-    PutText(*root, 0x0002, 0x0002, kMediaStorageDirectory);
-    PutText(*root, 0x0002, 0x0003, NewDicomdirUid());
-    PutText(*root, 0x0002, 0x0010, "1.2.840.10008.1.2.1");
-    PutText(*root, 0x0002, 0x0012, "1.2.999.1.47.453.2865");
-    PutText(*root, 0x0002, 0x0013, kImplementation);
-    PutText(*root, 0x0004, 0x1130, fileSetId.empty() ? kImplementation : fileSetId);
-    PutNumber<uint32_t>(*root, 0x0004, 0x1200, 0);
-    PutNumber<uint32_t>(*root, 0x0004, 0x1202, 0);
-    PutNumber<uint16_t>(*root, 0x0004, 0x1212, 0);
-    PutBytes(*root, 0x0004, 0x1220, nullptr, 0);
+    PutBytes(*root, tags::kMetaInformationVersion, kMetaInformationVersion,
+             sizeof kMetaInformationVersion);
+    PutText(*root, tags::kMediaStorageSopClassUid, kMediaStorageDirectory);
+    PutText(*root, tags::kMediaStorageSopInstanceUid, NewDicomdirUid());
+    PutText(*root, tags::kTransferSyntaxUid, "1.2.840.10008.1.2.1");
+    PutText(*root, tags::kImplementationClassUid, "1.2.999.1.47.453.2865");
+    PutText(*root, tags::kImplementationVersionName, kImplementation);
+    PutText(*root, tags::kFileSetId, fileSetId.empty() ? kImplementation : fileSetId);
+    PutNumber<uint32_t>(*root, tags::kFirstRootRecord, 0);
+    PutNumber<uint32_t>(*root, tags::kLastRootRecord, 0);
+    PutNumber<uint16_t>(*root, tags::kFileSetConsistency, 0);
+    PutBytes(*root, tags::kRecordSequence, nullptr, 0);
     return root;
 }
 
@@ -53,12 +53,12 @@ class RecordChain {
   public:
     explicit RecordChain(PGX_Node* firstLink) : link_(firstLink) {}
     static RecordChain Below(PGX_Node& record) {
-        return RecordChain(record.FindNode(0x0004, kLowerLevelLink));
+        return RecordChain(FindElement(record, tags::kLowerLevelLink));
     }
 
     void Append(PGX_Node& record) {
         PointAt(*link_, record);
-        link_ = record.FindNode(0x0004, kNextRecordLink);
+        link_ = FindElement(record, tags::kNextRecordLink);
     }
 
   private:
@@ -83,13 +83,13 @@ void WriteEach(PGX_List& level, Write write) {
 class DirectoryWriter {
   public:
     DirectoryWriter(PGX_Node& root, const BuildRequest& request)
-        : root_(root), request_(request), end_(&root.FindNode(0x0004, 0x1220)->first) {}
+        : root_(root), request_(request), end_(&FindElement(root, tags::kRecordSequence)->first) {}
 
     void WritePatients(PGX_List& patients) {
-        RecordChain chain(root_.FindNode(0x0004, 0x1200));
+        RecordChain chain(FindElement(root_, tags::kFirstRootRecord));
         WriteEach<PGX_DicomDirPatientNode>(patients, [&](PGX_DicomDirPatientNode& patient) {
             PGX_Node& record = Append(NewPatientRecord(patient), chain);
-            PointAt(*root_.FindNode(0x0004, 0x1202), record);
+            PointAt(*FindElement(root_, tags::kLastRootRecord), record);
             WriteStudies(patient, record);
         });
     }

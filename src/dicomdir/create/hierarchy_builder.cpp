@@ -6,8 +6,7 @@
 
 #include "dataset/patient_names.h"
 #include "dicomdir/create/icon_making.h"
-#include "dicomdir/create/instance_keys.h"
-#include "dicomdir/create/leaf_builder.h"
+#include "dicomdir/create/instance_objects.h"
 #include "dicomdir/create/series_number.h"
 #include "dicomdir/object_list.h"
 
@@ -17,6 +16,11 @@ namespace {
 
 int32_t SeriesNumberOf(const PGX_DicomDirSeriesNode& series) {
     return LeadingInteger(series.seriesNumber);
+}
+
+PGX_DicomDirImageNode* ImageOf(Leaf* leaf) {
+    const bool isImage = leaf->leafType == PG_LEAF_IMAGE;
+    return isImage ? static_cast<PGX_DicomDirImageNode*>(leaf) : nullptr;
 }
 
 int32_t InstanceNumberOf(const PGX_DicomDirLeafNode& leaf) { return leaf.instanceNumber; }
@@ -85,7 +89,11 @@ AddedObjects HierarchyBuilder::Place(const FileToAdd& file) {
         return {PG_INSTANCE_KNOWN};
     }
     NewParents parents{dataSet, std::move(patient)};
-    AddLeaf(NewLeaf(candidate, file, options_), parents, added);
+    auto leaf = NewLeaf(candidate, file, options_);
+    if (PGX_DicomDirImageNode* const image = ImageOf(leaf.get())) {
+        image->icon = NewImageIcon(file.fullPath, options_.iconSize).release();
+    }
+    AddLeaf(std::move(leaf), parents, added);
     AddSeriesIcon(file, *added.series, *added.leaf);
     return added;
 }

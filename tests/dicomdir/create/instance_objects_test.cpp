@@ -1,5 +1,5 @@
 // The kinds of leaves, and what each is filled with.
-#include "dicomdir/create/leaf_builder.h"
+#include "dicomdir/create/instance_objects.h"
 
 #include "dicomdir/create/creation_fixture.h"
 #include "support/tree.h"
@@ -16,7 +16,7 @@ constexpr char kPdf[] = "1.2.840.10008.5.1.4.1.1.104.1";
 constexpr char kRawData[] = "1.2.840.10008.5.1.4.1.1.66";
 constexpr char kSpectroscopy[] = "1.2.840.10008.5.1.4.1.1.4.2";
 
-class LeafBuilder : public HierarchyBuilding {
+class LeafOfInstance : public HierarchyBuilding {
   protected:
     // The leaf that a file gives, which must be of this class.
     template <typename Leaf>
@@ -47,7 +47,7 @@ StreamBuilder ConceptItem(const char* relationship, const char* value) {
     return item;
 }
 
-TEST_F(LeafBuilder, ChoosesTheKindByTheSopClass) {
+TEST_F(LeafOfInstance, ChoosesTheKindByTheSopClass) {
     EXPECT_EQ(TypeOf("1.2.840.10008.5.1.4.1.1.2"), PG_LEAF_IMAGE);
     EXPECT_EQ(TypeOf(kReport), PG_LEAF_REPORT);
     EXPECT_EQ(TypeOf(kKeyObject), PG_LEAF_KEY_OBJECT);
@@ -57,14 +57,14 @@ TEST_F(LeafBuilder, ChoosesTheKindByTheSopClass) {
     EXPECT_EQ(TypeOf(kRawData), PG_LEAF_RAW_DATA);
 }
 
-TEST_F(LeafBuilder, TakesEverythingElseForAnImage) {
+TEST_F(LeafOfInstance, TakesEverythingElseForAnImage) {
     EXPECT_EQ(TypeOf(kSpectroscopy), PG_LEAF_IMAGE);
     EXPECT_EQ(TypeOf("1.2.840.10008.5.1.4.1.1.11.2"), PG_LEAF_IMAGE);
     EXPECT_EQ(TypeOf("1.2.840.10008.5.1.4.1.1.481.5"), PG_LEAF_IMAGE);
     EXPECT_EQ(TypeOf("1.2.3"), PG_LEAF_IMAGE);
 }
 
-TEST_F(LeafBuilder, FillsWhatAllLeavesHave) {
+TEST_F(LeafOfInstance, FillsWhatAllLeavesHave) {
     const std::string path = directory_.Write("FILE", InstanceFile().InstanceNumber(-12).Data());
     const auto& leaf = *Builder().Add({"SUB\\image", path.c_str()}).leaf;
     EXPECT_EQ(leaf.instanceNumber, -12);
@@ -77,12 +77,12 @@ TEST_F(LeafBuilder, FillsWhatAllLeavesHave) {
     EXPECT_EQ(leaf.clientData, nullptr);
 }
 
-TEST_F(LeafBuilder, TakesTheSopClassThatTheGateChose) {
+TEST_F(LeafOfInstance, TakesTheSopClassThatTheGateChose) {
     EXPECT_STREQ(Add(InstanceFile().Set(0x0002, 0x0002, "UI", kRawData)).leaf->sopClassUid,
                  kRawData);
 }
 
-TEST_F(LeafBuilder, StoresTheFileSizeOnDemandOnly) {
+TEST_F(LeafOfInstance, StoresTheFileSizeOnDemandOnly) {
     EXPECT_EQ(Add(InstanceFile()).leaf->referencedDataSetSize, 0);
     StartAnew();
     options_.storeFileSize = 1;
@@ -90,7 +90,7 @@ TEST_F(LeafBuilder, StoresTheFileSizeOnDemandOnly) {
     EXPECT_EQ(Add(file).leaf->referencedDataSetSize, static_cast<int32_t>(file.Data().size()));
 }
 
-TEST_F(LeafBuilder, FillsImages) {
+TEST_F(LeafOfInstance, FillsImages) {
     const auto& image =
         LeafOf<PGX_DicomDirImageNode>(InstanceFile()
                                           .SetUS(0x0028, 0x0010, 512)
@@ -106,11 +106,11 @@ TEST_F(LeafBuilder, FillsImages) {
     EXPECT_EQ(image.icon, nullptr);
 }
 
-TEST_F(LeafBuilder, CountsAnImageWithoutNumberOfFramesAsOneFrame) {
+TEST_F(LeafOfInstance, CountsAnImageWithoutNumberOfFramesAsOneFrame) {
     EXPECT_EQ(LeafOf<PGX_DicomDirImageNode>(InstanceFile()).numberOfFrames, 1);
 }
 
-TEST_F(LeafBuilder, FillsReports) {
+TEST_F(LeafOfInstance, FillsReports) {
     const auto& report =
         LeafOf<PGX_DicomDirReportNode>(WithContentTimes(kReport)
                                            .Set(0x0040, 0xA491, "CS", "COMPLETE")
@@ -132,13 +132,13 @@ InstanceFile ReportWithObservers(const char* verificationFlag) {
         .Set(0x0040, 0xA493, "CS", verificationFlag);
 }
 
-TEST_F(LeafBuilder, TakesTheLatestVerificationOfAReport) {
+TEST_F(LeafOfInstance, TakesTheLatestVerificationOfAReport) {
     EXPECT_STREQ(
         LeafOf<PGX_DicomDirReportNode>(ReportWithObservers("VERIFIED")).verificationDateTime,
         "20210101000000");
 }
 
-TEST_F(LeafBuilder, TakesNoVerificationOfAReportThatIsNotVerified) {
+TEST_F(LeafOfInstance, TakesNoVerificationOfAReportThatIsNotVerified) {
     EXPECT_STREQ(
         LeafOf<PGX_DicomDirReportNode>(ReportWithObservers("UNVERIFIED")).verificationDateTime, "");
 }
@@ -156,7 +156,7 @@ StreamBuilder ContentWithModifiers() {
     return content;
 }
 
-TEST_F(LeafBuilder, CopiesTheConceptNameAndItsModifiers) {
+TEST_F(LeafOfInstance, CopiesTheConceptNameAndItsModifiers) {
     for (const char* sopClass : {kReport, kKeyObject}) {
         const auto added = Add(NextInstance()
                                    .SopClass(sopClass)
@@ -180,7 +180,7 @@ TEST_F(LeafBuilder, CopiesTheConceptNameAndItsModifiers) {
     }
 }
 
-TEST_F(LeafBuilder, CopiesNoContentWithoutModifiers) {
+TEST_F(LeafOfInstance, CopiesNoContentWithoutModifiers) {
     EXPECT_EQ(
         LeafOf<PGX_DicomDirKeyObjectNode>(
             WithContentTimes(kKeyObject).SetSequence(0x0040, 0xA730, ConceptItem("CONTAINS", "x ")))
@@ -188,7 +188,7 @@ TEST_F(LeafBuilder, CopiesNoContentWithoutModifiers) {
         nullptr);
 }
 
-TEST_F(LeafBuilder, KeepsCopiesWhenTheFileIsClosed) {
+TEST_F(LeafOfInstance, KeepsCopiesWhenTheFileIsClosed) {
     const auto& report = LeafOf<PGX_DicomDirReportNode>(WithContentTimes(kReport).SetSequence(
         0x0040, 0xA730, ConceptItem("HAS CONCEPT MOD ", std::string(300, 'x').c_str())));
     ASSERT_NE(report.contentSequence, nullptr);
@@ -196,7 +196,7 @@ TEST_F(LeafBuilder, KeepsCopiesWhenTheFileIsClosed) {
 }
 
 // A report whose concept name, a code and a text, ends so many bytes before its end.
-class CutConceptName : public LeafBuilder {
+class CutConceptName : public LeafOfInstance {
   protected:
     PGX_Node* CopyOf(const std::string& name, size_t missing) {
         StreamBuilder item;
@@ -236,7 +236,7 @@ TEST_F(CutConceptName, IsNotCopiedWhenNothingOfItIsThere) {
 }
 
 // One such file would make the DICOMDIR of all of them fail, or unreadable.
-TEST_F(LeafBuilder, CopiesNoSequenceWithAValueThatHasNoEnd) {
+TEST_F(LeafOfInstance, CopiesNoSequenceWithAValueThatHasNoEnd) {
     StreamBuilder item;
     item.Item().Header(0x0009, 0x1001, "UL", kUndefined);
     const auto& report =
@@ -244,7 +244,7 @@ TEST_F(LeafBuilder, CopiesNoSequenceWithAValueThatHasNoEnd) {
     EXPECT_EQ(report.conceptNameCodeSequence, nullptr);
 }
 
-TEST_F(LeafBuilder, CopiesNoSequenceWithAValueThatIsTooLongForItsVr) {
+TEST_F(LeafOfInstance, CopiesNoSequenceWithAValueThatIsTooLongForItsVr) {
     StreamBuilder implicit(VrMode::Implicit);
     implicit.Part10("1.2.840.10008.1.2").Element(0x0008, 0x0016, "UI", PaddedUid(kReport));
     implicit.Element(0x0008, 0x0018, "UI", "1.9 ").Element(0x0020, 0x000D, "UI", "1.8 ");
@@ -256,13 +256,13 @@ TEST_F(LeafBuilder, CopiesNoSequenceWithAValueThatIsTooLongForItsVr) {
     EXPECT_EQ(static_cast<PGX_DicomDirReportNode*>(added.leaf)->conceptNameCodeSequence, nullptr);
 }
 
-TEST_F(LeafBuilder, FillsKeyObjects) {
+TEST_F(LeafOfInstance, FillsKeyObjects) {
     const auto& object = LeafOf<PGX_DicomDirKeyObjectNode>(WithContentTimes(kKeyObject));
     EXPECT_STREQ(object.contentDate, "20210304");
     EXPECT_STREQ(object.contentTime, "050607");
 }
 
-TEST_F(LeafBuilder, FillsPresentationStates) {
+TEST_F(LeafOfInstance, FillsPresentationStates) {
     StreamBuilder series;
     series.Item().Element(0x0020, 0x000E, "UI", PaddedUid("1.2.3.4")).EndItem();
     const auto& state =
@@ -284,13 +284,13 @@ TEST_F(LeafBuilder, FillsPresentationStates) {
               "1.2.3.4");
 }
 
-TEST_F(LeafBuilder, FillsWaveforms) {
+TEST_F(LeafOfInstance, FillsWaveforms) {
     const auto& waveform = LeafOf<PGX_DicomDirWaveformNode>(WithContentTimes(kWaveform));
     EXPECT_STREQ(waveform.contentDate, "20210304");
     EXPECT_STREQ(waveform.contentTime, "050607");
 }
 
-TEST_F(LeafBuilder, FillsEncapsulatedDocuments) {
+TEST_F(LeafOfInstance, FillsEncapsulatedDocuments) {
     const auto& document =
         LeafOf<PGX_DicomDirEncapsulatedDocNode>(WithContentTimes(kPdf)
                                                     .Set(0x0042, 0x0010, "ST", "Title!")
@@ -303,14 +303,14 @@ TEST_F(LeafBuilder, FillsEncapsulatedDocuments) {
     ASSERT_NE(document.conceptNameCodeSequence, nullptr);
 }
 
-TEST_F(LeafBuilder, FillsRawData) {
+TEST_F(LeafOfInstance, FillsRawData) {
     const auto& data = LeafOf<PGX_DicomDirRawDataNode>(WithContentTimes(kRawData));
     EXPECT_STREQ(data.contentDate, "20210304");
     EXPECT_STREQ(data.contentTime, "050607");
 }
 
 // The copy has its numbers in host order, whatever the file had: written again they are the same.
-TEST_F(LeafBuilder, CopiesNumbersOfABigEndianFile) {
+TEST_F(LeafOfInstance, CopiesNumbersOfABigEndianFile) {
     StreamBuilder stream(VrMode::Explicit, Order::Big);
     stream.Part10("1.2.840.10008.1.2.2");
     stream.Element(0x0008, 0x0016, "UI", PaddedUid(kPresentation));
