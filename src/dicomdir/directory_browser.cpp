@@ -43,7 +43,7 @@ bool IsSeries(PGX_Node& record) {
 }
 
 // The modality of a study is that of its series, as long as they have the same.
-void AddModality(const char* modality, PGX_DicomDirStudyNode& study) {
+void AddModality(const char* modality, Study& study) {
     const std::string_view known(study.modality);
     if (known.empty()) {
         CopyToField(study.modality, modality);
@@ -82,18 +82,18 @@ int32_t DirectoryBrowser::BrowsePatients(RecordNumber first, PGX_List& patients)
                      [&](RecordNumber number) { return HandlePatient(number, patients); });
 }
 
-int32_t DirectoryBrowser::BrowseStudies(RecordNumber first, PGX_DicomDirPatientNode& patient) {
+int32_t DirectoryBrowser::BrowseStudies(RecordNumber first, Patient& patient) {
     return WalkChain(HierarchyLevel::Study, first,
                      [&](RecordNumber number) { return HandleStudy(number, patient); });
 }
 
-int32_t DirectoryBrowser::BrowseSeries(RecordNumber first, PGX_DicomDirStudyNode& study) {
+int32_t DirectoryBrowser::BrowseSeries(RecordNumber first, Study& study) {
     return WalkChain(HierarchyLevel::Series, first,
                      [&](RecordNumber number) { return HandleSeries(number, study); });
 }
 
-int32_t DirectoryBrowser::BrowseLeaves(RecordNumber first, PGX_DicomDirSeriesNode& series) {
-    const auto numberOf = [](const PGX_DicomDirLeafNode& leaf) { return leaf.instanceNumber; };
+int32_t DirectoryBrowser::BrowseLeaves(RecordNumber first, Series& series) {
+    const auto numberOf = [](const Leaf& leaf) { return leaf.instanceNumber; };
     LeafOrder& order =
         leafOrders_.try_emplace(&series, series.leaves, numberOf, Ties::BehindGreatest)
             .first->second;
@@ -136,44 +136,48 @@ std::optional<RecordNumber> DirectoryBrowser::Descend(HierarchyLevel level, Reco
 // An object that a break leaves without children stays, one whose children all proved to be nothing
 // does not.
 DirectoryBrowser::Outcome DirectoryBrowser::HandlePatient(RecordNumber number, PGX_List& patients) {
-    const PatientIndex::iterator found = FindOrAddPatient(*records_[number].item, patients);
-    if (found == patients_.end()) return Outcome::Refused;
-    PGX_DicomDirPatientNode& patient = **found;
+    PGX_Node& record = *records_[number].item;
+    const auto [patient, isNew] = FindOrAdd<Patient>(record, patients, ReadPatient, patients_);
+    if (patient == nullptr) return Outcome::Refused;
+    if (isNew) PrintOut("Patient created %s\n", patient->patientsName);
     const std::optional<RecordNumber> child = Descend(HierarchyLevel::Patient, number);
     if (!child) return Outcome::Broken;
-    BrowseStudies(*child, patient);
-    if (patient.studies.count == 0) RemovePatient(found, patients);
+    BrowseStudies(*child, *patient);
+    if (patient->studies.count == 0) Remove(*patient, patients, patients_);
     return Outcome::Handled;
 }
 
-DirectoryBrowser::Outcome DirectoryBrowser::HandleStudy(RecordNumber number,
-                                                        PGX_DicomDirPatientNode& patient) {
-    PGX_DicomDirStudyNode* const found = FindOrAddStudy(*records_[number].item, patient);
-    if (found == nullptr) return Outcome::Refused;
-    PGX_DicomDirStudyNode& study = *found;
+DirectoryBrowser::Outcome DirectoryBrowser::HandleStudy(RecordNumber number, Patient& patient) {
+    PGX_Node& record = *records_[number].item;
+    Study* const study = FindOrAdd<Study>(record, patient.studies, ReadStudy, studies_).object;
+    if (study == nullptr) return Outcome::Refused;
     const std::optional<RecordNumber> child = Descend(HierarchyLevel::Study, number);
     if (!child) return Outcome::Broken;
-    BrowseSeries(*child, study);
-    if (study.series.count == 0) RemoveStudy(study, patient);
+    BrowseSeries(*child, *study);
+    if (study->series.count == 0) Remove(*study, patient.studies, studies_);
     return Outcome::Handled;
 }
 
-DirectoryBrowser::Outcome DirectoryBrowser::HandleSeries(RecordNumber number,
-                                                         PGX_DicomDirStudyNode& study) {
+DirectoryBrowser::Outcome DirectoryBrowser::HandleSeries(RecordNumber number, Study& study) {
     PGX_Node& record = *records_[number].item;
     if (!IsSeries(record)) return Outcome::Skipped;
-    PGX_DicomDirSeriesNode* const found = FindOrAddSeries(record, study);
-    if (found == nullptr) return Outcome::Refused;
-    PGX_DicomDirSeriesNode& series = *found;
+    const auto [series, isNew] = FindOrAdd<Series>(record, study.series, ReadSeries, series_);
+    if (series == nullptr) return Outcome::Refused;
+    if (isNew) {
+        AddModality(series->modality, study);
+        series->icon = ReadIcon(record, limits_).release();
+    }
     const std::optional<RecordNumber> child = Descend(HierarchyLevel::Series, number);
     if (!child) return Outcome::Broken;
-    BrowseLeaves(*child, series);
-    if (series.leaves.count == 0) RemoveSeries(series, study);
+    BrowseLeaves(*child, *series);
+    if (series->leaves.count == 0) {
+        leafOrders_.erase(series);
+        Remove(*series, study.series, series_);
+    }
     return Outcome::Handled;
 }
 
-DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number,
-                                                       PGX_DicomDirSeriesNode& series,
+DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number, Series& series,
                                                        LeafOrder& order) {
     PGX_Node& record = *records_[number].item;
     char recordType[65];
@@ -186,96 +190,51 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number,
     if (found.seriesModality != nullptr) CopyToField(series.modality, found.seriesModality);
     char instanceUid[65];
     ReadTrimmedText(record, tags::kReferencedSopInstanceUid, instanceUid);
-    if (leaves_.contains({&series, instanceUid})) {
+    if (leaves_.contains(Among(series.leaves, instanceUid))) {
         PrintOut("Instance already found : (%s)\n", instanceUid);
         return Outcome::Handled;
     }
     auto owned = ReadLeaf(record, *found.kind, recordType, instanceUid, directory_.folder, limits_);
     if (owned == nullptr) return Outcome::Refused;
-    PGX_DicomDirLeafNode& leaf = order.Insert(std::move(owned));
-    leaves_.insert({&series, leaf.instanceUid});
+    Leaf& leaf = order.Insert(std::move(owned));
+    leaves_.insert(Among(series.leaves, leaf.instanceUid));
     ReportLeaf(leaf);
     return Outcome::Handled;
 }
 
-// In the three that follow, the new object belongs to the list as soon as it stands in it. They
-// give none when the browse may not take the memory of another object. Of those that prove to be
-// there already it has one at a time.
-
-PatientIndex::iterator DirectoryBrowser::FindOrAddPatient(PGX_Node& record, PGX_List& patients) {
-    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirPatientNode>)) return patients_.end();
-    auto patient = std::make_unique<PGX_DicomDirPatientNode>();
-    ReadPatient(record, *patient);
-    const auto [found, isNew] = patients_.insert(patient.get());
+// A new object belongs to the list as soon as it stands in it. Of those that prove to be there
+// already the browse has one at a time.
+template <typename Object>
+DirectoryBrowser::Found<Object> DirectoryBrowser::FindOrAdd(PGX_Node& record, PGX_List& siblings,
+                                                            void (*read)(PGX_Node& record,
+                                                                         Object& object),
+                                                            LevelIndex<Object>& index) {
+    if (!limits_.TakeMemory(kMemoryOf<Object>)) return {};
+    auto object = std::make_unique<Object>();
+    read(record, *object);
+    const auto [place, isNew] = index.try_emplace(Among(siblings, KeyOf(*object)), object.get());
     if (!isNew) {
-        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirPatientNode>);
-        return found;
+        limits_.ReturnMemory(kMemoryOf<Object>);
+        return {place->second, false};
     }
-    cells_.Append(patients, patient.get());
-    PrintOut("Patient created %s\n", patient.release()->patientsName);
-    return found;
+    cells_.Append(siblings, object.get());
+    return {object.release(), true};
 }
 
-PGX_DicomDirStudyNode* DirectoryBrowser::FindOrAddStudy(PGX_Node& record,
-                                                        PGX_DicomDirPatientNode& patient) {
-    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirStudyNode>)) return nullptr;
-    auto study = std::make_unique<PGX_DicomDirStudyNode>();
-    ReadStudy(record, *study);
-    const ChildKey key = {&patient, study->studyInstanceUid};
-    const auto [found, isNew] = studies_.try_emplace(key, study.get());
-    if (!isNew) {
-        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirStudyNode>);
-        return found->second;
-    }
-    cells_.Append(patient.studies, study.get());
-    return study.release();
+template <typename Object>
+void DirectoryBrowser::Remove(Object& object, PGX_List& siblings, LevelIndex<Object>& index) {
+    index.erase(Among(siblings, KeyOf(object)));
+    cells_.Remove(siblings, &object);
+    delete &object;
 }
 
-PGX_DicomDirSeriesNode* DirectoryBrowser::FindOrAddSeries(PGX_Node& record,
-                                                          PGX_DicomDirStudyNode& study) {
-    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirSeriesNode>)) return nullptr;
-    auto owned = std::make_unique<PGX_DicomDirSeriesNode>();
-    ReadSeries(record, *owned);
-    const ChildKey key = {&study, owned->seriesInstanceUid};
-    const auto [found, isNew] = series_.try_emplace(key, owned.get());
-    if (!isNew) {
-        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirSeriesNode>);
-        return found->second;
-    }
-    cells_.Append(study.series, owned.get());
-    PGX_DicomDirSeriesNode& series = *owned.release();
-    AddModality(series.modality, study);
-    series.icon = ReadIcon(record, limits_).release();
-    return &series;
-}
-
-void DirectoryBrowser::ReportLeaf(PGX_DicomDirLeafNode& leaf) {
+void DirectoryBrowser::ReportLeaf(Leaf& leaf) {
     const int32_t count = ++directory_.leafCount;
     if (directory_.callback == nullptr) return;
     char message[64];
     std::snprintf(message, sizeof message, "%d image%s found", count, count < 2 ? "" : "s");
     PGX_DicomDirCallbackReason reason = {0, leaf.fullPath};
     directory_.CallbackAppli(&reason, message);
-}
-
-void DirectoryBrowser::RemovePatient(PatientIndex::iterator found, PGX_List& patients) {
-    PGX_DicomDirPatientNode* patient = *found;
-    patients_.erase(found);
-    cells_.Remove(patients, patient);
-    delete patient;
-}
-
-void DirectoryBrowser::RemoveStudy(PGX_DicomDirStudyNode& study, PGX_DicomDirPatientNode& patient) {
-    studies_.erase({&patient, study.studyInstanceUid});
-    cells_.Remove(patient.studies, &study);
-    delete &study;
-}
-
-void DirectoryBrowser::RemoveSeries(PGX_DicomDirSeriesNode& series, PGX_DicomDirStudyNode& study) {
-    series_.erase({&study, series.seriesInstanceUid});
-    leafOrders_.erase(&series);
-    cells_.Remove(study.series, &series);
-    delete &series;
 }
 
 }  // namespace pgkit

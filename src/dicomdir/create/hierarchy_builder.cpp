@@ -1,44 +1,16 @@
 #include "dicomdir/create/hierarchy_builder.h"
 
-#include <cstring>
 #include <new>
 #include <utility>
 
-#include "dataset/patient_names.h"
-#include "dicomdir/create/icon_making.h"
 #include "dicomdir/create/instance_objects.h"
-#include "dicomdir/create/series_number.h"
-#include "dicomdir/object_list.h"
+#include "dicomdir/leaf_kinds.h"
 
 namespace pgkit {
 
-namespace {
-
-int32_t SeriesNumberOf(const PGX_DicomDirSeriesNode& series) {
-    return LeadingInteger(series.seriesNumber);
-}
-
-PGX_DicomDirImageNode* ImageOf(Leaf* leaf) {
-    const bool isImage = leaf->leafType == PG_LEAF_IMAGE;
-    return isImage ? static_cast<PGX_DicomDirImageNode*>(leaf) : nullptr;
-}
-
-int32_t InstanceNumberOf(const PGX_DicomDirLeafNode& leaf) { return leaf.instanceNumber; }
-
-bool IsSamePatient(const PGX_DicomDirPatientNode& known, const PGX_DicomDirPatientNode& keys) {
-    return std::strcmp(known.patientId, keys.patientId) == 0 &&
-           ComparePatientNames(known.patientsName, keys.patientsName) == 0;
-}
-
-}  // namespace
-
 HierarchyBuilder::HierarchyBuilder(PGX_List& patients, std::string profile,
                                    const PgDicomdirOptions& options, AcceptanceList* refusals)
-    : patients_(patients),
-      profile_(std::move(profile)),
-      options_(options),
-      refusals_(refusals),
-      hasPatientIndex_(patients.count == 0) {}
+    : patients_(patients), profile_(std::move(profile)), options_(options), refusals_(refusals) {}
 
 AddedObjects HierarchyBuilder::Add(const FileToAdd& file) {
     try {
@@ -48,7 +20,8 @@ AddedObjects HierarchyBuilder::Add(const FileToAdd& file) {
         }
         return added;
     } catch (const std::bad_alloc&) {
-        ForgetIndexes();
+        // They may know objects that were to be added and are gone.
+        levels_ = {};
         return {PG_NOT_A_DATA_SET};
     }
 }
@@ -63,123 +36,80 @@ PgAcceptanceCode HierarchyBuilder::RefuseName(const char* fullPath) {
     return PG_INVALID_FILE_NAME;
 }
 
-// They may know objects that were to be added and are gone.
-void HierarchyBuilder::ForgetIndexes() {
-    hasPatientIndex_ = false;
-    patientIndex_.clear();
-    studies_ = {};
-    series_ = {};
-    leaves_ = {};
-    seriesOrders_.clear();
-    leafOrders_.clear();
-}
-
-// Nothing is added before everything about the file is known.
+// The hierarchy changes at the end, when everything about the file is known and made.
 AddedObjects HierarchyBuilder::Place(const FileToAdd& file) {
     Candidate candidate;
     const bool skipChecks = (options_.flags & PG_DICOMDIR_SKIP_CHECKS) != 0;
     const PgAcceptanceCode code = PassFileGate(file, profile_.c_str(), skipChecks, candidate);
     if (code != PG_ACCEPTED) return {code};
 
-    PGX_Node& dataSet = *candidate.dataSet;
-    auto patient = NewPatient(dataSet);
-    AddedObjects added = FindParents(candidate, *patient);
-    if (added.series != nullptr &&
-        leaves_.Find(added.series->leaves, candidate.instanceUid) != nullptr) {
+    NewObjects made;
+    AddedObjects added = FindOrMakeParents(candidate, made);
+    if (made.series == nullptr &&
+        levels_.leaves.Find(added.series->leaves, candidate.instanceUid) != nullptr) {
         return {PG_INSTANCE_KNOWN};
     }
-    NewParents parents{dataSet, std::move(patient)};
-    auto leaf = NewLeaf(candidate, file, options_);
-    if (PGX_DicomDirImageNode* const image = ImageOf(leaf.get())) {
-        image->icon = NewImageIcon(file.fullPath, options_.iconSize).release();
-    }
-    AddLeaf(std::move(leaf), parents, added);
-    AddSeriesIcon(file, *added.series, *added.leaf);
+    made.leaf = NewLeaf(candidate, file, options_);
+    added.leaf = made.leaf.get();
+    BitmapHandle seriesIcon = MakeIcons(file, *added.leaf, *added.series);
+    Join(std::move(made), added);
+    if (seriesIcon != nullptr) added.series->icon = seriesIcon.release();
     return added;
 }
 
-AddedObjects HierarchyBuilder::FindParents(const Candidate& candidate,
-                                           PGX_DicomDirPatientNode& patient) {
-    AddedObjects found;
-    found.patient = FindPatient(patient);
-    if (found.patient == nullptr) return found;
-    found.study = studies_.Find(found.patient->studies, candidate.studyInstanceUid);
-    if (found.study == nullptr) return found;
-    found.series = series_.Find(found.study->series, candidate.seriesInstanceUid);
-    return found;
-}
-
-// The first one in the list, which of several equal ones is the one that the index keeps.
-PGX_DicomDirPatientNode* HierarchyBuilder::FindPatient(PGX_DicomDirPatientNode& keys) {
-    if (!hasPatientIndex_ && !std::exchange(hasSearchedPatients_, true)) {
-        for (PGX_DicomDirPatientNode& patient : Patients(patients_)) {
-            if (IsSamePatient(patient, keys)) return &patient;
-        }
-        return nullptr;
+// From the top: below an object that is new there is nothing to find.
+AddedObjects HierarchyBuilder::FindOrMakeParents(const Candidate& candidate, NewObjects& made) {
+    PGX_Node& dataSet = *candidate.dataSet;
+    AddedObjects parents;
+    made.patient = NewPatient(dataSet);
+    parents.patient = levels_.patients.Find(patients_, KeyOf(*made.patient));
+    if (parents.patient != nullptr) {
+        made.patient = nullptr;
+        PGX_List& studies = parents.patient->studies;
+        parents.study = levels_.studies.Find(studies, candidate.studyInstanceUid);
+    } else {
+        parents.patient = made.patient.get();
     }
-    if (!std::exchange(hasPatientIndex_, true)) {
-        for (PGX_DicomDirPatientNode& patient : Patients(patients_))
-            patientIndex_.insert(&patient);
+    if (parents.study != nullptr) {
+        PGX_List& series = parents.study->series;
+        parents.series = levels_.series.Find(series, candidate.seriesInstanceUid);
+    } else {
+        made.study = NewStudy(dataSet);
+        parents.study = made.study.get();
     }
-    const auto found = patientIndex_.find(&keys);
-    return found == patientIndex_.end() ? nullptr : *found;
-}
-
-void HierarchyBuilder::AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, NewParents& parents,
-                               AddedObjects& added) {
-    added.leaf = leaf.get();
-    if (added.series == nullptr) {
-        auto series = NewSeries(parents.dataSet);
-        Append(series->leaves, std::move(leaf));
-        return AddSeries(std::move(series), parents, added);
+    if (parents.series == nullptr) {
+        made.series = NewSeries(dataSet);
+        parents.series = made.series.get();
     }
-    PGX_List& siblings = added.series->leaves;
-    leaves_.WillJoin(siblings, *leaf);
-    leafOrders_.try_emplace(&siblings, siblings, InstanceNumberOf, Ties::InFront)
-        .first->second.Insert(std::move(leaf));
+    return parents;
 }
 
-void HierarchyBuilder::AddSeries(std::unique_ptr<PGX_DicomDirSeriesNode> series,
-                                 NewParents& parents, AddedObjects& added) {
-    added.series = series.get();
-    if (added.study == nullptr) {
-        auto study = NewStudy(parents.dataSet);
-        Append(study->series, std::move(series));
-        return AddStudy(std::move(study), parents, added);
+// Gives an image its icon, and returns one for its series, which looks like the first of its images
+// that has an icon.
+BitmapHandle HierarchyBuilder::MakeIcons(const FileToAdd& file, Leaf& leaf, const Series& series) {
+    const LeafKind& kind = KindOf(leaf);
+    if (kind.icon == nullptr) return nullptr;
+    const bool wantsSeriesIcon = options_.seriesIcons != 0 && series.icon == nullptr;
+    ImageIcons icons = icons_.Make(file.fullPath, options_.iconSize, wantsSeriesIcon);
+    kind.icon(leaf) = icons.ofImage.release();
+    return std::move(icons.ofSeries);
+}
+
+// What is new hangs together first and joins the hierarchy in one place: all of it, or none.
+void HierarchyBuilder::Join(NewObjects made, const AddedObjects& added) {
+    if (made.series == nullptr) {
+        return levels_.leaves.Add(added.series->leaves, std::move(made.leaf));
     }
-    PGX_List& siblings = added.study->series;
-    series_.WillJoin(siblings, *series);
-    seriesOrders_.try_emplace(&siblings, siblings, SeriesNumberOf, Ties::InFront)
-        .first->second.Insert(std::move(series));
-}
-
-void HierarchyBuilder::AddStudy(std::unique_ptr<PGX_DicomDirStudyNode> study, NewParents& parents,
-                                AddedObjects& added) {
-    added.study = study.get();
-    if (added.patient == nullptr) {
-        Append(parents.patient->studies, std::move(study));
-        return AddPatient(std::move(parents.patient), added);
+    Append(made.series->leaves, std::move(made.leaf));
+    if (made.study == nullptr) {
+        return levels_.series.Add(added.study->series, std::move(made.series));
     }
-    PGX_List& siblings = added.patient->studies;
-    studies_.WillJoin(siblings, *study);
-    Append(siblings, std::move(study));
-}
-
-void HierarchyBuilder::AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient,
-                                  AddedObjects& added) {
-    added.patient = patient.get();
-    if (hasPatientIndex_) patientIndex_.insert(patient.get());
-    Append(patients_, std::move(patient));
-}
-
-// A series looks like the first of its images that has an icon. It gets one of its own from the
-// imaging module, which says what a bitmap is.
-void HierarchyBuilder::AddSeriesIcon(const FileToAdd& file, PGX_DicomDirSeriesNode& series,
-                                     PGX_DicomDirLeafNode& leaf) {
-    const PGX_DicomDirImageNode* const image = ImageOf(&leaf);
-    if (options_.seriesIcons == 0 || series.icon != nullptr) return;
-    if (image == nullptr || image->icon == nullptr) return;
-    series.icon = NewImageIcon(file.fullPath, options_.iconSize).release();
+    Append(made.study->series, std::move(made.series));
+    if (made.patient == nullptr) {
+        return levels_.studies.Add(added.patient->studies, std::move(made.study));
+    }
+    Append(made.patient->studies, std::move(made.study));
+    levels_.patients.Add(patients_, std::move(made.patient));
 }
 
 }  // namespace pgkit

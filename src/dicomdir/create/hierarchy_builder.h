@@ -5,25 +5,22 @@
 
 #include <memory>
 #include <string>
-#include <unordered_map>
 
 #include "dicomdir/create/acceptance_list.h"
-#include "dicomdir/create/child_lookup.h"
 #include "dicomdir/create/file_gate.h"
-#include "dicomdir/hierarchy_index.h"
-#include "dicomdir/insertion_order.h"
+#include "dicomdir/create/growing_level.h"
+#include "dicomdir/create/icon_making.h"
 #include "pgkit/dicomdir_creation.h"
-#include "pgkit/directory_records.h"
 
 namespace pgkit {
 
-// What a file has become: the code and, when it is accepted, the four records.
+// What a file has become: the code and, when it is accepted, the four objects.
 struct AddedObjects {
     PgAcceptanceCode code = PG_ACCEPTED;
-    PGX_DicomDirPatientNode* patient = nullptr;
-    PGX_DicomDirStudyNode* study = nullptr;
-    PGX_DicomDirSeriesNode* series = nullptr;
-    PGX_DicomDirLeafNode* leaf = nullptr;
+    Patient* patient = nullptr;
+    Study* study = nullptr;
+    Series* series = nullptr;
+    Leaf* leaf = nullptr;
 };
 
 class HierarchyBuilder {
@@ -40,43 +37,32 @@ class HierarchyBuilder {
     PgAcceptanceCode RefuseName(const char* fullPath);
 
   private:
-    // What the parents of a leaf are made of.
-    struct NewParents {
-        PGX_Node& dataSet;
-        std::unique_ptr<PGX_DicomDirPatientNode> patient;
+    struct Levels {
+        GrowingLevel<Patient> patients;
+        GrowingLevel<Study> studies;
+        GrowingLevel<Series> series;
+        GrowingLevel<Leaf> leaves;
+    };
+
+    // The objects of a file that are not in the hierarchy yet.
+    struct NewObjects {
+        std::unique_ptr<Patient> patient;
+        std::unique_ptr<Study> study;
+        std::unique_ptr<Series> series;
+        std::unique_ptr<Leaf> leaf;
     };
 
     AddedObjects Place(const FileToAdd& file);
-    AddedObjects FindParents(const Candidate& candidate, PGX_DicomDirPatientNode& patient);
-    PGX_DicomDirPatientNode* FindPatient(PGX_DicomDirPatientNode& keys);
-
-    // Each of these adds an object to its parent or, where there is none yet, to one that it makes
-    // and adds in turn. What is new joins the hierarchy at last, and as a whole.
-    void AddLeaf(std::unique_ptr<PGX_DicomDirLeafNode> leaf, NewParents& parents,
-                 AddedObjects& added);
-    void AddSeries(std::unique_ptr<PGX_DicomDirSeriesNode> series, NewParents& parents,
-                   AddedObjects& added);
-    void AddStudy(std::unique_ptr<PGX_DicomDirStudyNode> study, NewParents& parents,
-                  AddedObjects& added);
-    void AddPatient(std::unique_ptr<PGX_DicomDirPatientNode> patient, AddedObjects& added);
-
-    void AddSeriesIcon(const FileToAdd& file, PGX_DicomDirSeriesNode& series,
-                       PGX_DicomDirLeafNode& leaf);
-    void ForgetIndexes();
+    AddedObjects FindOrMakeParents(const Candidate& candidate, NewObjects& made);
+    BitmapHandle MakeIcons(const FileToAdd& file, Leaf& leaf, const Series& series);
+    void Join(NewObjects made, const AddedObjects& added);
 
     PGX_List& patients_;
     std::string profile_;
     PgDicomdirOptions options_;
     AcceptanceList* refusals_;
-
-    bool hasPatientIndex_ = false;
-    bool hasSearchedPatients_ = false;
-    PatientIndex patientIndex_;
-    ChildLookup<PGX_DicomDirStudyNode> studies_;
-    ChildLookup<PGX_DicomDirSeriesNode> series_;
-    ChildLookup<PGX_DicomDirLeafNode> leaves_;
-    std::unordered_map<const PGX_List*, InsertionOrder<PGX_DicomDirSeriesNode>> seriesOrders_;
-    std::unordered_map<const PGX_List*, InsertionOrder<PGX_DicomDirLeafNode>> leafOrders_;
+    IconMaker icons_;
+    Levels levels_;
 };
 
 }  // namespace pgkit

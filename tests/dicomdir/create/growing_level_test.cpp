@@ -1,4 +1,4 @@
-#include "dicomdir/create/series_number.h"
+#include "dicomdir/create/growing_level.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
-#include "dicomdir/create/series_number.h"
+#include "dicomdir/create/growing_level.h"
 
 #include <algorithm>
 #include <charconv>
-#include <string_view>
 #include <system_error>
 
 namespace pgkit {
