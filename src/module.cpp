@@ -17,7 +17,7 @@ namespace pgkit {
 
 namespace {
 
-// Nothing when there is no directory to look in.
+// None when there is no folder to look in.
 std::optional<std::string> PathBesideHost(const char* file) {
     const std::string directory = platform::HostProgramDirectory();
     if (directory.empty()) return std::nullopt;

@@ -68,7 +68,7 @@ int32_t TellTag(const char* name, uint16_t* group, uint16_t* element) {
     return 1;
 }
 
-// Copies a text of an element, or nothing when the standard has no such element.
+// Copies a text of an element, or an empty one when the standard has no such element.
 size_t Copy(uint16_t group, uint16_t element, std::string_view CurrentElement::*text, char* buffer,
             size_t size) {
     const auto entry = FindCurrentElement(group, element);

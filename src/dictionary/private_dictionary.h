@@ -32,8 +32,8 @@ class PrivateDictionary {
     // The one dictionary of the library.
     static PrivateDictionary& Instance();
 
-    // Replaces all entries by those of a file. False when path names nothing or a directory. There
-    // are no entries when it throws.
+    // Replaces all entries by those of a file. False when there is no such path, or it is a folder.
+    // There are no entries when it throws.
     bool ReadFile(const char* path);
     void Clear();
 
