@@ -33,6 +33,7 @@
 #ifndef PGKIT_PGKIT_H
 #define PGKIT_PGKIT_H
 
+#include "pgkit/acceptance.h"
 #include "pgkit/accessors.h"
 #include "pgkit/dataset.h"
 #include "pgkit/dicomdir_creation.h"
