@@ -121,7 +121,7 @@ int32_t DirectoryBrowser::WalkChain(HierarchyLevel level, RecordNumber first, Ha
     return 1;
 }
 
-// The first record of the level below one; without it the walk of the one's level is broken.
+// The first record below one. Where there is none, the walk of the upper level is broken.
 std::optional<RecordNumber> DirectoryBrowser::Descend(HierarchyLevel level, RecordNumber number) {
     const Link child = FollowLink(records_, records_[number].lowerLevel);
     if (child.kind == Link::Kind::Found) return child.target;
@@ -133,8 +133,8 @@ std::optional<RecordNumber> DirectoryBrowser::Descend(HierarchyLevel level, Reco
     return std::nullopt;
 }
 
-// An object that a break leaves without children stays, one whose children all proved to be nothing
-// does not.
+// An object without children stays when a broken link is the reason. It is removed when there were
+// records below it, but none became an object.
 DirectoryBrowser::Outcome DirectoryBrowser::HandlePatient(RecordNumber number, PGX_List& patients) {
     PGX_Node& record = *records_[number].item;
     const auto [patient, isNew] = FindOrAdd<Patient>(record, patients, ReadPatient, patients_);

@@ -1,5 +1,5 @@
 // Finds the objects of a growing hierarchy by their keys, and where they stand in their lists, with
-// the answers that walks through the lists would give. The indexes refer to the objects: whoever
+// the answers of walks through the lists. The indexes refer to the objects: whoever
 // destroys one takes it out first.
 #pragma once
 

@@ -1,9 +1,8 @@
 #include "dicomdir/leaf_kinds.h"
 
-#include <algorithm>
+#include <iterator>
 
 #include "dicomdir/level_keys.h"
-#include "pgkit/sopclass.h"
 
 namespace pgkit {
 
@@ -16,16 +15,6 @@ using Presentation = PGX_DicomDirPresentationNode;
 using Document = PGX_DicomDirEncapsulatedDocNode;
 using Waveform = PGX_DicomDirWaveformNode;
 using RawData = PGX_DicomDirRawDataNode;
-
-// ---- SOP classes --------------------------------------------------------------------------------
-
-constexpr std::string_view kEncapsulatedPdf = "1.2.840.10008.5.1.4.1.1.104.1";
-constexpr std::string_view kRawDataStorage = "1.2.840.10008.5.1.4.1.1.66";
-
-bool IsPdf(const char* sopClass) { return sopClass == kEncapsulatedPdf; }
-bool IsRawData(const char* sopClass) { return sopClass == kRawDataStorage; }
-bool IsAny(const char*) { return true; }
-bool IsNone(const char*) { return false; }
 
 // ---- Keys ---------------------------------------------------------------------------------------
 
@@ -102,91 +91,85 @@ std::unique_ptr<Leaf> Make() {
 constexpr LeafKind kKinds[] = {
     {.type = PG_LEAF_REPORT,
      .recordType = "SR DOCUMENT",
-     .hasClass = pgIsReportSOPClass,
+     .category = SopCategory::Report,
      .isToldAmongImages = true,
      .modalityAmongImages = "SR",
      .size = sizeof(Report),
      .make = Make<Report>,
      .texts = kReportTexts,
-     .numbers = {},
      .sequences = kReportSequences},
     {.type = PG_LEAF_KEY_OBJECT,
      .recordType = "KEY OBJECT DOC",
-     .hasClass = pgIsKeyObjectSOPClass,
+     .category = SopCategory::KeyObject,
      .isToldAmongImages = true,
      .modalityAmongImages = "KO",
      .size = sizeof(KeyObject),
      .make = Make<KeyObject>,
      .texts = kKeyObjectTexts,
-     .numbers = {},
      .sequences = kKeyObjectSequences},
     {.type = PG_LEAF_PRESENTATION,
      .recordType = "PRESENTATION",
-     .hasClass = pgIsPresentationSOPClass,
+     .category = SopCategory::Presentation,
      .isToldAmongImages = true,
      .modalityAmongImages = "PR",
      .size = sizeof(Presentation),
      .make = Make<Presentation>,
      .texts = kPresentationTexts,
-     .numbers = {},
      .sequences = kPresentationSequences},
     {.type = PG_LEAF_WAVEFORM,
      .recordType = "WAVEFORM",
-     .hasClass = pgIsWaveformSOPClass,
+     .category = SopCategory::Waveform,
      .size = sizeof(Waveform),
      .make = Make<Waveform>,
-     .texts = kWaveformTexts,
-     .numbers = {},
-     .sequences = {}},
+     .texts = kWaveformTexts},
     {.type = PG_LEAF_ENCAPSULATED_DOC,
      .recordType = "ENCAP DOC",
-     .hasClass = IsPdf,
+     .sopClass = "1.2.840.10008.5.1.4.1.1.104.1",
      .size = sizeof(Document),
      .make = Make<Document>,
      .texts = kDocumentTexts,
-     .numbers = {},
      .sequences = kDocumentSequences},
     {.type = PG_LEAF_RAW_DATA,
      .recordType = "RAW DATA",
-     .hasClass = IsRawData,
+     .sopClass = "1.2.840.10008.5.1.4.1.1.66",
      .isToldAmongImages = true,
      .size = sizeof(RawData),
      .make = Make<RawData>,
-     .texts = kRawDataTexts,
-     .numbers = {},
-     .sequences = {}},
-    // What is nothing else.
+     .texts = kRawDataTexts},
     {.type = PG_LEAF_IMAGE,
      .recordType = "IMAGE",
-     .hasClass = IsAny,
      .isToldAmongImages = true,
      .size = sizeof(Image),
      .make = Make<Image>,
      .texts = kImageTexts,
      .numbers = kImageNumbers,
-     .sequences = {},
      .icon = FieldOf<&Image::icon>},
 };
 
+// That of every SOP class that no other kind has.
+constexpr const LeafKind& kImageKind = kKinds[std::size(kKinds) - 1];
+static_assert(kImageKind.type == PG_LEAF_IMAGE);
+
 // Records of types that are none of the above. When they are written again, their type is the text
 // that was read.
-constexpr LeafKind kPlainKind = {.type = PG_LEAF_OTHER,
-                                 .recordType = {},
-                                 .hasClass = IsNone,
-                                 .size = sizeof(Leaf),
-                                 .make = Make<Leaf>,
-                                 .texts = {},
-                                 .numbers = {},
-                                 .sequences = {}};
+constexpr LeafKind kPlainKind = {.type = PG_LEAF_OTHER, .size = sizeof(Leaf), .make = Make<Leaf>};
+
+const LeafKind& FindKind(std::string_view sopClass, bool isAmongImages) {
+    const uint16_t categories = CategoriesOf(sopClass);
+    for (const LeafKind& kind : kKinds) {
+        if (isAmongImages && !kind.isToldAmongImages) continue;
+        if (IsIn(categories, kind.category)) return kind;
+        if (!kind.sopClass.empty() && kind.sopClass == sopClass) return kind;
+    }
+    return kImageKind;
+}
 
 RecordKind KindAmongImages(PGX_Node& record) {
     char sopClass[65];
     ReadTrimmedText(record, tags::kReferencedSopClassUid, sopClass);
     if (sopClass == kMediaStorageDirectory) return {};
-    const auto kind = std::ranges::find_if(kKinds, [&](const LeafKind& candidate) {
-        return candidate.isToldAmongImages && candidate.hasClass(sopClass);
-    });
-    return {kind, kind->modalityAmongImages};
+    const LeafKind& kind = FindKind(sopClass, true);
+    return {&kind, kind.modalityAmongImages};
 }
 
 }  // namespace
@@ -198,9 +181,7 @@ const LeafKind& KindOf(const Leaf& leaf) {
     return kPlainKind;
 }
 
-const LeafKind& KindOfClass(const char* sopClass) {
-    return *std::ranges::find_if(kKinds, [=](const LeafKind& k) { return k.hasClass(sopClass); });
-}
+const LeafKind& KindOfClass(std::string_view sopClass) { return FindKind(sopClass, false); }
 
 RecordKind KindOfRecord(PGX_Node& record, std::string_view recordType) {
     if (recordType.starts_with("PRIVATE")) return {};

@@ -10,6 +10,7 @@
 
 #include "dicomdir/keys.h"
 #include "pgkit/directory_records.h"
+#include "sopclass/sop_class_tables.h"
 
 namespace pgkit {
 
@@ -20,9 +21,10 @@ struct LeafKind {
     PgLeafType type;
     // The Directory Record Type of its records. A longer one that begins with it is of the kind,
     // too.
-    std::string_view recordType;
-    // Whether instances of a SOP class are of this kind. Of several that fit the first row counts.
-    bool (*hasClass)(const char* sopClass);
+    std::string_view recordType = {};
+    // The SOP classes whose instances are of this kind: those of a category, or one.
+    SopCategory category = SopCategory::None;
+    std::string_view sopClass = {};
     // Writers that know no other type call everything an IMAGE. Whether the kind is then told by
     // the SOP class, and what the modality of the series becomes by that, null to leave it.
     bool isToldAmongImages = false;
@@ -31,17 +33,17 @@ struct LeafKind {
     size_t size;  // of an object
     std::unique_ptr<Leaf> (*make)();
     // The keys that leaves of this kind have beside those of every leaf (level_keys.h).
-    std::span<const TextKey<Leaf>> texts;
-    std::span<const NumberKey> numbers;
-    std::span<const SequenceKey> sequences;
+    std::span<const TextKey<Leaf>> texts = {};
+    std::span<const NumberKey> numbers = {};
+    std::span<const SequenceKey> sequences = {};
     void*& (*icon)(Leaf& leaf) = nullptr;  // null when they have none
 };
 
 // That of an existing leaf. One of an unknown type is a plain leaf, which has no keys of a kind.
 const LeafKind& KindOf(const Leaf& leaf);
 
-// That of an instance by its SOP class: what is nothing else is an image.
-const LeafKind& KindOfClass(const char* sopClass);
+// That of an instance by its SOP class; an image where no other kind fits.
+const LeafKind& KindOfClass(std::string_view sopClass);
 
 // What a record becomes by its type, which comes without blanks at both ends, and for an IMAGE by
 // its SOP class. A record that is not to be shown has no kind.

@@ -59,7 +59,7 @@ void ReadPatient(PGX_Node& record, Patient& patient) {
     patient.record = &record;
 }
 
-// Some writers give the study the UID that its record refers to: that one counts first.
+// Some writers have the UID of the study where a record refers to an instance: it counts first.
 void ReadStudy(PGX_Node& record, Study& study) {
     ReadRecordTexts(record, kStudyKeys, study);
     char referencedUid[sizeof study.studyInstanceUid];

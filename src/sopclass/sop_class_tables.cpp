@@ -85,10 +85,9 @@ const UidRow* FindUid(std::string_view uid) {
     return row == kUidIndex.kNoRow ? nullptr : &kUids[row];
 }
 
-bool IsInCategory(std::string_view sopClassUid, SopCategory category) {
+uint16_t CategoriesOf(std::string_view sopClassUid) {
     const size_t row = FindModalityRow(sopClassUid);
-    return row != kModalityIndex.kNoRow &&
-           (kCategorySets[row] & static_cast<uint16_t>(category)) != 0;
+    return row == kModalityIndex.kNoRow ? uint16_t{0} : kCategorySets[row];
 }
 
 }  // namespace pgkit

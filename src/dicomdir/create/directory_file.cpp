@@ -13,12 +13,16 @@ constexpr int32_t kWriteMode = PG_LITTLE_ENDIAN | PG_EXPLICIT_VR | PG_META;
 
 }  // namespace
 
+std::string WithoutTrailingBackslash(std::string_view folder) {
+    if (folder.ends_with('\\')) folder.remove_suffix(1);
+    return std::string(folder);
+}
+
 bool IsReplacementOfDicomdir(std::string_view name) {
     return platform::IsReplacementName(name, kDicomdirName);
 }
 
-DirectoryFile::DirectoryFile(const std::string& directory)
-    : path_(directory + "\\" + kDicomdirName) {}
+DirectoryFile::DirectoryFile(const std::string& folder) : path_(folder + "\\" + kDicomdirName) {}
 
 void DirectoryFile::RemoveStrays() {
     if (hasNoStrays_ || !platform::FileSize(path_.c_str())) return;

@@ -1,4 +1,4 @@
-// The file DICOMDIR of a directory, which is there as a whole or not at all.
+// The directory file of a medium, which is there as a whole or not at all.
 #pragma once
 
 #include <cstdint>
@@ -12,20 +12,22 @@ namespace pgkit {
 
 inline constexpr const char* kDicomdirName = "DICOMDIR";
 
-// Whether a name in the directory of a DICOMDIR is one of the files that grow beside it.
+// A folder as callers name it: one backslash at the end does not count.
+std::string WithoutTrailingBackslash(std::string_view folder);
+
+// Whether a name in the folder of a directory file is one of the files that grow beside it.
 bool IsReplacementOfDicomdir(std::string_view name);
 
 class DirectoryFile {
   public:
-    // Of a medium: the path of its directory.
-    explicit DirectoryFile(const std::string& directory);
+    explicit DirectoryFile(const std::string& folder);
 
     // Removes what earlier creations left behind that came to an end in the middle. Where there is
-    // no DICOMDIR it does nothing, and is to be called again when there is one: on Windows a
+    // no directory file it does nothing, and is to be called again when there is one: on Windows a
     // replacement of an open file may have stopped while both files had such names.
     void RemoveStrays();
 
-    // False, with a message, when the directory cannot get a DICOMDIR. Throws std::bad_alloc.
+    // False, with a message, when the folder cannot get a directory file. Throws std::bad_alloc.
     [[nodiscard]] bool Create();
     // Writes the tree and puts the file in place: the results of saving.
     [[nodiscard]] uint32_t Save(PGX_Node& root);

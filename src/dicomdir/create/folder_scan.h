@@ -1,4 +1,4 @@
-// Adds every file of a directory tree to a hierarchy.
+// Adds every file of a folder, and of the folders in it, to a hierarchy.
 #pragma once
 
 #include <cstdint>
@@ -15,29 +15,26 @@ namespace pgkit {
 
 class FolderScan {
   public:
-    FolderScan(std::string directory, HierarchyBuilder& builder, PgDicomdirScanCallback callback,
+    FolderScan(std::string folder, HierarchyBuilder& builder, PgDicomdirScanCallback callback,
                void* userData)
-        : directory_(std::move(directory)),
-          builder_(builder),
-          callback_(callback),
-          userData_(userData) {}
+        : folder_(std::move(folder)), builder_(builder), callback_(callback), userData_(userData) {}
 
     void Run(bool descends);
 
   private:
-    struct Subdirectory {
-        std::string path;  // relative, with backslashes; empty for the scanned directory itself
+    struct Subfolder {
+        std::string path;  // relative, with backslashes; empty for the scanned folder itself
         bool isLinked;     // a link is part of the path
     };
 
-    bool IsNew(const Subdirectory& subdirectory);
+    bool IsNew(const Subfolder& subfolder);
     // False when the callback ended the scan.
-    bool AddFiles(const std::string& subdirectory,
+    bool AddFiles(const std::string& subfolder,
                   const std::vector<platform::DirectoryEntry>& entries, bool descends);
-    PgAcceptanceCode Judge(const std::string& subdirectory, const platform::DirectoryEntry& entry);
+    PgAcceptanceCode Judge(const std::string& subfolder, const platform::DirectoryEntry& entry);
     std::string FullPath(const std::string& relativePath) const;
 
-    std::string directory_;
+    std::string folder_;
     HierarchyBuilder& builder_;
     PgDicomdirScanCallback callback_;
     void* userData_;

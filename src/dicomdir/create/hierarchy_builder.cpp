@@ -57,7 +57,7 @@ AddedObjects HierarchyBuilder::Place(const FileToAdd& file) {
     return added;
 }
 
-// From the top: below an object that is new there is nothing to find.
+// From the top: an object that is new has no children among which to look.
 AddedObjects HierarchyBuilder::FindOrMakeParents(const Candidate& candidate, NewObjects& made) {
     PGX_Node& dataSet = *candidate.dataSet;
     AddedObjects parents;
@@ -84,7 +84,7 @@ AddedObjects HierarchyBuilder::FindOrMakeParents(const Candidate& candidate, New
     return parents;
 }
 
-// Gives an image its icon, and returns one for its series, which looks like the first of its images
+// Makes the icon of an image, and returns one for its series, which looks like the first of its images
 // that has an icon.
 BitmapHandle HierarchyBuilder::MakeIcons(const FileToAdd& file, Leaf& leaf, const Series& series) {
     const LeafKind& kind = KindOf(leaf);
