@@ -184,11 +184,11 @@ const LeafKind& KindOf(const Leaf& leaf) {
 const LeafKind& KindOfClass(std::string_view sopClass) { return FindKind(sopClass, false); }
 
 RecordKind KindOfRecord(PGX_Node& record, std::string_view recordType) {
-    if (recordType.starts_with("PRIVATE")) return {};
+    if (recordType.starts_with(kImageKind.recordType)) return KindAmongImages(record);
     for (const LeafKind& kind : kKinds) {
-        if (!recordType.starts_with(kind.recordType)) continue;
-        return kind.type == PG_LEAF_IMAGE ? KindAmongImages(record) : RecordKind{&kind};
+        if (recordType.starts_with(kind.recordType)) return {&kind};
     }
+    if (recordType.starts_with("PRIVATE")) return {};
     return {&kPlainKind};
 }
 
