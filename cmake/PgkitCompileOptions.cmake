@@ -8,6 +8,11 @@ target_compile_options(pgkit_compile_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
   $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>)
 
+if(WIN32)
+  # The same files whenever they are built.
+  target_link_options(pgkit_compile_options INTERFACE -Wl,--no-insert-timestamp)
+endif()
+
 # A host's thread may have little stack. Sanitizers put gaps between variables.
 if(NOT PGKIT_SANITIZE AND NOT PGKIT_SANITIZE_THREADS)
   target_compile_options(pgkit_compile_options INTERFACE -Wframe-larger-than=8192)

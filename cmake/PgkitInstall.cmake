@@ -6,7 +6,7 @@ include(CMakePackageConfigHelpers)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pgkit
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
 # Windows wants the modules in bin/ and their import libraries in lib/; other systems want the
 # modules in lib/. The imaging module lies beside the library, where that and hosts find it.
@@ -21,6 +21,11 @@ install(TARGETS ${modules} EXPORT pgkitTargets
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(TARGET pgtool)
   install(TARGETS pgtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  if(NOT WIN32)
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/pgtool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/pgtool.bash
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME pgtool)
+  endif()
 endif()
 if(WIN32)
   # The export table, for the import libraries of other toolchains. The linker writes it for a module
@@ -61,6 +66,18 @@ install(FILES
   DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md")
+# The public headers as one page. A machine without Python installs them alone.
+find_package(Python3 COMPONENTS Interpreter)
+if(Python3_FOUND)
+  file(GLOB public_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/pgkit/*.h)
+  set(api_page ${PROJECT_BINARY_DIR}/docs/api.md)
+  set(make_api_page ${PROJECT_SOURCE_DIR}/scripts/make-api-docs.py)
+  add_custom_command(OUTPUT ${api_page}
+    COMMAND Python3::Interpreter ${make_api_page} ${api_page}
+    DEPENDS ${make_api_page} ${public_headers} VERBATIM)
+  add_custom_target(pgkit_api_page ALL DEPENDS ${api_page})
+  install(FILES ${api_page} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python
   DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit

@@ -1,28 +1,18 @@
-# Packages, made by cpack in a build directory: a zip archive of the Windows build, a Debian package
-# of the Linux build.
+# Archives, made by cpack in a build directory: zip for Windows, tar elsewhere. Debian packages are made
+# by scripts/make-debian-packages.sh.
 set(CPACK_PACKAGE_NAME pgkit)
 set(CPACK_PACKAGE_VENDOR "the pgkit authors")
-set(CPACK_PACKAGE_CONTACT "the pgkit authors <pgkit@localhost>")
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_THREADS 0)
+# The same archive whenever it is made.
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/PgkitPackageTimes.cmake)
 
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
   set(CPACK_SYSTEM_NAME windows-x64)
 else()
-  set(CPACK_GENERATOR DEB)
-  set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-  set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
-  # The dependencies are those of the files, where the tool that reads them is there.
-  find_program(PGKIT_SHLIBDEPS dpkg-shlibdeps)
-  mark_as_advanced(PGKIT_SHLIBDEPS)
-  if(PGKIT_SHLIBDEPS)
-    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-  else()
-    set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6, libgcc-s1, libstdc++6")
-  endif()
+  set(CPACK_GENERATOR TGZ)
+  set(CPACK_SYSTEM_NAME linux-${CMAKE_SYSTEM_PROCESSOR})
 endif()
 include(CPack)

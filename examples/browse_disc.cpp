@@ -22,6 +22,8 @@ void PrintLeaf(PGX_DicomDirLeafNode& leaf) {
         const auto& image = static_cast<PGX_DicomDirImageNode&>(leaf);
         std::printf(", %d x %d", static_cast<int>(image.columns), static_cast<int>(image.rows));
     }
+    char file[1024];
+    if (pgxLeafFile(&leaf, nullptr, file, sizeof file) == 0) std::printf(", missing");
     std::printf("\n");
 }
 

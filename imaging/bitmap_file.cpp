@@ -23,7 +23,7 @@ bool WriteBitmapFile(const LockedBitmap& bitmap, const char* path) {
     Store32(fileHeader + 2, kFileHeaderSize + header.TotalSize());
     Store32(fileHeader + 10, kFileHeaderSize + header.PixelsOffset());
 
-    FILE* const stream = std::fopen(NativeOutputPath(path).c_str(), "wb");
+    FILE* const stream = CreateOutput(path);
     if (stream == nullptr) return false;
     const bool isWritten = WriteBytes(stream, fileHeader, sizeof fileHeader) &&
                            WriteBytes(stream, bitmap.Bytes(), header.TotalSize());

@@ -13,8 +13,6 @@ namespace pgview {
 
 namespace {
 
-static_assert(std::endian::native == std::endian::little, "samples are read as little endian");
-
 // Values stay in the file: of one in memory it could not be told whether the file holds all of it.
 constexpr uint32_t kLoadNothing = 0;
 
@@ -34,6 +32,12 @@ bool HasSwappedWords(PGX_Node& root) { return HasTransferSyntax(root, "1.2.840.1
 void SwapWords(std::vector<uint8_t>& bytes) {
     for (size_t i = 0; i + 1 < bytes.size(); i += 2)
         std::swap(bytes[i], bytes[i + 1]);
+}
+
+// The library gives words in the byte order of this machine, and samples of 8 bits in their order.
+bool HoldsBigEndianWords(const PGX_Node& pixelData) {
+    if (std::endian::native == std::endian::little || pixelData.bitsAllocated == 8) return false;
+    return pixelData.valueRep == VR_OW || pixelData.valueRep == VR_OWOB;
 }
 
 bool CanReadPixels(PGX_Node& root, PGX_Node& pixelData) {
@@ -99,6 +103,7 @@ std::vector<uint8_t> DicomImage::ReadNativeFrame(uint32_t index) const {
     std::vector<uint8_t> frames(size_t{size} * together);
     const auto read = static_cast<uint32_t>(frames.size());
     if (pixelData_->GetPixelData(index / together, read, frames.data()) != 1) return {};
+    if (HoldsBigEndianWords(*pixelData_)) SwapWords(frames);
     if (index % together == 1) frames.erase(frames.begin(), frames.begin() + size);
     frames.resize(size);
     if (description_->format.bitsAllocated == 16 && HasSwappedWords(*root_)) SwapWords(frames);

@@ -1,11 +1,12 @@
-// Paths of files to create, as the system wants them.
+// Files to create, by paths as hosts write them.
 #pragma once
 
-#include <string>
+#include <cstdio>
 
 namespace pgview {
 
-// Callers separate components with backslashes on every platform.
-std::string NativeOutputPath(const char* path);
+// Creates or truncates a binary file; null on failure. Callers separate components with backslashes
+// on every platform, and paths are encoded as the library's are.
+std::FILE* CreateOutput(const char* path);
 
 }  // namespace pgview

@@ -1,13 +1,14 @@
-#include <algorithm>
-
 #include "output_path.h"
+
+#include <algorithm>
+#include <string>
 
 namespace pgview {
 
-std::string NativeOutputPath(const char* path) {
-    std::string result = path;
-    std::replace(result.begin(), result.end(), '\\', '/');
-    return result;
+std::FILE* CreateOutput(const char* path) {
+    std::string native = path;
+    std::replace(native.begin(), native.end(), '\\', '/');
+    return std::fopen(native.c_str(), "wb");
 }
 
 }  // namespace pgview

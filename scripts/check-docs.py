@@ -3,10 +3,10 @@
 
     check-docs.py DIRECTORY_OF_PROGRAMS
 
-- docs/api.md is what scripts/make-api-docs.py makes.
 - A block behind "<!-- quote FILE -->" is part of that file, line by line.
 - A block behind "<!-- transcript -->" is what its commands ("$ pgtool ...") really print; a line
   "..." stands for any number of lines.
+- Every text that docs/frozen.md has in the first column of its table is in the sources.
 - Links between the documents lead somewhere, and paths in backquotes exist, in the root or in src/.
 
 The last line is "N passed, M failed".
@@ -29,18 +29,17 @@ DOCUMENTS = [ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG
                                       "tests/data/README.md")]
 QUOTE = re.compile(r"<!-- quote (\S+) -->\n+```\w*\n(.*?\n)```\n", re.DOTALL)
 TRANSCRIPT = re.compile(r"<!-- transcript -->\n+```\w*\n(.*?\n)```\n", re.DOTALL)
+FROZEN_TEXT = re.compile(r"^\| `([^`]+)` \|", re.MULTILINE)
 PATH = re.compile(r"`((?:\w+/)+[\w.-]*)`")
 FOLDERS = ("bench", "bindings", "cmake", "docs", "examples", "fuzz", "imaging", "include", "scripts",
            "src", "tests", "tools")
 SOURCE_FOLDERS = tuple(path.name for path in (ROOT / "src").iterdir() if path.is_dir())
 
 
-def check_api():
-    made = subprocess.run([ROOT / "scripts/make-api-docs.py", "--print"], check=True, text=True,
-                          stdout=subprocess.PIPE).stdout
-    if made != (ROOT / "docs/api.md").read_text():
-        return "docs/api.md is out of date: run scripts/make-api-docs.py"
-    return None
+def check_frozen_text(text):
+    sources = [path for folder in ("src", "include") for path in (ROOT / folder).rglob("*.*")]
+    found = any(text in path.read_text() for path in sources)
+    return None if found else "the sources have no such text"
 
 
 def check_quote(name, text):
@@ -81,7 +80,6 @@ def check_references(document):
 
 
 def checks(programs):
-    yield "api", "docs/api.md", check_api, ()
     for document in [*DOCUMENTS, *sorted((ROOT / "docs").glob("*.md"))]:
         name = document.relative_to(ROOT).as_posix()
         text = document.read_text()
@@ -90,6 +88,8 @@ def checks(programs):
             yield "quote", f"{name}: {quoted}", check_quote, (quoted, block)
         for block in TRANSCRIPT.findall(text):
             yield "run", name, check_transcript, (block, programs)
+    for text in FROZEN_TEXT.findall((ROOT / "docs/frozen.md").read_text()):
+        yield "frozen", text, check_frozen_text, (text,)
 
 
 if __name__ == "__main__":

@@ -11,8 +11,10 @@ targets=("${@:-${all[@]}}")
 corpora=$PWD/build/fuzz/corpus
 findings=$PWD/build/fuzz/findings
 
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz >/dev/null
+if ! built=$(cmake --preset fuzz && cmake --build --preset fuzz); then
+    echo "$built"
+    exit 1
+fi
 
 # The targets write scratch files all the time: in memory where there is such a place.
 scratch=$(mktemp -d -p "$([[ -w /dev/shm ]] && echo /dev/shm || echo "${TMPDIR:-/tmp}")" pgkit-fuzz-XXXXXX)

@@ -4,14 +4,19 @@
 #   install-packages.sh        to build for both platforms and run the Windows build
 #   install-packages.sh test   and to run every test
 #   install-packages.sh bench  and to run the benchmarks beside other libraries
+#   install-packages.sh packages   and to make and check the Debian packages
+#   install-packages.sh platforms  and to build for other processors and run that here
 set -euo pipefail
 
 packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 librapidxml-dev wine64)
+packages+=(zlib1g-dev libz-mingw-w64-dev)
 case ${1:-} in
     test)
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
         packages+=(clang clang-format clang-tidy cppcheck lld llvm)
         ;;
+    packages) packages+=(debhelper dh-python dpkg-dev fakeroot git lintian python3 debootstrap) ;;
+    platforms) packages+=(googletest g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user clang) ;;
     bench) packages+=(libbenchmark-dev libdcmtk-dev libgdcm-dev valgrind python3) ;;
 esac
 

@@ -2,6 +2,9 @@
 #include <cstdio>
 
 #include "command.h"
+#include "command_line.h"
+#include "pgkit/diagnostics.h"
+#include "pgkit/paths.h"
 #include "pgkit/version.h"
 #include "standard_streams.h"
 
@@ -74,7 +77,9 @@ int Run(const Arguments& arguments) {
 
 int main(int argumentCount, char** arguments) {
     pgtool::MakeStandardOutputBinary();
-    const int status = pgtool::Run(pgtool::Arguments(arguments + 1, arguments + argumentCount));
+    pgxSetVerbosity(0);  // names of patients are printed where a command is about them
+    pgxSetPathEncoding(PGX_PATHS_UTF8);
+    const int status = pgtool::Run(pgtool::CommandLine(argumentCount, arguments));
     // A full disk or a closed pipe shows at the latest here.
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::fputs("pgtool: cannot write to the standard output\n", stderr);

@@ -189,6 +189,8 @@ PGKIT_API void pgKitListDelete(PGX_List* list);
 
 PGKIT_API int32_t pgKitListGetCount(PGX_List* list);
 // The pointer at an index that counts from 0, the first and the last one; null when there is none.
+// pgKitListGetElementAt walks from the head: who wants all pointers of a list, one after the other,
+// walks by its cells (pgxListFirst).
 PGKIT_API void* pgKitListGetElementAt(PGX_List* list, int32_t index);
 PGKIT_API void* pgKitListGetHead(PGX_List* list);
 PGKIT_API void* pgKitListGetTail(PGX_List* list);
@@ -203,6 +205,20 @@ PGKIT_API void pgKitListInsertAt(PGX_List* list, int32_t index, void* data);
 PGKIT_API void* pgKitListRemoveHead(PGX_List* list);
 PGKIT_API void* pgKitListRemoveTail(PGX_List* list);
 PGKIT_API void* pgKitListRemoveElement(PGX_List* list, void* data);
+
+// A walk over a list, which takes as many steps as the list has cells:
+//
+//     PGX_ListElement* cell;
+//     for (cell = pgxListFirst(list); cell != NULL; cell = pgxListNext(cell))
+//         use(pgxListData(cell));
+//
+// A cell lives until its pointer is taken out of the list: who removes pointers on the way asks for
+// the next cell before. What is added behind the cell is still met. First: null for an empty list;
+// next: null behind the last cell; a null list or cell gives null. A list is used by one thread at
+// a time; reading it may be shared while nobody changes it.
+PGKIT_API PGX_ListElement* pgxListFirst(PGX_List* list);
+PGKIT_API PGX_ListElement* pgxListNext(PGX_ListElement* cell);
+PGKIT_API void* pgxListData(PGX_ListElement* cell);
 
 // ---- DICOMDIR files -----------------------------------------------------------------------------
 

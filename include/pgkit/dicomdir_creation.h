@@ -122,7 +122,7 @@ typedef int32_t (*PgDicomdirScanCallback)(const PgDicomdirScanReason* reason);
 // of a directory, and appends a line with code 0 and the referencedFileId for every leaf to the
 // acceptance list file there. Records have the keys of their objects, also the empty ones, and
 // refer to files by referencedFileId; leaves of referencedDataSetSize 0 say no size. A trailing
-// backslash of the directory is dropped. Without a File-set ID (null or empty) it is
+// backslash or slash of the directory is dropped. Without a File-set ID (null or empty) it is
 // "KIT_ZORVA_2865". The hierarchy is left as it is. Patients, studies and series without children
 // are linked as the last of their level: a browse ends there.
 //
@@ -145,9 +145,9 @@ PGKIT_API uint32_t pgBuildDicomdirEx(PGX_List* patients, const char* directory,
 // last: a directory is visited once, by its own path where that is below the directory.
 //
 // The plain form has no options. Patient ID, Study ID, Study Date and Time and Series Number are
-// made up, on demand, where they are empty. A trailing backslash of the directory is dropped.
-// Results are those of pgBuildDicomdir: files that are refused do not matter, unless the options
-// ask for PG_DICOMDIR_NEVER_EMPTY.
+// made up, on demand, where they are empty. A trailing backslash or slash of the directory is
+// dropped. Results are those of pgBuildDicomdir: files that are refused do not matter, unless the
+// options ask for PG_DICOMDIR_NEVER_EMPTY.
 PGKIT_API uint32_t pgCreateDicomdir(const char* directory, const char* profile,
                                     PgDicomdirScanCallback callback, void* userData);
 PGKIT_API uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
@@ -165,10 +165,10 @@ PGKIT_API uint32_t pgCreateDicomdirEx(const char* directory, const char* profile
 //   pgAddFileToOffshoreDicomdir(creation, "ST1\\IM1", "D:\\archive\\4711.dcm");
 //   uint32_t result = pgEndCreateOffshoreDicomdir(creation);
 
-// Begins the DICOMDIR of a directory (at most 511 characters count, a trailing backslash is
-// dropped) and creates its acceptance list file, unless the options want none. The options are
-// copied. The profile is not read: every readable DICOM file is accepted. Null for a null directory
-// and when memory runs out.
+// Begins the DICOMDIR of a directory (at most 511 characters count, a trailing backslash or
+// slash is dropped) and creates its acceptance list file, unless the options want none. The options
+// are copied. The profile is not read: every readable DICOM file is accepted. Null for a null
+// directory and when memory runs out.
 PGKIT_API void* pgStartCreateOffshoreDicomdir(const char* directory, const char* profile,
                                               const PgDicomdirOptions* options);
 

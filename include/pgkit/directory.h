@@ -57,8 +57,9 @@ class PGX_DicomDir {
 
     // Opens a file, after closing the one that is open and destroying its hierarchy. Values shorter
     // than maxLoadLength bytes are loaded (pgOpenDataSetFile). The folder becomes the path up to
-    // its last backslash, the whole path when it has none; at most 259 characters of it. Returns 1,
-    // or 0 for a null or empty path and when the file cannot be opened, which is reported as
+    // its last backslash or slash, as it is written, and "." for a bare name; at most 259
+    // characters of it. What follows the folder in full paths is joined with backslashes. Returns
+    // 1, or 0 for a null or empty path and when the file cannot be opened, which is reported as
     // "** PGX_DicomDir::OpenDicomDir file open failed... <%s>\n" on the standard output.
     PGKIT_API int32_t OpenDicomDir(const char* path, uint32_t maxLoadLength);
 
@@ -95,7 +96,7 @@ class PGX_DicomDir {
 
     // Names the place of the referenced files, for a DICOMDIR that is not kept with them: full
     // paths of later browses begin with the path when it is a directory, else with the path up to
-    // its last backslash (all of it when it has none). Returns 0 for null, else 1.
+    // its last backslash or slash (all of it when it has none). Returns 0 for null, else 1.
     PGKIT_API int32_t RelocateOffshoreDicomdir(const char* path);
 
   private:

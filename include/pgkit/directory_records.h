@@ -154,7 +154,8 @@ class PGKIT_API PGX_DicomDirLeafNode {
     void* clientData = nullptr;        // free for the host
     int32_t leafType = PG_LEAF_OTHER;  // PgLeafType
     char recordType[17] = {};          // (0004,1430)
-    // The folder of the DICOMDIR, a backslash and the file ID; a to z in upper case.
+    // The folder of the DICOMDIR, a backslash and the file ID; a to z in upper case. Whether there
+    // is such a file, and how its name is written, pgxLeafFile tells.
     char fullPath[260] = {};
     // (0004,1500): the components joined by backslashes, without a leading one.
     char referencedFileId[260] = {};

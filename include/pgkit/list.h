@@ -78,6 +78,7 @@ static_assert(sizeof(PGX_List) == 24 && offsetof(PGX_List, head) == 8 &&
 
 #else
 typedef struct PGX_List PGX_List;
+typedef struct PGX_ListElement PGX_ListElement;
 #endif
 
 #endif

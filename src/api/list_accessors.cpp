@@ -5,6 +5,7 @@
 #include "pgkit/accessors.h"
 
 using pgkit::CallOn;
+using pgkit::FieldOf;
 using pgkit::Guarded;
 
 PGX_List* pgKitListAllocate() {
@@ -40,3 +41,11 @@ void* pgKitListRemoveTail(PGX_List* list) { return CallOn(list, &PGX_List::Remov
 void* pgKitListRemoveElement(PGX_List* list, void* data) {
     return CallOn(list, &PGX_List::RemoveElement, data);
 }
+
+PGX_ListElement* pgxListFirst(PGX_List* list) { return FieldOf(list, &PGX_List::head); }
+
+PGX_ListElement* pgxListNext(PGX_ListElement* cell) {
+    return FieldOf(cell, &PGX_ListElement::next);
+}
+
+void* pgxListData(PGX_ListElement* cell) { return FieldOf(cell, &PGX_ListElement::data); }

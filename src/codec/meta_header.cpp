@@ -2,6 +2,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/identity.h"
+#include "codec/part10_format.h"
 #include "codec/transfer_syntax.h"
 #include "dictionary/tags.h"
 #include "pgkit/node.h"
@@ -11,9 +13,6 @@ namespace pgkit {
 namespace {
 
 constexpr int32_t kLongestUid = 64;
-constexpr std::string_view kImplementationClassUid = "1.2.999.1.47.453.2865";
-constexpr std::string_view kImplementationVersionName = "KIT-ZORVA-2865";
-constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
 
 uint32_t SizeOf(std::string_view text) { return static_cast<uint32_t>(text.size()); }
 
@@ -49,7 +48,7 @@ std::string_view UidOfSyntaxFlags(uint32_t flags) {
 int32_t PGX_Node::AddPart10Elements(const char* transferSyntaxUid) {
     pgkit::CopyUid(*this, 0x0016, 0x0002);
     pgkit::CopyUid(*this, 0x0018, 0x0003);
-    pgkit::InsertIfAbsent(*this, 0x0013, pgkit::kImplementationVersionName);
+    pgkit::InsertIfAbsent(*this, 0x0013, pgkit::kDataSetImplementation);
     InsertNode(pgkit::kMetaGroup, 0x0001, pgkit::kMetaInformationVersion,
                sizeof pgkit::kMetaInformationVersion);
     pgkit::InsertIfAbsent(*this, 0x0012, pgkit::kImplementationClassUid);

@@ -11,6 +11,9 @@ namespace pgkit {
 constexpr size_t kPreambleSize = 128;
 constexpr std::string_view kPrefix = "DICM";
 
+// The value of File Meta Information Version (0002,0001).
+inline constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
+
 // Items and delimiters: a tag and a length.
 constexpr uint32_t kItemHeaderSize = 8;
 

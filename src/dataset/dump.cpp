@@ -25,13 +25,25 @@ constexpr size_t kTextPiece = 0x10000;
 
 bool IsPrintedAsBinary(uint32_t vr) { return PropertiesOf(vr).kind == VrKind::Bytes; }
 
+// Numbers that count as text, those of VR US or SS, give the same text on every machine. It ends
+// with a unit of zeros at the latest; what the length claims behind it is not touched.
+void MakeLittleEndian(uint8_t* zeros, size_t length, size_t unit) {
+    if (IsHostOrder(ET_LittleEndian)) return;
+    for (; length >= unit; zeros += unit, length -= unit) {
+        if (std::all_of(zeros, zeros + unit, [](uint8_t byte) { return byte == 0; })) return;
+        SwapUnits(zeros, unit, unit);
+    }
+}
+
 // The value up to its first NUL. A text that needs no conversion is read piece by piece, so that
 // little of a large binary value is read for the few bytes that count as text.
 std::string_view ReadText(const PGX_Node& node, uint8_t* zeros) {
     const char* text = reinterpret_cast<const char*>(zeros);
     if (!HasValue(node)) return {};
-    if (node.valueRep == VR_UI || SwapUnit(node.valueRep) != 1) {
+    const size_t unit = SwapUnit(node.valueRep);
+    if (node.valueRep == VR_UI || unit != 1) {
         ReadValueIntoZeros(node, zeros);
+        MakeLittleEndian(zeros, node.length, unit);
         return text;
     }
     size_t size = 0;

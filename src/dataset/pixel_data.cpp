@@ -10,10 +10,10 @@
 namespace {
 
 // Samples are swapped as the 16-bit words they lie in. Samples of 8 bits count as words only in
-// big-endian OW, where two of them stand exchanged in each word.
+// big-endian OW, where two of them stand exchanged in each word, whatever machine reads them.
 bool SwapsWords(const PGX_Node& node) {
-    if (pgkit::IsHostOrder(node.endian)) return false;
     if (node.bitsAllocated == 8) return node.endian == ET_BigEndian && node.valueRep != VR_OB;
+    if (pgkit::IsHostOrder(node.endian)) return false;
     return node.valueRep == VR_OW || node.valueRep == VR_OWOB;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/diagnostics.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "dicomdir/directory_browser.h"
 #include "dicomdir/elements.h"
@@ -19,6 +20,7 @@ using pgkit::DirectoryBrowser;
 using pgkit::FindElement;
 using pgkit::kMediaStorageDirectory;
 using pgkit::PrintOut;
+using pgkit::PrintRemark;
 namespace tags = pgkit::tags;
 
 namespace {
@@ -37,9 +39,6 @@ bool ResolveLinks(const PGX_Node* sequence, const pgkit::RecordTable& records) {
     PrintOut("ResolveDicomdirLinks DICOMDIR parsing error: DirectoryRecordSequence not found\n");
     return false;
 }
-
-// The part of a path in front of its last backslash; all of it when it has none.
-std::string_view FolderOf(std::string_view path) { return path.substr(0, path.rfind('\\')); }
 
 }  // namespace
 
@@ -65,10 +64,10 @@ int32_t PGX_DicomDir::OpenDicomDir(const char* path, uint32_t maxLoadLength) {
     if (copy.empty()) return 0;
     dataSet = pgOpenDataSetFile(copy.c_str(), maxLoadLength);
     if (dataSet == nullptr) {
-        PrintOut("** PGX_DicomDir::OpenDicomDir file open failed... <%s>\n", copy.c_str());
+        PrintRemark("** PGX_DicomDir::OpenDicomDir file open failed... <%s>\n", copy.c_str());
         return 0;
     }
-    pgkit::CopyToField(folder, FolderOf(copy));
+    pgkit::CopyToField(folder, pgkit::FolderOfFile(copy));
     return 1;
 }
 
@@ -81,7 +80,7 @@ int32_t PGX_DicomDir::IsDicomDir() {
 
 PGX_List* PGX_DicomDir::Browse(PGX_DicomDirCallback application, void* applicationData) {
     if (dataSet == nullptr) {
-        PrintOut("** PGX_DicomDir::Patient list is empty (no DICOMDIR file)\n");
+        PrintRemark("** PGX_DicomDir::Patient list is empty (no DICOMDIR file)\n");
         return nullptr;
     }
     callback = application;
@@ -100,7 +99,7 @@ PGX_List* PGX_DicomDir::GiveAndForgetPatientList() {
 int32_t PGX_DicomDir::RelocateOffshoreDicomdir(const char* path) {
     if (path == nullptr) return 0;
     const bool isFolder = pgkit::platform::IsDirectory(path);
-    pgkit::CopyToField(folder, isFolder ? std::string_view(path) : FolderOf(path));
+    pgkit::CopyToField(folder, isFolder ? std::string_view(path) : pgkit::FolderOf(path));
     return 1;
 }
 

@@ -139,7 +139,7 @@ DirectoryBrowser::Outcome DirectoryBrowser::HandlePatient(RecordNumber number, P
     PGX_Node& record = *records_[number].item;
     const auto [patient, isNew] = FindOrAdd<Patient>(record, patients, ReadPatient, patients_);
     if (patient == nullptr) return Outcome::Refused;
-    if (isNew) PrintOut("Patient created %s\n", patient->patientsName);
+    if (isNew) PrintRemark("Patient created %s\n", patient->patientsName);
     const std::optional<RecordNumber> child = Descend(HierarchyLevel::Patient, number);
     if (!child) return Outcome::Broken;
     BrowseStudies(*child, *patient);

@@ -34,7 +34,7 @@ void ReadKindsKeys(PGX_Node& record, const LeafKind& kind, Leaf& leaf, BrowseLim
 
 void ReadFileId(PGX_Node& record, std::string_view folder, Leaf& leaf) {
     char buffer[512];
-    ReadText(record, tags::kReferencedFileId, buffer, "No.ReferencedFileID");
+    ReadText(record, tags::kReferencedFileId, buffer, kNoReferencedFileId);
     std::string_view fileId(buffer);
     if (fileId.starts_with('\\')) fileId.remove_prefix(1);
     CopyToField(leaf.referencedFileId, fileId);

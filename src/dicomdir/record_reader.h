@@ -22,6 +22,9 @@ void ReadSeries(PGX_Node& record, Series& series);
 // that the browse may still take.
 BitmapHandle ReadIcon(PGX_Node& record, BrowseLimits& limits);
 
+// What stands in the place of a missing Referenced File ID.
+inline constexpr char kNoReferencedFileId[] = "No.ReferencedFileID";
+
 // A new leaf of a kind. The type and the instance UID of its record, without blanks at both ends,
 // are known already. The full path begins with folder. Null when the browse may not take so much
 // memory.

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/loaded_module.h"
+#include "platform/wide_path_win32.h"
 
 namespace pgkit::platform {
 
@@ -21,23 +22,25 @@ class WithoutErrorBoxes {
 };
 
 // The directory of this library, with the backslash at its end; empty when it is not known.
-std::string OwnDirectory() {
+std::wstring OwnDirectory() {
     static const char inThisModule = 0;
     HMODULE module = nullptr;
-    char path[1024];
+    constexpr DWORD kSize = 1024;
+    wchar_t path[kSize];
     constexpr DWORD kByAddress =
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (!GetModuleHandleExA(kByAddress, &inThisModule, &module)) return std::string();
-    const DWORD length = GetModuleFileNameA(module, path, sizeof path);
-    if (length >= sizeof path) return std::string();
-    const std::string own(path, length);
-    return own.substr(0, own.rfind('\\') + 1);
+    const auto* address = reinterpret_cast<const wchar_t*>(&inThisModule);
+    if (!GetModuleHandleExW(kByAddress, address, &module)) return std::wstring();
+    const DWORD length = GetModuleFileNameW(module, path, kSize);
+    if (length >= kSize) return std::wstring();
+    const std::wstring own(path, length);
+    return own.substr(0, own.rfind(L'\\') + 1);
 }
 
-HMODULE LoadBesideThis(const std::string& file) {
-    const std::string directory = OwnDirectory();
+HMODULE LoadBesideThis(const std::wstring& file) {
+    const std::wstring directory = OwnDirectory();
     if (directory.empty()) return nullptr;
-    return LoadLibraryExA((directory + file).c_str(), nullptr,
+    return LoadLibraryExW((directory + file).c_str(), nullptr,
                           LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }
 
@@ -48,8 +51,8 @@ void NoteOwnDirectory() {}
 
 void* OpenModule(const char* name) {
     const WithoutErrorBoxes quiet;
-    const std::string file = std::string(name) + ".dll";
-    const HMODULE module = LoadLibraryExA(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    const std::wstring file = std::wstring(WidePath(name)) + L".dll";
+    const HMODULE module = LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     return module != nullptr ? module : LoadBesideThis(file);
 }
 

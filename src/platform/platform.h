@@ -55,6 +55,11 @@ struct DirectoryEntry {
 };
 std::vector<DirectoryEntry> ListDirectory(const char* path);
 
+// The path of the regular file that names below a folder lead to, as the system has it: each name
+// as it is there, the system's separators in between. The names, none of which leads upwards, are
+// joined by backslashes. Empty when there is no such file.
+std::string ExistingFile(const std::string& folder, const std::string& names);
+
 // Whether a path can lead to an entry of this name. On POSIX a backslash may be part of a name,
 // where no path of ours reaches it: the path leads elsewhere.
 bool IsReachableName(std::string_view name);

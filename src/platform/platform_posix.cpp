@@ -196,6 +196,13 @@ std::optional<FileIdentity> IdentityOf(const char* path) {
     return Identity(status);
 }
 
+std::string ExistingFile(const std::string& folder, const std::string& names) {
+    std::string path = NativePath((folder + "/" + names).c_str());
+    struct stat status;
+    const bool isFile = ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    return isFile ? path : std::string();
+}
+
 std::vector<DirectoryEntry> ListDirectory(const char* path) {
     std::vector<DirectoryEntry> entries;
     const std::string directory = NativePath(path);

@@ -1,8 +1,11 @@
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/platform.h"
 #include "platform/replacement_name.h"
+#include "platform/wide_path_win32.h"
 #include "platform/win32_files.h"
 
 namespace pgkit::platform {
@@ -25,12 +28,35 @@ bool IsNameTaken() {
            error == ERROR_ACCESS_DENIED;
 }
 
+// Scanners and indexers hold files open for a moment, new ones above all. That is worth waiting
+// for, up to a second for one job.
+class Patience {
+  public:
+    bool Move(const char* from, const char* to, DWORD flags = 0) {
+        const WidePath source(from);
+        const WidePath target(to);
+        while (!MoveFileExW(source, target, flags)) {
+            const DWORD error = GetLastError();
+            if (error != ERROR_SHARING_VIOLATION && error != ERROR_LOCK_VIOLATION) return false;
+            if (waits_ == kMostWaits) return false;
+            ++waits_;
+            Sleep(kWait);
+        }
+        return true;
+    }
+
+  private:
+    static constexpr DWORD kWait = 20;  // milliseconds
+    static constexpr int kMostWaits = 50;
+    int waits_ = 0;
+};
+
 // Gives a file an unused name of the kind that its replacement has; empty on failure.
-std::string MoveAside(const char* path, const std::string& replacement) {
+std::string MoveAside(const char* path, const std::string& replacement, Patience& patience) {
     const std::string stem = replacement.substr(0, replacement.rfind(".new"));
     for (unsigned number = 0; number < kMaxNames; ++number) {
         std::string aside = ReplacementName(stem, number);
-        if (MoveFileExA(path, aside.c_str(), 0)) return aside;
+        if (patience.Move(path, aside.c_str())) return aside;
         if (!IsNameTaken()) break;
     }
     return std::string();
@@ -38,14 +64,14 @@ std::string MoveAside(const char* path, const std::string& replacement) {
 
 // An open file cannot be overwritten by a rename, but it can itself be renamed, and vanishes from
 // there when the last stream on it is closed.
-bool ReplaceOpenFile(const char* path, const char* replacement) {
-    const std::string aside = MoveAside(path, replacement);
+bool ReplaceOpenFile(const char* path, const char* replacement, Patience& patience) {
+    const std::string aside = MoveAside(path, replacement, patience);
     if (aside.empty()) return false;
-    if (!MoveFileExA(replacement, path, 0)) {
-        MoveFileExA(aside.c_str(), path, 0);
+    if (!patience.Move(replacement, path)) {
+        Patience().Move(aside.c_str(), path);
         return false;
     }
-    DeleteFileA(aside.c_str());
+    RemoveFile(aside.c_str());
     return true;
 }
 
@@ -53,7 +79,7 @@ bool ReplaceOpenFile(const char* path, const char* replacement) {
 
 bool CanBeReplaced(const char* path) {
     if (path == nullptr) return false;
-    const DWORD attributes = GetFileAttributesA(path);
+    const DWORD attributes = GetFileAttributesW(WidePath(path));
     constexpr DWORD kNotReplaced = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
     return attributes == INVALID_FILE_ATTRIBUTES || (attributes & kNotReplaced) == 0;
 }
@@ -67,15 +93,15 @@ FILE* CreateReplacement(const char* path, std::string& replacement, const char* 
     const std::string named = stem != nullptr ? Sibling(path, stem) : path;
     for (unsigned number = 0; number < kMaxNames; ++number) {
         std::string candidate = ReplacementName(named, number);
-        const HANDLE handle =
-            CreateFileA(candidate.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                        nullptr, CREATE_NEW, kNotThroughLinks, nullptr);
+        const HANDLE handle = CreateFileW(WidePath(candidate.c_str()), GENERIC_WRITE,
+                                          FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, CREATE_NEW,
+                                          kNotThroughLinks, nullptr);
         if (handle == INVALID_HANDLE_VALUE && IsNameTaken()) continue;
         FILE* stream = Unbuffered(StreamOf(handle, _O_WRONLY | _O_BINARY, "wb"));
         if (stream != nullptr) {
             replacement.swap(candidate);
         } else if (handle != INVALID_HANDLE_VALUE) {
-            DeleteFileA(candidate.c_str());
+            RemoveFile(candidate.c_str());
         }
         return stream;
     }
@@ -83,36 +109,37 @@ FILE* CreateReplacement(const char* path, std::string& replacement, const char* 
 }
 
 bool FlushToDisk(const char* replacement) {
-    const std::unique_ptr<HANDLE, CloseFileHandle> handle(
-        CreateFileA(replacement, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    const std::unique_ptr<HANDLE, CloseFileHandle> handle(CreateFileW(
+        WidePath(replacement), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     return handle.get() != INVALID_HANDLE_VALUE && FlushFileBuffers(handle.get());
 }
 
 bool ReplaceWith(const char* path, const char* replacement) {
     constexpr DWORD kAtOnce = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    return MoveFileExA(replacement, path, kAtOnce) || ReplaceOpenFile(path, replacement);
+    if (MoveFileExW(WidePath(replacement), WidePath(path), kAtOnce)) return true;
+    Patience patience;
+    return ReplaceOpenFile(path, replacement, patience);
 }
 
 void RemoveStrayReplacements(const char* path) {
     const std::string target = path;
     const std::string stem = target.substr(target.find_last_of("\\/:") + 1);
     std::vector<std::string> strays;
-    WIN32_FIND_DATAA found;
+    WIN32_FIND_DATAW found;
     {
         const std::unique_ptr<HANDLE, EndSearch> search(
-            FindFirstFileA((target + ".new*").c_str(), &found));
+            FindFirstFileW(WidePath((target + ".new*").c_str()), &found));
         if (search.get() == INVALID_HANDLE_VALUE) return;
         constexpr DWORD kNoFile = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
         do {
             const bool isFile = (found.dwFileAttributes & kNoFile) == 0;
-            if (isFile && IsReplacementName(found.cFileName, stem)) {
-                strays.emplace_back(found.cFileName);
-            }
-        } while (FindNextFileA(search.get(), &found));
+            std::string name = Narrow(found.cFileName);
+            if (isFile && IsReplacementName(name, stem)) strays.push_back(std::move(name));
+        } while (FindNextFileW(search.get(), &found));
     }
     for (const std::string& name : strays)
-        DeleteFileA(Sibling(target, name).c_str());
+        RemoveFile(Sibling(target, name).c_str());
 }
 
 }  // namespace pgkit::platform

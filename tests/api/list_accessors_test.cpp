@@ -54,4 +54,33 @@ TEST_F(ListAccessors, RemoveAtBothEndsAndBetween) {
     EXPECT_EQ(Content(), "c");
 }
 
+// Asking for one pointer after the other by its index takes time that grows with the square.
+TEST_F(ListAccessors, AreWalkedByCells) {
+    constexpr int32_t kMany = 1'000'000;
+    for (int32_t i = 0; i < kMany; ++i)
+        pgKitListAddTail(list_, i % 2 == 0 ? &a_ : &b_);
+    int32_t walked = 0;
+    for (PGX_ListElement* cell = pgxListFirst(list_); cell != nullptr; cell = pgxListNext(cell)) {
+        ASSERT_EQ(pgxListData(cell), walked % 2 == 0 ? &a_ : &b_);
+        ++walked;
+    }
+    EXPECT_EQ(walked, kMany);
+}
+
+TEST_F(ListAccessors, HaveNoCellsWhereThereIsNothing) {
+    EXPECT_EQ(pgxListFirst(list_), nullptr);
+    EXPECT_EQ(pgxListFirst(nullptr), nullptr);
+    EXPECT_EQ(pgxListNext(nullptr), nullptr);
+    EXPECT_EQ(pgxListData(nullptr), nullptr);
+}
+
+TEST_F(ListAccessors, MayLoseACellThatWasPassed) {
+    for (char* data : {&a_, &b_, &c_})
+        pgKitListAddTail(list_, data);
+    PGX_ListElement* next = pgxListNext(pgxListFirst(list_));
+    pgKitListRemoveHead(list_);
+    EXPECT_EQ(pgxListData(next), &b_);
+    EXPECT_EQ(pgxListData(pgxListNext(next)), &c_);
+}
+
 }  // namespace

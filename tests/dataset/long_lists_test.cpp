@@ -9,11 +9,11 @@
 #include <chrono>
 #include <memory>
 #include <random>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "dictionary/tags.h"
+#include "support/threads.h"
 #include "support/tree.h"
 
 namespace {
@@ -144,7 +144,8 @@ TEST_F(LongList, MayLoseItsElements) {
 
 TEST_F(LongList, MayLoseThemInAnotherThread) {
     Grow(kLong);
-    std::thread([&] { pgFreeNodeHierarchy(std::exchange(root_->first, nullptr)); }).join();
+    pgkit_test::RunOnThreads(
+        1, [&](size_t) { pgFreeNodeHierarchy(std::exchange(root_->first, nullptr)); });
     InsertAndCheck(*root_, nextKey_ += 2);
 }
 

@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <thread>
 #include <vector>
+
+#include "support/threads.h"
 
 namespace {
 
@@ -134,14 +135,7 @@ TEST(LargeTreeMemory, OpenBlockStaysWhenAllItsCellsAreFree) {
 
 TEST(LargeTreeMemory, ThreadsFreeWhatOthersHaveAllocated) {
     std::vector<std::vector<void*>> trees(4);
-    const auto onThreads = [&trees](auto run) {
-        std::vector<std::thread> threads;
-        for (size_t i = 0; i < trees.size(); ++i)
-            threads.emplace_back(run, i);
-        for (std::thread& thread : threads)
-            thread.join();
-    };
-    onThreads([&trees](size_t i) {
+    pgkit_test::RunOnThreads(trees.size(), [&trees](size_t i) {
         TreeMemory memory;
         for (size_t asked = 0; asked < kWorthABlock; asked += kNodeSize)
             memory.Allocate(kNodeSize);
@@ -151,7 +145,7 @@ TEST(LargeTreeMemory, ThreadsFreeWhatOthersHaveAllocated) {
     });
     for (size_t i = 0; i < trees.size(); ++i)
         EXPECT_EQ(*static_cast<char*>(trees[i].front()), static_cast<char>(i));
-    onThreads([&trees](size_t i) {
+    pgkit_test::RunOnThreads(trees.size(), [&trees](size_t i) {
         for (size_t cell = i; cell < trees[0].size(); cell += trees.size())
             for (const std::vector<void*>& tree : trees)
                 FreeTreeMemory(tree[cell]);

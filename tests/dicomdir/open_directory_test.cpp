@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,8 @@ DirectoryBuilder OneImage() {
     directory.Image(directory.Series(study, "1.2.3", "CT"), "1.2.3.4", 1, "img\\x1");
     return directory;
 }
+
+using PgDataSetPointer = std::unique_ptr<PGX_Node, void (*)(PGX_Node*)>;
 
 class OpenDirectory : public testing::Test {
   protected:
@@ -96,15 +99,35 @@ TEST_F(OpenDirectory, LoadLimitDecidesWhichValuesAreLoaded) {
     EXPECT_NE(directory_.dataSet->FindNode(0x0004, 0x1200)->value, nullptr);
 }
 
-TEST_F(OpenDirectory, PathWithoutBackslashIsTheFolderAsAWhole) {
+// Paths below a bare name used to begin with it, as if it were a folder, and led to no file.
+TEST_F(OpenDirectory, ABareNameIsInTheCurrentFolder) {
     const auto before = std::filesystem::current_path();
     Write("DICOMDIR", OneImage().Build());
+    std::filesystem::create_directory(files_.Path("IMG"));
+    Write("IMG/X1", OneImage().Build());
     std::filesystem::current_path(files_.Path(""));
     EXPECT_EQ(directory_.OpenDicomDir("DICOMDIR", 0x20000), 1);
-    EXPECT_STREQ(directory_.folder, "DICOMDIR");
-    EXPECT_EQ(FirstFullPath(), "DICOMDIR\\IMG\\X1");
+    EXPECT_STREQ(directory_.folder, ".");
+    EXPECT_EQ(FirstFullPath(), ".\\IMG\\X1");
+    const PgDataSetPointer opened(pgOpenDataSetFile(FirstLeaf().fullPath, 64), pgCloseDataSet);
+    EXPECT_NE(opened, nullptr);
     directory_.OpenDicomDir(nullptr, 0);
     std::filesystem::current_path(before);
+}
+
+// A path with slashes alone used to be the folder as a whole.
+TEST_F(OpenDirectory, SlashesSeparateTooAndStayInTheFolder) {
+    std::filesystem::create_directories(files_.Path("disc/IMG"));
+    const std::string path = files_.Write("disc/DICOMDIR", OneImage().Build());
+    files_.Write("disc/IMG/X1", OneImage().Build());
+    for (const char* separator : {"/", "\\"}) {
+        const std::string folder = path.substr(0, path.size() - 9);
+        EXPECT_EQ(directory_.OpenDicomDir((folder + separator + "DICOMDIR").c_str(), 0x20000), 1);
+        EXPECT_EQ(directory_.folder, folder);
+        EXPECT_EQ(FirstFullPath(), Upper(folder) + "\\IMG\\X1");
+        const PgDataSetPointer opened(pgOpenDataSetFile(FirstLeaf().fullPath, 64), pgCloseDataSet);
+        EXPECT_NE(opened, nullptr);
+    }
 }
 
 TEST_F(OpenDirectory, TakesAPathOutOfTheListThatItDiscards) {
@@ -188,6 +211,12 @@ TEST_F(Relocation, TheFolderOfAFileIsTaken) {
     EXPECT_EQ(directory_.RelocateOffshoreDicomdir(file.c_str()), 1);
     EXPECT_EQ(directory_.folder, Path("MEDIA"));
     EXPECT_EQ(FirstFullPath(), Upper(Path("MEDIA")) + "\\IMG\\X1");
+}
+
+TEST_F(Relocation, SlashesSeparateToo) {
+    EXPECT_EQ(directory_.RelocateOffshoreDicomdir("no/such\\other/place"), 1);
+    EXPECT_STREQ(directory_.folder, "no/such\\other");
+    EXPECT_EQ(FirstFullPath(), "NO/SUCH\\OTHER\\IMG\\X1");
 }
 
 TEST_F(Relocation, APathThatDoesNotExistIsCutAtItsLastBackslash) {

@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Checks that built modules and programs have their protections against exploits.
+"""Checks that built modules and programs have their protections against exploits, and that Windows
+files need nothing but the system's own libraries and this project's.
 
     check_hardening.py FILE...
 
@@ -42,6 +43,15 @@ def checks_of_elf(path):
     yield from checks_buffers(path, imports)
 
 
+# The universal C runtime is a part of the system; so its streams and heap are the host's too.
+UNIVERSAL_RUNTIME = re.compile(r"api-ms-win-crt-[a-z]+-l1-1-0\.dll")
+SYSTEM_LIBRARIES = {"ADVAPI32.dll", "KERNEL32.dll", "SHELL32.dll", "USER32.dll"}
+
+
+def is_allowed(library):
+    return library in SYSTEM_LIBRARIES | {"pgkit.dll"} or UNIVERSAL_RUNTIME.fullmatch(library)
+
+
 def checks_of_pe(path):
     headers = output_of("x86_64-w64-mingw32-objdump", "-p", path)
     sections = output_of("x86_64-w64-mingw32-objdump", "-h", path)
@@ -52,6 +62,9 @@ def checks_of_pe(path):
     yield "can be loaded above 4 GiB", characteristics & 0x20 != 0
     yield "executes no data", characteristics & 0x100 != 0
     yield "checks its stack frames", "__stack_chk_fail" in symbols
+    imports = re.findall(r"^\s*DLL Name: (\S+)", headers, re.MULTILINE)
+    yield "has the universal C runtime", any(map(UNIVERSAL_RUNTIME.fullmatch, imports))
+    yield "needs the system's libraries only", all(map(is_allowed, imports))
     yield from checks_buffers(path, symbols)
 
 

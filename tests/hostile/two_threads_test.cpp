@@ -4,12 +4,12 @@
 
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "support/captured.h"
 #include "support/instance_file.h"
 #include "support/save_modes.h"
+#include "support/threads.h"
 #include "support/tree.h"
 
 namespace {
@@ -35,19 +35,14 @@ TEST(TwoThreads, WorkOnTheirOwnTreesWithoutLocks) {
     const TempDir directory;
     const std::string path = directory.Write("file", InstanceFile().Data());
     const std::string expected = Work(path, directory.Path("expected"));
-    std::vector<std::thread> threads;
     std::vector<std::string> results(2);
-    for (size_t i = 0; i < results.size(); ++i) {
-        threads.emplace_back([&, i] {
-            const std::string output = directory.Path("output" + std::to_string(i));
-            for (int round = 0; round < kRounds; ++round) {
-                results[i] = Work(path, output);
-                if (results[i] != expected) return;
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    RunOnThreads(results.size(), [&](size_t i) {
+        const std::string output = directory.Path("output" + std::to_string(i));
+        for (int round = 0; round < kRounds; ++round) {
+            results[i] = Work(path, output);
+            if (results[i] != expected) return;
+        }
+    });
     for (const std::string& result : results)
         EXPECT_EQ(result, expected);
 }
@@ -67,21 +62,20 @@ int32_t PatientsOf(const std::string& medium) {
 TEST(TwoThreads, CreateAndBrowseTheirOwnMedia) {
     const TempDir directory;
     std::vector<int32_t> patients(2);
+    std::vector<std::string> media;
+    for (size_t i = 0; i < patients.size(); ++i) {
+        const std::string name = "medium" + std::to_string(i);
+        std::filesystem::create_directory(directory.Path(name));
+        InstanceFile withoutKeys;
+        withoutKeys.Remove(0x0010, 0x0020).Remove(0x0020, 0x0010).Remove(0x0020, 0x0011);
+        directory.Write(name + "/IMAGE", withoutKeys.Data());
+        media.push_back(directory.Path(name));
+    }
     CapturePrinted([&] {
-        std::vector<std::thread> threads;
-        for (size_t i = 0; i < patients.size(); ++i) {
-            const std::string name = "medium" + std::to_string(i);
-            std::filesystem::create_directory(directory.Path(name));
-            InstanceFile withoutKeys;
-            withoutKeys.Remove(0x0010, 0x0020).Remove(0x0020, 0x0010).Remove(0x0020, 0x0011);
-            directory.Write(name + "/IMAGE", withoutKeys.Data());
-            threads.emplace_back([&, i, medium = directory.Path(name)] {
-                for (int round = 0; round < kRounds; ++round)
-                    patients[i] = PatientsOf(medium);
-            });
-        }
-        for (std::thread& thread : threads)
-            thread.join();
+        RunOnThreads(media.size(), [&](size_t i) {
+            for (int round = 0; round < kRounds; ++round)
+                patients[i] = PatientsOf(media[i]);
+        });
     });
     EXPECT_EQ(patients, (std::vector<int32_t>{1, 1}));
 }
@@ -97,10 +91,7 @@ TEST(TwoThreads, HaveTextsOfRecordsOfTheirOwn) {
         return true;
     };
     bool results[2] = {};
-    std::thread first([&] { results[0] = readsItsOwn('a'); });
-    std::thread second([&] { results[1] = readsItsOwn('b'); });
-    first.join();
-    second.join();
+    RunOnThreads(2, [&](size_t thread) { results[thread] = readsItsOwn(thread == 0 ? 'a' : 'b'); });
     EXPECT_TRUE(results[0]);
     EXPECT_TRUE(results[1]);
 }
@@ -110,13 +101,17 @@ TEST(TwoThreads, MaySwitchTheDecodingOfUnElementsWhileFilesAreOpened) {
     const TempDir directory;
     const std::string path = directory.Write("file", InstanceFile().Data());
     const std::string expected = Describe(DataSet(pgOpenDataSetFile(path.c_str(), 0)).get());
-    std::thread switching([] {
-        for (uint32_t round = 0; round < 1000; ++round)
-            pgTryToDecodeUNSequences(round % 2);
+    std::vector<std::string> trees(kRounds);
+    RunOnThreads(2, [&](size_t thread) {
+        if (thread == 0) {
+            for (uint32_t round = 0; round < 1000; ++round)
+                pgTryToDecodeUNSequences(round % 2);
+        } else {
+            for (std::string& tree : trees)
+                tree = Describe(DataSet(pgOpenDataSetFile(path.c_str(), 0)).get());
+        }
     });
-    for (int round = 0; round < kRounds; ++round)
-        EXPECT_EQ(Describe(DataSet(pgOpenDataSetFile(path.c_str(), 0)).get()), expected);
-    switching.join();
+    EXPECT_EQ(trees, std::vector<std::string>(kRounds, expected));
     pgTryToDecodeUNSequences(1);
 }
 

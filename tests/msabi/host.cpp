@@ -97,7 +97,7 @@ void BuildsEditsSavesAndReadsDataSets() {
     pgCloseDataSet(bare);
 }
 
-void StreamsAreShared() {
+void StreamsOfTheHostGoIntoTheModule() {
     PGX_Node* root = NewDataSet();
     FILE* stream = fopen("dump.txt", "w");
     EXPECT(root->Dump(stream, "> ") == 1);
@@ -105,7 +105,47 @@ void StreamsAreShared() {
     stream = fopen("dump.txt", "r");
     EXPECT(fgetc(stream) == '>');
     fclose(stream);
+    stream = fopen("node.bin", "wb");
+    EXPECT(root->WriteNodeEx(stream, PG_LITTLE_ENDIAN | PG_UNDEFINED_LENGTHS) == 0);
+    fclose(stream);
     pgFreeNodeHierarchy(root);
+    // The tree takes the stream over and closes it.
+    PGX_Node* read = pgOpenDataSetFileHandle(fopen("node.bin", "rb"), 0);
+    EXPECT(read != nullptr);
+    ExpectDataSet(read);
+    pgCloseDataSet(read);
+    // Printed among what the host prints.
+    PGX_Node* element = new PGX_Node(NT_DataElement, ET_LittleEndian, 0x0010, 0x0010, VR_PN, 0);
+    EXPECT(element->Dump(stdout, "dumped by the module: ") == 1);
+    pgFreeNode(element);
+}
+
+void StreamsOfTheModuleGoIntoTheHost() {
+    PGX_Node* root = NewDataSet();
+    EXPECT(root->SaveDataSetAsEx("stream.dcm", PG_EXPLICIT_VR | PG_LITTLE_ENDIAN) == 0);
+    pgFreeNodeHierarchy(root);
+    PGX_Node* read = pgOpenDataSetFile("stream.dcm", 0);
+    PGX_Node* name = read->FindNode(0x0010, 0x0010);
+    EXPECT(name->file != nullptr && name->value == nullptr);
+    char bytes[9] = {};
+    EXPECT(fseek(name->file, static_cast<long>(name->fileOffset), 0) == 0);
+    EXPECT(fread(bytes, 1, 8, name->file) == 8 && Equal(bytes, "DOE^JOHN"));
+    // The host closes it, and says so.
+    EXPECT(fclose(read->file) == 0);
+    read->file = nullptr;
+    pgCloseDataSet(read);
+}
+
+void NodesOfTheHostAreFreedByTheModule() {
+    PGX_Node* root = new PGX_Node;
+    PGX_Node* item = new PGX_Node;
+    root->InsertNode(new PGX_Node(NT_DataElement, ET_LittleEndian, 0x0010, 0x0020, VR_LO, 0));
+    root->InsertNode(0x0008, 0x1140, nullptr, 0)->SeqAddTail(item);
+    root->RemoveNode(root->FindNode(0x0010, 0x0020));
+    EXPECT(root->FindNode(0x0010, 0x0020) == nullptr);
+    pgFreeNodeHierarchy(root);
+    pgFreeNode(new PGX_Node);
+    EXPECT(_heapchk() == -2);
 }
 
 void ListsHoldPointers() {
@@ -117,6 +157,16 @@ void ListsHoldPointers() {
     EXPECT(list.GetCount() == 3 && list.GetAt(1) == &things[1]);
     EXPECT(list.GetFirstPosition()->data == &things[0] && list.GetTail() == &things[2]);
     EXPECT(list.RemoveElement(&things[1]) == &things[1] && list.count == 2);
+    PGX_ListElement cell;
+    EXPECT(cell.data == nullptr && cell.next == nullptr);
+    EXPECT(&(cell = *list.GetFirstPosition()) == &cell && cell.next->data == &things[2]);
+    PGX_List* made = pgKitListAllocate();
+    made->AddHead(&things[0]);
+    delete made;
+    PGX_List* own = new PGX_List;
+    own->AddTail(&things[0]);
+    pgKitListDelete(own);
+    EXPECT(_heapchk() == -2);
 }
 
 // ---- Leaves -------------------------------------------------------------------------------------
@@ -309,7 +359,9 @@ extern "C" void Start() {
     CallsFlatFunctions();
     ConstructorsGiveObjectsAndTakeArgumentsFromTheStack();
     BuildsEditsSavesAndReadsDataSets();
-    StreamsAreShared();
+    StreamsOfTheHostGoIntoTheModule();
+    StreamsOfTheModuleGoIntoTheHost();
+    NodesOfTheHostAreFreedByTheModule();
     ListsHoldPointers();
     LeavesOfEveryClass();
     DeletingALeafFreesWhatItOwns();

@@ -10,12 +10,13 @@ extern "C" {
 
 __declspec(dllimport) void* malloc(size_t size);
 __declspec(dllimport) void free(void* block);
-__declspec(dllimport) int printf(const char* format, ...);
 __declspec(dllimport) int strcmp(const char* a, const char* b);
 __declspec(dllimport) char* strcpy(char* to, const char* from);
 __declspec(dllimport) FILE* fopen(const char* path, const char* mode);
 __declspec(dllimport) int fclose(FILE* stream);
 __declspec(dllimport) int fgetc(FILE* stream);
+__declspec(dllimport) size_t fread(void* buffer, size_t size, size_t count, FILE* stream);
+__declspec(dllimport) int fseek(FILE* stream, long offset, int origin);
 __declspec(dllimport) void exit(int status);
 __declspec(dllimport) int _heapchk(void);  // -2 when the heap is sound
 

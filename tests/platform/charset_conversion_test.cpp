@@ -5,8 +5,9 @@
 
 #include <cstdint>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "support/threads.h"
 
 namespace {
 
@@ -174,21 +175,16 @@ TEST(CharsetConversion, SeveralOfOneSetGoTogether) {
 }
 
 TEST(CharsetConversion, ThreadsDoNotMeet) {
-    std::vector<std::thread> threads;
     std::vector<int> wrong(4);
-    for (int& count : wrong) {
-        threads.emplace_back([&count] {
-            for (int i = 0; i < 2000; ++i) {
-                CharsetConversion korean(Charset::KsX1001);
-                CharsetConversion greek(Charset::Iso8859_7);
-                if (korean.Decode("\310\253") != 0xD64D) ++count;
-                if (greek.Decode("\304") != 0x0394) ++count;
-                if (Encoded(korean, 0xD64D) != "\310\253") ++count;
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    pgkit_test::RunOnThreads(wrong.size(), [&wrong](size_t thread) {
+        for (int i = 0; i < 2000; ++i) {
+            CharsetConversion korean(Charset::KsX1001);
+            CharsetConversion greek(Charset::Iso8859_7);
+            if (korean.Decode("\310\253") != 0xD64D) ++wrong[thread];
+            if (greek.Decode("\304") != 0x0394) ++wrong[thread];
+            if (Encoded(korean, 0xD64D) != "\310\253") ++wrong[thread];
+        }
+    });
     EXPECT_EQ(wrong, std::vector<int>(4));
 }
 

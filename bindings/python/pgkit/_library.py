@@ -12,7 +12,8 @@ import sys
 from ctypes import POINTER, c_char_p, c_int32, c_size_t, c_uint16, c_uint32, c_void_p
 from typing import Union
 
-_FILE_NAME = "pgkit.dll" if os.name == "nt" else "libpgkit.so"
+# With the version of the interface first: the plain name is there for developers only.
+_FILE_NAMES = ("pgkit.dll",) if os.name == "nt" else ("libpgkit.so.2", "libpgkit.so")
 
 StrPath = Union[str, "os.PathLike[str]"]
 
@@ -94,6 +95,8 @@ _PROTOTYPES = {
     "pgxGetUIDName": (c_size_t, c_char_p, c_char_p, c_size_t),
     "pgCheckUID": (c_int32, c_char_p),
     "pgGetVersionString": (c_int32, c_char_p, c_int32),
+    "pgxSetVerbosity": (c_int32, c_int32),
+    "pgxSetPathEncoding": (c_int32, c_int32),
     # Media.
     "pgKitOpenDicomDir": (c_void_p, c_char_p, c_uint32),
     "pgKitCloseDicomDir": (None, c_void_p),
@@ -128,9 +131,9 @@ def _candidates() -> list[str]:
     package = pathlib.Path(__file__).resolve().parent
     folder = "bin" if os.name == "nt" else "lib"
     # PREFIX/share/pgkit/python/pgkit is where an installation puts the package.
-    places = [package / _FILE_NAME, package.parents[3] / folder / _FILE_NAME] \
-        if len(package.parents) > 3 else [package / _FILE_NAME]
-    return [str(place) for place in places if place.is_file()] + [_FILE_NAME]
+    folders = [package] + ([package.parents[3] / folder] if len(package.parents) > 3 else [])
+    places = [place / name for place in folders for name in _FILE_NAMES]
+    return [str(place) for place in places if place.is_file()] + [_FILE_NAMES[0]]
 
 
 def _load() -> tuple[ctypes.CDLL, str]:
@@ -155,6 +158,9 @@ def _declare(library: ctypes.CDLL) -> None:
 
 lib, _path = _load()
 _declare(lib)
+lib.pgxSetVerbosity(0)
+_PATHS_UTF8 = 1
+lib.pgxSetPathEncoding(_PATHS_UTF8)
 
 
 def library_path() -> str:
@@ -170,8 +176,8 @@ def library_version() -> str:
 
 
 def encoded_path(path: StrPath) -> bytes:
-    """A path as the library takes it. It calls the narrow functions of the C runtime."""
-    encoding = "mbcs" if os.name == "nt" else sys.getfilesystemencoding()
+    """A path as the library takes it."""
+    encoding = "utf-8" if os.name == "nt" else sys.getfilesystemencoding()
     errors = "strict" if os.name == "nt" else "surrogateescape"
     return c_text(os.fspath(path), encoding, errors)
 
@@ -187,7 +193,7 @@ def backslashed_path(path: StrPath) -> bytes:
 
 def decoded_path(path: bytes) -> str:
     """A path, or a name of a file, that the library gave."""
-    return path.decode("mbcs", "replace") if os.name == "nt" else os.fsdecode(path)
+    return path.decode("utf-8", "replace") if os.name == "nt" else os.fsdecode(path)
 
 
 def c_text(text: str, encoding: str = "ascii", errors: str = "strict") -> bytes:

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "base/firewall.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "dicomdir/create/directory_file.h"
 #include "dicomdir/object_list.h"
@@ -183,7 +184,7 @@ void AcceptanceList::Keep() { former_.Discard(); }
 std::string_view AcceptanceList::RelativePath(std::string_view fullPath) const {
     if (!StartsWithPath(fullPath, folder_)) return fullPath;
     const std::string_view rest = fullPath.substr(folder_.size());
-    return rest.starts_with('\\') || rest.starts_with('/') ? rest.substr(1) : fullPath;
+    return !rest.empty() && IsSeparator(rest.front()) ? rest.substr(1) : fullPath;
 }
 
 }  // namespace pgkit

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/firewall.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "codec/write_result.h"
 #include "dicomdir/create/creation.h"
@@ -23,7 +24,7 @@ namespace {
 uint32_t Create(const char* folder, const char* profile, const PgDicomdirOptions* options,
                 PgDicomdirScanCallback callback, void* userData) {
     if (folder == nullptr) return kCannotCreate;
-    const std::string medium = WithoutTrailingBackslash(folder);
+    const std::string medium = WithoutTrailingSeparator(folder);
     DirectoryFile(medium).RemoveStrays();
     const OwnPatients patients = NewPatients();
     Creation creation(medium, OrEmpty(profile), options, *patients);
@@ -34,7 +35,7 @@ uint32_t Create(const char* folder, const char* profile, const PgDicomdirOptions
 
 void Scan(const char* folder, const char* profile, const PgDicomdirOptions* options,
           PGX_List& patients, PgDicomdirScanCallback callback, void* userData) {
-    Creation creation(WithoutTrailingBackslash(folder), OrEmpty(profile), options, patients);
+    Creation creation(WithoutTrailingSeparator(folder), OrEmpty(profile), options, patients);
     creation.StartList();
     creation.Scan(callback, userData);
     creation.KeepList();
@@ -60,8 +61,6 @@ PGX_List* NewListOf(const char* folder, const char* profile, const PgDicomdirOpt
 
 // ---- One file -----------------------------------------------------------------------------------
 
-bool IsSeparator(char c) { return c == '\\' || c == '/'; }
-
 // A character as paths compare: separators are alike, and letters of either kind where the system
 // takes them for the same.
 char Folded(char c) {
@@ -86,11 +85,9 @@ uint32_t AddFile(PGX_List* patients, const char* directory, const char* path, co
     if (patients == nullptr || directory == nullptr || path == nullptr) {
         return PG_INVALID_FILE_NAME;
     }
-    std::string_view folder(directory);
-    if (!folder.empty() && IsSeparator(folder.back())) folder.remove_suffix(1);
-    const std::string name = PathBelow(folder, path);
+    const std::string medium = WithoutTrailingSeparator(directory);
+    const std::string name = PathBelow(medium, path);
     if (name.empty()) return PG_INVALID_FILE_NAME;
-    const std::string medium(folder);
     const std::string fullPath = medium + "\\" + name;
     return Creation(medium, OrEmpty(profile), options, *patients)
         .Add({name.c_str(), fullPath.c_str()});
@@ -116,7 +113,7 @@ using OwnOffshoreCreation = std::unique_ptr<OffshoreCreation>;
 OffshoreCreation* Start(const char* folder, const PgDicomdirOptions* options) {
     if (folder == nullptr) return nullptr;
     const auto shortened = std::string_view(folder).substr(0, kMaxFolder);
-    return new OffshoreCreation(WithoutTrailingBackslash(shortened), options);
+    return new OffshoreCreation(WithoutTrailingSeparator(shortened), options);
 }
 
 uint32_t Add(OffshoreCreation* offshore, const char* referencedName, const char* fullPath) {

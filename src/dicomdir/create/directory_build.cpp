@@ -3,7 +3,10 @@
 #include <new>
 
 #include "base/firewall.h"
+#include "base/identity.h"
 #include "base/text.h"
+#include "codec/part10_format.h"
+#include "codec/transfer_syntax.h"
 #include "codec/write_result.h"
 #include "dataset/node_ptr.h"
 #include "dicomdir/create/directory_file.h"
@@ -18,9 +21,6 @@ namespace pgkit {
 
 namespace {
 
-constexpr std::string_view kImplementation = "KIT_ZORVA_2865";
-constexpr uint8_t kMetaInformationVersion[] = {0x00, 0x01};
-
 NodeTree NewFileSet(std::string_view fileSetId) {
     NodeTree root(pgAllocateDataSetNode());
     if (root == nullptr) throw std::bad_alloc();
@@ -28,10 +28,10 @@ NodeTree NewFileSet(std::string_view fileSetId) {
              sizeof kMetaInformationVersion);
     PutText(*root, tags::kMediaStorageSopClassUid, kMediaStorageDirectory);
     PutText(*root, tags::kMediaStorageSopInstanceUid, NewDicomdirUid());
-    PutText(*root, tags::kTransferSyntaxUid, "1.2.840.10008.1.2.1");
-    PutText(*root, tags::kImplementationClassUid, "1.2.999.1.47.453.2865");
-    PutText(*root, tags::kImplementationVersionName, kImplementation);
-    PutText(*root, tags::kFileSetId, fileSetId.empty() ? kImplementation : fileSetId);
+    PutText(*root, tags::kTransferSyntaxUid, kExplicitVrLittleEndianUid);
+    PutText(*root, tags::kImplementationClassUid, kImplementationClassUid);
+    PutText(*root, tags::kImplementationVersionName, kDirectoryFileImplementation);
+    PutText(*root, tags::kFileSetId, fileSetId.empty() ? kDirectoryFileImplementation : fileSetId);
     PutNumber<uint32_t>(*root, tags::kFirstRootRecord, 0);
     PutNumber<uint32_t>(*root, tags::kLastRootRecord, 0);
     PutNumber<uint16_t>(*root, tags::kFileSetConsistency, 0);
@@ -153,7 +153,7 @@ namespace {
 
 uint32_t Build(PGX_List* patients, const char* folder, const char* fileSetId) {
     if (patients == nullptr || folder == nullptr) return kCannotCreate;
-    const std::string medium = WithoutTrailingBackslash(folder);
+    const std::string medium = WithoutTrailingSeparator(folder);
     AcceptanceList list(medium);
     return BuildDirectoryFile(*patients, {.folder = medium,
                                           .fileSetId = OrEmpty(fileSetId),

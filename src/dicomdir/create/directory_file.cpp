@@ -1,6 +1,7 @@
 #include "dicomdir/create/directory_file.h"
 
 #include "base/diagnostics.h"
+#include "base/paths.h"
 #include "codec/write_result.h"
 #include "platform/platform.h"
 #include "platform/replacement_name.h"
@@ -13,8 +14,8 @@ constexpr int32_t kWriteMode = PG_LITTLE_ENDIAN | PG_EXPLICIT_VR | PG_META;
 
 }  // namespace
 
-std::string WithoutTrailingBackslash(std::string_view folder) {
-    if (folder.ends_with('\\')) folder.remove_suffix(1);
+std::string WithoutTrailingSeparator(std::string_view folder) {
+    if (!folder.empty() && IsSeparator(folder.back())) folder.remove_suffix(1);
     return std::string(folder);
 }
 

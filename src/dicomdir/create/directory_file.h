@@ -12,8 +12,8 @@ namespace pgkit {
 
 inline constexpr const char* kDicomdirName = "DICOMDIR";
 
-// A folder as callers name it: one backslash at the end does not count.
-std::string WithoutTrailingBackslash(std::string_view folder);
+// A folder as callers name it: one separator at the end does not count.
+std::string WithoutTrailingSeparator(std::string_view folder);
 
 // Whether a name in the folder of a directory file is one of the files that grow beside it.
 bool IsReplacementOfDicomdir(std::string_view name);

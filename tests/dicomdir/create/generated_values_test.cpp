@@ -4,8 +4,9 @@
 
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "support/threads.h"
 
 namespace {
 
@@ -17,15 +18,10 @@ int NumberBehind(const std::string& text, char separator) {
 TEST(GeneratedValues, AreNeverGivenTwiceToThreadsThatAskAtTheSameTime) {
     constexpr size_t kValues = 20000;
     std::vector<std::string> values[2];
-    std::vector<std::thread> threads;
-    for (std::vector<std::string>& mine : values) {
-        threads.emplace_back([&mine] {
-            while (mine.size() < kValues)
-                mine.push_back(pgkit::NewPatientId());
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    pgkit_test::RunOnThreads(2, [&values](size_t i) {
+        while (values[i].size() < kValues)
+            values[i].push_back(pgkit::NewPatientId());
+    });
     std::set<std::string> all(values[0].begin(), values[0].end());
     all.insert(values[1].begin(), values[1].end());
     EXPECT_EQ(all.size(), 2 * kValues);

@@ -1,0 +1,27 @@
+// Paths as texts. A slash separates like a backslash, on every platform.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace pgkit {
+
+constexpr std::string_view kSeparators = "\\/";
+
+constexpr bool IsSeparator(char c) { return kSeparators.find(c) != std::string_view::npos; }
+
+// The part of a path in front of its last separator; all of it when it has none.
+constexpr std::string_view FolderOf(std::string_view path) {
+    return path.substr(0, path.find_last_of(kSeparators));
+}
+
+// The folder that a file is in, by which paths to its neighbours begin. A bare name is in the
+// current one, be it that of a drive.
+inline std::string FolderOfFile(std::string_view path) {
+    if (path.find_last_of(kSeparators) != std::string_view::npos)
+        return std::string(FolderOf(path));
+    const bool hasDrive = path.size() > 1 && path[1] == ':';
+    return std::string(hasDrive ? path.substr(0, 2) : std::string_view()) + ".";
+}
+
+}  // namespace pgkit

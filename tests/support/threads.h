@@ -1,0 +1,13 @@
+// Threads for tests, on every platform: the compiler for Windows has none in its library.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace pgkit_test {
+
+// Runs work(0) to work(count - 1), each on a thread of its own, and returns when all have ended.
+// Nothing may be asserted on these threads.
+void RunOnThreads(size_t count, const std::function<void(size_t)>& work);
+
+}  // namespace pgkit_test
