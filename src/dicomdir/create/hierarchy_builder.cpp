@@ -84,8 +84,8 @@ AddedObjects HierarchyBuilder::FindOrMakeParents(const Candidate& candidate, New
     return parents;
 }
 
-// Makes the icon of an image, and returns one for its series, which looks like the first of its images
-// that has an icon.
+// Makes the icon of an image, and returns one for its series, which looks like the first of its
+// images that has an icon.
 BitmapHandle HierarchyBuilder::MakeIcons(const FileToAdd& file, Leaf& leaf, const Series& series) {
     const LeafKind& kind = KindOf(leaf);
     if (kind.icon == nullptr) return nullptr;
