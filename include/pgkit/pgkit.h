@@ -34,6 +34,7 @@
 #ifndef PGKIT_PGKIT_H
 #define PGKIT_PGKIT_H
 
+#include "pgkit/acceptance.h"
 #include "pgkit/accessors.h"
 #include "pgkit/dataset.h"
 #include "pgkit/diagnostics.h"

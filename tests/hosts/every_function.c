@@ -67,6 +67,7 @@ static void CallUids(void) {
     EXPECT(pgxGetVRPrintableName(VR_PN, text, sizeof text) == 2);
     EXPECT(pgxProfileCount() == 56);
     EXPECT(pgxProfileName(0, text, sizeof text) == strlen(text) && pgxIsProfile(text) == 1);
+    EXPECT(pgxAcceptanceText(PG_IS_A_DICOMDIR, text, sizeof text) == 18);
     int yes = 0;
     for (size_t i = 0; i < COUNT_OF(kCategories); ++i)
         yes += kCategories[i](ct);
