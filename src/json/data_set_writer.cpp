@@ -13,17 +13,14 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint16_t kIdentifyingGroup = 0x0008;
-constexpr uint16_t kSpecificCharacterSet = 0x0005;
-
 bool IsCharacterSet(const PGX_Node& node) {
-    return node.group == kIdentifyingGroup && node.element == kSpecificCharacterSet;
+    return Tag{node.group, node.element} == tags::kSpecificCharacterSet;
 }
 
 // The element that a data set has, or that is given itself; null for null.
 PGX_Node* FindCharacterSet(PGX_Node* node) {
     if (node == nullptr || node->nodeType == NT_DataElement) return node;
-    return node->FindNode(kIdentifyingGroup, kSpecificCharacterSet);
+    return node->FindNode(tags::kSpecificCharacterSet.group, tags::kSpecificCharacterSet.element);
 }
 
 // The first item of a list of siblings.
@@ -93,7 +90,7 @@ void DataSetWriter::BeginElement(uint16_t group, uint16_t element, const char* v
 }
 
 void DataSetWriter::WriteCharacterSet() {
-    BeginElement(kIdentifyingGroup, kSpecificCharacterSet, "CS");
+    BeginElement(tags::kSpecificCharacterSet.group, tags::kSpecificCharacterSet.element, "CS");
     output_.StartValues();
     output_.String("ISO_IR 192");
     output_.EndArray();
@@ -101,7 +98,8 @@ void DataSetWriter::WriteCharacterSet() {
 }
 
 int32_t DataSetWriter::WriteElement(Level& level, PGX_Node& element) {
-    constexpr uint32_t kCharacterSetKey = TagKey(kIdentifyingGroup, kSpecificCharacterSet);
+    constexpr uint32_t kCharacterSetKey =
+        TagKey(tags::kSpecificCharacterSet.group, tags::kSpecificCharacterSet.element);
     if (level.lacksCharacterSet && TagKey(element.group, element.element) > kCharacterSetKey) {
         WriteCharacterSet();
         level.lacksCharacterSet = false;
@@ -169,7 +167,8 @@ bool DataSetWriter::NeedsCharacterSet(PGX_Node& dataSet) {
         WalkStep Enter(PGX_Node& node, size_t depth) {
             if (node.nodeType == NT_DataSet) {
                 const bool hasOwn =
-                    depth > 0 && node.FindNode(kIdentifyingGroup, kSpecificCharacterSet) != nullptr;
+                    depth > 0 && node.FindNode(tags::kSpecificCharacterSet.group,
+                                               tags::kSpecificCharacterSet.element) != nullptr;
                 return hasOwn ? WalkStep::SkipChildren : WalkStep::Continue;
             }
             found = IsWrittenToJson(node) && values.NeedsCharacterSet(node, node.valueRep);

@@ -26,8 +26,6 @@ constexpr size_t kDecodedPiece = 3 * kTextPiece + 1;
 // As many bytes as fit what the output gives room for.
 constexpr size_t kBinaryPiece = JsonOutput::kMaxReserved / 4 * 3 / 24 * 24;
 
-constexpr std::string_view kPadding(" \0", 2);
-
 ByteOrder OrderOf(const PGX_Node& node) {
     return node.endian == ET_BigEndian ? ByteOrder::Big : ByteOrder::Little;
 }
@@ -41,8 +39,8 @@ size_t LengthWithoutPadding(const ValuePieces& pieces) {
     for (size_t end = pieces.Size(); end > 0;) {
         const size_t begin = end > kTextPiece ? end - kTextPiece : 0;
         const std::string_view piece = AsText(pieces.At(begin, end - begin));
-        const size_t last = piece.find_last_not_of(kPadding);
-        if (last != std::string_view::npos) return begin + last + 1;
+        const size_t length = WithoutPadding(piece).size();
+        if (length > 0) return begin + length;
         end = begin;
     }
     return 0;

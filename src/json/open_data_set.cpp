@@ -12,9 +12,6 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint16_t kIdentifyingGroup = 0x0008;
-constexpr uint16_t kSpecificCharacterSet = 0x0005;
-
 constexpr std::string_view kUtf8Term = "ISO_IR 192";
 
 uint32_t KeyOf(const PGX_Node* node) { return TagKey(node->group, node->element); }
@@ -90,7 +87,8 @@ NodeTree OpenDataSet::End(bool isItem) {
     RemoveDropped();
     if (!isOrdered_) Sort();
     if (needsUtf8) {
-        PGX_Node* const own = dataSet_->FindNode(kIdentifyingGroup, kSpecificCharacterSet);
+        PGX_Node* const own = dataSet_->FindNode(tags::kSpecificCharacterSet.group,
+                                                 tags::kSpecificCharacterSet.element);
         if (own != nullptr || !isItem) {
             SetCharacterSet(own);
             needsUtf8 = false;
@@ -129,8 +127,8 @@ void OpenDataSet::Sort() {
 void OpenDataSet::SetCharacterSet(PGX_Node* own) {
     NodeTree added;
     if (own == nullptr) {
-        added.reset(new PGX_Node(NT_DataElement, ET_LittleEndian, kIdentifyingGroup,
-                                 kSpecificCharacterSet, VR_CS, 0));
+        added.reset(new PGX_Node(NT_DataElement, ET_LittleEndian, tags::kSpecificCharacterSet.group,
+                                 tags::kSpecificCharacterSet.element, VR_CS, 0));
         own = added.get();
     }
     own->valueRep = VR_CS;

@@ -6,13 +6,12 @@
 #include "base/text.h"
 #include "json/number_text.h"
 #include "pgkit/value_representation.h"
+#include "text/text_decoder.h"
 #include "text/text_rules.h"
 
 namespace pgkit {
 
 namespace {
-
-constexpr std::string_view kPadding(" \0", 2);
 
 // A longer run of blanks is no padding, and a longer text no number.
 constexpr size_t kMaxHeldBack = 0x10000;
@@ -60,7 +59,7 @@ void TextValues::End() {
 // Of a value, or of a component of one, between delimiters.
 void TextValues::PutPart(std::string_view text) {
     if (HoldsBackNumber(text) || component_ >= kComponents.size()) return;
-    const size_t end = text.find_last_not_of(kPadding) + 1;
+    const size_t end = WithoutPadding(text).size();
     if (end > 0) {
         PutContent(heldBack_);
         PutContent(text.substr(0, end));
@@ -129,8 +128,7 @@ void TextValues::EndValue(bool isLast) {
 
 // False when there is nothing but padding.
 bool TextValues::WriteNumber() {
-    const std::string_view text =
-        std::string_view(number_).substr(0, number_.find_last_not_of(kPadding) + 1);
+    const std::string_view text = WithoutPadding(number_);
     const std::string_view digits = TrimBlanks(text);
     if (digits.empty()) {
         number_.clear();

@@ -11,6 +11,7 @@
 #include "base/firewall.h"
 #include "base/text.h"
 #include "dataset/value_source.h"
+#include "dictionary/tags.h"
 #include "pgkit/node.h"
 #include "text/text_decoder.h"
 #include "text/text_encoder.h"
@@ -18,9 +19,6 @@
 namespace pgkit {
 
 namespace {
-
-constexpr uint16_t kIdentifyingGroup = 0x0008;
-constexpr uint16_t kSpecificCharacterSet = 0x0005;
 
 constexpr uint32_t kMaxValueLength = 0xFFFFFFFE;
 
@@ -61,7 +59,8 @@ bool IsElement(const PGX_Node& node) { return node.nodeType == NT_DataElement; }
 // What the argument of the functions on elements stands for; empty for null.
 std::string CharacterSetOf(PGX_Node* characterSet) {
     if (characterSet != nullptr && !IsElement(*characterSet)) {
-        characterSet = characterSet->FindNode(kIdentifyingGroup, kSpecificCharacterSet);
+        characterSet = characterSet->FindNode(tags::kSpecificCharacterSet.group,
+                                              tags::kSpecificCharacterSet.element);
     }
     if (characterSet == nullptr || !HasValue(*characterSet)) return std::string();
     return std::string(ValueBytes(*characterSet, kMaxCharacterSetText).Text());
@@ -164,7 +163,8 @@ int64_t DecodeField(const char* attribute, uint32_t valueRep, const char* field,
 
 PGX_Node* FindCharacterSet(PGX_Node* dataSet, PGX_Node* inherited) {
     if (dataSet == nullptr) return inherited;
-    PGX_Node* const own = dataSet->FindNode(kIdentifyingGroup, kSpecificCharacterSet);
+    PGX_Node* const own =
+        dataSet->FindNode(tags::kSpecificCharacterSet.group, tags::kSpecificCharacterSet.element);
     return own != nullptr ? own : inherited;
 }
 
