@@ -159,6 +159,7 @@ both_lane() {
         "$root/build/windows-x64/bin/pgtool.exe"
     start icons tests/interop/compare_icons.py build/native/bin/creation_probe "$wine" \
         "$root/build/windows-x64/bin/creation_probe.exe"
+    start compilers tests/compilers/check_compilers.py build/native build/windows-x64 "$wine"
     start installation tests/consumer/check_installation.py build/native build/windows-x64 "$wine"
 }
 
@@ -223,7 +224,7 @@ done
 if ! $quick; then
     count_gtest native-tsan-pgkit_thread_tests
     count_status lint
-    for name in exports msabi hardening interop neighbours text written media icons installation directories; do
+    for name in exports msabi compilers hardening interop neighbours text written media icons installation directories; do
         count_summary "$name"
     done
 fi

@@ -25,7 +25,8 @@ TOOLCHAIN = ROOT / "cmake/mingw-w64-x86_64.cmake"
 RLE_IMAGE = ROOT / "tests/data/encapsulated/rtdose_rle_15frames_no_bot.dcm"
 MR_IMAGE = ROOT / "tests/data/native/mr_implicit_le.dcm"
 VERSION = "2.86e 24-mar-2o15"
-EXAMPLES = ("read_and_print", "edit_and_save", "build_data_set", "browse_disc", "make_disc",
+EXAMPLES = ("read_and_print", "anonymize_folder", "frames_to_raw", "read_with_classes",
+            "edit_and_save", "build_data_set", "browse_disc", "make_disc",
             "read_in_c")
 
 
@@ -148,7 +149,9 @@ def check_content(kit):
                  "docs/files.md", "docs/ownership.md", "docs/architecture.md",
                  "examples/CMakeLists.txt"]
     expected = (modules + [f"share/doc/pgkit/{name}" for name in documents]
-                + [f"include/pgkit/{path.name}" for path in ROOT.glob("include/pgkit/*.h")]
+                + [f"include/pgkit/{path.name}" for path in ROOT.glob("include/pgkit/*.h*")]
+                + [f"include/pgkit/cpp/{path.name}"
+                   for path in ROOT.glob("include/pgkit/cpp/*.hpp")]
                 + ["share/pgkit/python/pgkit/__init__.py", "share/pgkit/debugger/pgkit.natvis",
                    "lib/cmake/pgkit/pgkitConfig.cmake", "lib/pkgconfig/pgkit.pc"])
     found = {path.relative_to(kit.prefix).as_posix(): path
