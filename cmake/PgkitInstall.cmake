@@ -68,6 +68,18 @@ install(FILES
   DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md")
+# The public headers as one page. A machine without Python installs them alone.
+find_package(Python3 COMPONENTS Interpreter)
+if(Python3_FOUND)
+  file(GLOB public_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/pgkit/*.h)
+  set(api_page ${PROJECT_BINARY_DIR}/docs/api.md)
+  set(make_api_page ${PROJECT_SOURCE_DIR}/scripts/make-api-docs.py)
+  add_custom_command(OUTPUT ${api_page}
+    COMMAND Python3::Interpreter ${make_api_page} ${api_page}
+    DEPENDS ${make_api_page} ${public_headers} VERBATIM)
+  add_custom_target(pgkit_api_page ALL DEPENDS ${api_page})
+  install(FILES ${api_page} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python
   DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit

@@ -3,7 +3,6 @@
 
     check-docs.py DIRECTORY_OF_PROGRAMS
 
-- docs/api.md is what scripts/make-api-docs.py makes.
 - A block behind "<!-- quote FILE -->" is part of that file, line by line.
 - A block behind "<!-- transcript -->" is what its commands ("$ pgtool ...") really print; a line
   "..." stands for any number of lines.
@@ -35,14 +34,6 @@ PATH = re.compile(r"`((?:\w+/)+[\w.-]*)`")
 FOLDERS = ("bench", "bindings", "cmake", "docs", "examples", "fuzz", "imaging", "include", "scripts",
            "src", "tests", "tools")
 SOURCE_FOLDERS = tuple(path.name for path in (ROOT / "src").iterdir() if path.is_dir())
-
-
-def check_api():
-    made = subprocess.run([ROOT / "scripts/make-api-docs.py", "--print"], check=True, text=True,
-                          stdout=subprocess.PIPE).stdout
-    if made != (ROOT / "docs/api.md").read_text():
-        return "docs/api.md is out of date: run scripts/make-api-docs.py"
-    return None
 
 
 def check_frozen_text(text):
@@ -89,7 +80,6 @@ def check_references(document):
 
 
 def checks(programs):
-    yield "api", "docs/api.md", check_api, ()
     for document in [*DOCUMENTS, *sorted((ROOT / "docs").glob("*.md"))]:
         name = document.relative_to(ROOT).as_posix()
         text = document.read_text()

@@ -1,15 +1,13 @@
 #!/usr/bin/env python3
-"""Makes docs/api.md from the comments of the public headers.
+"""Makes one page, with an index, of the comments of the public headers: make-api-docs.py FILE
 
-    make-api-docs.py            writes the page
-    make-api-docs.py --print    prints it instead
+The build does that for packages, which have it as docs/api.md.
 """
 import pathlib
 import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-PAGE = ROOT / "docs/api.md"
 FIRST = ["pgkit.h", "dataset.h", "node.h", "list.h", "accessors.h"]
 INTRODUCTION = """# The interface
 
@@ -132,12 +130,9 @@ def page():
 
 
 def main(arguments):
-    if arguments == ["--print"]:
-        sys.stdout.write(page())
-    elif not arguments:
-        PAGE.write_text(page())
-    else:
+    if len(arguments) != 1:
         sys.exit(__doc__)
+    pathlib.Path(arguments[0]).write_text(page(), encoding="utf-8")
 
 
 if __name__ == "__main__":

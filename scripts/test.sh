@@ -154,6 +154,7 @@ both_lane() {
         build/native/bin/{libpgkit.so,pgview32.so,pgtool} \
         build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
     start text tests/interop/compare_text.py build/native/bin/libpgkit.so
+    start frames tests/interop/compare_frames.py build/native/bin/libpgkit.so
     start neighbours tests/interop/hostile_neighbours.py "$root/build/native/bin/pgtool"
     start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
     start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" "$wine" \
@@ -186,6 +187,14 @@ progress "installing what is missing"
 scripts/install-packages.sh test || give_up "installing packages"
 rm -rf "$results"
 mkdir -p "$results"
+
+# The tests write many thousands of small files, and have some of them put on the disk, which costs
+# minutes: where there is room for them they stand in memory.
+if [[ $(df --output=avail --block-size=1G /dev/shm 2>/dev/null | tail -n 1) -ge 4 ]]; then
+    TMPDIR=$(mktemp -d -p /dev/shm pgkit-test-XXXXXX)
+    export TMPDIR
+    trap 'rm -rf "$TMPDIR"' EXIT
+fi
 
 # An exit status of its own tells a sanitizer's report from a failed test.
 export ASAN_OPTIONS=exitcode=99:detect_leaks=1 UBSAN_OPTIONS=exitcode=99:print_stacktrace=1

@@ -31,12 +31,13 @@ uint32_t RenewMeta(pgkit::data_set& root, const std::string& transferSyntax) {
     return root.node()->syntaxFlags | PG_META;
 }
 
-std::string AnonymizeOne(const AnonymizeRequest& request, const Input& input,
-                         const std::string& target) {
-    auto root = Open(input.path, kLoadedForSaving);
-    if (!root) return root.error().message;
+pgkit::error AnonymizeOne(const AnonymizeRequest& request, const Input& input,
+                          const std::string& target) {
+    auto root = Open(input.path);
+    if (!root) return root.error();
     if (root->contains({0x0004, 0x1220})) {
-        return input.path + ": it is a DICOMDIR; make a new one of the files (mkdir)";
+        return {pgkit::failure::wrong_type,
+                input.path + ": it is a DICOMDIR; make a new one of the files (mkdir)"};
     }
     for (const std::string& warning : Warnings(*root)) {
         std::fprintf(stderr, "pgtool anonymize: %s: warning: %s\n", WithEscapes(input.path).c_str(),
@@ -45,7 +46,7 @@ std::string AnonymizeOne(const AnonymizeRequest& request, const Input& input,
     const std::string transferSyntax = root->find({0x0002, 0x0010}).text();
     Anonymizer(request.profile, request.uids).Apply(*root);
     const uint32_t mode = RenewMeta(*root, transferSyntax);
-    return SaveWhole(*std::move(root), target, mode);
+    return Save(*std::move(root), target, mode);
 }
 
 // "30", "-400".

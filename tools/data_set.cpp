@@ -9,7 +9,7 @@
 
 #include "long_values.h"
 #include "output_file.h"
-#include "pgkit/dictionary.h"
+#include "pgkit/open_report.h"
 #include "standard_streams.h"
 
 namespace pgtool {
@@ -17,10 +17,6 @@ namespace pgtool {
 namespace {
 
 constexpr const char* kNoDataSet = "it is no DICOM data set";
-
-// Whoever says how a file is encoded says that it is a data set.
-constexpr uint32_t kForced = PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_IMPLICIT_VR |
-                             PG_OPEN_FORCE_LITTLE_ENDIAN | PG_OPEN_FORCE_BIG_ENDIAN;
 
 struct CloseFile {
     void operator()(std::FILE* stream) const { std::fclose(stream); }
@@ -38,65 +34,57 @@ pgkit::error CannotOpen(pgkit::failure kind, const std::string& path, const std:
     return {kind, "cannot open " + path + ": " + reason};
 }
 
-uint32_t NumberAt(const unsigned char* bytes, size_t size, bool isLittle) {
-    uint32_t number = 0;
-    for (size_t i = 0; i < size; ++i)
-        number = number << 8 | bytes[isLittle ? size - 1 - i : i];
-    return number;
+size_t ReadStandardInput(void*, void* bytes, size_t size) {
+    const size_t count = std::fread(bytes, 1, size, stdin);
+    return count == 0 && std::ferror(stdin) != 0 ? PGX_READ_FAILED : count;
 }
 
-// Whether a file without meta information begins with an element that the tables know, whose value
-// fits into the file.
-bool BeginsWithElement(const unsigned char* header, bool isLittle, uint64_t fileSize) {
-    const auto group = static_cast<uint16_t>(NumberAt(header, 2, isLittle));
-    const auto element = static_cast<uint16_t>(NumberAt(header + 2, 2, isLittle));
-    const bool isKnown = group % 2 == 0 && pgFindValueRepresentation(group, element) != VR_Unknown;
-    if (!isKnown && group != 0x0008) return false;
-    const char letters[3] = {static_cast<char>(header[4]), static_cast<char>(header[5]), '\0'};
-    if (pgFindValueRepresentationVR(letters) != VR_Unknown) return true;
-    const uint32_t length = NumberAt(header + 4, 4, isLittle);
-    return length == 0xFFFFFFFF || length + 8 <= fileSize;
+std::string PlaceOf(const PgxOpenReport& report) {
+    const pgkit::tag tag{report.group, report.element};
+    const std::string keyword = tag.keyword();
+    return "at byte " + std::to_string(report.offset) + ", in " + tag.text() +
+           (keyword.empty() ? "" : " ") + keyword;
 }
 
-bool LooksLikeDataSet(std::FILE* stream) {
-    constexpr size_t kPreamble = 128;
-    std::array<unsigned char, kPreamble + 4> start{};
-    const size_t size = std::fread(start.data(), 1, start.size(), stream);
-    if (std::ferror(stream) != 0) return true;  // a directory: opening it tells
-    if (size == start.size() && std::memcmp(&start[kPreamble], "DICM", 4) == 0) return true;
-    if (size < 8) return false;
-    const bool isSought = std::fseek(stream, 0, SEEK_END) == 0;
-    const long end = isSought ? std::ftell(stream) : -1;
-    // Where the size does not fit into a number, everything fits into the file.
-    const uint64_t fileSize = end < 0 ? UINT64_MAX : static_cast<uint64_t>(end);
-    return BeginsWithElement(start.data(), true, fileSize) ||
-           BeginsWithElement(start.data(), false, fileSize);
-}
-
-// The library needs a stream in which it can go back: what comes from a pipe is kept in a file
-// without a name.
-pgkit::result<pgkit::data_set> OpenStandardInput(uint32_t loadBelow, uint32_t flags,
-                                                 bool isChecked) {
-    using pgkit::failure;
-    MakeStandardInputBinary();
-    FileHandle copy(std::tmpfile());
-    if (copy == nullptr) return CannotOpen(failure::cannot_open, "-", "no temporary file");
-    if (!Copy(stdin, copy.get())) {
-        return CannotOpen(failure::cannot_open, "-", "the standard input cannot be read or kept");
+// What is wrong with a file that gave a tree; empty when it is complete.
+std::string DamageOf(const PgxOpenReport& report) {
+    switch (report.result) {
+        case PGX_OPEN_CUT_SHORT:
+            return "it is cut short " + PlaceOf(report);
+        case PGX_OPEN_BROKEN:
+            return "it cannot be read any further " + PlaceOf(report);
+        case PGX_OPEN_TOO_DEEP:
+            return "its sequences are nested too deep " + PlaceOf(report);
+        case PGX_OPEN_READ_FAILED:
+            return "reading failed " + PlaceOf(report);
+        default:
+            return "";
     }
-    std::rewind(copy.get());
-    const bool isDataSet = !isChecked || LooksLikeDataSet(copy.get());
-    std::rewind(copy.get());
-    pgkit::data_set opened;
-    if (isDataSet)
-        opened = pgkit::data_set(pgOpenDataSetFileHandleEx(copy.release(), loadBelow, flags));
-    if (!opened) return CannotOpen(failure::not_a_data_set, "-", kNoDataSet);
-    return opened;
+}
+
+const char* WhyNoTree(int32_t result) {
+    switch (result) {
+        case PGX_OPEN_TOO_LARGE:
+            return "it inflates to more than can be believed";
+        case PGX_OPEN_NO_TEMPORARY:
+            return "there is no room to inflate it";
+        case PGX_OPEN_NO_MEMORY:
+            return "memory has run out";
+        default:
+            return kNoDataSet;
+    }
 }
 
 // "cannot read PATH: REASON" of the library.
 std::string ReasonOf(const pgkit::error& error, const std::string& path) {
     return error.message.substr(std::strlen("cannot read ") + path.size() + 2);
+}
+
+// The system knows best why a file cannot be opened.
+pgkit::error WhyNotOpened(const std::string& path, int32_t result) {
+    if (path == "-") return CannotOpen(pgkit::failure::not_a_data_set, path, WhyNoTree(result));
+    const auto error = pgkit::detail::why_not_read(path, WhyNoTree(result));
+    return CannotOpen(error.kind, path, ReasonOf(error, path));
 }
 
 std::string SaveToFile(pgkit::data_set root, const std::string& path, uint32_t mode) {
@@ -126,16 +114,26 @@ std::string SaveToStandardOutput(pgkit::data_set root, uint32_t mode) {
 
 }  // namespace
 
-pgkit::result<pgkit::data_set> Open(const std::string& path, uint32_t loadBelow, uint32_t flags,
-                                    Accept accept) {
-    const bool isChecked = accept == Accept::DataSets && flags == (flags & ~kForced);
-    if (path == "-") return OpenStandardInput(loadBelow, flags, isChecked);
-    if (isChecked && !LooksLikeDataSet(path)) {
-        return CannotOpen(pgkit::failure::not_a_data_set, path, kNoDataSet);
+pgkit::result<pgkit::data_set> Open(const std::string& path, const OpenRequest& request) {
+    using pgkit::failure;
+    const uint32_t flags = request.flags | PG_OPEN_PAST_PIXEL_DATA;
+    PgxOpenReport report = {};
+    report.size = sizeof report;
+    pgkit::data_set opened;
+    if (path == "-") {
+        MakeStandardInputBinary();
+        opened = pgkit::data_set(pgxOpenFrom(ReadStandardInput, nullptr, flags, &report));
+    } else if (request.acceptsAnything) {
+        opened = pgkit::data_set(pgOpenDataSetFileEx(path.c_str(), request.loadBelow, flags));
+    } else {
+        opened = pgkit::data_set(pgxOpenFile(path.c_str(), request.loadBelow, flags, &report));
     }
-    auto opened = pgkit::data_set::open(path, {loadBelow, flags});
-    if (opened) return opened;
-    return CannotOpen(opened.error().kind, path, ReasonOf(opened.error(), path));
+    if (!opened) return WhyNotOpened(path, report.result);
+    const std::string damage = DamageOf(report);
+    if (damage.empty()) return opened;
+    if (request.damage == nullptr) return CannotOpen(failure::read_failed, path, damage);
+    *request.damage = path + ": " + damage;
+    return opened;
 }
 
 std::string CannotOpen(const std::string& path) {
@@ -143,15 +141,16 @@ std::string CannotOpen(const std::string& path) {
     return "cannot open " + path + ": " + ReasonOf(error, path);
 }
 
-bool LooksLikeDataSet(const std::string& path) {
-    const FileHandle stream(std::fopen(path.c_str(), "rb"));
-    return stream == nullptr || LooksLikeDataSet(stream.get());  // opening it tells why not
-}
-
 std::string SaveWhole(pgkit::data_set root, const std::string& path, uint32_t mode) {
     if (!MakeLongValuesUn(*root.node())) return "a long value cannot be read";
     return path == "-" ? SaveToStandardOutput(std::move(root), mode)
                        : SaveToFile(std::move(root), path, mode);
+}
+
+pgkit::error Save(pgkit::data_set root, const std::string& path, uint32_t mode) {
+    const std::string reason = SaveWhole(std::move(root), path, mode);
+    if (reason.empty()) return {};
+    return {pgkit::failure::write_failed, reason};
 }
 
 std::string DescribeSaveResult(uint32_t result) {

@@ -20,9 +20,10 @@ struct DeleteRequest {
     bool isPrivate = false;
 };
 
-std::string DeleteOne(const DeleteRequest& request, const Input& input, const std::string& target) {
-    auto root = Open(input.path, kLoadedForSaving);
-    if (!root) return root.error().message;
+pgkit::error DeleteOne(const DeleteRequest& request, const Input& input,
+                       const std::string& target) {
+    auto root = Open(input.path);
+    if (!root) return root.error();
     for (const std::string& text : request.places) {
         // From the last to the first: the numbers of the items before are still right.
         const auto places = ExpandedPlaces(*root, text);
@@ -34,7 +35,7 @@ std::string DeleteOne(const DeleteRequest& request, const Input& input, const st
             return element.tag().is_private() ? pgkit::visit::remove : pgkit::visit::go_on;
         });
     }
-    return SaveWhole(*std::move(root), target, 0);
+    return Save(*std::move(root), target, 0);
 }
 
 int Delete(const DeleteRequest& request) {

@@ -26,14 +26,15 @@ struct DumpRequest {
     uint32_t flags = 0;
 };
 
-std::string DumpOne(const DumpRequest& request, const Input& input) {
-    const auto opened = Open(input.path, request.loadLimit, request.flags,
-                             request.texts.raw ? Accept::Anything : Accept::DataSets);
-    if (!opened) return opened.error().message;
+pgkit::error DumpOne(const DumpRequest& request, const Input& input) {
+    std::string damage;
+    const auto opened =
+        Open(input.path, {request.loadLimit, request.flags, request.texts.raw, &damage});
+    if (!opened) return opened.error();
     if (MayBeSeveral(request.inputs)) std::printf("%s:\n", WithEscapes(input.path).c_str());
     if (request.texts.raw) {
         opened->node()->Dump(stdout, "");
-        return "";
+        return {};
     }
     const DumpStyle style = {IsCurrent(request.texts), request.full};
     if (request.places.empty()) {
@@ -41,7 +42,8 @@ std::string DumpOne(const DumpRequest& request, const Input& input) {
     } else {
         PrintElements(*opened, request.places, style);
     }
-    return "";
+    if (damage.empty()) return {};
+    return {pgkit::failure::read_failed, damage};
 }
 
 int Dump(DumpRequest& request) {

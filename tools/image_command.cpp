@@ -65,7 +65,8 @@ int MakePicture(const ImageRequest& request) {
     if (request.frame == 0) return Misuse(kImageCommand, "--frame: frames count from 1");
     if (request.size > kLargest) return Misuse(kImageCommand, "--size: at most 65535 pixels");
     const std::string& path = request.files[0];
-    const auto root = Open(path, 0, PG_OPEN_SKIP_FRAGMENTS);
+    std::string damage;
+    const auto root = Open(path, {0, PG_OPEN_SKIP_FRAGMENTS, false, &damage});
     if (!root) return Fail(kImageCommand, root.error().message);
 
     const Image image(vwImaAllocEmptyDicomImage());

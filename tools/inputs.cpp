@@ -19,16 +19,6 @@ namespace fs = std::filesystem;
 using Visit = std::function<bool(const Input&)>;
 using Complain = std::function<void(const std::string&)>;
 
-// The system's functions take UTF-8 on every platform only in this form.
-fs::path NativePath(const std::string& utf8) {
-    return fs::path(std::u8string(utf8.begin(), utf8.end()));
-}
-
-std::string Utf8Of(const fs::path& path) {
-    const std::u8string text = path.u8string();
-    return std::string(text.begin(), text.end());
-}
-
 struct Entry {
     std::string name;
     bool isDirectory;
@@ -37,13 +27,13 @@ struct Entry {
 // What is in a directory, in the byte order of the names.
 std::vector<Entry> EntriesOf(const std::string& directory, std::error_code& error) {
     std::vector<Entry> entries;
-    fs::directory_iterator entry(NativePath(directory), error);
+    fs::directory_iterator entry(directory, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         std::error_code unknown;
         const bool isDirectory = entry->is_directory(unknown);
         if (isDirectory && entry->is_symlink(unknown)) continue;
         if (!isDirectory && !entry->is_regular_file(unknown)) continue;
-        entries.push_back({Utf8Of(entry->path().filename()), isDirectory});
+        entries.push_back({entry->path().filename().string(), isDirectory});
     }
     std::sort(entries.begin(), entries.end(),
               [](const Entry& a, const Entry& b) { return a.name < b.name; });
@@ -99,8 +89,8 @@ class Walk {
 bool WalkOne(const std::string& operand, bool recursive, const Visit& visit,
              const Complain& complain) {
     std::error_code error;
-    if (operand == "-" || !fs::is_directory(NativePath(operand), error)) {
-        return visit({operand, Utf8Of(NativePath(operand).filename()), false});
+    if (operand == "-" || !fs::is_directory(operand, error)) {
+        return visit({operand, fs::path(operand).filename().string(), false});
     }
     if (recursive) return Walk(visit, complain).Directory(operand);
     complain(operand + " is a directory; -r works on the files in it");
@@ -131,7 +121,7 @@ void WalkInputs(const InputOptions& inputs, const Visit& visit, const Complain& 
     if (inputs.filesFrom == "-") {
         WalkList(std::cin, inputs.recursive, visit, complain);
     } else if (!inputs.filesFrom.empty()) {
-        std::ifstream list(NativePath(inputs.filesFrom));
+        std::ifstream list(inputs.filesFrom);
         if (!list) return complain(CannotOpen(inputs.filesFrom));
         WalkList(list, inputs.recursive, visit, complain);
     }
@@ -145,11 +135,11 @@ std::string ComplaintAbout(const InputOptions& inputs) {
 bool MayBeSeveral(const InputOptions& inputs) {
     std::error_code error;
     return inputs.operands.size() != 1 || !inputs.filesFrom.empty() ||
-           fs::is_directory(NativePath(inputs.operands[0]), error);
+           fs::is_directory(inputs.operands[0], error);
 }
 
 InputCounts ForEachInput(const Command& command, const InputOptions& inputs,
-                         const std::function<std::string(const Input&)>& work) {
+                         const std::function<pgkit::error(const Input&)>& work) {
     InputCounts counts;
     ProgressLine progress;
     const auto fail = [&](const std::string& reason) {
@@ -158,15 +148,13 @@ InputCounts ForEachInput(const Command& command, const InputOptions& inputs,
     };
     const auto visit = [&](const Input& input) {
         progress.Show(std::to_string(counts.done + counts.failed) + " files");
-        if (input.isFound && !LooksLikeDataSet(input.path)) {
-            ++counts.noDataSets;
-            return true;
-        }
-        const std::string reason = work(input);
-        if (reason.empty()) {
+        const pgkit::error error = work(input);
+        if (error.kind == pgkit::failure::none) {
             ++counts.done;
+        } else if (input.isFound && error.kind == pgkit::failure::not_a_data_set) {
+            ++counts.noDataSets;
         } else {
-            fail(reason);
+            fail(error.message);
         }
         return std::ferror(stdout) == 0;
     };

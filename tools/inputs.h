@@ -5,6 +5,7 @@
 #include <string>
 
 #include "command.h"
+#include "pgkit/cpp/result.hpp"
 
 namespace pgtool {
 
@@ -44,10 +45,10 @@ struct InputCounts {
     size_t noDataSets = 0;  // found in directories, and left alone
 };
 
-// Does the work on each file. It gives the reason why it failed, which is printed, or an empty
-// text. Files that were found in directories and are no DICOM files are counted only. Shows
-// progress on a terminal.
+// Does the work on each file. It gives the error with which it failed, whose message is printed;
+// one of no kind when all went well. Files that were found in directories and are no DICOM files
+// are counted only. Shows progress on a terminal.
 InputCounts ForEachInput(const Command& command, const InputOptions& inputs,
-                         const std::function<std::string(const Input&)>& work);
+                         const std::function<pgkit::error(const Input&)>& work);
 
 }  // namespace pgtool

@@ -11,10 +11,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path NativePath(const std::string& utf8) {
-    return fs::path(std::u8string(utf8.begin(), utf8.end()));
-}
-
 }  // namespace
 
 void AddOutputs(OptionSet& options, OutputOptions& outputs) {
@@ -46,7 +42,7 @@ std::string Targets::For(const Input& input, std::string& complaint) {
     if (outputs_.inPlace) return input.path;
     if (outputs_.output == "-") return "-";
     std::error_code error;
-    const bool isFolder = isFolder_ || fs::is_directory(NativePath(outputs_.output), error);
+    const bool isFolder = isFolder_ || fs::is_directory(outputs_.output, error);
     if (!isFolder) return outputs_.output;
     const std::string inner = input.path == "-" ? "stdin" : input.inner;
     const std::string target =
@@ -56,20 +52,22 @@ std::string Targets::For(const Input& input, std::string& complaint) {
         complaint = input.path + ": " + target + " has been written from " + former->second;
         return "";
     }
-    fs::create_directories(NativePath(target).parent_path(), error);
+    fs::create_directories(fs::path(target).parent_path(), error);
     if (!error) return target;
     complaint = target + ": its folder cannot be made: " + error.message();
     return "";
 }
 
 int RewriteEach(const Command& command, const InputOptions& inputs, const OutputOptions& outputs,
-                const std::function<std::string(const Input&, const std::string& target)>& work) {
+                const std::function<pgkit::error(const Input&, const std::string& target)>& work) {
     Targets targets(outputs, inputs);
-    const InputCounts counts = ForEachInput(command, inputs, [&](const Input& input) {
-        std::string complaint;
-        const std::string target = targets.For(input, complaint);
-        return complaint.empty() ? work(input, target) : complaint;
-    });
+    const InputCounts counts =
+        ForEachInput(command, inputs, [&](const Input& input) -> pgkit::error {
+            std::string complaint;
+            const std::string target = targets.For(input, complaint);
+            if (complaint.empty()) return work(input, target);
+            return pgkit::error{pgkit::failure::cannot_create, complaint};
+        });
     if (MayBeSeveral(inputs)) {
         std::fprintf(stderr, "pgtool %s: %zu written, %zu failed, %zu no DICOM files\n",
                      command.name, counts.done, counts.failed, counts.noDataSets);

@@ -37,6 +37,6 @@ class Targets {
 // Does the work on each file, which gets its target, and sums up on the standard error stream when
 // there may be several. Gives the exit status.
 int RewriteEach(const Command& command, const InputOptions& inputs, const OutputOptions& outputs,
-                const std::function<std::string(const Input&, const std::string& target)>& work);
+                const std::function<pgkit::error(const Input&, const std::string& target)>& work);
 
 }  // namespace pgtool

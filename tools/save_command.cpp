@@ -50,15 +50,17 @@ struct SaveRequest {
     uint32_t flags = 0;
 };
 
-int Save(const SaveRequest& request) {
+int SaveOne(const SaveRequest& request) {
     const std::string complaint = UseTextOptions(request.texts);
     if (!complaint.empty()) return Misuse(kSaveCommand, complaint);
-    auto root = Open(request.files[0], kLoadedForSaving, request.flags);
+    std::string damage;
+    auto root = Open(request.files[0], {kLoadedForSaving, request.flags, false, &damage});
     if (!root) return Fail(kSaveCommand, root.error().message);
     const uint32_t bits =
         PrepareMode(*root->node(), FindMode(request.mode), request.bare, request.undefinedLengths);
     const std::string reason = SaveWhole(*std::move(root), request.files[1], bits);
-    return reason.empty() ? kDone : Fail(kSaveCommand, reason);
+    if (!reason.empty()) return Fail(kSaveCommand, reason);
+    return damage.empty() ? kDone : Fail(kSaveCommand, damage);
 }
 
 Work DefineSave(OptionSet& options) {
@@ -73,7 +75,7 @@ Work DefineSave(OptionSet& options) {
                    "write sequences and items with delimiters");
     options.Number("--flags", "N", &request->flags, "open flags, as those of dump");
     AddEdition(options, request->texts);
-    return [request] { return Save(*request); };
+    return [request] { return SaveOne(*request); };
 }
 
 }  // namespace

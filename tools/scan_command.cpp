@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "commands.h"
@@ -33,8 +34,6 @@ struct ScanRequest {
     uint32_t jobs = 0;
 };
 
-enum class Outcome { DataSet, NoDataSet, Failed };
-
 // Files, in the order of the walk, become rows in the same order.
 class Scan {
   public:
@@ -45,25 +44,29 @@ class Scan {
           printer_(MakeRowPrinter(request.format, columns_)) {}
 
     bool Add(const std::string& path) {
-        rows_.push_back({path, {}, {}});
+        rows_.push_back({path, {}, {}, {}});
         return rows_.size() < kFilesAtOnce || Flush();
     }
 
     // False when there is no use in going on.
     bool Flush() {
-        std::vector<Outcome> outcomes(rows_.size());
-        std::vector<std::string> reasons(rows_.size());
+        std::vector<pgkit::error> errors(rows_.size());
         std::atomic<size_t> next = 0;
         const auto work = [&](size_t) {
             for (size_t i = next++; i < rows_.size(); i = next++)
-                outcomes[i] = Read(rows_[i], reasons[i]);
+                errors[i] = Read(rows_[i]);
         };
         RunOnThreads(std::min(threads_, rows_.size()), work);
         std::vector<ScanRow> found;
         for (size_t i = 0; i < rows_.size(); ++i) {
-            if (outcomes[i] == Outcome::DataSet) found.push_back(std::move(rows_[i]));
-            if (outcomes[i] == Outcome::NoDataSet) ++others_;
-            if (outcomes[i] == Outcome::Failed) Complain(reasons[i]);
+            if (errors[i].kind == pgkit::failure::not_a_data_set) {
+                ++others_;
+            } else if (errors[i].kind != pgkit::failure::none) {
+                Complain(errors[i].message);
+            } else {
+                if (!rows_[i].damage.empty()) Complain(rows_[i].damage);
+                found.push_back(std::move(rows_[i]));
+            }
         }
         dataSets_ += found.size();
         rows_.clear();
@@ -86,17 +89,12 @@ class Scan {
     }
 
   private:
-    Outcome Read(ScanRow& row, std::string& reason) const {
+    pgkit::error Read(ScanRow& row) const {
         try {
-            if (ReadRow(columns_, raw_, row)) return Outcome::DataSet;
-            // No row: is it something else, or can it not be read?
-            const auto why = pgkit::detail::why_not_read(row.path, "");
-            if (why.kind == pgkit::failure::not_a_data_set) return Outcome::NoDataSet;
-            reason = CannotOpen(row.path);
+            return ReadRow(columns_, raw_, row);
         } catch (const std::bad_alloc&) {
-            reason = row.path + ": out of memory";
+            return {pgkit::failure::no_memory, row.path + ": memory has run out"};
         }
-        return Outcome::Failed;
     }
 
     std::vector<ScanColumn> columns_;

@@ -200,15 +200,15 @@ std::vector<ScanColumn> ColumnsOf(const std::string& list, std::string& complain
     return columns;
 }
 
-bool ReadRow(const std::vector<ScanColumn>& columns, bool raw, ScanRow& row) {
-    const auto root = Open(row.path, kLoadedOnScan, PG_OPEN_SKIP_FRAGMENTS);
-    if (!root || root->empty()) return false;
+pgkit::error ReadRow(const std::vector<ScanColumn>& columns, bool raw, ScanRow& row) {
+    const auto root = Open(row.path, {kLoadedOnScan, PG_OPEN_SKIP_FRAGMENTS, false, &row.damage});
+    if (!root) return root.error();
     for (const ScanColumn& column : columns) {
         const pgkit::element element = root->find(column.place);
         row.isThere.push_back(static_cast<bool>(element));
         row.values.push_back(element ? ValueOf(element, raw) : "");
     }
-    return true;
+    return {};
 }
 
 std::unique_ptr<RowPrinter> MakeRowPrinter(const std::string& format,

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "pgkit/cpp/result.hpp"
+
 namespace pgtool {
 
 struct ScanColumn {
@@ -16,15 +18,17 @@ struct ScanRow {
     std::string path;
     std::vector<std::string> values;  // in the order of the columns, UTF-8
     std::vector<bool> isThere;        // whether the data set has the element
+    std::string damage;               // what is wrong with a file that is cut short or broken
 };
 
 // Columns out of a list, "PatientName,0010,0020,RequestAttributesSequence[0].RequestedProcedureID":
 // two numbers of four digits are one tag. Empty with the complaint about what is no element.
 std::vector<ScanColumn> ColumnsOf(const std::string& list, std::string& complaint);
 
-// The values of a file, of which no more than the headers and these values are read. False when it
-// is no data set. May be called by several threads at once.
-bool ReadRow(const std::vector<ScanColumn>& columns, bool raw, ScanRow& row);
+// The values of a file, of which no more than the headers and these values are read. The error is
+// of no kind when there is a row, not_a_data_set for other files. May be called by several threads
+// at once.
+pgkit::error ReadRow(const std::vector<ScanColumn>& columns, bool raw, ScanRow& row);
 
 class RowPrinter {
   public:

@@ -122,15 +122,15 @@ void RepeatUids(pgkit::data_set& root) {
     }
 }
 
-std::string SetOne(const SetRequest& request, const Input& input, const std::string& target) {
-    auto root = Open(input.path, kLoadedForSaving);
-    if (!root) return root.error().message;
+pgkit::error SetOne(const SetRequest& request, const Input& input, const std::string& target) {
+    auto root = Open(input.path);
+    if (!root) return root.error();
     for (const Assignment& assignment : request.assignments) {
         const std::string reason = Apply(*root, assignment, request);
-        if (!reason.empty()) return input.path + ": " + reason;
+        if (!reason.empty()) return {pgkit::failure::bad_value, input.path + ": " + reason};
     }
     RepeatUids(*root);
-    return SaveWhole(*std::move(root), target, 0);
+    return Save(*std::move(root), target, 0);
 }
 
 int Set(SetRequest& request) {

@@ -80,7 +80,7 @@ std::string Escaped(std::string_view character) {
     const uint8_t first = ByteAt(character, 0);
     const uint8_t last = ByteAt(character, character.size() - 1);
     char text[8];
-    if (character.size() == 1 && (first < 0x20 || first == 0x7F)) {
+    if (character.size() == 1 && (first < 0x20 || first >= 0x7F)) {
         std::snprintf(text, sizeof text, "\\x%02x", first);
         return text;
     }

@@ -17,8 +17,9 @@ std::string WithoutControls(std::string_view utf8);
 
 bool IsUtf8(std::string_view text);
 
-// A text in UTF-8 as it can be shown and read back by eye: control characters as "\n", "\r", "\t"
-// or their number, "\x1b"; those that turn the direction of the text around as "\u202e".
+// A text in UTF-8 as it can be shown: control characters, and bytes that are no UTF-8, as "\n",
+// "\r", "\t" or their number, "\x1b"; what turns the direction of the text around as
+// "\u202e".
 std::string WithEscapes(std::string_view utf8);
 
 }  // namespace pgtool

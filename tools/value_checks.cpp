@@ -1,12 +1,13 @@
 #include "value_checks.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "lookup.h"
-#include "pgkit/cpp/numbers.hpp"
 #include "pgkit/edition.h"
 #include "pgkit/value_representation.h"
 
@@ -97,15 +98,31 @@ bool IsCode(std::string_view text) {
            });
 }
 
-bool IsNumber(std::string_view text, size_t longest) {
-    return text.size() <= longest &&
-           pgkit::detail::number_of_text(text).is != pgkit::detail::any_number::kind::none;
+// Blanks around a number are padding, and so is a plus sign.
+std::string_view Digits(std::string_view text) {
+    while (text.starts_with(' '))
+        text.remove_prefix(1);
+    while (text.ends_with(' '))
+        text.remove_suffix(1);
+    if (text.starts_with('+')) text.remove_prefix(1);
+    return text;
+}
+
+template <typename Number>
+bool IsWholly(std::string_view text) {
+    Number number{};
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && stop == text.data() + text.size();
+}
+
+// Infinities have letters, too.
+bool IsDecimal(std::string_view text) {
+    return text.size() <= 16 && text.find_first_not_of("0123456789+-.eE ") == text.npos &&
+           IsWholly<double>(Digits(text));
 }
 
 bool IsInteger(std::string_view text) {
-    return text.size() <= 12 &&
-           pgkit::detail::converted<int32_t>(pgkit::detail::number_of_text(text)).has_value() &&
-           text.find_first_of(".eE") == text.npos;
+    return text.size() <= 12 && IsWholly<int32_t>(Digits(text));
 }
 
 bool IsName(std::string_view text) {
@@ -136,7 +153,7 @@ const char* WhatItShouldBe(uint32_t valueRep, std::string_view value) {
         case VR_DA:
             return IsDate(value) ? nullptr : "a date, YYYYMMDD";
         case VR_DS:
-            return IsNumber(value, 16) ? nullptr : "a number of at most 16 characters";
+            return IsDecimal(value) ? nullptr : "a number of at most 16 characters";
         case VR_DT:
             return IsDateTime(value) ? nullptr : "a date and time, YYYYMMDDHHMMSS";
         case VR_IS:

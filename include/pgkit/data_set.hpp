@@ -171,11 +171,12 @@ inline std::int32_t mode_of(encoding how) noexcept {
     }
 }
 
-// The two UIDs that the File Meta Information repeats.
+// One of the two UIDs that the File Meta Information repeats.
 inline bool copy_uid(item& root, std::uint16_t element_number, std::uint16_t meta_element) {
-    const std::string uid = root.find({0x0008, element_number}).text();
-    if (uid.empty() || uid == root.find({meta_group, meta_element}).text()) return true;
-    return static_cast<bool>(root.set_text({meta_group, meta_element}, uid));
+    const auto uid = root.find({0x0008, element_number}).bytes();
+    if (uid.empty() || uid.front() == 0) return true;
+    if (uid == root.find({meta_group, meta_element}).bytes()) return true;
+    return static_cast<bool>(root.set_bytes({meta_group, meta_element}, uid.data(), uid.size()));
 }
 
 // Completes the File Meta Information that is there, or that is to be there.

@@ -72,9 +72,10 @@ def check_consumer(kit):
     image = os.path.relpath(RLE_IMAGE, directory)
     return complain_unless(
         [kit.run("./consumer", "made.dcm", cwd=directory).strip(),
+         kit.run("./layer_consumer", "layer.dcm", cwd=directory).strip(),
          kit.run("./consumer_in_c", cwd=directory).strip(),
          kit.run("./imaging_consumer", image, cwd=directory).strip()],
-        [f"{VERSION}: DOE^JANE", "PixelData OWOB", "15 frames"])
+        [f"{VERSION}: DOE^JANE", "DOE^JANE", "PixelData OWOB", "15 frames"])
 
 
 def check_examples(kit):
@@ -91,10 +92,13 @@ def check_pkg_config(kit):
     environment = dict(os.environ, PKG_CONFIG_PATH=str(kit.prefix / "lib/pkgconfig"))
     flags = run("pkg-config", "--cflags", "--libs", "pgkit", env=environment)
     kit.work.mkdir(exist_ok=True)
-    run("g++", "-std=c++17", HERE / "consumer.cpp", "-o", "by_pkg_config", *shlex.split(flags),
-        f"-Wl,-rpath,{kit.prefix}/lib", cwd=kit.work)
-    return complain_unless(kit.run("./by_pkg_config", "by_pkg_config.dcm", cwd=kit.work).strip(),
-                           f"{VERSION}: DOE^JANE")
+    for name in ("consumer", "layer_consumer"):
+        run("g++", "-std=c++17", HERE / f"{name}.cpp", "-o", f"{name}_by_pkg_config", *shlex.split(flags),
+            f"-Wl,-rpath,{kit.prefix}/lib", cwd=kit.work)
+    return complain_unless(
+        [kit.run("./consumer_by_pkg_config", "consumer.dcm", cwd=kit.work).strip(),
+         kit.run("./layer_consumer_by_pkg_config", "layer.dcm", cwd=kit.work).strip()],
+        [f"{VERSION}: DOE^JANE", "DOE^JANE"])
 
 
 def check_tool(kit):

@@ -1,6 +1,8 @@
 // The C++ layer: opening and saving files, and who owns what.
 #include <gmock/gmock.h>
 
+#include <ranges>
+#include <span>
 #include <type_traits>
 
 #include "data_set/opened.h"
@@ -141,6 +143,12 @@ static_assert(!std::is_copy_constructible_v<pgkit::data_set>);
 static_assert(std::is_trivially_copyable_v<pgkit::element>);
 static_assert(std::is_trivially_copyable_v<pgkit::item>);
 static_assert(sizeof(pgkit::element) == 2 * sizeof(void*));
+
+static_assert(std::ranges::forward_range<const pgkit::item>);
+static_assert(std::ranges::forward_range<const pgkit::item_range>);
+static_assert(std::ranges::forward_range<const pgkit::frame_range>);
+static_assert(std::ranges::forward_range<const pgkit::handle_range<pgkit::leaf>>);
+static_assert(std::is_constructible_v<std::span<const int>, pgkit::span<const int>>);
 
 TEST(DataSetOwnership, HandlesStayValidWhenTheirDataSetIsMoved) {
     pgkit::data_set first = Image();

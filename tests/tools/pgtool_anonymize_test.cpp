@@ -224,6 +224,16 @@ TEST_F(PgtoolAnonymize, ValuesOfAWrongVrAreNotKept) {
     EXPECT_THAT(Anonymized(file.Data(), {"--modify-dates=1"}), Not(HasSubstr(kSecret)));
 }
 
+// A sequence whose items were never read is a value like others, with all that is in it.
+TEST_F(PgtoolAnonymize, SequencesOfAWrongVrAreRemoved) {
+    const StreamBuilder file = StreamBuilder()
+                                   .Part10("1.2.840.10008.1.2.1")
+                                   .Element(0x0008, 0x1115, "OB", "SECRET")
+                                   .Element(0x0008, 0x2218, "OB", "SECRET")
+                                   .Element(0x0010, 0x0040, "CS", "M ");
+    EXPECT_THAT(Anonymized(file.Data()), Not(HasSubstr(kSecret)));
+}
+
 TEST_F(PgtoolAnonymize, WarnsAboutTextsInPixels) {
     const auto warned = [&](const InstanceFile& file) {
         return Run({files_.Write("in", file.Data()), "-o", output_}).err;

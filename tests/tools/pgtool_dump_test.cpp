@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -195,6 +196,44 @@ TEST_F(PgtoolDumpText, EveryCommandExplainsItself) {
     }
 }
 
+// A file that was cut short looked like a whole one.
+TEST_F(PgtoolDumpText, FilesThatAreCutShortArePrintedAndFail) {
+    const Bytes whole = ReadFile(TestData("native/mr_implicit_le.dcm"));
+    const std::string file =
+        files_.Write("file", std::span<const uint8_t>(whole).first(whole.size() - 100));
+    const Finished run = Pgtool({"dump", file});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.out, HasSubstr("(7FE0,0010) : OWOB Len: 8192"));
+    EXPECT_THAT(run.out, EndsWith("END-OF-DATASET\n"));
+    EXPECT_EQ(run.err, "pgtool dump: " + file + ": it is cut short at byte " +
+                           std::to_string(whole.size() - 100) + ", in (7FE0,0010) PixelData\n");
+    // They are rows of a scan, and nothing is made of them.
+    const Finished scan = Pgtool({"scan", file, "--tags", "PatientID"});
+    EXPECT_EQ(scan.exitStatus, 1);
+    EXPECT_THAT(scan.out, EndsWith(",4MR1\n"));
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"set", file, "PatientID=7"},
+                                               {"delete", file, "-t", "PatientID"},
+                                               {"anonymize", file}}) {
+        std::vector<std::string> all = arguments;
+        all.insert(all.end(), {"-o", files_.Path("out")});
+        const Finished written = Pgtool(all);
+        EXPECT_EQ(written.exitStatus, 1);
+        EXPECT_THAT(written.err, HasSubstr("cut short"));
+        EXPECT_FALSE(std::filesystem::exists(files_.Path("out")));
+    }
+}
+
+TEST_F(PgtoolDumpText, TextsAndProgramsAreNoDataSets) {
+    const std::string text = files_.Write("text", "this is no DICOM file, whoever reads it");
+    for (const char* option : {"--utf8", "--full"}) {
+        const Finished run = Pgtool({"dump", text, option});
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_THAT(run.out, IsEmpty());
+        EXPECT_EQ(run.err, "pgtool dump: cannot open " + text + ": it is no DICOM data set\n");
+    }
+}
+
 // 2,048 levels, which is as deep as the library reads.
 TEST_F(PgtoolDumpText, DeepNestingTakesNoStack) {
     StreamBuilder stream;
@@ -202,6 +241,8 @@ TEST_F(PgtoolDumpText, DeepNestingTakesNoStack) {
     for (int i = 0; i < 2000; ++i)
         stream.Sequence(0x0040, 0xA730).Item();
     stream.Element(0x0040, 0xA160, "UT", "deep");
+    for (int i = 0; i < 2000; ++i)
+        stream.EndItem().EndSequence();
     const Finished run = Pgtool({"dump", files_.Write("deep", stream.Data())});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_THAT(run.out, HasSubstr("Value: [deep]\n"));

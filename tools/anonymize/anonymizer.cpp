@@ -111,6 +111,10 @@ pgkit::visit Anonymizer::ApplyToElement(const Pending& pending, pgkit::element& 
     if (tag.group == kMetaGroup || tag.element == 0 || IsOverlay(tag) || !IsKnown(tag)) {
         return visit::remove;
     }
+    // What nobody has taken apart may hold anything.
+    const bool isClosed = pgFindValueRepresentation(tag.group, tag.element) == VR_SQ &&
+                          !element.is_sequence() && !element.empty();
+    if (isClosed) return visit::remove;
     Action action = ActionFor(tag, options_);
     if (action == Action::MoveDate) {
         if (element.empty() || MoveDates(element, options_.days)) return visit::go_on;

@@ -17,13 +17,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string>
 #include <utility>
 
 #include "pgkit/accessors.h"
 #include "pgkit/cpp/fields.hpp"
 #include "pgkit/cpp/item_changes.hpp"
+#include "pgkit/cpp/iterator.hpp"
 #include "pgkit/cpp/opening.hpp"
 #include "pgkit/cpp/result.hpp"
 #include "pgkit/text.h"
@@ -31,45 +31,35 @@
 namespace pgkit {
 inline namespace v1 {
 
+namespace detail {
+
+template <typename Handle>
+struct cell_position {
+    using value_type = Handle;
+
+    [[nodiscard]] Handle value() const noexcept {
+        return Handle(static_cast<typename Handle::object*>(cell->data));
+    }
+    void advance() noexcept { cell = cell->next; }
+    [[nodiscard]] bool is_at(const cell_position& other) const noexcept {
+        return cell == other.cell;
+    }
+
+    const PGX_ListElement* cell = nullptr;
+};
+
+}  // namespace detail
+
 // The objects of one level, in the order of the library: leaves by their instance numbers.
 template <typename Handle>
 class handle_range {
   public:
-    class iterator {
-      public:
-        using value_type = Handle;
-        using difference_type = std::ptrdiff_t;
-        using pointer = void;
-        using reference = Handle;
-        using iterator_category = std::input_iterator_tag;
-
-        iterator() noexcept = default;
-        explicit iterator(const PGX_ListElement* cell) noexcept : cell_(cell) {}
-        [[nodiscard]] Handle operator*() const noexcept {
-            return Handle(static_cast<typename Handle::object*>(cell_->data));
-        }
-        iterator& operator++() noexcept {
-            cell_ = cell_->next;
-            return *this;
-        }
-        iterator operator++(int) noexcept {
-            const iterator before = *this;
-            ++*this;
-            return before;
-        }
-        friend bool operator==(const iterator& a, const iterator& b) noexcept {
-            return a.cell_ == b.cell_;
-        }
-        friend bool operator!=(const iterator& a, const iterator& b) noexcept { return !(a == b); }
-
-      private:
-        const PGX_ListElement* cell_ = nullptr;
-    };
+    using iterator = detail::handle_iterator<detail::cell_position<Handle>>;
 
     handle_range() noexcept = default;
     explicit handle_range(PGX_List* list) noexcept : list_(list) {}
 
-    [[nodiscard]] iterator begin() const noexcept { return iterator(detail::first_cell(list_)); }
+    [[nodiscard]] iterator begin() const noexcept { return iterator({detail::first_cell(list_)}); }
     [[nodiscard]] iterator end() const noexcept { return iterator(); }
     [[nodiscard]] bool empty() const noexcept { return size() == 0; }
     [[nodiscard]] std::size_t size() const noexcept {

@@ -134,9 +134,9 @@ class element {
     // element as it was, but for no_memory: then the value may be gone.
 
     // A text of UTF-8, put into the character set that holds here; "\" stands between values. It is
-    // not held against the rules of the value representation, but for numbers: those are read as
-    // number() reads them (tags as tag::named() does) and must fit. Errors: not_expressible,
-    // invalid_utf8, too_long, bad_value, wrong_type for sequences, bytes and UN.
+    // not held against the rules of the value representation. Binary numbers get what the text says
+    // in decimal (AT: what tag::named() finds), where that fits: else bad_value. Other errors:
+    // not_expressible, invalid_utf8, too_long; wrong_type for sequences, bytes and UN.
     result<void> set_text(std::string_view text);
     // Several values; none makes the element empty. bad_value when one has a "\".
     result<void> set_texts(span<const std::string_view> texts);

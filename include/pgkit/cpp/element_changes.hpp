@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "pgkit/cpp/decimals.hpp"
 #include "pgkit/cpp/element.hpp"
 #include "pgkit/cpp/element_values.hpp"
 #include "pgkit/cpp/fields.hpp"
@@ -130,9 +131,10 @@ inline result<void> element::set_texts(span<const std::string_view> texts) {
     std::string all;
     bool is_first = true;
     for (const std::string_view text : texts) {
-        if (text.find('\\') != text.npos)
+        if (text.find('\\') != text.npos) {
             return cannot_set(failure::bad_value,
                               "a value has a backslash, which separates values");
+        }
         if (!is_first) all += '\\';
         all += text;
         is_first = false;

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "pgkit/cpp/decimals.hpp"
 #include "pgkit/cpp/element.hpp"
 #include "pgkit/cpp/fields.hpp"
 #include "pgkit/dictionary.h"
@@ -42,10 +43,11 @@ inline std::uint32_t length_in_file(PGX_Node* node) noexcept {
     std::uint32_t lacking = length;  // the byte of this number is not there
     while (held < lacking) {
         const std::uint32_t middle = held + (lacking - held) / 2;
-        if (has_byte(node, start + middle))
+        if (has_byte(node, start + middle)) {
             held = middle + 1;
-        else
+        } else {
             lacking = middle;
+        }
     }
     return held;
 }

@@ -4,13 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "pgkit/cpp/element_values.hpp"
 #include "pgkit/cpp/fields.hpp"
 #include "pgkit/cpp/item_changes.hpp"
+#include "pgkit/cpp/iterator.hpp"
 
 namespace pgkit {
 inline namespace v1 {
@@ -41,6 +41,25 @@ class frame {
     std::size_t size_ = 0;
 };
 
+namespace detail {
+
+// A frame size of 0 stands for encapsulated frames, of which each has its own.
+struct frame_position {
+    using value_type = frame;
+
+    [[nodiscard]] frame value() const noexcept;
+    void advance() noexcept { ++index; }
+    [[nodiscard]] bool is_at(const frame_position& other) const noexcept {
+        return index == other.index;
+    }
+
+    PGX_Node* pixels = nullptr;
+    std::size_t frame_size = 0;
+    std::size_t index = 0;
+};
+
+}  // namespace detail
+
 // The frames of an item, data_set.frames(): as many as Number of Frames says, but only those that
 // the value has as a whole. None where there are no pixels or where Rows, Columns, Samples per
 // Pixel or Bits Allocated are missing or make no whole number of bytes. Native Pixel Data of
@@ -48,42 +67,9 @@ class frame {
 // two. Float Pixel Data and Double Float Pixel Data have frames, too.
 class frame_range {
   public:
-    class iterator {
-      public:
-        using value_type = frame;
-        using difference_type = std::ptrdiff_t;
-        using pointer = void;
-        using reference = frame;
-        using iterator_category = std::input_iterator_tag;
-
-        iterator() noexcept = default;
-        iterator(PGX_Node* pixels, std::size_t frame_size, std::size_t index) noexcept
-            : pixels_(pixels), frame_size_(frame_size), index_(index) {}
-        [[nodiscard]] frame operator*() const noexcept {
-            return frame_at(pixels_, frame_size_, index_);
-        }
-        iterator& operator++() noexcept {
-            ++index_;
-            return *this;
-        }
-        iterator operator++(int) noexcept {
-            const iterator before = *this;
-            ++index_;
-            return before;
-        }
-        friend bool operator==(const iterator& a, const iterator& b) noexcept {
-            return a.index_ == b.index_;
-        }
-        friend bool operator!=(const iterator& a, const iterator& b) noexcept { return !(a == b); }
-
-      private:
-        PGX_Node* pixels_ = nullptr;
-        std::size_t frame_size_ = 0;
-        std::size_t index_ = 0;
-    };
+    using iterator = detail::handle_iterator<detail::frame_position>;
 
     frame_range() noexcept = default;
-    // A frame size of 0 stands for encapsulated ones, of which each has its own.
     frame_range(PGX_Node* pixels, std::size_t count, std::size_t frame_size) noexcept
         : pixels_(pixels), count_(count), frame_size_(frame_size) {}
 
@@ -91,14 +77,15 @@ class frame_range {
     [[nodiscard]] bool empty() const noexcept { return count_ == 0; }
     // The frame of that index, which counts from 0; an empty one when there is none.
     [[nodiscard]] frame operator[](std::size_t index) const noexcept {
-        return index < count_ ? frame_at(pixels_, frame_size_, index) : frame();
+        return index < count_ ? position(index).value() : frame();
     }
-    [[nodiscard]] iterator begin() const noexcept { return {pixels_, frame_size_, 0}; }
-    [[nodiscard]] iterator end() const noexcept { return {pixels_, frame_size_, count_}; }
+    [[nodiscard]] iterator begin() const noexcept { return iterator(position(0)); }
+    [[nodiscard]] iterator end() const noexcept { return iterator(position(count_)); }
 
   private:
-    [[nodiscard]] static frame frame_at(PGX_Node* pixels, std::size_t frame_size,
-                                        std::size_t index) noexcept;
+    [[nodiscard]] detail::frame_position position(std::size_t index) const noexcept {
+        return {pixels_, frame_size_, index};
+    }
 
     PGX_Node* pixels_ = nullptr;
     std::size_t count_ = 0;
@@ -151,13 +138,12 @@ inline std::uint32_t encapsulated_size(PGX_Node* pixels, std::uint32_t index) no
     return length;
 }
 
-}  // namespace detail
-
-inline frame frame_range::frame_at(PGX_Node* pixels, std::size_t frame_size,
-                                   std::size_t index) noexcept {
+inline frame frame_position::value() const noexcept {
     if (frame_size != 0) return {pixels, index, frame_size};
-    return {pixels, index, detail::encapsulated_size(pixels, static_cast<std::uint32_t>(index))};
+    return {pixels, index, encapsulated_size(pixels, static_cast<std::uint32_t>(index))};
 }
+
+}  // namespace detail
 
 inline frame_range item::frames() const {
     element pixels = find(detail::pixel_data);

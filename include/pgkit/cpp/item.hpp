@@ -5,13 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
-#include <iterator>
 #include <string_view>
 #include <type_traits>
 #include <vector>
 
 #include "pgkit/accessors.h"
 #include "pgkit/cpp/element.hpp"
+#include "pgkit/cpp/iterator.hpp"
 #include "pgkit/cpp/result.hpp"
 #include "pgkit/cpp/tag.hpp"
 #include "pgkit/dictionary.h"
@@ -24,41 +24,19 @@ class frame_range;
 
 namespace detail {
 
-// Walks siblings. Handle is element or item.
+// Among siblings. Handle is element or item.
 template <typename Handle>
-class sibling_iterator {
-  public:
+struct sibling_position {
     using value_type = Handle;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const Handle*;
-    using reference = Handle;
-    using iterator_category = std::input_iterator_tag;
 
-    sibling_iterator() noexcept = default;
-    sibling_iterator(PGX_Node* node, PGX_Node* character_set) noexcept
-        : current_(node, character_set), character_set_(character_set) {}
-
-    [[nodiscard]] Handle operator*() const noexcept { return current_; }
-    [[nodiscard]] const Handle* operator->() const noexcept { return &current_; }
-    sibling_iterator& operator++() noexcept {
-        current_ = Handle(pgKitGetNext(current_.node()), character_set_);
-        return *this;
-    }
-    sibling_iterator operator++(int) noexcept {
-        const sibling_iterator before = *this;
-        ++*this;
-        return before;
-    }
-    friend bool operator==(const sibling_iterator& a, const sibling_iterator& b) noexcept {
-        return a.current_.node() == b.current_.node();
-    }
-    friend bool operator!=(const sibling_iterator& a, const sibling_iterator& b) noexcept {
-        return !(a == b);
+    [[nodiscard]] Handle value() const noexcept { return Handle(node, character_set); }
+    void advance() noexcept { node = pgKitGetNext(node); }
+    [[nodiscard]] bool is_at(const sibling_position& other) const noexcept {
+        return node == other.node;
     }
 
-  private:
-    Handle current_;
-    PGX_Node* character_set_ = nullptr;
+    PGX_Node* node = nullptr;
+    PGX_Node* character_set = nullptr;
 };
 
 }  // namespace detail
@@ -75,7 +53,7 @@ class sibling_iterator {
 // be removed from an item while a loop is at it; walk() (walk.hpp) allows that.
 class item {
   public:
-    using iterator = detail::sibling_iterator<element>;
+    using iterator = detail::handle_iterator<detail::sibling_position<element>>;
 
     item() noexcept = default;
     // For handles of the flat functions. The second is the (0008,0005) of what encloses the item.
@@ -88,9 +66,9 @@ class item {
     // ---- Reading --------------------------------------------------------------------------------
 
     [[nodiscard]] iterator begin() const noexcept {
-        return {pgKitGetFirst(node_), character_set()};
+        return iterator({pgKitGetFirst(node_), character_set()});
     }
-    [[nodiscard]] iterator end() const noexcept { return {}; }
+    [[nodiscard]] iterator end() const noexcept { return iterator(); }
     [[nodiscard]] bool empty() const noexcept { return pgKitGetFirst(node_) == nullptr; }
 
     // The element at a place; an empty one when there is none, also when the path cannot be
@@ -173,14 +151,14 @@ class item {
 // The items of a sequence.
 class item_range {
   public:
-    using iterator = detail::sibling_iterator<item>;
+    using iterator = detail::handle_iterator<detail::sibling_position<item>>;
 
     item_range() noexcept = default;
     item_range(PGX_Node* first, PGX_Node* character_set) noexcept
         : first_(first), character_set_(character_set) {}
 
-    [[nodiscard]] iterator begin() const noexcept { return {first_, character_set_}; }
-    [[nodiscard]] iterator end() const noexcept { return {}; }
+    [[nodiscard]] iterator begin() const noexcept { return iterator({first_, character_set_}); }
+    [[nodiscard]] iterator end() const noexcept { return iterator(); }
     [[nodiscard]] bool empty() const noexcept { return first_ == nullptr; }
 
   private:

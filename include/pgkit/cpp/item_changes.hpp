@@ -33,10 +33,16 @@ inline void remember_bits_allocated(const item& in) noexcept {
 }
 
 // The way to an element, or to a sequence that gets one more item. What is missing is made and,
-// when nothing comes of it in the end, taken back.
+// unless it is kept in the end, taken back.
 class made_way {
   public:
     explicit made_way(const place& where) noexcept : where_(where) {}
+    made_way(const made_way&) = delete;
+    made_way& operator=(const made_way&) = delete;
+    ~made_way() {
+        if (child_ != nullptr) pgKitRemoveNode(parent_, child_);
+    }
+    void keep() noexcept { child_ = nullptr; }
 
     // A new element gets this value representation, or that of the dictionary.
     result<element> to_element(item in, std::optional<std::uint32_t> vr) {
@@ -74,11 +80,6 @@ class made_way {
         return item(added, sequence.character_set());
     }
 
-    void take_back() noexcept {
-        if (child_ != nullptr) pgKitRemoveNode(parent_, child_);
-        child_ = nullptr;
-    }
-
   private:
     result<element> sequence_in(const item& in, pgkit::tag tag) {
         result<element> sequence = element_in(in, tag, std::uint32_t{VR_SQ});
@@ -93,9 +94,10 @@ class made_way {
         const bool is_known = known != VR_Unknown;
         if (vr == std::uint32_t{VR_SQ} && is_known && known != VR_SQ && known != VR_UN)
             return fails(failure::not_a_sequence, tag.text() + " is no sequence");
-        if (!vr && !is_known)
+        if (!vr && !is_known) {
             return fails(failure::wrong_type,
                          "the value representation of " + tag.text() + " is not known");
+        }
         if (tag == pixel_data) remember_bits_allocated(in);
         PGX_Node* const inserted =
             pgKitInsertNodeWithGroupElement(in.node(), tag.group, tag.element, nullptr, 0);
@@ -117,8 +119,7 @@ class made_way {
         child_ = child;
     }
 
-    error fails(failure kind, const std::string& reason) {
-        take_back();
+    [[nodiscard]] error fails(failure kind, const std::string& reason) const {
         return {kind, "cannot set " + where_.text() + ": " + reason};
     }
 
@@ -135,7 +136,7 @@ result<void> item::change(const place& where, Change change_element) {
     result<element> target = way.to_element(*this, std::nullopt);
     if (!target) return target.error();
     result<void> changed = change_element(*target);
-    if (!changed) way.take_back();
+    if (changed) way.keep();
     return changed;
 }
 
@@ -167,18 +168,26 @@ inline result<void> item::set_bytes(const place& where, const void* bytes, std::
 }
 
 inline result<element> item::add(const place& where) {
-    return detail::made_way(where).to_element(*this, std::nullopt);
+    detail::made_way way(where);
+    result<element> target = way.to_element(*this, std::nullopt);
+    if (target) way.keep();
+    return target;
 }
 
 inline result<element> item::add(const place& where, std::uint32_t vr) {
-    return detail::made_way(where).to_element(*this, vr);
+    detail::made_way way(where);
+    result<element> target = way.to_element(*this, vr);
+    if (target) way.keep();
+    return target;
 }
 
 inline result<item> item::add_item(const place& where) {
     detail::made_way way(where);
     result<element> sequence = way.to_sequence(*this);
     if (!sequence) return sequence.error();
-    return way.item_in(*sequence, sequence->item_count());
+    result<item> added = way.item_in(*sequence, sequence->item_count());
+    if (added) way.keep();
+    return added;
 }
 
 inline bool item::remove(const element& child) {

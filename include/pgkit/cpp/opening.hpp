@@ -51,9 +51,10 @@ inline error why_not_read(const std::string& path, const char* what_it_is_not) {
     if ((found.st_mode & S_IFMT) != S_IFREG)
         return cannot_read(failure::cannot_open, path, "it is no file");
     std::FILE* const stream = std::fopen(existing.c_str(), "rb");
-    if (stream == nullptr)
+    if (stream == nullptr) {
         return cannot_read(failure::cannot_open, path,
                            errno == EACCES ? "permission denied" : "it cannot be opened");
+    }
     std::fclose(stream);
     return cannot_read(failure::not_a_data_set, path, what_it_is_not);
 }

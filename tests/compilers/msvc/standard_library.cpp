@@ -1,12 +1,12 @@
 // What a program of Microsoft's ABI needs beside the headers of a C++ library, where no library of
 // that ABI is at hand: its entry, memory, the functions that the headers count on, and std::string,
 // compiled from the headers. The rest is the system's C library, msvcrt.dll.
+#include <sys/stat.h>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <string>
-#include <sys/stat.h>
 
 extern "C" {
 
@@ -17,6 +17,8 @@ __declspec(dllimport) int __getmainargs(int* count, char*** arguments, char*** e
 __declspec(dllimport) FILE* __iob_func();
 __declspec(dllimport) int _vsnprintf(char* buffer, size_t size, const char* format, va_list values);
 __declspec(dllimport) int _stat64(const char* path, struct __stat64* found);
+// The headers have a vfprintf of their own, which calls the function that is defined below.
+int SystemVfprintf(FILE* stream, const char* format, va_list values) __asm__("vfprintf");
 
 // The names under which the headers look for what msvcrt.dll calls otherwise.
 FILE* __cdecl __acrt_iob_func(unsigned index) { return __iob_func() + index; }
@@ -26,11 +28,11 @@ int __cdecl __mingw_vsnprintf(char* buffer, size_t size, const char* format, va_
 }
 
 int __cdecl __mingw_vfprintf(FILE* stream, const char* format, va_list values) {
-    return vfprintf(stream, format, values);
+    return SystemVfprintf(stream, format, values);
 }
 
 int __cdecl __mingw_vprintf(const char* format, va_list values) {
-    return vfprintf(__iob_func() + 1, format, values);
+    return SystemVfprintf(__iob_func() + 1, format, values);
 }
 
 int __cdecl stat(const char* path, struct stat* found) {
