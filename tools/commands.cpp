@@ -7,8 +7,9 @@ namespace pgtool {
 
 const std::vector<CommandGroup>& CommandGroups() {
     static const std::vector<CommandGroup> groups = {
-        {"Reading data sets", {&kDumpCommand, &kScanCommand, &kImageCommand}},
-        {"Writing data sets", {&kSetCommand, &kDeleteCommand, &kAnonymizeCommand, &kSaveCommand}},
+        {"Reading data sets", {&kDumpCommand, &kJsonCommand, &kScanCommand, &kImageCommand}},
+        {"Writing data sets",
+         {&kSetCommand, &kDeleteCommand, &kAnonymizeCommand, &kSaveCommand, &kFromJsonCommand}},
         {"Media", {&kBrowseCommand, &kMkdirCommand, &kCheckCommand}},
         {"Tables", {&kTagsCommand, &kUidCommand, &kModalityCommand, &kProfilesCommand}},
         {"The tool itself", {&kDocumentationCommand}},

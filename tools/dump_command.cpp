@@ -6,6 +6,8 @@
 #include "data_set.h"
 #include "dump_lines.h"
 #include "inputs.h"
+#include "json_output.h"
+#include "pgkit/json.h"
 #include "places.h"
 #include "text_options.h"
 #include "utf8_text.h"
@@ -22,6 +24,7 @@ struct DumpRequest {
     TextOptions texts;
     Arguments places;
     bool full = false;
+    bool json = false;
     uint32_t loadLimit = kDefaultLoadLimit;
     uint32_t flags = 0;
 };
@@ -55,7 +58,13 @@ int Dump(DumpRequest& request) {
     if (complaint.empty() && request.texts.raw && !request.places.empty()) {
         complaint = "--raw prints whole data sets: no -t";
     }
+    if (complaint.empty() && request.json && (request.texts.raw || !request.places.empty())) {
+        complaint = "--json prints whole data sets in UTF-8: neither -t nor --raw";
+    }
     if (!complaint.empty()) return Misuse(kDumpCommand, complaint);
+    if (request.json) {
+        return PrintJsonOf(kDumpCommand, request.inputs, PGX_JSON_ALL_INLINE, stdout);
+    }
     const InputCounts counts = ForEachInput(
         kDumpCommand, request.inputs, [&](const Input& input) { return DumpOne(request, input); });
     return counts.failed == 0 ? kDone : kFailed;
@@ -68,6 +77,7 @@ Work DefineDump(OptionSet& options) {
         "-t,--tag", "TAG", &request->places,
         "print only this element, wherever it is, or the one that a path leads to; may be "
         "repeated");
+    options.Switch("--json", &request->json, "print DICOM JSON, as the command json does");
     options.Switch("--full", &request->full, "print long values completely");
     AddTextOptions(options, request->texts);
     options.Number("--load-limit", "N", &request->loadLimit,

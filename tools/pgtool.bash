@@ -4,7 +4,7 @@ _pgtool() {
     local current=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]} words=''
     COMPREPLY=()
     if [[ $COMP_CWORD -eq 1 ]] || [[ $COMP_CWORD -eq 2 && $command == help ]]; then
-        words='dump scan image set delete anonymize save browse mkdir check tags uid modality profiles documentation help --help --version'
+        words='dump json scan image set delete anonymize save from-json browse mkdir check tags uid modality profiles documentation help --help --version'
     else
         case $command:${COMP_WORDS[COMP_CWORD - 1]} in
             dump:--edition) words='current built-in' ;;
@@ -19,13 +19,15 @@ _pgtool() {
         esac
         if [[ -z $words && $current == -* ]]; then
             case $command in
-                dump) words='--help --recursive --files-from --tag --full --edition --utf8 --raw --load-limit --flags' ;;
+                dump) words='--help --recursive --files-from --tag --json --full --edition --utf8 --raw --load-limit --flags' ;;
+                json) words='--help --recursive --files-from --output --bulk' ;;
                 scan) words='--help --recursive --files-from --tags --tag --format --jobs --edition --utf8 --raw' ;;
                 image) words='--help --frame --size --output' ;;
                 set) words='--help --recursive --files-from --output --in-place --force --edition --utf8 --raw' ;;
                 delete) words='--help --recursive --files-from --tag --private --output --in-place --edition' ;;
                 anonymize) words='--help --recursive --files-from --output --in-place --retain-uids --retain-dates --modify-dates --retain-device-identity --retain-institution-identity --retain-patient-characteristics --retain-safe-private --key' ;;
                 save) words='--help --mode --bare --undefined-lengths --flags --edition' ;;
+                from-json) words='--help --output --bulk-dir' ;;
                 browse) words='--help --json' ;;
                 mkdir) words='--help --profile --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
                 check) words='--help --profile' ;;

@@ -3,12 +3,14 @@
 local -a commands
 commands=(
   'dump:print data sets as text, a line per element'
+  'json:write data sets as DICOM JSON'
   'scan:list the data sets below directories, a row for each'
   'image:make a picture of a frame'
   'set:change values of data sets'
   'delete:remove elements of data sets'
   'anonymize:remove from data sets whom they are about'
   'save:write a data set in another encoding'
+  'from-json:make files of DICOM JSON'
   'browse:list what a DICOMDIR refers to'
   'mkdir:make the DICOMDIR of a directory'
   'check:tell whether files may be on a medium'
@@ -32,12 +34,24 @@ case $words[1] in
       '*--files-from[work on the files that a file names, one on each line; - is the standard input]:LIST:_files' \
       '*-t[print only this element, wherever it is, or the one that a path leads to; may be repeated]:TAG:_files' \
       '*--tag[print only this element, wherever it is, or the one that a path leads to; may be repeated]:TAG:_files' \
+      '*--json[print DICOM JSON, as the command json does]' \
       '*--full[print long values completely]' \
       '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
       '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
       '*--raw[texts are the bytes of the file, as they stand]' \
       '*--load-limit[load values shorter than N bytes while opening; the others are read when they are printed, so the text is the same (default 4096)]:N:_files' \
       '*--flags[open flags, a sum of 0x01 (leave the fragments of encapsulated pixel data unindexed), 0x200 (items of UN sequences keep the surrounding encoding), 0x400 (they are inspected for it), and for a file without meta information 0x08 (explicit VR), 0x10 (implicit VR), 0x20 (little endian), 0x40 (big endian)]:N:_files' \
+      '--help[explain the command]' \
+      '*:file:_files'
+    ;;
+  json)
+    _arguments \
+      '*-r[work on the files in directories, too]' \
+      '*--recursive[work on the files in directories, too]' \
+      '*--files-from[work on the files that a file names, one on each line; - is the standard input]:LIST:_files' \
+      '*-o[the file to write (default\: the standard output)]:OUT:_files' \
+      '*--output[the file to write (default\: the standard output)]:OUT:_files' \
+      '*--bulk[values of more than N stored bytes become a BulkDataURI, the file with their offset and length (0\: every value that may)]:N:_files' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;
@@ -123,6 +137,14 @@ case $words[1] in
       '*--undefined-lengths[write sequences and items with delimiters]' \
       '*--flags[open flags, as those of dump]:N:_files' \
       '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
+      '--help[explain the command]' \
+      '*:file:_files'
+    ;;
+  from-json)
+    _arguments \
+      '*-o[the file to write; for several data sets the folder for 000001.dcm and so on]:OUT:_files' \
+      '*--output[the file to write; for several data sets the folder for 000001.dcm and so on]:OUT:_files' \
+      '*--bulk-dir[where the data of a BulkDataURI are, in a file of the URI'\''s last part; no other file is ever read]:DIR:_files' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;

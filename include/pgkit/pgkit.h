@@ -34,6 +34,7 @@
 #ifndef PGKIT_PGKIT_H
 #define PGKIT_PGKIT_H
 
+#include "pgkit/acceptance.h"
 #include "pgkit/accessors.h"
 #include "pgkit/dataset.h"
 #include "pgkit/diagnostics.h"
@@ -44,6 +45,7 @@
 #include "pgkit/edition.h"
 #include "pgkit/export.h"
 #include "pgkit/frames.h"
+#include "pgkit/json.h"
 #include "pgkit/list.h"
 #include "pgkit/lookup.h"
 #include "pgkit/node.h"

@@ -25,20 +25,20 @@ DICOMDIR = ROOT / "tests/data/dicomdir/DICOMDIR_implicit"
 NOBODY = 65534
 
 # Each command with what comes behind its files. OUT is a file, or with several files a folder.
-READERS = {"dump": [], "scan": [], "check": []}
+READERS = {"dump": [], "json": [], "scan": [], "check": []}
 WRITERS = {"set": ["PatientID=7", "-o", "OUT"], "delete": ["-t", "PatientID", "-o", "OUT"],
            "anonymize": ["-o", "OUT"]}
 SINGLE = {"image": ["-o", "OUT"], "save": ["OUT"]}
 ANSWERS = {"tags": "PatientName", "uid": "1.2.840.10008.1.2", "modality": "CT"}
 PRINTERS = {**{name: [word] for name, word in ANSWERS.items()}, "profiles": [],
-            "documentation": ["man"], "dump": ["good"], "scan": ["good"], "check": ["good"],
+            "documentation": ["man"], "dump": ["good"], "json": ["good"], "scan": ["good"], "check": ["good"],
             "browse": ["DICOMDIR"], "dump --raw": ["good"], "save good": ["-"],
             "set good PatientID=7 -o": ["-"], "image good -o": ["-"]}
 
 
 @contextlib.contextmanager
 def workplace():
-    """A directory with a good file, a bad one, a directory with both, and a DICOMDIR."""
+    """A directory with a good file, a bad one, a directory with both, a DICOMDIR, and JSON."""
     with tempfile.TemporaryDirectory() as directory:
         place = pathlib.Path(directory)
         place.chmod(0o777)
@@ -48,6 +48,7 @@ def workplace():
         for name in ("bad", "dir/text"):
             (place / name).write_text("this is no DICOM file, however long one looks at it\n")
         shutil.copyfile(DICOMDIR, place / "DICOMDIR")
+        (place / "json").write_text('{"00100020":{"vr":"LO","Value":["4711"]}}\n')
         yield place
 
 
@@ -137,6 +138,10 @@ def checks_of_inputs(tool):
         yield "good", name, check, (tool, [name, "good", *rest], 0, [], ["OUT"])
         yield "bad", name, check, (tool, [name, "bad", *rest], 1, ["bad: it is no DICOM data set"])
         yield "folder", name, check, (tool, [name, "dir", *rest], 1, ["dir: it is a directory"])
+    yield "nothing", "from-json", check, (tool, ["from-json"], 2, ["usage: pgtool from-json"])
+    yield "good", "from-json", check, (tool, ["from-json", "json", "-o", "OUT"], 0, [], ["OUT"])
+    yield "bad", "from-json", check, (tool, ["from-json", "bad", "-o", "OUT"], 1, ["bad: at byte"])
+    yield "folder", "from-json", check, (tool, ["from-json", "dir", "-o", "OUT"], 1, ["dir"])
     yield "stdin", "save", check_standard_input, (tool, ["save", "-", "OUT"])
     for name, word in ANSWERS.items():
         yield "nothing", name, check, (tool, [name], 2, [f"usage: pgtool {name}"])
@@ -163,7 +168,7 @@ def checks(tool):
             continue
         arguments = [name, "good", *("locked/out" if word == "OUT" else word for word in rest)]
         yield "locked", name, check_no_permission, (tool, arguments, "locked", root)
-    for name in ("dump", "scan", "set"):
+    for name in ("dump", "json", "scan", "set"):
         arguments = [name, "good", *WRITERS.get(name, [])]
         yield "locked", f"{name}: source", check_no_permission, (tool, arguments, "good", root)
 
