@@ -25,6 +25,8 @@ if(TARGET pgtool)
     install(FILES ${PROJECT_SOURCE_DIR}/tools/pgtool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
     install(FILES ${PROJECT_SOURCE_DIR}/tools/pgtool.bash
       DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME pgtool)
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/pgtool.zsh
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions RENAME _pgtool)
   endif()
 endif()
 if(WIN32)

@@ -131,6 +131,7 @@ native_lane() {
     limit=3600 run build-native scripts/build.sh native || return
     start_programs native prlimit --stack=1048576
     start python bindings/python/run_tests.sh build/native/bin/libpgkit.so
+    start tool tests/tools/check_matrix.py build/native/bin/pgtool
     start debugger tests/debugger/check_printer.py build/native/bin
     start documents scripts/check-docs.py build/native/bin
     start format scripts/check-format.sh

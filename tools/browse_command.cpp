@@ -1,12 +1,12 @@
 // pgtool browse: what a medium holds, by its DICOMDIR.
 #include <cstdio>
+#include <memory>
 
-#include "command.h"
+#include "commands.h"
 #include "data_set.h"
 #include "hierarchy_output.h"
 #include "library_path.h"
 #include "medium.h"
-#include "options.h"
 #include "pgkit/pgkit.h"
 #include "progress_line.h"
 #include "standard_streams.h"
@@ -34,14 +34,8 @@ PGX_List* BrowseOpen(PGX_DicomDir& directory) {
     return directory.Browse(ShowProgress, &progress);
 }
 
-int Browse(const Arguments& arguments) {
-    bool asJson = false;
-    Arguments paths;
-    const std::string complaint = ParseOptions(arguments, {{"--json", &asJson}}, &paths);
-    if (!complaint.empty()) return Misuse(kBrowseCommand, complaint);
-    if (paths.size() != 1) return Misuse(kBrowseCommand, "exactly one DICOMDIR is expected");
-
-    const std::string path = DirectoryFileOf(paths[0]);
+int Browse(const std::string& operand, bool asJson) {
+    const std::string path = DirectoryFileOf(operand);
     PGX_DicomDir directory;
     if (!Open(directory, path)) return Fail(kBrowseCommand, CannotOpen(path));
     if (directory.IsDicomDir() == 0) return Fail(kBrowseCommand, path + " is not a DICOMDIR");
@@ -55,6 +49,22 @@ int Browse(const Arguments& arguments) {
     return kDone;
 }
 
+struct BrowseRequest {
+    Arguments paths;
+    bool asJson = false;
+};
+
+Work DefineBrowse(OptionSet& options) {
+    const auto request = std::make_shared<BrowseRequest>();
+    options.Operands(&request->paths, 1, 1, "exactly one DICOMDIR is expected");
+    options.Switch(
+        "--json", &request->asJson,
+        "print the same as JSON in UTF-8: the members are named as the fields of the "
+        "library's objects; texts of the character set ISO_IR 192 are taken as UTF-8, of "
+        "all others as ISO 8859-1, byte for byte");
+    return [request] { return Browse(request->paths[0], request->asJson); };
+}
+
 }  // namespace
 
 const Command kBrowseCommand = {
@@ -64,10 +74,7 @@ const Command kBrowseCommand = {
     "the directory of the DICOMDIR has none of that name; case does not matter, nor do\n"
     "blanks around the name. An ID that leads outside of that directory is called so and not\n"
     "looked up. What the library reports about the DICOMDIR goes to the\n"
-    "standard error stream. Missing files and damaged directories do not fail the command.\n"
-    "  --json  print the same as JSON in UTF-8: the members are named as the fields of the\n"
-    "          library's objects. Texts of the character set ISO_IR 192 are taken as UTF-8,\n"
-    "          of all others as ISO 8859-1, byte for byte.\n",
-    Browse};
+    "standard error stream. Missing files and damaged directories do not fail the command.\n",
+    DefineBrowse};
 
 }  // namespace pgtool

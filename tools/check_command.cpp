@@ -1,11 +1,11 @@
 // pgtool check: whether files may be on a medium.
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "acceptance.h"
-#include "command.h"
+#include "commands.h"
 #include "library_path.h"
-#include "options.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/patient_list.h"
 #include "pgkit/profiles.h"
@@ -38,12 +38,7 @@ class JudgedFiles {
     PGX_List patients_;
 };
 
-int Check(const Arguments& arguments) {
-    std::string profile;
-    Arguments files;
-    const std::string complaint = ParseOptions(arguments, {{"--profile", &profile}}, &files);
-    if (!complaint.empty()) return Misuse(kCheckCommand, complaint);
-    if (files.empty()) return Misuse(kCheckCommand, "a file is expected");
+int Check(const Arguments& files, const std::string& profile) {
     if (!profile.empty() && pgxIsProfile(profile.c_str()) == 0) {
         return Misuse(kCheckCommand, "unknown profile: " + profile);
     }
@@ -58,15 +53,27 @@ int Check(const Arguments& arguments) {
     return status;
 }
 
+struct CheckRequest {
+    Arguments files;
+    std::string profile;
+};
+
+Work DefineCheck(OptionSet& options) {
+    const auto request = std::make_shared<CheckRequest>();
+    options.Operands(&request->files, 1, kAnyNumber, "a file is expected");
+    options.Text("--profile", "NAME", &request->profile,
+                 "the media application profile, such as STD-GEN-CD; without one every DICOM file "
+                 "with the identifiers of a DICOMDIR is accepted");
+    return [request] { return Check(request->files, request->profile); };
+}
+
 }  // namespace
 
 const Command kCheckCommand = {
     "check", "check FILE... [--profile NAME]", "tell whether files may be on a medium",
     "Prints a line for each: the file, its acceptance code, and what that means. The files\n"
     "are judged together, as those of one medium: an instance that came before is refused.\n"
-    "  --profile NAME  the media application profile, such as STD-GEN-CD; without one\n"
-    "                  every DICOM file with the identifiers of a DICOMDIR is accepted\n"
     "Exit status 0 means that all files are accepted.\n",
-    Check};
+    DefineCheck};
 
 }  // namespace pgtool

@@ -2,28 +2,24 @@
 
 #include <cstdio>
 
-#include "options.h"
+#include "utf8_text.h"
 
 namespace pgtool {
 
 int Fail(const Command& command, const std::string& reason) {
-    std::fprintf(stderr, "pgtool %s: %s\n", command.name, reason.c_str());
+    std::fflush(stdout);
+    std::fprintf(stderr, "pgtool %s: %s\n", command.name, WithEscapes(reason).c_str());
     return kFailed;
 }
 
 int Misuse(const Command& command, const std::string& reason) {
-    std::fprintf(stderr, "pgtool %s: %s\nusage: pgtool %s\n", command.name, reason.c_str(),
-                 command.synopsis);
+    std::fprintf(stderr, "pgtool %s: %s\nusage: pgtool %s\n", command.name,
+                 WithEscapes(reason).c_str(), command.synopsis);
     return kMisuse;
 }
 
-int AnswerEach(const Command& command, const Arguments& arguments, const std::string& expected,
+int AnswerEach(const Command& command, const Arguments& operands,
                bool (*print)(const std::string& operand)) {
-    Arguments operands;
-    const std::string complaint = ParseOptions(arguments, {}, &operands);
-    if (!complaint.empty()) return Misuse(command, complaint);
-    if (operands.empty()) return Misuse(command, expected + " is expected");
-
     int status = kDone;
     for (const std::string& operand : operands) {
         if (!print(operand)) status = Fail(command, "unknown: " + operand);

@@ -1,9 +1,12 @@
 // The commands of pgtool. A new command is one file that defines one constant, and one row of the
-// table in main.cpp.
+// table in commands.cpp.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
+
+#include "options.h"
 
 namespace pgtool {
 
@@ -14,33 +17,33 @@ enum ExitStatus : int {
     kMisuse = 2   // the command line is wrong
 };
 
-using Arguments = std::vector<std::string>;
+// What a command does once its options have their values; gives the exit status.
+using Work = std::function<int()>;
 
 struct Command {
     const char* name;
     const char* synopsis;  // what follows "pgtool " in the help
     const char* summary;   // one line
-    const char* details;   // the rest of the command's help, complete lines
-    int (*run)(const Arguments& arguments);
+    const char* details;   // what the help says beside the options, complete lines
+    Work (*define)(OptionSet& options);
 };
 
-extern const Command kBrowseCommand;
-extern const Command kCheckCommand;
-extern const Command kDumpCommand;
-extern const Command kMkdirCommand;
-extern const Command kModalityCommand;
-extern const Command kSaveCommand;
-extern const Command kSetCommand;
-extern const Command kTagsCommand;
-extern const Command kUidCommand;
+// The commands under their headings, in the order of the help.
+struct CommandGroup {
+    const char* heading;
+    std::vector<const Command*> commands;
+};
+const std::vector<CommandGroup>& CommandGroups();
+// Null for a name that no command has.
+const Command* FindCommand(const std::string& name);
 
 // Both print "pgtool COMMAND: ..." on the standard error stream and give the exit status.
 int Fail(const Command& command, const std::string& reason);
 int Misuse(const Command& command, const std::string& reason);
 
-// Runs a command that answers one question about each operand and has no options. print gives false
-// when it has no answer, which fails the command but does not end it.
-int AnswerEach(const Command& command, const Arguments& arguments, const std::string& expected,
+// Answers one question about each operand. print gives false when it has no answer, which fails the
+// command but does not end it.
+int AnswerEach(const Command& command, const Arguments& operands,
                bool (*print)(const std::string& operand));
 
 }  // namespace pgtool

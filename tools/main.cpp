@@ -1,39 +1,20 @@
 // pgtool: pgkit at the command line.
+#include <CLI/CLI.hpp>
 #include <cstdio>
 
 #include "command.h"
 #include "command_line.h"
+#include "help.h"
 #include "pgkit/diagnostics.h"
 #include "pgkit/paths.h"
 #include "pgkit/version.h"
 #include "standard_streams.h"
+#include "suggestion.h"
+#include "utf8_text.h"
 
 namespace pgtool {
 
 namespace {
-
-constexpr const Command* kCommands[] = {&kBrowseCommand,   &kDumpCommand,  &kSaveCommand,
-                                        &kSetCommand,      &kTagsCommand,  &kUidCommand,
-                                        &kModalityCommand, &kMkdirCommand, &kCheckCommand};
-
-const Command* FindCommand(const std::string& name) {
-    for (const Command* command : kCommands) {
-        if (name == command->name) return command;
-    }
-    return nullptr;
-}
-
-void PrintHelp(std::FILE* stream) {
-    std::fputs("usage: pgtool COMMAND ARGUMENT...\n\n", stream);
-    for (const Command* command : kCommands) {
-        std::fprintf(stream, "  %-9s %s\n", command->name, command->summary);
-    }
-    std::fputs(
-        "\npgtool help COMMAND explains a command, pgtool --version names the library.\n"
-        "Results go to the standard output, errors to the standard error stream.\n"
-        "Exit status: 0 done, 1 the operation failed, 2 the command line is wrong.\n",
-        stream);
-}
 
 int PrintVersion() {
     char text[64];
@@ -42,25 +23,68 @@ int PrintVersion() {
     return kDone;
 }
 
+Arguments CommandNames() {
+    Arguments names;
+    for (const CommandGroup& group : CommandGroups()) {
+        for (const Command* command : group.commands)
+            names.push_back(command->name);
+    }
+    return names;
+}
+
 int UnknownCommand(const std::string& name) {
-    std::fprintf(stderr, "pgtool: unknown command %s; pgtool --help lists them\n", name.c_str());
+    std::fprintf(stderr, "pgtool: unknown command %s%s; pgtool --help lists them\n",
+                 WithEscapes(name).c_str(), DidYouMean(name, CommandNames()).c_str());
     return kMisuse;
+}
+
+// "--outptu" is the first argument that nobody knows, if it looks like an option.
+std::string UnknownOption(const Arguments& unknown, const OptionSet& options) {
+    std::string name = unknown.empty() ? "" : unknown.front().substr(0, unknown.front().find('='));
+    if (!name.starts_with('-')) return "unexpected: " + name;
+    Arguments known = {"--help"};
+    for (const OptionDescription& option : options.Descriptions())
+        known.push_back(option.names.substr(option.names.find("--")));
+    return "unknown option " + name + DidYouMean(name, known);
+}
+
+int RunCommand(const Command& command, const Arguments& arguments) {
+    CLI::App parser;
+    parser.set_help_flag("-h,--help");
+    parser.allow_windows_style_options(false);
+    OptionSet options(parser);
+    const Work work = command.define(options);
+    try {
+        parser.parse(ForParser(arguments));
+    } catch (const CLI::CallForHelp&) {
+        std::fputs(HelpAbout(command, options.Descriptions()).c_str(), stdout);
+        return kDone;
+    } catch (const CLI::ExtrasError&) {
+        return Misuse(command, UnknownOption(parser.remaining(), options));
+    } catch (const CLI::ParseError& error) {
+        return Misuse(command, error.what());
+    }
+    const std::string complaint = options.ComplaintAboutOperands();
+    return complaint.empty() ? work() : Misuse(command, complaint);
 }
 
 int Help(const Arguments& arguments) {
     if (arguments.empty()) {
-        PrintHelp(stdout);
+        std::fputs(GeneralHelp().c_str(), stdout);
         return kDone;
     }
     const Command* const command = FindCommand(arguments[0]);
-    if (command == nullptr) return UnknownCommand(arguments[0]);
-    std::printf("usage: pgtool %s\n\n%s", command->synopsis, command->details);
-    return kDone;
+    return command != nullptr ? RunCommand(*command, {"--help"}) : UnknownCommand(arguments[0]);
 }
 
 int Run(const Arguments& arguments) {
+    for (const std::string& argument : arguments) {
+        if (IsUtf8(argument)) continue;
+        std::fputs("pgtool: an argument is not UTF-8\n", stderr);
+        return kMisuse;
+    }
     if (arguments.empty()) {
-        PrintHelp(stderr);
+        std::fputs(GeneralHelp().c_str(), stderr);
         return kMisuse;
     }
     const std::string& name = arguments[0];
@@ -68,7 +92,7 @@ int Run(const Arguments& arguments) {
     if (name == "help" || name == "--help" || name == "-h") return Help(rest);
     if (name == "--version") return PrintVersion();
     const Command* const command = FindCommand(name);
-    return command != nullptr ? command->run(rest) : UnknownCommand(name);
+    return command != nullptr ? RunCommand(*command, rest) : UnknownCommand(name);
 }
 
 }  // namespace

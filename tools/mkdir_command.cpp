@@ -2,15 +2,15 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "acceptance.h"
-#include "command.h"
+#include "commands.h"
 #include "data_set.h"
 #include "library_path.h"
-#include "options.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/profiles.h"
 #include "progress_line.h"
@@ -133,44 +133,55 @@ std::string ComplaintAbout(const Request& request) {
     return request.options.fillMissingKeys != 0 ? "--offshore knows no --fill-missing" : "";
 }
 
-// Reads the command line; gives the complaint about it, or an empty text.
-std::string ReadRequest(const Arguments& arguments, Request& request) {
+// What the options say, in the form of the library's.
+struct MkdirOptions {
+    Request request;
+    Arguments directories;
     bool seriesIcons = false;
     bool fileSize = false;
     bool fillMissing = false;
     bool noRecurse = false;
     bool noList = false;
     bool allowEmpty = false;
-    Arguments directories;
-    std::string complaint = ParseOptions(arguments,
-                                         {{"--profile", &request.profile},
-                                          {"--icons", &request.options.iconSize},
-                                          {"--series-icons", &seriesIcons},
-                                          {"--file-size", &fileSize},
-                                          {"--fill-missing", &fillMissing},
-                                          {"--file-set-id", &request.fileSetId},
-                                          {"--no-recurse", &noRecurse},
-                                          {"--no-list", &noList},
-                                          {"--allow-empty", &allowEmpty},
-                                          {"--offshore", &request.offshore}},
-                                         &directories);
-    if (!complaint.empty()) return complaint;
-    if (directories.size() != 1 || directories[0].empty()) return "a directory is expected";
-    request.directory = directories[0];
+};
+
+int Mkdir(MkdirOptions& given) {
+    Request& request = given.request;
+    request.directory = given.directories[0];
+    if (request.directory.empty()) return Misuse(kMkdirCommand, "a directory is expected");
     request.fileSetId.copy(request.options.fileSetId, kMaxFileSetId);
-    request.options.seriesIcons = seriesIcons;
-    request.options.storeFileSize = fileSize;
-    request.options.fillMissingKeys = fillMissing;
-    if (noRecurse) request.options.flags |= PG_DICOMDIR_NO_RECURSION;
-    if (noList) request.options.flags |= PG_DICOMDIR_NO_LIST;
-    if (!allowEmpty) request.options.flags |= PG_DICOMDIR_NEVER_EMPTY;
-    return ComplaintAbout(request);
+    request.options.seriesIcons = given.seriesIcons;
+    request.options.storeFileSize = given.fileSize;
+    request.options.fillMissingKeys = given.fillMissing;
+    if (given.noRecurse) request.options.flags |= PG_DICOMDIR_NO_RECURSION;
+    if (given.noList) request.options.flags |= PG_DICOMDIR_NO_LIST;
+    if (!given.allowEmpty) request.options.flags |= PG_DICOMDIR_NEVER_EMPTY;
+    const std::string complaint = ComplaintAbout(request);
+    return complaint.empty() ? Create(request) : Misuse(kMkdirCommand, complaint);
 }
 
-int Mkdir(const Arguments& arguments) {
-    Request request;
-    std::string complaint = ReadRequest(arguments, request);
-    return complaint.empty() ? Create(request) : Misuse(kMkdirCommand, complaint);
+Work DefineMkdir(OptionSet& options) {
+    const auto given = std::make_shared<MkdirOptions>();
+    options.Operands(&given->directories, 1, 1, "a directory is expected");
+    options.Text("--profile", "NAME", &given->request.profile,
+                 "accept what this media application profile allows, such as STD-GEN-CD; without "
+                 "it every DICOM file");
+    options.Number("--icons", "N", &given->request.options.iconSize,
+                   "images have icons of at most N pixels in square, up to 256");
+    options.Switch("--series-icons", &given->seriesIcons, "series have the icon of an image, too");
+    options.Switch("--file-size", &given->fileSize, "records say how large their files are");
+    options.Switch("--fill-missing", &given->fillMissing,
+                   "make up patient IDs, study IDs, dates and times, and series numbers where they "
+                   "are empty");
+    options.Text("--file-set-id", "ID", &given->request.fileSetId, "up to 16 characters");
+    options.Switch("--no-recurse", &given->noRecurse, "stay out of subdirectories");
+    options.Switch("--no-list", &given->noList, "write no dcmdir.lst");
+    options.Switch("--allow-empty", &given->allowEmpty,
+                   "write a DICOMDIR without records when nothing is accepted");
+    options.Text("--offshore", "FILES", &given->request.offshore,
+                 "the files are below the directory FILES; DIR gets the DICOMDIR, which refers to "
+                 "them by their paths below FILES");
+    return [given] { return Mkdir(*given); };
 }
 
 }  // namespace
@@ -185,20 +196,7 @@ const Command kMkdirCommand = {
     "became of each file in DIR/dcmdir.lst. Prints a line for each acceptance code that\n"
     "occurred: the code, its meaning, and the number of files. The new DICOMDIR takes the\n"
     "place of the one that is there as a whole; that one stays when nothing is accepted,\n"
-    "which is exit status 1, and when writing fails.\n"
-    "  --profile NAME    accept what this media application profile allows, such as\n"
-    "                    STD-GEN-CD; without it every DICOM file\n"
-    "  --icons N         images have icons of at most N pixels in square, up to 256\n"
-    "  --series-icons    series have the icon of an image, too\n"
-    "  --file-size       records say how large their files are\n"
-    "  --fill-missing    make up patient IDs, study IDs, dates and times, and series\n"
-    "                    numbers where they are empty\n"
-    "  --file-set-id ID  up to 16 characters\n"
-    "  --no-recurse      stay out of subdirectories\n"
-    "  --no-list         write no dcmdir.lst\n"
-    "  --allow-empty     write a DICOMDIR without records when nothing is accepted\n"
-    "  --offshore FILES  the files are below the directory FILES; DIR gets the DICOMDIR,\n"
-    "                    which refers to them by their paths below FILES\n",
-    Mkdir};
+    "which is exit status 1, and when writing fails.\n",
+    DefineMkdir};
 
 }  // namespace pgtool

@@ -1,7 +1,8 @@
 // pgtool modality: the mnemonic of a SOP class, or the meaning of a modality code.
 #include <cstdio>
+#include <memory>
 
-#include "command.h"
+#include "commands.h"
 #include "lookup.h"
 #include "pgkit/lookup.h"
 
@@ -21,8 +22,10 @@ bool PrintModality(const std::string& text) {
     return true;
 }
 
-int Modality(const Arguments& arguments) {
-    return AnswerEach(kModalityCommand, arguments, "a UID or a code", PrintModality);
+Work DefineModality(OptionSet& options) {
+    const auto texts = std::make_shared<Arguments>();
+    options.Operands(texts.get(), 1, kAnyNumber, "a UID or a code is expected");
+    return [texts] { return AnswerEach(kModalityCommand, *texts, PrintModality); };
 }
 
 }  // namespace
@@ -31,6 +34,6 @@ const Command kModalityCommand = {
     "modality", "modality UID|CODE...", "explain modalities",
     "Prints a line for each: the modality mnemonic of a storage SOP class UID, or the\n"
     "description of a modality code such as CT. Codes are case-sensitive.\n",
-    Modality};
+    DefineModality};
 
 }  // namespace pgtool

@@ -1,5 +1,6 @@
 #include "options.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
 
@@ -9,61 +10,119 @@ namespace pgtool {
 
 namespace {
 
-using Argument = Arguments::const_iterator;
-
 std::optional<uint32_t> ParseNumber(const std::string& text) {
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
     return hexadecimal ? ParseDigits<uint32_t>(text.substr(2), 16)
                        : ParseDigits<uint32_t>(text, 10);
 }
 
-bool Assign(const Option& option, const std::string& text) {
-    if (std::string* const* value = std::get_if<std::string*>(&option.value)) {
-        **value = text;
-        return true;
-    }
-    const std::optional<uint32_t> number = ParseNumber(text);
-    if (number) *std::get<uint32_t*>(option.value) = *number;
-    return number.has_value();
+std::string Joined(const Arguments& words) {
+    std::string joined;
+    for (const std::string& word : words)
+        joined += (joined.empty() ? "" : "|") + word;
+    return joined;
 }
 
-// Reads the option at an argument, which becomes the last that belongs to it. Gives the complaint
-// about it, or an empty text.
-std::string ReadOption(Argument& argument, Argument end, const std::vector<Option>& options) {
-    const size_t equals = argument->find('=');
-    const bool isWhole = equals == std::string::npos;
-    const std::string name = argument->substr(0, equals);
-    const auto option = std::find_if(options.begin(), options.end(),
-                                     [&](const auto& known) { return name == known.name; });
-    if (option == options.end()) return "unknown option " + name;
+// The parser takes "[a,b]" among operands for a list, which is a name of a file here. So nothing
+// begins with a bracket when it comes.
+constexpr char kGuard = '\x01';
 
-    if (bool* const* isSet = std::get_if<bool*>(&option->value)) {
-        if (!isWhole) return name + " takes no value";
-        **isSet = true;
-        return "";
-    }
-    if (isWhole && argument + 1 == end) return name + " needs a value";
-    const std::string text = isWhole ? *++argument : argument->substr(equals + 1);
-    return Assign(*option, text) ? "" : name + ": \"" + text + "\" is not a number";
+std::string Guarded(const std::string& argument) {
+    const bool needsGuard = argument.starts_with('[') || argument.starts_with(kGuard);
+    return needsGuard ? kGuard + argument : argument;
+}
+
+std::string Unguarded(const std::string& argument) {
+    return argument.starts_with(kGuard) ? argument.substr(1) : argument;
 }
 
 }  // namespace
 
-std::string ParseOptions(const Arguments& arguments, const std::vector<Option>& options,
-                         Arguments* operands) {
-    for (Argument argument = arguments.begin(); argument != arguments.end(); ++argument) {
-        if (*argument == "--") {
-            operands->insert(operands->end(), argument + 1, arguments.end());
-            break;
-        }
-        if (argument->size() < 2 || argument->front() != '-') {
-            operands->push_back(*argument);
-            continue;
-        }
-        std::string complaint = ReadOption(argument, arguments.end(), options);
-        if (!complaint.empty()) return complaint;
-    }
-    return "";
+OptionSet::OptionSet(CLI::App& parser) : parser_(parser) {}
+
+// Values reach us as they were typed: the parser's own conversions know octal numbers.
+void OptionSet::Add(OptionDescription description, bool collects, const Take& take) {
+    CLI::Option* const option = parser_.add_option(description.names, take, description.help);
+    option->expected(1)->allow_extra_args(false);
+    option->multi_option_policy(collects ? CLI::MultiOptionPolicy::TakeAll
+                                         : CLI::MultiOptionPolicy::TakeLast);
+    descriptions_.push_back(std::move(description));
+}
+
+void OptionSet::Switch(const std::string& names, bool* value, const std::string& help) {
+    parser_.add_flag(names, *value, help)->disable_flag_override();
+    descriptions_.push_back({names, "", help, {}});
+}
+
+void OptionSet::Number(const std::string& names, const std::string& argument, uint32_t* value,
+                       const std::string& help) {
+    Add({names, argument, help, {}}, false, [value](const Arguments& texts) {
+        const std::optional<uint32_t> number = ParseNumber(texts.back());
+        if (number) *value = *number;
+        return number.has_value();
+    });
+}
+
+void OptionSet::Text(const std::string& names, const std::string& argument, std::string* value,
+                     const std::string& help) {
+    Add({names, argument, help, {}}, false, [value](const Arguments& texts) {
+        *value = Unguarded(texts.back());
+        return true;
+    });
+}
+
+void OptionSet::Choice(const std::string& names, const Arguments& choices, std::string* value,
+                       const std::string& help) {
+    Add({names, Joined(choices), help, choices}, false, [value, choices](const Arguments& texts) {
+        *value = Unguarded(texts.back());
+        return std::find(choices.begin(), choices.end(), *value) != choices.end();
+    });
+}
+
+void OptionSet::Texts(const std::string& names, const std::string& argument, Arguments* values,
+                      const std::string& help) {
+    Add({names, argument, help, {}}, true, [values](const Arguments& texts) {
+        values->clear();
+        for (const std::string& text : texts)
+            values->push_back(Unguarded(text));
+        return true;
+    });
+}
+
+void OptionSet::Operands(Arguments* values, size_t least, size_t most,
+                         const std::string& expected) {
+    CLI::Option* const option = parser_.add_option("operands", [values](const Arguments& texts) {
+        values->clear();
+        for (const std::string& text : texts)
+            values->push_back(Unguarded(text));
+        return true;
+    });
+    option->expected(0, CLI::detail::expected_max_vector_size)->allow_extra_args();
+    operands_ = values;
+    leastOperands_ = least;
+    mostOperands_ = most;
+    expected_ = expected;
+}
+
+std::vector<OptionDescription> DescriptionsOf(const std::function<void(OptionSet&)>& define) {
+    CLI::App parser;
+    OptionSet options(parser);
+    define(options);
+    return options.Descriptions();
+}
+
+// It takes the last argument first.
+Arguments ForParser(const Arguments& arguments) {
+    Arguments reversed;
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
+        reversed.push_back(Guarded(*argument));
+    return reversed;
+}
+
+std::string OptionSet::ComplaintAboutOperands() const {
+    if (operands_ == nullptr) return "";
+    const size_t count = operands_->size();
+    return count < leastOperands_ || count > mostOperands_ ? expected_ : "";
 }
 
 }  // namespace pgtool

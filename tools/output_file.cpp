@@ -17,6 +17,11 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMaxNames = 10000;
+constexpr const char* kSuffix = ".new";
+
+// Who may do what with a new file, before the user's own mask.
+constexpr unsigned kForEverybody = 0666;
+constexpr unsigned kForUser = 0600;
 
 // The library takes a backslash for a separator everywhere.
 std::string WithSlashes(std::string path) {
@@ -31,7 +36,29 @@ std::string BehindLinks(const std::string& path) {
     return error ? path : target.string();
 }
 
+// The path of a new, empty file: the beginning and a number. It is a name that nothing had, not
+// even a link that leads nowhere. Empty when none can be created.
+std::string CreateNew(const std::string& beginning, unsigned mode) {
+    for (int number = 0; number < kMaxNames; ++number) {
+        const std::string candidate = beginning + std::to_string(number);
+        const int descriptor = open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL, mode);
+        if (descriptor < 0 && errno == EEXIST) continue;
+        if (descriptor < 0) return "";
+        close(descriptor);
+        return candidate;
+    }
+    return "";
+}
+
 }  // namespace
+
+TemporaryFile::TemporaryFile(const std::string& directory)
+    : path_(CreateNew(directory + "/pgtool.", kForUser)) {}
+
+TemporaryFile::~TemporaryFile() {
+    std::error_code error;
+    if (!path_.empty()) fs::remove(path_, error);
+}
 
 OutputFile::OutputFile(const std::string& path) : target_(BehindLinks(WithSlashes(path))) {
     std::error_code error;
@@ -39,9 +66,9 @@ OutputFile::OutputFile(const std::string& path) : target_(BehindLinks(WithSlashe
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         path_ = target_;
     } else if (!fs::exists(status)) {
-        CreateBeside();
+        path_ = CreateNew(target_ + kSuffix, kForEverybody);
     } else if (access(target_.c_str(), W_OK) == 0) {
-        CreateBeside();
+        path_ = CreateNew(target_ + kSuffix, kForUser);
         fs::permissions(path_, fs::perms::owner_read | fs::perms::owner_write, error);
     }
 }
@@ -49,19 +76,6 @@ OutputFile::OutputFile(const std::string& path) : target_(BehindLinks(WithSlashe
 OutputFile::~OutputFile() {
     std::error_code error;
     if (path_ != target_ && !path_.empty()) fs::remove(path_, error);
-}
-
-// Under a name that nothing has, not even a link that leads nowhere.
-void OutputFile::CreateBeside() {
-    for (int number = 0; number < kMaxNames; ++number) {
-        const std::string candidate = target_ + ".new" + std::to_string(number);
-        const int descriptor = open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666);
-        if (descriptor < 0 && errno == EEXIST) continue;
-        if (descriptor < 0) return;
-        close(descriptor);
-        path_ = candidate;
-        return;
-    }
 }
 
 // Where the system does not let an open file be overwritten it can be moved out of the way; it

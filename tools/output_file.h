@@ -7,6 +7,22 @@
 
 namespace pgtool {
 
+// A new, empty file in a directory, under a name that nothing else has, for as long as the object
+// lives.
+class TemporaryFile {
+  public:
+    explicit TemporaryFile(const std::string& directory);
+    ~TemporaryFile();
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    // Empty when no file can be created.
+    const std::string& Path() const { return path_; }
+
+  private:
+    std::string path_;
+};
+
 class OutputFile {
   public:
     // A link is followed. What is no regular file, such as a device, is written where it is.
@@ -25,7 +41,6 @@ class OutputFile {
     [[nodiscard]] bool PutInPlace();
 
   private:
-    void CreateBeside();
     [[nodiscard]] bool Replace() const;
 
     std::string target_;

@@ -10,10 +10,11 @@ namespace pgtool {
 namespace {
 
 constexpr std::chrono::milliseconds kInterval{100};
+constexpr std::chrono::seconds kDelay{1};
 
 }  // namespace
 
-ProgressLine::ProgressLine() : isShown_(StandardErrorIsTerminal()), next_(Clock::now()) {}
+ProgressLine::ProgressLine() : isShown_(StandardErrorIsTerminal()), next_(Clock::now() + kDelay) {}
 
 ProgressLine::~ProgressLine() {
     if (width_ != 0) Rewrite("");

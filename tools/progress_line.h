@@ -6,8 +6,9 @@
 
 namespace pgtool {
 
-// Shows nothing where nobody looks. The cursor stays at the beginning of the line: what anybody
-// else prints to the standard error stream overwrites it. In the end the line is cleared.
+// Shows nothing where nobody looks, nor in the first second. The cursor stays at the beginning of
+// the line: what anybody else prints to the standard error stream overwrites it. In the end the
+// line is cleared.
 class ProgressLine {
   public:
     ProgressLine();

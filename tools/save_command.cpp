@@ -1,19 +1,15 @@
 // pgtool save: a data set in another encoding.
 #include <array>
-#include <optional>
+#include <memory>
 #include <utility>
 
-#include "command.h"
+#include "commands.h"
 #include "data_set.h"
-#include "long_values.h"
-#include "options.h"
+#include "text_options.h"
 
 namespace pgtool {
 
 namespace {
-
-// Values above it are copied from file to file.
-constexpr uint32_t kLoadedOnSave = 4096;
 
 struct Mode {
     const char* name;
@@ -45,28 +41,41 @@ uint32_t PrepareMode(PGX_Node& root, const Mode* mode, bool bare, bool undefined
     return bits;
 }
 
-int Save(const Arguments& arguments) {
-    std::string modeName = "as-read";
+struct SaveRequest {
+    Arguments files;
+    TextOptions texts;
+    std::string mode = "as-read";
     bool bare = false;
     bool undefinedLengths = false;
-    Arguments files;
-    const std::string complaint = ParseOptions(
-        arguments,
-        {{"--mode", &modeName}, {"--bare", &bare}, {"--undefined-lengths", &undefinedLengths}},
-        &files);
-    if (!complaint.empty()) return Misuse(kSaveCommand, complaint);
-    if (files.size() != 2) return Misuse(kSaveCommand, "a source and a target are expected");
-    const Mode* mode = FindMode(modeName);
-    if (mode == nullptr && modeName != "as-read") {
-        return Misuse(kSaveCommand, "\"" + modeName + "\" is not a mode");
-    }
+    uint32_t flags = 0;
+};
 
-    DataSet root(pgOpenDataSetFile(files[0].c_str(), kLoadedOnSave));
-    if (root == nullptr) return Fail(kSaveCommand, CannotOpen(files[0]));
-    const uint32_t bits = PrepareMode(*root, mode, bare, undefinedLengths);
-    if (!MakeLongValuesUn(*root)) return Fail(kSaveCommand, "a long value cannot be read");
-    const uint32_t result = SaveWhole(std::move(root), files[1], bits);
-    return result == 0 ? kDone : Fail(kSaveCommand, files[1] + ": " + DescribeSaveResult(result));
+int SaveOne(const SaveRequest& request) {
+    const std::string complaint = UseTextOptions(request.texts);
+    if (!complaint.empty()) return Misuse(kSaveCommand, complaint);
+    std::string damage;
+    auto root = Open(request.files[0], {kLoadedForSaving, request.flags, false, &damage});
+    if (!root) return Fail(kSaveCommand, root.error().message);
+    const uint32_t bits =
+        PrepareMode(*root->node(), FindMode(request.mode), request.bare, request.undefinedLengths);
+    const std::string reason = SaveWhole(*std::move(root), request.files[1], bits);
+    if (!reason.empty()) return Fail(kSaveCommand, reason);
+    return damage.empty() ? kDone : Fail(kSaveCommand, damage);
+}
+
+Work DefineSave(OptionSet& options) {
+    const auto request = std::make_shared<SaveRequest>();
+    options.Operands(&request->files, 2, 2, "a source and a target are expected");
+    options.Choice(
+        "--mode", {"explicit-le", "implicit-le", "explicit-be", "as-read"}, &request->mode,
+        "the encoding; as-read is the default; data of a compressed transfer syntax stay "
+        "explicit little endian, whatever the mode");
+    options.Switch("--bare", &request->bare, "write neither preamble nor file meta information");
+    options.Switch("--undefined-lengths", &request->undefinedLengths,
+                   "write sequences and items with delimiters");
+    options.Number("--flags", "N", &request->flags, "open flags, as those of dump");
+    AddEdition(options, request->texts);
+    return [request] { return SaveOne(*request); };
 }
 
 }  // namespace
@@ -74,13 +83,9 @@ int Save(const Arguments& arguments) {
 const Command kSaveCommand = {
     "save", "save IN OUT [--mode MODE] [--bare] [--undefined-lengths]",
     "write a data set in another encoding",
-    "  --mode MODE          explicit-le, implicit-le, explicit-be or as-read (the default);\n"
-    "                       data of a compressed transfer syntax stay explicit little\n"
-    "                       endian, whatever the mode\n"
-    "  --bare               write neither preamble nor file meta information\n"
-    "  --undefined-lengths  write sequences and items with delimiters\n"
+    "IN may be - for the standard input, OUT for the standard output.\n"
     "A source without meta information gets it, unless --bare or as-read. Values of 65,535\n"
     "bytes and more get the VR UN where theirs has no room for such a length.\n",
-    Save};
+    DefineSave};
 
 }  // namespace pgtool

@@ -3,10 +3,12 @@
 
 namespace pgtool {
 
-// The standard output as bytes: the same on every platform, for files, pipes and comparisons.
+// The standard streams as bytes: the same on every platform, for files, pipes and comparisons.
 void MakeStandardOutputBinary();
+void MakeStandardInputBinary();
 
 bool StandardErrorIsTerminal();
+bool StandardOutputIsTerminal();
 
 // While it lives, what anybody in the process prints to the standard output goes to the standard
 // error stream: the library reports on the one, where the results of a command belong.

@@ -8,8 +8,10 @@ namespace pgtool {
 
 // Streams have no text mode here.
 void MakeStandardOutputBinary() {}
+void MakeStandardInputBinary() {}
 
 bool StandardErrorIsTerminal() { return isatty(STDERR_FILENO) != 0; }
+bool StandardOutputIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
 
 DivertedOutput::DivertedOutput() {
     std::fflush(stdout);

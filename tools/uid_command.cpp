@@ -1,10 +1,13 @@
 // pgtool uid: what the UID tables know about a UID.
 #include <cstdio>
+#include <memory>
 
-#include "command.h"
+#include "commands.h"
 #include "lookup.h"
+#include "pgkit/edition.h"
 #include "pgkit/lookup.h"
 #include "pgkit/sopclass.h"
+#include "text_options.h"
 
 namespace pgtool {
 
@@ -28,10 +31,14 @@ constexpr Category kCategories[] = {
     {"rt-plan", pgIsRTPlanSOPClass},
 };
 
+bool usesCurrentNames = true;
+
 // One line: UID, name, and for a SOP class its modality mnemonic and categories. False when the
 // tables know nothing.
 bool PrintUid(const std::string& uid) {
-    const auto name = Lookup(pgxGetUIDName, uid);
+    auto name = Lookup(pgxGetUIDName, uid);
+    if (!name && usesCurrentNames) name = Lookup(pgxUidKeyword, uid);
+    if (name && name->empty()) name.reset();
     const auto mnemonic = Lookup(pgxGetSOPClassUIDToModality, uid);
     if (!name && !mnemonic) return false;
 
@@ -44,8 +51,19 @@ bool PrintUid(const std::string& uid) {
     return true;
 }
 
-int Uid(const Arguments& arguments) {
-    return AnswerEach(kUidCommand, arguments, "a UID", PrintUid);
+struct UidRequest {
+    Arguments uids;
+    TextOptions texts;
+};
+
+Work DefineUid(OptionSet& options) {
+    const auto request = std::make_shared<UidRequest>();
+    options.Operands(&request->uids, 1, kAnyNumber, "a UID is expected");
+    AddEdition(options, request->texts);
+    return [request] {
+        usesCurrentNames = IsCurrent(request->texts);
+        return AnswerEach(kUidCommand, request->uids, PrintUid);
+    };
 }
 
 }  // namespace
@@ -54,7 +72,7 @@ const Command kUidCommand = {
     "uid", "uid UID...", "look UIDs up",
     "Prints a line for each: UID, name and, of a SOP class, its modality mnemonic and the\n"
     "categories it belongs to. Classes from a configuration file beside the tool count too;\n"
-    "they have no categories.\n",
-    Uid};
+    "they have no categories. A UID that only today's standard has is named by its keyword.\n",
+    DefineUid};
 
 }  // namespace pgtool

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 
 namespace pgtool {
 
@@ -63,6 +64,39 @@ std::string FromLatin1(std::string_view text) {
     return result;
 }
 
+// One character. Those behind ASCII that are escaped are U+0080 to U+009F, U+202A to U+202E and
+// U+2066 to U+2069.
+std::string Escaped(std::string_view character) {
+    switch (character[0]) {
+        case '\n':
+            return "\\n";
+        case '\r':
+            return "\\r";
+        case '\t':
+            return "\\t";
+        default:
+            break;
+    }
+    const uint8_t first = ByteAt(character, 0);
+    const uint8_t last = ByteAt(character, character.size() - 1);
+    char text[8];
+    if (character.size() == 1 && (first < 0x20 || first >= 0x7F)) {
+        std::snprintf(text, sizeof text, "\\x%02x", first);
+        return text;
+    }
+    if (character.size() == 2 && first == 0xC2 && last < 0xA0) {
+        std::snprintf(text, sizeof text, "\\x%02x", last);
+        return text;
+    }
+    if (character.size() != 3 || first != 0xE2) return std::string(character);
+    const uint8_t middle = ByteAt(character, 1);
+    const bool isTurn = (middle == 0x80 && last >= 0xAA && last <= 0xAE) ||
+                        (middle == 0x81 && last >= 0xA6 && last <= 0xA9);
+    if (!isTurn) return std::string(character);
+    std::snprintf(text, sizeof text, "\\u20%02x", (middle == 0x80 ? 0 : 0x40) + (last & 0x3F));
+    return text;
+}
+
 }  // namespace
 
 std::string ToUtf8(std::string_view text, std::string_view characterSet) {
@@ -78,6 +112,25 @@ std::string WithoutControls(std::string_view utf8) {
         const bool isPair = byte == 0xC2 && i + 1 < utf8.size() && ByteAt(utf8, i + 1) < 0xA0;
         if (isPair) ++i;
         result += isPair || byte < 0x20 || byte == 0x7F ? '?' : utf8[i];
+    }
+    return result;
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const size_t length = WellFormedLength(text);
+        if (length == 0) return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+std::string WithEscapes(std::string_view utf8) {
+    std::string result;
+    while (!utf8.empty()) {
+        const size_t length = std::max<size_t>(WellFormedLength(utf8), 1);
+        result += Escaped(utf8.substr(0, length));
+        utf8.remove_prefix(length);
     }
     return result;
 }

@@ -15,4 +15,11 @@ std::string ToUtf8(std::string_view text, std::string_view characterSet);
 // terminal or break a line.
 std::string WithoutControls(std::string_view utf8);
 
+bool IsUtf8(std::string_view text);
+
+// A text in UTF-8 as it can be shown: control characters, and bytes that are no UTF-8, as "\n",
+// "\r", "\t" or their number, "\x1b"; what turns the direction of the text around as
+// "\u202e".
+std::string WithEscapes(std::string_view utf8);
+
 }  // namespace pgtool

@@ -49,7 +49,7 @@ SYSTEM_LIBRARIES = {"ADVAPI32.dll", "KERNEL32.dll", "SHELL32.dll", "USER32.dll"}
 
 
 def is_allowed(library):
-    return library in SYSTEM_LIBRARIES | {"pgkit.dll"} or UNIVERSAL_RUNTIME.fullmatch(library)
+    return library in SYSTEM_LIBRARIES | {"pgkit.dll", "pgview32.dll"} or UNIVERSAL_RUNTIME.fullmatch(library)
 
 
 def checks_of_pe(path):

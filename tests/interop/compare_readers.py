@@ -67,7 +67,7 @@ SANITIZER_OPTIONS = {
 
 def dump(command, path, limit=4096, flags=0, environment=None):
     """Runs pgtool dump. The result has the fields returncode, stdout and stderr."""
-    arguments = ["dump", str(path), "--load-limit", str(limit), "--flags", hex(flags)]
+    arguments = ["dump", "--raw", str(path), "--load-limit", str(limit), "--flags", hex(flags)]
     return subprocess.run(command + arguments, capture_output=True, timeout=SECONDS,
                           env={**os.environ, **(environment or {})})
 

@@ -44,7 +44,8 @@ ENCODINGS = {
 PRIVATE_SYNTAX = b"1.2.840.113619.5.2"
 
 # Bytes of the numbers in a value.
-UNITS = {"US": 2, "SS": 2, "OW": 2, "AT": 2, "UL": 4, "SL": 4, "FL": 4, "OF": 4, "FD": 8}
+UNITS = {"US": 2, "SS": 2, "OW": 2, "AT": 2, "UL": 4, "SL": 4, "FL": 4, "OF": 4, "OL": 4, "FD": 8, "OD": 8,
+         "OV": 8, "SV": 8, "UV": 8}
 
 # Where dciodvfy finds errors that are its own.
 DCIODVFY_GIVES_UP = "Missing Pixel Representation, can't set VR"  # of implicit VR

@@ -150,11 +150,11 @@ TEST_F(PgtoolWriting, SetChangesTextsAndNumbersByNameAndTag) {
 }
 
 TEST_F(PgtoolWriting, SetTakesSeveralNumbers) {
-    const DataSet root = Written({"set", source_, "0028,0010=1\\2\\65535", "-o", output_});
-    PGX_Node* rows = Child(root.get(), 0x0028, 0x0010);
-    ASSERT_EQ(rows->length, 6u);
-    EXPECT_EQ(rows->value[2], 2);
-    EXPECT_EQ(rows->value[4], 0xFF);
+    const DataSet root = Written({"set", source_, "0028,1101=1\\2\\16", "-o", output_});
+    PGX_Node* descriptor = Child(root.get(), 0x0028, 0x1101);
+    ASSERT_EQ(descriptor->length, 6u);
+    EXPECT_EQ(descriptor->value[2], 2);
+    EXPECT_EQ(descriptor->value[4], 16);
 }
 
 TEST_F(PgtoolWriting, SetFollowsPixelRepresentationWhereTheFileLeavesTheSignOpen) {
@@ -171,6 +171,131 @@ TEST_F(PgtoolWriting, SetFollowsPixelRepresentationWhereTheFileLeavesTheSignOpen
         arguments.insert(arguments.end(), assignments.begin(), assignments.end());
         EXPECT_EQ(Pgtool(arguments).exitStatus, 1) << assignments.back();
     }
+}
+
+// Values of any number and form were written.
+TEST_F(PgtoolWriting, SetHoldsValuesAgainstTheirVrAndMultiplicity) {
+    for (const char* assignment :
+         {"Rows=1\\2", "PatientBirthDate=1970", "PatientBirthDate=19701301", "StudyTime=2500",
+          "PatientSex=female", "PatientAge=45", "SOPInstanceUID=1.02", "SeriesNumber=1.5",
+          "PatientWeight=heavy", "AccessionNumber=12345678901234567", "WindowCenter=1\\\\x",
+          "PatientName=A^B^C^D^E^F", "ImageOrientationPatient=1\\0\\0"}) {
+        const Finished run = Pgtool({"set", source_, assignment, "-o", output_});
+        EXPECT_EQ(run.exitStatus, 1) << assignment;
+        EXPECT_THAT(run.err, HasSubstr(assignment));
+        EXPECT_FALSE(std::filesystem::exists(output_));
+    }
+    const DataSet root = Written({"set", source_, "PatientBirthDate=19700131", "StudyTime=235960.5",
+                                  "PatientAge=045Y", "WindowCenter=1\\2.5e1", "-o", output_});
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0028, 0x1050)), "1\\2.5e1 ");
+    EXPECT_EQ(Pgtool({"set", source_, "Rows=1\\2", "--force", "-o", output_}).exitStatus, 0);
+}
+
+// Only elements of the data set itself could be changed, and only some of them by today's names.
+TEST_F(PgtoolWriting, SetFollowsPathsAndMakesWhatIsMissing) {
+    const DataSet root =
+        Written({"set", source_, "ReferencedStudySequence[0].ReferencedSOPInstanceUID=1.2",
+                 "ReferencedStudySequence[1].ReferencedSOPInstanceUID=1.3",
+                 "ReferencedStudySequence[*].ReferencedSOPClassUID=1.4", "-o", output_});
+    PGX_Node* first = Child(root.get(), 0x0008, 0x1110)->first;
+    EXPECT_EQ(TextOf(Child(first, 0x0008, 0x1155)).substr(0, 3), "1.2");
+    EXPECT_EQ(TextOf(Child(first->next, 0x0008, 0x1150)).substr(0, 3), "1.4");
+    EXPECT_EQ(Pgtool({"set", source_, "ReferencedStudySequence[2].ReferencedSOPClassUID=1", "-o",
+                      directory_.Path("no")})
+                  .exitStatus,
+              1);
+}
+
+// UTF-8 was written whatever the character set.
+TEST_F(PgtoolWriting, SetWritesTheCharacterSetOfTheFile) {
+    const DataSet root = Written({"set", source_, "SpecificCharacterSet=ISO_IR 100",
+                                  "PatientName=M\u00FCller", "-o", output_});
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0010, 0x0010)), "M\xFCller");
+    const Finished refused =
+        Pgtool({"set", output_, "PatientName=\u5C71", "-o", directory_.Path("no")});
+    EXPECT_EQ(refused.exitStatus, 1);
+    EXPECT_THAT(refused.err, HasSubstr("the character set lacks a character"));
+    EXPECT_FALSE(std::filesystem::exists(directory_.Path("no")));
+}
+
+TEST_F(PgtoolWriting, MetaInformationFollowsTheInstance) {
+    const DataSet root = Written({"set", source_, "SOPInstanceUID=1.2.3", "-o", output_});
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0002, 0x0003)).substr(0, 5), "1.2.3");
+}
+
+TEST_F(PgtoolWriting, SeveralFilesAreWrittenIntoAFolderOrInPlace) {
+    std::filesystem::create_directories(directory_.Path("in/sub"));
+    for (const char* name : {"in/a", "in/sub/b"})
+        directory_.Write(name, ReadFile(source_));
+    directory_.Write("in/text", "no DICOM at all");
+    const std::string in = directory_.Path("in");
+    const std::string out = directory_.Path("out");
+    const Finished run = Pgtool({"set", "-r", in, "PatientID=7", "-o", out});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.err, "pgtool set: 2 written, 0 failed, 1 no DICOM files\n");
+    const auto idOf = [](const std::string& path) {
+        return Pgtool({"dump", path, "-t", "PatientID"}).out;
+    };
+    EXPECT_THAT(idOf(out + "/sub/b"), HasSubstr("[7]"));
+    EXPECT_THAT(idOf(in + "/sub/b"), HasSubstr("[4MR1]"));
+    EXPECT_EQ(Pgtool({"set", "-r", in, "PatientID=8", "--in-place"}).exitStatus, 0);
+    EXPECT_THAT(idOf(in + "/a"), HasSubstr("[8]"));
+    // Two files of one name have one place in a folder.
+    const Finished twice =
+        Pgtool({"set", in + "/a", out + "/a", "PatientID=9", "-o", directory_.Path("third")});
+    EXPECT_EQ(twice.exitStatus, 1);
+    EXPECT_THAT(twice.err, HasSubstr("has been written from " + in + "/a"));
+}
+
+TEST_F(PgtoolWriting, OutputsAndInPlaceExcludeEachOther) {
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"set", source_, "PatientID=7", "-o", output_, "--in-place"},
+             {"set", "PatientID=7", "-o", output_},
+             {"set", source_, "PatientIdd=7", "PatientID=7", "-o", output_},
+             {"set", "-", "PatientID=7", "--in-place"},
+             {"delete", source_, "-t", "PatientID"},
+             {"delete", source_, "-o", output_},
+             {"delete", source_, "-t", "NoSuchName", "-o", output_}}) {
+        EXPECT_EQ(Pgtool(arguments).exitStatus, 2) << arguments[1];
+    }
+    EXPECT_FALSE(std::filesystem::exists(output_));
+}
+
+TEST_F(PgtoolWriting, DeleteRemovesElementsAndItems) {
+    const std::string nested = TestData("sequences/sr_nested_be_defined.dcm");
+    const DataSet root = Written({"delete", nested, "-t", "PatientID", "-t", "ContentSequence[0]",
+                                  "-t", "NumberOfFrames", "-o", output_});
+    EXPECT_EQ(root->FindNode(0x0010, 0x0020), nullptr);
+    const DataSet source(pgOpenDataSetFile(nested.c_str(), 0));
+    const auto items = [](const DataSet& dataSet) {
+        size_t count = 0;
+        for (auto* item = Child(dataSet.get(), 0x0040, 0xA730)->first; item; item = item->next)
+            ++count;
+        return count;
+    };
+    EXPECT_EQ(items(root) + 1, items(source));
+    const DataSet emptied = Written({"delete", nested, "-t", "ContentSequence[*]", "-o", output_});
+    EXPECT_EQ(items(emptied), 0u);
+}
+
+TEST_F(PgtoolWriting, DeleteRemovesPrivateElements) {
+    const std::string source =
+        directory_.Write("private", pgkit_test::StreamBuilder()
+                                        .Part10("1.2.840.10008.1.2.1")
+                                        .Element(0x0009, 0x0010, "LO", "CREATOR ")
+                                        .Element(0x0009, 0x1001, "LO", "secret")
+                                        .Sequence(0x0008, 0x1140)
+                                        .Item()
+                                        .Element(0x0009, 0x0010, "LO", "CREATOR ")
+                                        .EndItem()
+                                        .EndSequence()
+                                        .Element(0x0010, 0x0020, "LO", "4711")
+                                        .Data());
+    const DataSet root = Written({"delete", source, "--private", "-o", output_});
+    EXPECT_EQ(root->FindNode(0x0009, 0x0010), nullptr);
+    EXPECT_EQ(root->FindNode(0x0009, 0x1001), nullptr);
+    EXPECT_EQ(Child(root.get(), 0x0008, 0x1140)->first->first, nullptr);
+    EXPECT_EQ(TextOf(Child(root.get(), 0x0010, 0x0020)), "4711");
 }
 
 TEST_F(PgtoolWriting, SetEmptiesNumbers) {

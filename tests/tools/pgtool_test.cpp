@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+
 #include "pgkit/pgkit.h"
 #include "support/process.h"
 #include "support/temp_dir.h"
@@ -74,8 +77,32 @@ TEST(Pgtool, VersionIsThatOfTheLibrary) {
 TEST(PgtoolTags, NameIsFoundWithoutRegardToCase) {
     const Finished run = Pgtool({"tags", "patientsname"});
     EXPECT_EQ(run.exitStatus, 0);
-    EXPECT_EQ(run.out, "(0010,0010) PN   PatientsName 245\n");
+    EXPECT_EQ(run.out, "(0010,0010) PN   PatientsName 245 PatientName\n");
     EXPECT_THAT(run.err, IsEmpty());
+}
+
+// Only the built-in spelling was known.
+TEST(PgtoolTags, BothSpellingsAreFoundAndElementsOfToday) {
+    EXPECT_EQ(Pgtool({"tags", "PatientName", "--edition", "current"}).out,
+              "(0010,0010) PN   PatientsName 245 PatientName\n");
+    EXPECT_EQ(Pgtool({"tags", "patientsname", "--edition=built-in"}).out,
+              "(0010,0010) PN   PatientsName 245\n");
+    EXPECT_EQ(Pgtool({"tags", "0010,0222"}).out,
+              "(0010,0222) UC   GeneticModificationsDescription\n");
+}
+
+TEST(PgtoolTags, FindsByAPartOfEitherName) {
+    const Finished run = Pgtool({"tags", "--find", "tientsna", "tientidentityr"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.out,
+              "(0010,0010) PN   PatientsName 245 PatientName\n"
+              "(0012,0062) CS   PatientIdentityRemoved 306\n");
+    EXPECT_EQ(Pgtool({"tags", "-f", "nothinglikethat"}).exitStatus, 1);
+}
+
+TEST(PgtoolTags, MisspeltNamesGetASuggestion) {
+    EXPECT_EQ(Pgtool({"tags", "PatientNmae"}).err,
+              "pgtool tags: unknown: PatientNmae; did you mean PatientName?\n");
 }
 
 TEST(PgtoolTags, TagMayBeInParenthesesAndEachGetsALine) {
@@ -91,12 +118,13 @@ TEST(PgtoolTags, TagsWithoutARowOfTheirOwnHaveNoIdentifier) {
               "(6002,0010) US   OverlayRows\n"
               "(0009,0010) LO   FileCreator\n"
               "(0008,0000) UL   GroupLength\n");
+    EXPECT_EQ(Pgtool({"tags", "PatientName", "--edition", "built-in"}).exitStatus, 1);
 }
 
 TEST(PgtoolTags, UnknownOnesFailAndTheOthersAreStillPrinted) {
     const Finished run = Pgtool({"tags", "NoSuchElement", "0011,1200", "0010,0010"});
     EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_EQ(run.out, "(0010,0010) PN   PatientsName 245\n");
+    EXPECT_EQ(run.out, "(0010,0010) PN   PatientsName 245 PatientName\n");
     EXPECT_THAT(run.err, HasSubstr("NoSuchElement"));
     EXPECT_THAT(run.err, HasSubstr("0011,1200"));
 }
@@ -110,10 +138,38 @@ TEST(PgtoolTags, TextThatIsNoTagIsMisuse) {
     EXPECT_EQ(Pgtool({"tags"}).exitStatus, 2);
 }
 
-TEST(PgtoolDump, PrintsWhatTheLibraryDumpsByteForByte) {
+TEST(PgtoolProfiles, PrintsTheNamesThatTheLibraryHas) {
+    const Finished run = Pgtool({"profiles"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), pgxProfileCount());
+    EXPECT_THAT(run.out, HasSubstr("STD-GEN-CD\n"));
+}
+
+// Run "pgtool documentation FORMAT" when an option changes.
+TEST(PgtoolDocumentation, IsWhatIsInstalled) {
+    const std::vector<std::pair<std::string, std::string>> files = {
+        {"man", "pgtool.1"}, {"bash", "pgtool.bash"}, {"zsh", "pgtool.zsh"}};
+    for (const auto& [format, name] : files) {
+        const pgkit_test::Bytes bytes = pgkit_test::ReadFile(PGKIT_TOOLS "/" + name);
+        EXPECT_EQ(Pgtool({"documentation", format}).out, std::string(bytes.begin(), bytes.end()))
+            << name;
+    }
+    EXPECT_EQ(Pgtool({"documentation", "html"}).exitStatus, 2);
+}
+
+TEST(PgtoolDocumentation, NamesEveryCommandAndOption) {
+    for (const char* format : {"man", "bash", "zsh"}) {
+        std::string text = Pgtool({"documentation", format}).out;
+        text.erase(std::remove(text.begin(), text.end(), '\\'), text.end());
+        for (const char* word : {"anonymize", "--in-place", "--retain-dates", "--offshore"})
+            EXPECT_THAT(text, HasSubstr(word)) << format;
+    }
+}
+
+TEST(PgtoolDump, RawPrintsWhatTheLibraryDumpsByteForByte) {
     for (const char* name : {"native/all_vrs_explicit_be.dcm", "charset/japanese_ir87.dcm",
                              "encapsulated/rtdose_rle_15frames_no_bot.dcm"}) {
-        const Finished run = Pgtool({"dump", TestData(name)});
+        const Finished run = Pgtool({"dump", "--raw", TestData(name)});
         EXPECT_EQ(run.exitStatus, 0) << name;
         EXPECT_THAT(run.out, StartsWith("DATASET\n | (0002,0000) : UL   Len: 4 ")) << name;
         EXPECT_EQ(run.out, LibraryDump(TestData(name), 0)) << name;
@@ -136,7 +192,8 @@ TEST(PgtoolDump, FlagsForceTheEncodingOfABareDataSet) {
     const Finished run = Pgtool({"dump", file, "--flags=0x48"});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_THAT(run.out, HasSubstr("(0008,0016) : UI"));
-    EXPECT_EQ(run.out, LibraryDump(file, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN));
+    EXPECT_EQ(Pgtool({"dump", file, "--flags=0x48", "--raw"}).out,
+              LibraryDump(file, PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN));
 }
 
 TEST(PgtoolDump, FileThatCannotBeOpenedFails) {
@@ -153,7 +210,10 @@ TEST(PgtoolDump, WrongCommandLineIsMisuse) {
     const std::string file = TestData("charset/utf8_chinese.dcm");
     const std::vector<std::vector<std::string>> commandLines = {
         {"dump"},
-        {"dump", file, file},
+        {"dump", file, "-t", "NoSuchName"},
+        {"dump", file, "--raw", "--utf8"},
+        {"dump", file, "--raw", "-t", "Rows"},
+        {"dump", file, "--edition", "2011"},
         {"dump", file, "--load-limit"},
         {"dump", file, "--load-limit", "ten"},
         {"dump", file, "--load-limit", "-1"},

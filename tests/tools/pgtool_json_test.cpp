@@ -1,0 +1,130 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "support/instance_file.h"
+#include "support/process.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+using namespace pgkit_test;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class PgtoolJson : public testing::Test {
+  protected:
+    static Finished Pgtool(const std::vector<std::string>& arguments) {
+        return RunProgram(PGKIT_PGTOOL, arguments);
+    }
+    std::string Write(const std::string& name, const InstanceFile& file) {
+        return files_.Write(name, file.Data());
+    }
+    static std::string Value(const std::string& file, const std::string& tag) {
+        const std::string out = Pgtool({"dump", file, "-t", tag}).out;
+        const size_t begin = out.find("Value: [") + 8;
+        return out.substr(begin, out.find("]\n") - begin);
+    }
+
+    TempDir files_;
+};
+
+TEST_F(PgtoolJson, OneFileIsAnObjectAndSeveralAreAnArray) {
+    const std::string a = Write("a", Instance(1).Patient("ID1", "DOE^JOHN"));
+    const std::string b = Write("b", Instance(2).Patient("ID2", "DOE^JANE"));
+    const Finished one = Pgtool({"json", a});
+    EXPECT_EQ(one.exitStatus, 0);
+    EXPECT_THAT(one.out, AllOf(StartsWith("{\"000"), EndsWith("}\n")));
+    EXPECT_THAT(
+        one.out,
+        HasSubstr("\"00100010\":{\"vr\":\"PN\",\"Value\":[{\"Alphabetic\":\"DOE^JOHN\"}]}"));
+    EXPECT_EQ(Pgtool({"dump", "--json", a}).out, one.out);
+    const Finished several = Pgtool({"json", a, files_.Path("missing"), b});
+    EXPECT_EQ(several.exitStatus, 1);
+    std::string two = Pgtool({"json", b}).out;
+    two.pop_back();
+    EXPECT_EQ(several.out, "[" + one.out.substr(0, one.out.size() - 1) + ",\n" + two + "]\n");
+}
+
+TEST_F(PgtoolJson, WritesAFileAsAWhole) {
+    const std::string a = Write("a", Instance(1));
+    const std::string out = files_.Path("out.json");
+    EXPECT_EQ(Pgtool({"json", a, "-o", out}).exitStatus, 0);
+    const Bytes bytes = ReadFile(out);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), Pgtool({"json", a}).out);
+    EXPECT_EQ(Pgtool({"json", a, "-o", files_.Path("no/out")}).exitStatus, 1);
+}
+
+TEST_F(PgtoolJson, LongValuesBecomeUrisOnDemand) {
+    const std::string file =
+        Write("a", Instance(1).Set(0x0042, 0x0011, "OB", std::string(100, 'x')));
+    EXPECT_THAT(Pgtool({"json", file}).out, HasSubstr("InlineBinary"));
+    EXPECT_THAT(Pgtool({"json", file, "--bulk", "99"}).out,
+                HasSubstr("\"BulkDataURI\":\"" + file + "?offset="));
+    EXPECT_THAT(Pgtool({"json", file, "--bulk", "100"}).out, HasSubstr("InlineBinary"));
+    EXPECT_EQ(Pgtool({"json", file, "--bulk", "many"}).exitStatus, 2);
+}
+
+TEST_F(PgtoolJson, FilesComeBack) {
+    const std::string json = files_.Path("a.json");
+    const std::string back = files_.Path("back");
+    ASSERT_EQ(Pgtool({"json", TestData("native/mr_implicit_le.dcm"), "-o", json}).exitStatus, 0);
+    const Finished run = Pgtool({"from-json", json, "-o", back});
+    EXPECT_EQ(run.exitStatus, 0) << run.err;
+    EXPECT_EQ(Value(back, "0002,0010"), "1.2.840.10008.1.2.1");
+    EXPECT_EQ(Value(back, "PatientName"), "CompressedSamples^MR1");
+    EXPECT_EQ(Value(back, "PixelData"), Value(TestData("native/mr_implicit_le.dcm"), "PixelData"));
+}
+
+TEST_F(PgtoolJson, AnArrayBecomesAFolder) {
+    const std::string json = files_.Path("a.json");
+    ASSERT_EQ(Pgtool({"json", Write("a", Instance(1).Patient("1", "A")),
+                      Write("b", Instance(2).Patient("2", "B")), "-o", json})
+                  .exitStatus,
+              0);
+    ASSERT_EQ(Pgtool({"from-json", json, "-o", files_.Path("folder")}).exitStatus, 0);
+    EXPECT_EQ(Value(files_.Path("folder/000001.dcm"), "PatientID"), "1");
+    EXPECT_EQ(Value(files_.Path("folder/000002.dcm"), "PatientID"), "2");
+}
+
+TEST_F(PgtoolJson, ErrorsHaveTheirPlace) {
+    const auto error = [&](const std::string& json) {
+        const std::string path = files_.Write("bad.json", json);
+        const Finished run = Pgtool({"from-json", path, "-o", files_.Path("out")});
+        EXPECT_EQ(run.exitStatus, 1) << json;
+        EXPECT_FALSE(std::filesystem::exists(files_.Path("out")));
+        return run.err;
+    };
+    EXPECT_THAT(error("no JSON"), HasSubstr("bad.json: at byte "));
+    EXPECT_THAT(error(R"({"00280010":{"vr":"US","Value":[70000]}})"), HasSubstr("in Rows: "));
+    EXPECT_THAT(error("[]"), HasSubstr("there is no data set in it"));
+    EXPECT_EQ(Pgtool({"from-json", files_.Path("missing"), "-o", "x"}).exitStatus, 1);
+    EXPECT_EQ(Pgtool({"from-json", files_.Path("bad.json")}).exitStatus, 2);
+    EXPECT_EQ(Pgtool({"from-json"}).exitStatus, 2);
+}
+
+TEST_F(PgtoolJson, BulkDataComeFromTheirDirectoryOnly) {
+    std::filesystem::create_directory(files_.Path("bulk"));
+    files_.Write("bulk/value", "1234");
+    files_.Write("secret", "5678");
+    const auto read = [&](const std::string& uri, const std::string& directory) {
+        const std::string json =
+            files_.Write("a.json", R"({"00420011":{"vr":"OB","BulkDataURI":")" + uri + "\"}}");
+        std::vector<std::string> arguments = {"from-json", json, "-o", files_.Path("out")};
+        if (!directory.empty()) arguments.insert(arguments.end(), {"--bulk-dir", directory});
+        return Pgtool(arguments).exitStatus;
+    };
+    EXPECT_EQ(read("http://somewhere/value?x=1", files_.Path("bulk")), 0);
+    EXPECT_EQ(Value(files_.Path("out"), "EncapsulatedDocument"), "31 32 33 34");
+    EXPECT_EQ(read("value", ""), 1);
+    for (const char* uri : {"../secret", "..", "secret", "bulk/", ""})
+        EXPECT_EQ(read(uri, files_.Path("bulk")), 1) << uri;
+}
+
+}  // namespace

@@ -1,0 +1,29 @@
+// The table of commands.
+#include "commands.h"
+
+#include "command.h"
+
+namespace pgtool {
+
+const std::vector<CommandGroup>& CommandGroups() {
+    static const std::vector<CommandGroup> groups = {
+        {"Reading data sets", {&kDumpCommand, &kJsonCommand, &kScanCommand, &kImageCommand}},
+        {"Writing data sets",
+         {&kSetCommand, &kDeleteCommand, &kAnonymizeCommand, &kSaveCommand, &kFromJsonCommand}},
+        {"Media", {&kBrowseCommand, &kMkdirCommand, &kCheckCommand}},
+        {"Tables", {&kTagsCommand, &kUidCommand, &kModalityCommand, &kProfilesCommand}},
+        {"The tool itself", {&kDocumentationCommand}},
+    };
+    return groups;
+}
+
+const Command* FindCommand(const std::string& name) {
+    for (const CommandGroup& group : CommandGroups()) {
+        for (const Command* command : group.commands) {
+            if (name == command->name) return command;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace pgtool

@@ -1,0 +1,330 @@
+#include "dump_lines.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <vector>
+
+#include "pgkit/lookup.h"
+#include "utf8_text.h"
+
+namespace pgtool {
+
+namespace {
+
+constexpr const char* kIndent = " | ";
+constexpr size_t kMostNumbers = 20;
+constexpr size_t kMostBytes = 16;
+constexpr size_t kMostText = 512;
+constexpr uint32_t kUndefinedLength = 0xFFFFFFFF;
+
+enum class Kind { Text, Integer, Real, Tags, Bytes, Unknown, Sequence };
+
+Kind KindOf(const pgkit::element& element) {
+    switch (element.vr()) {
+        case VR_US:
+        case VR_USSS:
+        case VR_SS:
+        case VR_UL:
+        case VR_SL:
+        case VR_UV:
+        case VR_SV:
+            return Kind::Integer;
+        case VR_FL:
+        case VR_FD:
+            return Kind::Real;
+        case VR_AT:
+            return Kind::Tags;
+        case VR_SQ:
+            return Kind::Sequence;
+        case VR_OB:
+        case VR_OW:
+        case VR_OWOB:
+        case VR_OF:
+        case VR_OD:
+        case VR_OL:
+        case VR_OV:
+            return Kind::Bytes;
+        case VR_UN:
+        case VR_Unknown:
+            return Kind::Unknown;
+        default:
+            return Kind::Text;
+    }
+}
+
+// At most count bytes of the beginning of a value; fewer when its file ends.
+std::string Beginning(const pgkit::element& element, size_t count) {
+    const size_t size =
+        element.length() == kUndefinedLength ? 0 : std::min<size_t>(element.length(), count);
+    std::string bytes(size + 1, '\0');
+    if (element.node()->GetStringValue(bytes.data(), static_cast<int32_t>(size)) == 0) return "";
+    bytes.resize(size);
+    return bytes;
+}
+
+std::string CharacterSetOf(const pgkit::element& element) {
+    constexpr size_t kLongest = 1024;
+    if (element.character_set() == nullptr) return "";
+    return Beginning(pgkit::element(element.character_set()), kLongest);
+}
+
+std::string LengthNote(const pgkit::element& element) {
+    return "... " + std::to_string(element.length()) + " bytes";
+}
+
+std::string TextValue(const pgkit::element& element, bool full) {
+    if (full || element.length() <= kMostText) return WithEscapes(element.text());
+    // The bytes are cut, perhaps within a character.
+    const std::string bytes = Beginning(element, kMostText);
+    std::string text(4 * kMostText, '\0');
+    const int64_t size = pgxFieldToUtf8(CharacterSetOf(element).c_str(), element.vr(),
+                                        bytes.c_str(), text.data(), text.size());
+    text.resize(size < 0 ? 0 : std::min(static_cast<size_t>(size), text.size() - 1));
+    return WithEscapes(text) + LengthNote(element);
+}
+
+std::string HexValue(const pgkit::element& element, bool full) {
+    if (element.is_encapsulated()) return "Encoded OW/OB/OF Binary data";
+    const std::string bytes = Beginning(element, full ? INT32_MAX : kMostBytes);
+    std::string text;
+    for (const char byte : bytes) {
+        char digits[4];
+        std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned char>(byte));
+        text += (text.empty() ? "" : " ") + std::string(digits);
+    }
+    return bytes.size() < element.length() ? text + LengthNote(element) : text;
+}
+
+// Values of unknown VR are often texts.
+std::string UnknownValue(const pgkit::element& element, bool full) {
+    std::string bytes = Beginning(element, kMostText);
+    while (bytes.ends_with('\0'))
+        bytes.pop_back();
+    const bool isText =
+        std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    if (!isText || element.length() > kMostText) return HexValue(element, full);
+    return bytes;
+}
+
+std::string TextOf(double number) {
+    char text[64];
+    const auto end = std::to_chars(text, text + sizeof text, number).ptr;
+    return std::string(text, end);
+}
+
+// A lone number stands alone, of several each has a blank behind it.
+template <typename Number, typename Print>
+std::string Numbers(const pgkit::element& element, size_t unit, bool full, Print print) {
+    const size_t count = element.length() == kUndefinedLength ? 0 : element.length() / unit;
+    const size_t printed = full ? count : std::min(count, kMostNumbers);
+    std::string text;
+    for (size_t i = 0; i < printed; ++i) {
+        const auto number = element.number<Number>(i);
+        if (!number) break;
+        text += print(*number) + (count == 1 ? "" : " ");
+    }
+    return printed < count ? text + "..." : text;
+}
+
+size_t UnitOf(uint32_t vr) {
+    switch (vr) {
+        case VR_US:
+        case VR_USSS:
+        case VR_SS:
+            return 2;
+        case VR_FD:
+        case VR_UV:
+        case VR_SV:
+            return 8;
+        default:
+            return 4;
+    }
+}
+
+std::string IntegerValue(const pgkit::element& element, bool full) {
+    const size_t unit = UnitOf(element.vr());
+    if (element.vr() == VR_UV) {
+        return Numbers<uint64_t>(element, unit, full,
+                                 [](uint64_t number) { return std::to_string(number); });
+    }
+    return Numbers<int64_t>(element, unit, full,
+                            [](int64_t number) { return std::to_string(number); });
+}
+
+std::string RealValue(const pgkit::element& element, bool full) {
+    if (element.vr() == VR_FD) return Numbers<double>(element, 8, full, TextOf);
+    return Numbers<float>(element, 4, full, [](float number) {
+        char text[64];
+        const auto end = std::to_chars(text, text + sizeof text, number).ptr;
+        return std::string(text, end);
+    });
+}
+
+std::string TagsValue(const pgkit::element& element, bool full) {
+    return Numbers<uint32_t>(element, 4, full, [](uint32_t number) {
+        const pgkit::tag tag{static_cast<uint16_t>(number >> 16), static_cast<uint16_t>(number)};
+        const std::string keyword = tag.keyword();
+        return tag.text() + (keyword.empty() ? "" : " " + keyword);
+    });
+}
+
+std::string ValueOf(const pgkit::element& element, bool full) {
+    switch (KindOf(element)) {
+        case Kind::Integer:
+            return IntegerValue(element, full);
+        case Kind::Real:
+            return RealValue(element, full);
+        case Kind::Tags:
+            return TagsValue(element, full);
+        case Kind::Bytes:
+            return HexValue(element, full);
+        case Kind::Unknown:
+            return UnknownValue(element, full);
+        case Kind::Sequence:
+            return "SEQUENCE";
+        default:
+            return TextValue(element, full);
+    }
+}
+
+// What is open while a data set is printed: an item, and the items behind it.
+struct Level {
+    pgkit::item::iterator element;
+    pgkit::item_range::iterator nextItem;
+};
+
+class Printer {
+  public:
+    explicit Printer(const DumpStyle& style) : style_(style) {}
+
+    void DataSet(const pgkit::item& root) {
+        Line("DATASET");
+        Print({root.begin(), {}});
+        Line("END-OF-DATASET");
+    }
+
+    // An element and what is in its items.
+    void Element(const pgkit::element& element) {
+        ElementLine(element);
+        if (!HasItems(element)) return;
+        auto next = element.items().begin();
+        const pgkit::item first = *next;
+        ++next;
+        depth_ = 1;
+        Line("DATASET");
+        Print({first.begin(), next});
+        Line("END-OF-DATASET");
+        depth_ = 0;
+    }
+
+  private:
+    static bool HasItems(const pgkit::element& element) {
+        return element.vr() == VR_SQ && !element.items().empty();
+    }
+
+    // The elements of an item and of the items behind it. Nesting takes no stack.
+    void Print(Level start) {
+        std::vector<Level> levels = {start};
+        ++depth_;
+        while (true) {
+            Level& level = levels.back();
+            if (level.element != pgkit::item::iterator()) {
+                const pgkit::element element = *level.element;
+                ++level.element;
+                ElementLine(element);
+                if (HasItems(element)) Open(levels, element);
+            } else if (level.nextItem != pgkit::item_range::iterator()) {
+                const pgkit::item item = *level.nextItem;
+                ++level.nextItem;
+                level.element = item.begin();
+                --depth_;
+                Line("END-OF-DATASET");
+                Line("DATASET");
+                ++depth_;
+            } else {
+                levels.pop_back();
+                --depth_;
+                if (levels.empty()) return;
+                Line("END-OF-DATASET");
+                --depth_;
+            }
+        }
+    }
+
+    void Open(std::vector<Level>& levels, const pgkit::element& sequence) {
+        auto next = sequence.items().begin();
+        const pgkit::item item = *next;
+        ++next;
+        ++depth_;
+        Line("DATASET");
+        ++depth_;
+        levels.push_back({item.begin(), next});
+    }
+
+    void Indent() const {
+        for (size_t i = 0; i < depth_; ++i)
+            std::fputs(kIndent, stdout);
+    }
+
+    void Line(const char* text) const {
+        Indent();
+        std::puts(text);
+    }
+
+    void ElementLine(const pgkit::element& element) const {
+        Head(element);
+        const std::string value = ValueOf(element, style_.full);
+        std::fwrite(value.data(), 1, value.size(), stdout);
+        std::fputs("]\n", stdout);
+    }
+
+    void Head(const pgkit::element& element) const {
+        Indent();
+        const pgkit::tag tag = element.tag();
+        const int length = static_cast<int>(element.length());  // -1 for an undefined one
+        std::printf("(%04X,%04X) : %-4s Len: ", tag.group, tag.element, element.vr_name().c_str());
+        if (length == -1) {
+            std::printf("%-6d", length);
+        } else {
+            std::printf("%-6u", element.length());
+        }
+        std::printf(" %-30s Value: [", Name(element).c_str());
+    }
+
+    std::string Name(const pgkit::element& element) const {
+        if (style_.currentNames) {
+            const std::string keyword = element.tag().keyword();
+            if (!keyword.empty()) return keyword;
+        }
+        char name[128];
+        element.node()->GetTagName(name);
+        return WithEscapes(ToUtf8(name, ""));
+    }
+
+    const DumpStyle& style_;
+    size_t depth_ = 0;
+};
+
+}  // namespace
+
+void PrintDataSet(const pgkit::data_set& root, const DumpStyle& style) {
+    Printer(style).DataSet(root);
+}
+
+void PrintElements(const pgkit::data_set& root, const std::vector<std::string>& places,
+                   const DumpStyle& style) {
+    Printer printer(style);
+    for (const std::string& place : places) {
+        const auto tag = pgkit::tag::named(place);
+        if (!tag) {
+            if (const pgkit::element found = root.find(place)) printer.Element(found);
+            continue;
+        }
+        pgkit::walk(root, [&](const pgkit::element& element) {
+            if (element.tag() == *tag) printer.Element(element);
+        });
+    }
+}
+
+}  // namespace pgtool

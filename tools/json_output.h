@@ -1,0 +1,27 @@
+// Data sets as DICOM JSON, for the commands that print it.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "inputs.h"
+#include "text_options.h"
+
+namespace pgtool {
+
+// --bulk N.
+void AddBulkLimit(OptionSet& options, std::string& bulk);
+// Without a text no value is too long. Gives the complaint about a text that is no number, or an
+// empty text.
+[[nodiscard]] std::string ReadBulkLimit(const std::string& bulk, uint64_t& limit);
+
+// Prints an object for one file, an array for several or a directory. Files that fail are left out.
+// Gives the exit status.
+int PrintJsonOf(const Command& command, const InputOptions& inputs, uint64_t bulkLimit,
+                std::FILE* stream);
+
+// What a PgxJsonError means.
+std::string JsonErrorText(int64_t error);
+
+}  // namespace pgtool

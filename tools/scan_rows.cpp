@@ -1,0 +1,221 @@
+#include "scan_rows.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "data_set.h"
+#include "json_writer.h"
+#include "places.h"
+#include "utf8_text.h"
+
+namespace pgtool {
+
+namespace {
+
+// Longer values are read one by one when they are wanted.
+constexpr uint32_t kLoadedOnScan = 256;
+constexpr size_t kWidestColumn = 64;
+
+bool IsHalfTag(const std::string& text) {
+    return text.size() == 4 && text.find_first_not_of("0123456789abcdefABCDEF") == text.npos;
+}
+
+std::string BytesOf(const pgkit::element& element) {
+    const std::vector<uint8_t> bytes = element.bytes();
+    return std::string(bytes.begin(), bytes.end());
+}
+
+// Texts whose value representation got lost on the way.
+bool IsPrintable(const pgkit::element& element) {
+    if (element.length() > kLoadedOnScan) return false;
+    const std::string bytes = BytesOf(element);
+    return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+std::string ValueOf(const pgkit::element& element, bool raw) {
+    if (element.is_sequence()) return std::to_string(element.item_count()) + " items";
+    switch (element.vr()) {
+        case VR_OB:
+        case VR_OW:
+        case VR_OWOB:
+        case VR_OF:
+        case VR_OD:
+        case VR_OL:
+        case VR_OV:
+        case VR_UN:
+        case VR_Unknown:
+            if (element.vr() == VR_UN && IsPrintable(element)) return BytesOf(element);
+            return element.is_encapsulated() ? "encapsulated"
+                                             : std::to_string(element.length()) + " bytes";
+        case VR_US:
+        case VR_USSS:
+        case VR_SS:
+        case VR_UL:
+        case VR_SL:
+        case VR_UV:
+        case VR_SV:
+        case VR_FL:
+        case VR_FD:
+        case VR_AT:
+            return element.text();
+        default:
+            return raw ? BytesOf(element) : element.text();
+    }
+}
+
+void Put(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
+std::string Quoted(const std::string& text) {
+    if (text.find_first_of(",\"") == text.npos && !text.starts_with(' ') && !text.ends_with(' '))
+        return text;
+    std::string quoted = "\"";
+    for (const char c : text)
+        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return quoted + "\"";
+}
+
+class CsvPrinter : public RowPrinter {
+  public:
+    explicit CsvPrinter(const std::vector<ScanColumn>& columns) {
+        Put("path");
+        for (const ScanColumn& column : columns)
+            Put("," + Quoted(column.name));
+        Put("\n");
+    }
+    void Print(const std::vector<ScanRow>& rows) override {
+        for (const ScanRow& row : rows) {
+            std::string line = Quoted(WithEscapes(row.path));
+            for (const std::string& value : row.values)
+                line += "," + Quoted(WithEscapes(value));
+            Put(line + "\n");
+        }
+    }
+};
+
+// A member for each element that is there.
+class JsonLinesPrinter : public RowPrinter {
+  public:
+    explicit JsonLinesPrinter(const std::vector<ScanColumn>& columns) : columns_(columns) {}
+    void Print(const std::vector<ScanRow>& rows) override {
+        for (const ScanRow& row : rows) {
+            JsonWriter json(stdout);
+            json.BeginObject();
+            json.Key("path");
+            json.Text(ToUtf8(row.path, "ISO_IR 192"));
+            for (size_t i = 0; i < columns_.size(); ++i) {
+                if (!row.isThere[i]) continue;
+                json.Key(columns_[i].name);
+                json.Text(ToUtf8(row.values[i], "ISO_IR 192"));
+            }
+            json.EndObject();
+        }
+    }
+
+  private:
+    const std::vector<ScanColumn> columns_;
+};
+
+// Characters, not bytes; each counts as one column.
+size_t WidthOf(const std::string& utf8) {
+    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    }));
+}
+
+// Columns are as wide as the widest of the first rows: later ones that are wider push what is
+// behind them aside.
+class TablePrinter : public RowPrinter {
+  public:
+    explicit TablePrinter(const std::vector<ScanColumn>& columns) {
+        head_.push_back("path");
+        for (const ScanColumn& column : columns)
+            head_.push_back(column.name);
+    }
+    void Print(const std::vector<ScanRow>& rows) override {
+        if (widths_.empty()) Begin(rows);
+        for (const ScanRow& row : rows)
+            Line(CellsOf(row));
+    }
+
+  private:
+    static std::vector<std::string> CellsOf(const ScanRow& row) {
+        std::vector<std::string> cells = {WithEscapes(row.path)};
+        for (const std::string& value : row.values)
+            cells.push_back(WithEscapes(value));
+        return cells;
+    }
+
+    void Begin(const std::vector<ScanRow>& rows) {
+        Widen(head_);
+        for (const ScanRow& row : rows)
+            Widen(CellsOf(row));
+        Line(head_);
+    }
+
+    void Widen(const std::vector<std::string>& cells) {
+        widths_.resize(cells.size());
+        for (size_t i = 0; i < cells.size(); ++i)
+            widths_[i] = std::min(std::max(widths_[i], WidthOf(cells[i])), kWidestColumn);
+    }
+
+    void Line(const std::vector<std::string>& cells) const {
+        std::string line;
+        size_t gap = 0;
+        for (size_t i = 0; i < cells.size(); ++i) {
+            line += std::string(gap, ' ') + cells[i];
+            const size_t width = WidthOf(cells[i]);
+            gap = 2 + (width < widths_[i] ? widths_[i] - width : 0);
+        }
+        Put(line + "\n");
+    }
+
+    std::vector<std::string> head_;
+    std::vector<size_t> widths_;
+};
+
+}  // namespace
+
+std::vector<ScanColumn> ColumnsOf(const std::string& list, std::string& complaint) {
+    std::vector<std::string> words(1);
+    for (const char c : list) {
+        if (c == ',') {
+            words.emplace_back();
+        } else if (c != ' ') {
+            words.back() += c;
+        }
+    }
+    std::vector<ScanColumn> columns;
+    for (size_t i = 0; i < words.size(); ++i) {
+        std::string place = words[i];
+        if (IsHalfTag(place) && i + 1 < words.size() && IsHalfTag(words[i + 1]))
+            place += "," + words[++i];
+        if (!IsPlace(place)) {
+            complaint = NoSuchPlace(place);
+            return {};
+        }
+        const auto tag = pgkit::tag::named(place);
+        const std::string keyword = tag ? tag->keyword() : "";
+        columns.push_back({keyword.empty() ? place : keyword, place});
+    }
+    return columns;
+}
+
+pgkit::error ReadRow(const std::vector<ScanColumn>& columns, bool raw, ScanRow& row) {
+    const auto root = Open(row.path, {kLoadedOnScan, PG_OPEN_SKIP_FRAGMENTS, false, &row.damage});
+    if (!root) return root.error();
+    for (const ScanColumn& column : columns) {
+        const pgkit::element element = root->find(column.place);
+        row.isThere.push_back(static_cast<bool>(element));
+        row.values.push_back(element ? ValueOf(element, raw) : "");
+    }
+    return {};
+}
+
+std::unique_ptr<RowPrinter> MakeRowPrinter(const std::string& format,
+                                           const std::vector<ScanColumn>& columns) {
+    if (format == "jsonl") return std::make_unique<JsonLinesPrinter>(columns);
+    if (format == "table") return std::make_unique<TablePrinter>(columns);
+    return std::make_unique<CsvPrinter>(columns);
+}
+
+}  // namespace pgtool

@@ -1,0 +1,15 @@
+// What somebody who mistyped a word may have meant.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pgtool {
+
+// The word that differs least from the one that was typed, case ignored; empty when none is near.
+std::string Nearest(const std::string& typed, const std::vector<std::string>& words);
+
+// "; did you mean WORD?", or nothing.
+std::string DidYouMean(const std::string& typed, const std::vector<std::string>& words);
+
+}  // namespace pgtool
