@@ -35,6 +35,7 @@
 #define PGKIT_PGKIT_H
 
 #include "pgkit/accessors.h"
+#include "pgkit/bulk_values.h"
 #include "pgkit/dataset.h"
 #include "pgkit/diagnostics.h"
 #include "pgkit/dicomdir_creation.h"

@@ -156,6 +156,21 @@ static void CallTexts(PGX_Node* root) {
     EXPECT(IsTextResult(pgxSetUtf8Value(set, name, "DOE^JOHN", 8)));
 }
 
+/* A block that has room is whole, or memory has run out. */
+static int IsBlock(size_t size, const void* block) {
+    const PgxLevelHeader* const header = block;
+    return size == 0 || header->size == size;
+}
+
+static void CallBulkValues(PGX_Node* root, const HostFiles* files) {
+    static uint64_t block[8192];
+    const uint32_t tags[2] = {0x00100010, 0x00280030};
+    EXPECT(IsBlock(pgxReadLevel(root, NULL, 64, block, sizeof block), block));
+    EXPECT(IsBlock(pgxReadValues(root, NULL, tags, 2, 64, block, sizeof block), block));
+    const size_t size = pgxReadFileValues(files->dataSet, 0, tags, 2, 64, block, sizeof block);
+    EXPECT(IsBlock(size, block));
+}
+
 static void CallPixelData(PGX_Node* root) {
     char bytes[4];
     uint32_t length = 0;
@@ -215,6 +230,7 @@ static void CallDataSets(const HostFiles* files) {
     PGX_Node* const root = pgOpenDataSetFileEx(files->dataSet, 0xFFFFFFFF, 0);
     CallGetters(root);
     CallTexts(root);
+    CallBulkValues(root, files);
     CallPixelData(root);
     CallEditing(root);
     CallWriting(root, files);
