@@ -6,7 +6,7 @@ include(CMakePackageConfigHelpers)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pgkit
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
 # Windows wants the modules in bin/ and their import libraries in lib/; other systems want the
 # modules in lib/. The imaging module lies beside the library, where that and hosts find it.

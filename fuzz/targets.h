@@ -43,6 +43,13 @@ void PrivateDictionaryFile(Bytes input);
 void SOPClassFile(Bytes input);
 // A data set file, used through the flat functions alone.
 void Accessors(Bytes input);
+// A data set, or what is deflated already: read as a deflated file, saved and read again.
+void Deflate(Bytes input);
+// A data set file: the pieces of its frames, in the file and in memory.
+void Frames(Bytes input);
+// A data set file, from the file, from memory and through a function of the host; saved to all of
+// these. All are the same.
+void Elsewhere(Bytes input);
 // A text value, or UTF-8, and a character set: read and written both ways.
 void Text(Bytes input);
 
@@ -59,6 +66,9 @@ inline constexpr Target kTargets[] = {
     {"sop_classes", SOPClassFile},
     {"accessors", Accessors},
     {"text", Text},
+    {"deflate", Deflate},
+    {"frames", Frames},
+    {"elsewhere", Elsewhere},
 };
 
 // Null when there is no such target.

@@ -3,5 +3,5 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-find include src imaging tools tests bench examples fuzz -name '*.h' -o -name '*.cpp' |
+find include src imaging tools tests bench examples fuzz -name '*.h' -o -name '*.hpp' -o -name '*.cpp' |
     xargs clang-format --dry-run --Werror

@@ -9,6 +9,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 librapidxml-dev wine64)
+packages+=(zlib1g-dev libz-mingw-w64-dev)
 case ${1:-} in
     test)
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)

@@ -153,12 +153,14 @@ both_lane() {
         build/native/bin/{libpgkit.so,pgview32.so,pgtool} \
         build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
     start text tests/interop/compare_text.py build/native/bin/libpgkit.so
+    start frames tests/interop/compare_frames.py build/native/bin/libpgkit.so
     start neighbours tests/interop/hostile_neighbours.py "$root/build/native/bin/pgtool"
     start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
     start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" "$wine" \
         "$root/build/windows-x64/bin/pgtool.exe"
     start icons tests/interop/compare_icons.py build/native/bin/creation_probe "$wine" \
         "$root/build/windows-x64/bin/creation_probe.exe"
+    start compilers tests/compilers/check_compilers.py build/native build/windows-x64 "$wine"
     start installation tests/consumer/check_installation.py build/native build/windows-x64 "$wine"
 }
 
@@ -231,7 +233,7 @@ done
 if ! $quick; then
     count_gtest native-tsan-pgkit_thread_tests
     count_status lint
-    for name in exports msabi hardening interop neighbours text written media icons installation directories; do
+    for name in exports msabi compilers hardening interop neighbours text written media icons installation directories; do
         count_summary "$name"
     done
 fi

@@ -22,7 +22,8 @@ typedef enum PgOpenFlags {
     PG_OPEN_FORCE_LITTLE_ENDIAN = 0x20, /* decode as little endian */
     PG_OPEN_FORCE_BIG_ENDIAN = 0x40,    /* decode as big endian */
     PG_OPEN_UN_AS_STREAM = 0x200,       /* items of UN sequences keep the surrounding VR mode */
-    PG_OPEN_UN_BY_INSPECTION = 0x400    /* without 0x200: look at their first item to decide */
+    PG_OPEN_UN_BY_INSPECTION = 0x400,   /* without 0x200: look at their first item to decide */
+    PG_OPEN_PAST_PIXEL_DATA = 0x800     /* go on behind fragments that could not be indexed */
 } PgOpenFlags;
 
 PGKIT_BEGIN_C
@@ -40,7 +41,18 @@ PGKIT_BEGIN_C
 // those of group 0002 and private ones of 22 bytes or more.
 //
 // A file that is cut short, or whose structure breaks, yields the part of the tree that precedes
-// the break. Sequences nested deeper than 2,048 levels count as such a break.
+// the break. Sequences nested deeper than 2,048 levels count as such a break. Encapsulated Pixel
+// Data whose fragments cannot be indexed, or shall not be, are the last element of the tree; with
+// PG_OPEN_PAST_PIXEL_DATA their items are passed over up to the delimiter, and what follows is
+// read.
+//
+// Deflated Explicit VR Little Endian (1.2.840.10008.1.2.1.99) is inflated into an unnamed temporary
+// file, which takes the place of the file that was opened: that is closed, and the tree's file and
+// offsets are those of the temporary one, in which the File Meta Information precedes what was
+// inflated. Deflated data that are cut short or damaged yield what precedes the break; what
+// inflates to more than 100 times the file and 256 MiB is refused, as is everything when there is
+// no room for the temporary file. Data with the header of zlib (RFC 1950) are inflated too; bytes
+// behind the deflated data, padding, are not looked at.
 PGKIT_API PGX_Node* pgOpenDataSetFile(const char* path, uint32_t maxLoadLength);
 
 // The same with PgOpenFlags; the plain form passes 0.

@@ -322,6 +322,10 @@ class PGX_Node {
     // unless the mode has PG_IMPLICIT_VR. Files that cannot be created are reported on the standard
     // error stream ("pgSaveDataSetAsEx : unable to open %s\n"). A failure leaves a partial file.
     //
+    // Where that element is Deflated Explicit VR Little Endian, a Part 10 file is deflated behind
+    // its File Meta Information, and padded to an even size; bare data sets, and what WriteNode
+    // writes, never are. To save it inflated, set the element to another syntax first.
+    //
     // File Meta Information moves in front of elements of lower groups. With it the encoding is
     // explicit VR little endian, whatever the mode says, where readers would lose another one:
     // there are encapsulated Pixel Data, or the data set begins with group 0200 and would be big

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <new>
 
 #include "base/text.h"
 #include "codec/fragment_table.h"
 #include "codec/part10_format.h"
+#include "codec/pixel_items.h"
 #include "dataset/node_memory.h"
 #include "dictionary/tags.h"
 #include "dictionary/un_sequence_switch.h"
@@ -29,82 +28,56 @@ constexpr uint32_t kPrivateLoadLimit = 22;
 constexpr size_t kMaxPrivateCreators = 39;
 constexpr uint32_t kMaxCreatorLength = 64;
 
-// A value that the stream does not hold in full is loaded all the same, zeros at its end, up to
-// this length. What exceeds it stays where it is: a declared length is not worth any memory.
-constexpr uint32_t kAlwaysLoadable = 64 << 20;
-
 bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
     return declaredLength != kUndefinedLength && bytes >= declaredLength;
 }
 
-// Formats a name for a tag into the buffer.
-template <size_t Size>
-std::string_view FormatName(char (&buffer)[Size], const char* format, unsigned number) {
-    const int length = std::snprintf(buffer, Size, format, number);
-    return {buffer, static_cast<size_t>(length)};
-}
-
 }  // namespace
 
-DataSetParser::DataSetParser(StreamReader& reader, Encoding encoding, uint32_t maxLoadLength,
-                             uint32_t flags)
+void DataSetParser::Identity::MakeName(const char* format, unsigned number) {
+    madeLength = static_cast<size_t>(std::snprintf(madeName, sizeof madeName, format, number));
+}
+
+DataSetParser::DataSetParser(StreamReader& reader, TreeBuilder& builder, Encoding encoding,
+                             uint32_t maxLoadLength, uint32_t flags)
     : reader_(reader),
+      builder_(builder),
       encoding_(encoding),
       maxLoadLength_(maxLoadLength),
       flags_(flags),
       decodesUnSequences_(DecodesUnSequences()) {}
 
-template <typename... Arguments>
-PGX_Node* DataSetParser::NewNode(Arguments... arguments) {
-    void* cell = memory_.Allocate(sizeof(PGX_Node));
-    PGX_Node* node =
-        cell != nullptr ? new (cell) PGX_Node(arguments...) : new PGX_Node(arguments...);
-    node->file = reader_.Stream();
-    node->fileOffset = ToFileOffset(reader_.Position());
-    return node;
-}
-
-char* DataSetParser::NewTagName(std::string_view name) {
-    if (name.data() == unknownTagName) return unknownTagName;
-    auto* cell = static_cast<char*>(memory_.Allocate(name.size() + 1));
-    if (cell == nullptr) return NewText(name);
-    CopyUnbounded(cell, name);
-    return cell;
-}
-
-uint8_t* DataSetParser::NewValue(uint32_t length) {
-    auto* value = static_cast<uint8_t*>(memory_.Allocate(length));
-    if (value == nullptr) value = NewUnfilledValueBuffer(length);
-    if (value == nullptr) throw std::bad_alloc();
-    return value;
-}
-
-// Of which no more memory is used than is written to.
-uint8_t* DataSetParser::NewZeroedValue(uint32_t length) {
-    uint8_t* value = NewValueBuffer(length);
-    if (value == nullptr) throw std::bad_alloc();
-    return value;
+inline bool DataSetParser::ReadHeader(const Level& level, TagHeader& header) {
+    const uint64_t start = reader_.Position();
+    if (ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return true;
+    NoteBadHeader(start, level.sequence);
+    return false;
 }
 
 NodeTree DataSetParser::Parse() {
-    NodeTree root(NewNode());
+    NodeTree root(builder_.NewNode());
     levels_.clear();
     levels_.emplace_back().implicitVr = encoding_.implicitVr;
     OpenDataSet(levels_.back(), root.get(), kUndefinedLength);
 
     while (true) {
         Level& level = levels_.back();
-        if (level.dataSet != nullptr) {
-            if (IsUsedUp(level.dataSetLength, level.dataSetBytes) || !ReadElement()) CloseDataSet();
-        } else if (level.sequence == nullptr) {
-            return root;
-        } else if (!OpenNextItem(level)) {
-            CloseSequence();
+        switch (level.next) {
+            case Next::Element:
+                if (IsUsedUp(level.dataSetLength, level.dataSetBytes) || !ReadElement())
+                    CloseDataSet();
+                break;
+            case Next::Item:
+                if (!OpenNextItem(level)) CloseSequence();
+                break;
+            case Next::Nothing:
+                return root;
         }
     }
 }
 
 void DataSetParser::OpenDataSet(Level& level, PGX_Node* node, uint32_t declaredLength) {
+    level.next = Next::Element;
     level.dataSet = node;
     level.elementLink = &node->first;
     level.dataSetBytes = 0;
@@ -117,17 +90,17 @@ void DataSetParser::CloseDataSet() {
     Level& level = levels_.back();
     level.sequenceBytes += level.dataSetBytes;
     level.dataSet = nullptr;
+    level.next = level.sequence != nullptr ? Next::Item : Next::Nothing;
 }
 
 bool DataSetParser::OpenNextItem(Level& level) {
     if (IsUsedUp(level.sequence->length, level.sequenceBytes)) return false;
     // A header that is no item ends the sequence. Its bytes are neither given back nor counted.
     TagHeader header;
-    if (!ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return false;
-    if (!header.IsItem()) return false;
+    if (!ReadHeader(level, header) || !header.IsItem()) return false;
     level.sequenceBytes += kItemHeaderSize;
 
-    PGX_Node* item = NewNode();
+    PGX_Node* item = builder_.NewNode();
     *level.itemLink = item;
     level.itemLink = &item->next;
     OpenDataSet(level, item, header.length);
@@ -171,8 +144,11 @@ bool DataSetParser::ItemsAreImplicit(const Level& parent, const Identity& identi
 bool DataSetParser::ReadElement() {
     Level& level = levels_.back();
     TagHeader header;
-    if (!ReadTagHeader(reader_, encoding_.byteOrder, level.implicitVr, header)) return false;
+    if (!ReadHeader(level, header)) return false;
     if (header.IsItemDelimitation() || header.IsSequenceDelimitation()) {
+        const bool isOutermost = level.sequence == nullptr;
+        const uint64_t start = reader_.Position() - kDelimiterSize;
+        if (isOutermost) NoteEnd({EndKind::Broken, start, header.group, header.element});
         level.dataSetBytes += kDelimiterSize;
         return false;
     }
@@ -182,7 +158,10 @@ bool DataSetParser::ReadElement() {
     Identify(header, level, identity);
 
     if (identity.valueRep == VR_SQ) {
-        if (levels_.size() > kMaxSequenceNesting) return false;
+        if (levels_.size() > kMaxSequenceNesting) {
+            NoteEnd({EndKind::TooDeep, reader_.Position(), header.group, header.element});
+            return false;
+        }
         PGX_Node& sequence = *AppendElement(header, identity);
         NoteElement(sequence);
         OpenSequence(&sequence, identity);
@@ -195,7 +174,7 @@ bool DataSetParser::ReadElement() {
         ReadFragments(element);
     } else {
         level.dataSetBytes += HeaderSize(header.valueRep, !level.implicitVr) + header.length;
-        ReadValue(element);
+        builder_.ReadValue(element, LoadLimit(element));
     }
     NoteElement(element);
     return true;
@@ -206,12 +185,12 @@ void DataSetParser::Identify(const TagHeader& header, const Level& level,
     identity.valueRep = header.valueRep;
     if (header.element == 0x0000) {
         identity.valueRep = VR_UL;
-        identity.name = FormatName(identity.nameBuffer, "GroupLength%04X", header.group);
+        identity.MakeName("GroupLength%04X", header.group);
     } else if (IsPrivateCreator(header.group, header.element)) {
         if (level.implicitVr) identity.valueRep = VR_LO;
         const char* format =
             identity.valueRep == VR_LO ? "PrivateCreator%02Xxx" : "BUGGYPrivateCreator%02Xxx";
-        identity.name = FormatName(identity.nameBuffer, format, header.element);
+        identity.MakeName(format, header.element);
     } else if (header.group == 0xFFFE) {
         return;
     } else if (level.implicitVr && header.valueRep == VR_Unknown) {
@@ -241,48 +220,96 @@ void DataSetParser::IdentifyByCreator(const TagHeader& header, const Level& leve
     const PrivateDictionaryEntry* entry =
         FindPrivateElement(header.group, header.element, level.creators);
     identity.valueRep = entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
-    identity.name = entry != nullptr ? std::string_view(entry->name) : unknownTagName;
+    identity.foundName = entry != nullptr ? std::string_view(entry->name) : unknownTagName;
 }
 
 PGX_Node* DataSetParser::AppendElement(const TagHeader& header, const Identity& identity) {
     Level& level = levels_.back();
-    const EndianType endian =
-        encoding_.byteOrder == ByteOrder::Big ? ET_BigEndian : ET_LittleEndian;
-    PGX_Node* node = NewNode(NT_DataElement, endian, header.group, header.element,
-                             static_cast<uint8_t>(identity.valueRep), header.length);
+    PGX_Node* node = builder_.NewElement(header, identity.valueRep, encoding_.byteOrder);
+    lastElement_ = node;
     *level.elementLink = node;
     level.elementLink = &node->next;
-    if (!identity.name.empty()) node->tagName = NewTagName(identity.name);
+    const std::string_view name = identity.Name();
+    if (!name.empty()) node->tagName = builder_.NewTagName(name);
     return node;
 }
 
-// Encapsulated Pixel Data whose fragments cannot or shall not be indexed is taken to be the last
-// element of the stream: without the table nobody knows where it ends.
+// Encapsulated Pixel Data whose fragments cannot or shall not be indexed are taken to be the last
+// element of the stream, unless the caller wants to go on behind them: without the table nobody
+// knows where they end, but for who goes through the items.
 void DataSetParser::ReadFragments(PGX_Node& pixelData) {
     pixelData.encapsulated = 1;
+    if (builder_.KeepsEverything()) return LoadFragments(pixelData);
     const bool scan = (flags_ & PG_OPEN_SKIP_FRAGMENTS) == 0;
-    uint32_t consumed = 0;
-    if (LoadFragmentTable(reader_, pixelData, scan, consumed) != FragmentTableResult::Built) {
-        pixelData.fragments = NotIndexedMarker();
-        reader_.SeekToEnd();
-    }
-    levels_.back().dataSetBytes += consumed;
-}
-
-void DataSetParser::ReadValue(PGX_Node& element) {
-    uint32_t limit = maxLoadLength_;
-    if (IsPrivateGroup(element.group)) limit = std::min(limit, kPrivateLoadLimit);
-    const uint32_t length = element.length;
-    const bool isWhole = reader_.Holds(length);
-    const bool load = length < limit && (isWhole || length <= kAlwaysLoadable);
-    if (!load || length == 0) {
-        reader_.Skip(length);
+    const uint64_t start = reader_.Position();
+    const FragmentTable table = LoadFragmentTable(reader_, pixelData, scan);
+    if (table.result == FragmentTableResult::Built) {
+        levels_.back().dataSetBytes += table.consumed;
+        if (!table.hasDelimiter) NoteCutFragments(pixelData);
         return;
     }
-    element.value = isWhole ? NewValue(length) : NewZeroedValue(length);
-    const size_t available = reader_.Read(element.value, length);
-    std::memset(element.value + available, 0, isWhole ? length - available : 0);
-    reader_.Skip(length - available);
+    pixelData.fragments = NotIndexedMarker();
+    if ((flags_ & PG_OPEN_PAST_PIXEL_DATA) != 0) {
+        reader_.Seek(start);
+        return PassFragments(pixelData, ReadPixelItems(reader_));
+    }
+    NoteEnd({EndKind::LeftAfterFragments, start, pixelData.group, pixelData.element});
+    levels_.back().dataSetBytes += table.consumed;
+    reader_.SeekToEnd();
+}
+
+// Behind fragments that end otherwise than by their delimiter nothing can be told from fragments,
+// but where there was no table that they could contradict.
+void DataSetParser::LoadFragments(PGX_Node& pixelData) {
+    PGX_Node& dataSet = *levels_.back().dataSet;
+    PassFragments(pixelData, pgkit::LoadFragments(reader_, dataSet, pixelData));
+}
+
+void DataSetParser::PassFragments(PGX_Node& pixelData, const PixelItems& items) {
+    levels_.back().dataSetBytes += items.bytes;
+    if (items.end == PixelItems::End::Delimiter) return;
+    NoteCutFragments(pixelData);
+    const bool isTolerable =
+        items.end == PixelItems::End::OtherTag && items.offsets.empty() && !items.fragments.empty();
+    if (isTolerable) return;
+    NoteEnd({EndKind::Broken, items.endPosition, pixelData.group, pixelData.element});
+    reader_.SeekToEnd();
+}
+
+void DataSetParser::NoteCutFragments(const PGX_Node& pixelData) {
+    const bool isCut = reader_.Remaining() == 0;
+    if (isCut) NoteEnd({EndKind::CutShort, reader_.Size(), pixelData.group, pixelData.element});
+}
+
+// Of private groups little is loaded, of others what the caller wants.
+uint32_t DataSetParser::LoadLimit(const PGX_Node& element) const {
+    return IsPrivateGroup(element.group) ? std::min(maxLoadLength_, kPrivateLoadLimit)
+                                         : maxLoadLength_;
+}
+
+// ---- The end ------------------------------------------------------------------------------------
+
+// What happens first is what makes the rest.
+void DataSetParser::NoteEnd(const ParseEnd& end) {
+    if (hasEnded_) return;
+    hasEnded_ = true;
+    end_ = end;
+}
+
+// A value that reaches beyond the end is found here, too: the reader is beyond the end with it.
+void DataSetParser::NoteBadHeader(uint64_t start, const PGX_Node* sequence) {
+    if (hasEnded_) return;
+    const uint64_t size = reader_.Size();
+    const bool isAtEnd = reader_.Position() >= size;
+    const bool isComplete = start == size && sequence == nullptr;
+    ParseEnd end{EndKind::Broken, start};
+    if (isAtEnd) end = {isComplete ? EndKind::Complete : EndKind::CutShort, size};
+    const PGX_Node* const concerned = start > size ? lastElement_ : sequence;
+    if (concerned != nullptr) {
+        end.group = concerned->group;
+        end.element = concerned->element;
+    }
+    NoteEnd(end);
 }
 
 // Some elements tell how others of their data set are to be read.
@@ -301,7 +328,10 @@ void DataSetParser::NoteElement(PGX_Node& element) {
 // The reader stands behind the value, which need not have been loaded.
 void DataSetParser::NotePrivateCreator(const PGX_Node& element, Level& level) {
     if (element.valueRep != VR_LO || element.length > kMaxCreatorLength) return;
-    if (level.creators.size() >= kMaxPrivateCreators) return;
+    if (level.creators.size() >= kMaxPrivateCreators) {
+        hasIgnoredCreators_ = true;
+        return;
+    }
     char text[kMaxCreatorLength + 1] = {};
     const uint64_t end = reader_.Position();
     reader_.Seek(end - element.length);

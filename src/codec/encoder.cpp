@@ -39,8 +39,8 @@ const char* HeaderCharacters(uint32_t vr) {
 // Writes what a node begins with when it is entered, and its delimiter when it is left.
 class Encoder {
   public:
-    Encoder(uint32_t mode, OutputWriter& out, WrittenPositions* positions)
-        : mode_(mode), out_(out), positions_(positions) {}
+    Encoder(uint32_t mode, OutputWriter& out, WrittenPositions* positions, DeflatingSink* deflating)
+        : mode_(mode), out_(out), positions_(positions), deflating_(deflating) {}
 
     // The first failure, or kWritten.
     WriteResult Result() const { return result_; }
@@ -77,8 +77,15 @@ class Encoder {
         if (isOutermost && metaRun_.Takes(element)) {
             return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0};
         }
+        if (deflating_ != nullptr && !deflating_->HasStarted()) StartDeflating();
         const Encoding encoding = EncodingOfMode(mode_);
         return {encoding.byteOrder, !encoding.implicitVr};
+    }
+
+    // When the File Meta Information cannot be brought out, nothing that follows can.
+    void StartDeflating() {
+        static_cast<void>(out_.Flush());
+        deflating_->Start();
     }
 
     bool IsLeftOut(const PGX_Node& element) const {
@@ -213,6 +220,7 @@ class Encoder {
     uint32_t mode_;
     OutputWriter& out_;
     WrittenPositions* positions_;
+    DeflatingSink* deflating_;
     SourceStreams sources_;
     std::vector<Container> open_;
     size_t openSequences_ = 0;
@@ -223,10 +231,11 @@ class Encoder {
 
 }  // namespace
 
-WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink, WrittenPositions* positions) {
+WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink, WrittenPositions* positions,
+                       DeflatingSink* deflating) {
     OutputWriter out(sink);
     if (!out.HasBuffer()) return kOutOfMemory;
-    Encoder encoder(mode, out, positions);
+    Encoder encoder(mode, out, positions, deflating);
     try {
         WalkTree(node, encoder);
     } catch (const std::bad_alloc&) {

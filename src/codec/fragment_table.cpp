@@ -63,73 +63,73 @@ bool ReadLastFrame(StreamReader& reader, FragmentEntry& last) {
 }
 
 FragmentTableResult LoadFromOffsetTable(StreamReader& reader, PGX_Node& pixelData,
-                                        uint32_t tableLength, uint32_t& consumed) {
+                                        uint32_t tableLength, FragmentTable& table) {
     if (!ReadOffsets(reader, pixelData, tableLength)) return FragmentTableResult::Failed;
-    consumed += tableLength;
+    table.consumed += tableLength;
     FragmentEntry* entries = pixelData.fragments;
     const uint32_t count = pixelData.fragmentCount;
-    if (!ReadLastFrame(reader, entries[count - 1])) return FragmentTableResult::Failed;
+    table.hasDelimiter = ReadLastFrame(reader, entries[count - 1]);
+    if (!table.hasDelimiter) return FragmentTableResult::Failed;
     for (uint32_t i = 0; i < count; ++i)
-        consumed += entries[i].length + kItemHeaderSize;
-    consumed += kItemHeaderSize;
+        table.consumed += entries[i].length + kItemHeaderSize;
+    table.consumed += kItemHeaderSize;
     return FragmentTableResult::Built;
 }
 
-FragmentTableResult LoadByScanning(StreamReader& reader, PGX_Node& pixelData, uint32_t& consumed) {
+FragmentTableResult LoadByScanning(StreamReader& reader, PGX_Node& pixelData,
+                                   FragmentTable& table) {
     std::vector<FragmentEntry> found;
     TagHeader header{};
-    bool delimited = false;
     while (ReadItemHeader(reader, header)) {
-        delimited = header.IsSequenceDelimitation();
+        table.hasDelimiter = header.IsSequenceDelimitation();
         if (!header.IsItem()) break;
         if (reader.Position() >= kUnreadablePosition) return FragmentTableResult::Failed;
         found.push_back({static_cast<uint32_t>(reader.Position()), header.length, nullptr});
         reader.Skip(header.length);
-        consumed += header.length + kItemHeaderSize;
+        table.consumed += header.length + kItemHeaderSize;
     }
     // A missing delimiter behind some fragments is tolerated.
-    if (!delimited && found.empty()) return FragmentTableResult::Failed;
+    if (!table.hasDelimiter && found.empty()) return FragmentTableResult::Failed;
     const size_t steps = std::max<size_t>((found.size() + kCapacityStep - 1) / kCapacityStep, 1);
     std::copy(found.begin(), found.end(),
               AllocateTable(pixelData, found.size(), steps * kCapacityStep));
-    consumed += kItemHeaderSize;
+    table.consumed += kItemHeaderSize;
     return FragmentTableResult::Built;
 }
 
-FragmentTableResult Load(StreamReader& reader, PGX_Node& pixelData, bool scan, uint32_t& consumed) {
+FragmentTableResult Load(StreamReader& reader, PGX_Node& pixelData, bool scan,
+                         FragmentTable& table) {
     if (pixelData.fileOffset == kUnreadablePosition) return FragmentTableResult::Failed;
     reader.Seek(pixelData.fileOffset);
     TagHeader header;
     if (!ReadItemHeader(reader, header)) return FragmentTableResult::Failed;
-    consumed = kItemHeaderSize;
+    table.consumed = kItemHeaderSize;
     if (!header.IsItem()) return FragmentTableResult::Failed;
-    if (header.length > 0) return LoadFromOffsetTable(reader, pixelData, header.length, consumed);
+    if (header.length > 0) return LoadFromOffsetTable(reader, pixelData, header.length, table);
     if (!scan) return FragmentTableResult::NotScanned;
-    return LoadByScanning(reader, pixelData, consumed);
+    return LoadByScanning(reader, pixelData, table);
 }
 
 }  // namespace
 
-FragmentTableResult LoadFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan,
-                                      uint32_t& consumed) {
+FragmentTable LoadFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan) {
     FreeFragmentTable(pixelData);
-    consumed = 0;
-    const FragmentTableResult result = Load(reader, pixelData, scan, consumed);
-    if (result != FragmentTableResult::Built) FreeFragmentTable(pixelData);
-    return result;
+    FragmentTable table;
+    table.result = Load(reader, pixelData, scan, table);
+    if (table.result != FragmentTableResult::Built) FreeFragmentTable(pixelData);
+    return table;
 }
 
 }  // namespace pgkit
 
 int32_t PGX_Node::LoadEncodedPixelTable(FILE* stream, PGX_Node* node, int32_t scan,
                                         uint32_t* consumed) {
-    uint32_t counted = 0;
-    pgkit::FragmentTableResult result = pgkit::FragmentTableResult::Failed;
+    pgkit::FragmentTable table;
     if (stream != nullptr && node != nullptr) {
         pgkit::StreamReader reader(stream);
-        result = pgkit::LoadFragmentTable(reader, *node, scan != 0, counted);
+        table = pgkit::LoadFragmentTable(reader, *node, scan != 0);
         reader.RestorePosition();
     }
-    if (consumed != nullptr) *consumed = counted;
-    return static_cast<int32_t>(result);
+    if (consumed != nullptr) *consumed = table.consumed;
+    return static_cast<int32_t>(table.result);
 }

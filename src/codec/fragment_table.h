@@ -14,10 +14,15 @@ enum class FragmentTableResult : int32_t {
     Failed = -1      // also when an entry, or the table itself, lies beyond 4 GiB
 };
 
+struct FragmentTable {
+    FragmentTableResult result = FragmentTableResult::Failed;
+    uint32_t consumed = 0;      // bytes from the first item to behind the delimiter
+    bool hasDelimiter = false;  // a scan tolerates that it is missing
+};
+
 // Builds the table of pixelData, whose items start at its fileOffset, and leaves the reader behind
-// its sequence delimitation item. consumed counts the bytes between. Without a result of Built the
-// node has no table, and the reader stands anywhere. Throws std::bad_alloc.
-FragmentTableResult LoadFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan,
-                                      uint32_t& consumed);
+// its sequence delimitation item. Without a result of Built the node has no table, and the reader
+// stands anywhere. Throws std::bad_alloc.
+[[nodiscard]] FragmentTable LoadFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan);
 
 }  // namespace pgkit

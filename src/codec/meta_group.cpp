@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "codec/part10_format.h"
 #include "codec/tag_header.h"
-#include "dataset/node_memory.h"
 #include "dictionary/tags.h"
 #include "dictionary/vr_properties.h"
 #include "pgkit/dictionary.h"
@@ -51,11 +51,12 @@ std::string ReadUid(StreamReader& reader, uint32_t length) {
 // data sets behind each other, or a meta group that is not in order.
 class MetaGroupReader {
   public:
-    explicit MetaGroupReader(StreamReader& reader) : reader_(reader) {}
+    MetaGroupReader(StreamReader& reader, TreeBuilder& builder, StreamStart& start)
+        : reader_(reader), builder_(builder), start_(start) {}
 
     // False when a header cannot be read.
-    bool Read(StreamStart& start) {
-        if (!PeekTag(reader_)) return false;
+    bool Read() {
+        if (!PeekTag(reader_)) return FailedAt(reader_.Position());
         const uint8_t* bytes = reader_.Peek(kTagSize + 2);
         implicitVr_ = bytes == nullptr ||
                       VrFromCharacters(static_cast<char>(bytes[4]), static_cast<char>(bytes[5])) ==
@@ -63,45 +64,64 @@ class MetaGroupReader {
         uint16_t previousElement = 0;
         while (true) {
             const std::optional<Tag> tag = PeekTag(reader_);
-            if (!tag) return false;
-            if (tag->group != kMetaGroup || tag->element < previousElement) break;
+            if (!tag && !IsDeflatedDataNext()) return FailedAt(reader_.Position());
+            if (!tag || tag->group != kMetaGroup || tag->element < previousElement) return true;
             previousElement = tag->element;
-            if (!ReadElement(start)) return false;
+            if (!ReadElement()) return false;
         }
-        start.encoding = EncodingOf(transferSyntaxUid_);
-        return true;
     }
 
   private:
-    bool ReadElement(StreamStart& start) {
-        TagHeader header;
-        if (!ReadTagHeader(reader_, ByteOrder::Little, implicitVr_, header)) return false;
-        if (implicitVr_) header.valueRep = pgFindValueRepresentation(header.group, header.element);
-        Append(start, header);
-        const uint64_t end = reader_.Position() + header.length;
-        if (header.element == kTransferSyntaxElement) {
-            transferSyntaxUid_ = ReadUid(reader_, header.length);
+    // Notes where the header stands that cannot be read.
+    bool FailedAt(uint64_t position) {
+        const uint64_t size = reader_.Size();
+        const bool isAtEnd = reader_.Position() + kTagSize > size;
+        start_.end.kind = isAtEnd ? EndKind::CutShort : EndKind::Broken;
+        start_.end.offset = isAtEnd ? size : position;
+        if (position > size && start_.lastMeta != nullptr) {
+            start_.end.group = start_.lastMeta->group;
+            start_.end.element = start_.lastMeta->element;
         }
-        reader_.Seek(end);
+        return false;
+    }
+
+    // A deflated data set may be shorter than a tag.
+    bool IsDeflatedDataNext() {
+        return start_.transferSyntax == kDeflatedUid && reader_.Remaining() > 0;
+    }
+
+    bool ReadElement() {
+        const uint64_t headerStart = reader_.Position();
+        TagHeader header;
+        if (!ReadTagHeader(reader_, ByteOrder::Little, implicitVr_, header)) {
+            return FailedAt(headerStart);
+        }
+        if (implicitVr_) header.valueRep = pgFindValueRepresentation(header.group, header.element);
+        PGX_Node* const node = builder_.NewElement(header, header.valueRep, ByteOrder::Little);
+        Append(node);
+        if (header.element == kTransferSyntaxElement) {
+            const uint64_t valueStart = reader_.Position();
+            start_.transferSyntax = ReadUid(reader_, header.length);
+            reader_.Seek(valueStart);
+        }
+        constexpr uint32_t kNeverLoaded = 0;
+        builder_.ReadValue(*node, kNeverLoaded);
         return true;
     }
 
-    void Append(StreamStart& start, const TagHeader& header) {
-        PGX_Node* node = new PGX_Node(NT_DataElement, ET_LittleEndian, header.group, header.element,
-                                      static_cast<uint8_t>(header.valueRep), header.length);
-        node->file = reader_.Stream();
-        node->fileOffset = ToFileOffset(reader_.Position());
-        if (start.lastMeta == nullptr) {
-            start.metaElements.reset(node);
+    void Append(PGX_Node* node) {
+        if (start_.lastMeta == nullptr) {
+            start_.metaElements.reset(node);
         } else {
-            start.lastMeta->next = node;
+            start_.lastMeta->next = node;
         }
-        start.lastMeta = node;
+        start_.lastMeta = node;
     }
 
     StreamReader& reader_;
+    TreeBuilder& builder_;
+    StreamStart& start_;
     bool implicitVr_ = false;
-    std::string transferSyntaxUid_;
 };
 
 bool IsLetter(uint8_t c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
@@ -133,7 +153,7 @@ bool SkipPreamble(StreamReader& reader) {
     return true;
 }
 
-std::optional<StreamStart> ReadStreamStart(StreamReader& reader, uint32_t flags) {
+StreamStart ReadStreamStart(StreamReader& reader, TreeBuilder& builder, uint32_t flags) {
     StreamStart start;
     start.hasMeta = SkipPreamble(reader);
     if (!start.hasMeta) {
@@ -141,11 +161,17 @@ std::optional<StreamStart> ReadStreamStart(StreamReader& reader, uint32_t flags)
         start.hasMeta = StartsWithMetaElement(reader);
     }
     if (start.hasMeta) {
-        if (!MetaGroupReader(reader).Read(start)) return std::nullopt;
-    } else {
-        const uint8_t* bytes = reader.Peek(6);
-        if (bytes == nullptr) return std::nullopt;
+        if (!MetaGroupReader(reader, builder, start).Read()) {
+            start.state = StreamStart::State::MetaCut;
+        }
+        start.encoding = EncodingOf(start.transferSyntax);
+        return start;
+    }
+    const uint8_t* bytes = reader.Peek(6);
+    if (bytes != nullptr) {
         start.encoding = GuessEncoding(bytes, flags);
+    } else {
+        start.state = StreamStart::State::Nothing;
     }
     return start;
 }

@@ -51,14 +51,19 @@ bool StoreOffset(PGX_Node& element, uint32_t offset) {
     return stored;
 }
 
-WriteResult WriteOffset(std::optional<uint32_t> offset, std::optional<uint64_t> valuePosition,
-                        FILE* stream, ByteOrder order) {
+template <typename Put>
+WriteResult PutOffset(std::optional<uint32_t> offset, std::optional<uint64_t> valuePosition,
+                      const Put& put, ByteOrder order) {
     if (!offset || !valuePosition) return kWriteFailed;
-    uint8_t bytes[sizeof *offset];
-    Store(bytes, *offset, order);
-    const bool written = platform::Seek(stream, *valuePosition) &&
-                         std::fwrite(bytes, 1, sizeof bytes, stream) == sizeof bytes;
-    return written ? kWritten : kWriteFailed;
+    BytePatch patch{*valuePosition, {}};
+    Store(patch.bytes.data(), *offset, order);
+    return put(patch) ? kWritten : kWriteFailed;
+}
+
+bool WritePatch(FILE* stream, const BytePatch& patch) {
+    const size_t size = patch.bytes.size();
+    return platform::Seek(stream, patch.position) &&
+           std::fwrite(patch.bytes.data(), 1, size, stream) == size;
 }
 
 // Items keep the position they were read from or first written to, and what counts in the tree are
@@ -102,7 +107,9 @@ class PatchFromNodes {
         const auto offset = OffsetOfItem(NodePosition(*element.offsetTarget));
         if (!offset || !valuePosition) return kWriteFailed;
         if (!StoreOffset(element, *offset)) return kOutOfMemory;
-        return WriteOffset(offset, valuePosition, stream_, kHostByteOrder);
+        return PutOffset(
+            offset, valuePosition,
+            [this](const BytePatch& patch) { return WritePatch(stream_, patch); }, kHostByteOrder);
     }
 
     FILE* stream_;
@@ -140,7 +147,7 @@ void PendingOffsets::Add(PGX_Node& element, PGX_Node* target) {
     if (element.offsetPending != 0 && !hasRoom) StoreOffset(element, 0);
 }
 
-WriteResult PendingOffsets::PatchPending(const Link& link, FILE* stream, ByteOrder order) {
+WriteResult PendingOffsets::PatchPending(const Link& link, const Put& put, ByteOrder order) {
     if (link.target == nullptr) return kWritten;
     const std::optional<uint64_t> valuePosition = positions_.Find(link.element);
     // Not part of what was written: there is nothing to correct.
@@ -151,10 +158,10 @@ WriteResult PendingOffsets::PatchPending(const Link& link, FILE* stream, ByteOrd
     if (!offset) return kWriteFailed;
     const uint32_t inTree = OffsetInTree(*link.target, offset).value_or(*offset);
     if (!StoreOffset(*link.element, inTree)) return kOutOfMemory;
-    return WriteOffset(offset, valuePosition, stream, order);
+    return PutOffset(offset, valuePosition, put, order);
 }
 
-WriteResult PendingOffsets::PatchSettled(const Link& link, FILE* stream, ByteOrder order) {
+WriteResult PendingOffsets::PatchSettled(const Link& link, const Put& put, ByteOrder order) {
     const std::optional<uint64_t> valuePosition = positions_.Find(link.element);
     const std::optional<uint64_t> position = positions_.Find(link.target);
     if (!valuePosition || !position) return kWritten;
@@ -163,14 +170,14 @@ WriteResult PendingOffsets::PatchSettled(const Link& link, FILE* stream, ByteOrd
     const bool isValid = link.element->length == sizeof(uint32_t) &&
                          inTree == std::optional<uint32_t>(link.element->GetULValue());
     if (!isValid) return kWritten;
-    return WriteOffset(OffsetOfItem(position), valuePosition, stream, order);
+    return PutOffset(OffsetOfItem(position), valuePosition, put, order);
 }
 
-WriteResult PendingOffsets::PatchLinks(FILE* stream, ByteOrder order) {
+WriteResult PendingOffsets::PatchLinks(const Put& put, ByteOrder order) {
     for (const Link& link : links_) {
         const bool isPending = link.element->offsetPending != 0;
         const WriteResult result =
-            isPending ? PatchPending(link, stream, order) : PatchSettled(link, stream, order);
+            isPending ? PatchPending(link, put, order) : PatchSettled(link, put, order);
         if (result != kWritten) return result;
         link.element->offsetPending = 0;
     }
@@ -179,8 +186,17 @@ WriteResult PendingOffsets::PatchLinks(FILE* stream, ByteOrder order) {
 
 WriteResult PendingOffsets::Patch(platform::FileHandle file, ByteOrder order) {
     if (file == nullptr) return kCannotReopen;
-    const WriteResult result = PatchLinks(file.get(), order);
+    const Put put = [&](const BytePatch& patch) { return WritePatch(file.get(), patch); };
+    const WriteResult result = PatchLinks(put, order);
     return CloseWritten(std::move(file), result);
+}
+
+WriteResult PendingOffsets::Collect(ByteOrder order, std::vector<BytePatch>& patches) {
+    const Put put = [&](const BytePatch& patch) {
+        patches.push_back(patch);
+        return true;
+    };
+    return PatchLinks(put, order);
 }
 
 }  // namespace pgkit

@@ -2,10 +2,12 @@
 // have been written, and are then put into the file.
 #pragma once
 
-#include <cstdio>
+#include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "base/byte_order.h"
+#include "codec/byte_sink.h"
 #include "codec/write_result.h"
 #include "codec/written_positions.h"
 #include "dataset/tree_walk.h"
@@ -26,9 +28,14 @@ class PendingOffsets {
     // To be filled while the tree is written.
     WrittenPositions& Positions() { return positions_; }
 
+    // Whether there are none.
+    bool Empty() const { return links_.empty(); }
+
     // Puts the offsets into the elements and, in the given byte order, into the written file, which
     // has been opened again (null: it could not be) and is closed.
-    WriteResult Patch(platform::FileHandle file, ByteOrder order);
+    [[nodiscard]] WriteResult Patch(platform::FileHandle file, ByteOrder order);
+    // Puts them into the elements, and tells what is to stand in the output.
+    [[nodiscard]] WriteResult Collect(ByteOrder order, std::vector<BytePatch>& patches);
 
     // For WalkTree.
     WalkStep Enter(PGX_Node& node, size_t depth);
@@ -43,9 +50,12 @@ class PendingOffsets {
 
     void AddRootLinks(PGX_Node& root);
     void Add(PGX_Node& element, PGX_Node* target);
-    WriteResult PatchLinks(FILE* stream, ByteOrder order);
-    WriteResult PatchPending(const Link& link, FILE* stream, ByteOrder order);
-    WriteResult PatchSettled(const Link& link, FILE* stream, ByteOrder order);
+    // Puts an offset into the output; false when that fails.
+    using Put = std::function<bool(const BytePatch& patch)>;
+
+    WriteResult PatchLinks(const Put& put, ByteOrder order);
+    WriteResult PatchPending(const Link& link, const Put& put, ByteOrder order);
+    WriteResult PatchSettled(const Link& link, const Put& put, ByteOrder order);
 
     std::vector<Link> links_;
     WrittenPositions positions_;

@@ -1,11 +1,8 @@
 // The exported functions that open files and streams, and the quick test for a Part 10 file.
 #include "codec/open.h"
 
-#include <optional>
-
 #include "base/diagnostics.h"
 #include "base/firewall.h"
-#include "codec/data_set_parser.h"
 #include "codec/meta_group.h"
 #include "codec/stream_reader.h"
 #include "dataset/node_ptr.h"
@@ -17,37 +14,14 @@ namespace pgkit {
 
 namespace {
 
-constexpr uint32_t kForceEncodingFlags = PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_IMPLICIT_VR |
-                                         PG_OPEN_FORCE_LITTLE_ENDIAN | PG_OPEN_FORCE_BIG_ENDIAN;
-
-uint32_t SyntaxFlagsOf(const StreamStart& start) {
-    uint32_t flags = start.hasMeta ? uint32_t{PG_META} : 0;
-    flags |= start.encoding.byteOrder == ByteOrder::Big ? PG_BIG_ENDIAN : PG_LITTLE_ENDIAN;
-    flags |= start.encoding.implicitVr ? PG_IMPLICIT_VR : PG_EXPLICIT_VR;
-    return flags;
-}
-
-// Null when the stream is no DICOM stream. Throws std::bad_alloc. Does not close the stream.
-PGX_Node* ParseStream(StreamReader& reader, uint32_t maxLoadLength, uint32_t flags) {
-    std::optional<StreamStart> start = ReadStreamStart(reader, flags);
-    if (!start) return nullptr;
-    DataSetParser parser(reader, start->encoding, maxLoadLength, flags & ~kForceEncodingFlags);
-    NodeTree root = parser.Parse();
-    if (start->lastMeta != nullptr) {
-        start->lastMeta->next = root->first;
-        root->first = start->metaElements.release();
-    }
-    root->syntaxFlags = SyntaxFlagsOf(*start);
-    return root.release();
-}
-
-// The tree owns the stream from then on; without one, also for want of memory, it stays where it
-// is.
+// The tree owns its file from then on: the stream, or a temporary one, and the stream is closed;
+// without a tree, also for want of memory, the stream stays where it is.
 PGX_Node* ParseFile(StreamReader& reader, platform::FileHandle& stream, uint32_t maxLoadLength,
                     uint32_t flags) {
-    PGX_Node* root = Guarded([&] { return ParseStream(reader, maxLoadLength, flags); });
-    if (root != nullptr) static_cast<void>(stream.release());
-    return root;
+    return Guarded([&] {
+        OpenedTree opened = OpenTree(reader, {.maxLoadLength = maxLoadLength, .flags = flags});
+        return HandOver(opened, stream);
+    });
 }
 
 // The stream is the caller's until the parse has ended one way or the other; when memory runs out
@@ -55,12 +29,10 @@ PGX_Node* ParseFile(StreamReader& reader, platform::FileHandle& stream, uint32_t
 PGX_Node* OpenStream(FILE* stream, uint32_t maxLoadLength, uint32_t flags) {
     if (stream == nullptr) return nullptr;
     StreamReader reader(stream);
-    PGX_Node* root = ParseStream(reader, maxLoadLength, flags);
-    if (root != nullptr) {
-        reader.RestorePosition();
-    } else {
-        std::fclose(stream);
-    }
+    OpenedTree opened = OpenTree(reader, {.maxLoadLength = maxLoadLength, .flags = flags});
+    platform::FileHandle owned(stream);
+    PGX_Node* const root = HandOver(opened, owned);
+    if (owned == nullptr) reader.RestorePosition();
     return root;
 }
 
@@ -72,6 +44,13 @@ int32_t IsDicomFile(const char* path) {
 }
 
 }  // namespace
+
+PGX_Node* HandOver(OpenedTree& opened, platform::FileHandle& stream) {
+    if (opened.root == nullptr) return nullptr;
+    platform::FileHandle& kept = opened.temporary != nullptr ? opened.temporary : stream;
+    if (opened.root->file != nullptr) static_cast<void>(kept.release());
+    return opened.root.release();
+}
 
 InputFile OpenInput(const char* path) {
     InputFile file;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "codec/opening.h"
 #include "pgkit/node.h"
 #include "platform/file_handle.h"
 
@@ -19,6 +20,11 @@ InputFile OpenInput(const char* path);
 // The same for the test below; a file that cannot be opened is reported in the name of
 // pgIsDicomFile.
 InputFile OpenToTest(const char* path);
+
+// The root, which owns its file from then on. That is the stream that was read, which is released,
+// or the temporary one, and the stream stays with its handle; a tree that keeps everything owns
+// none. Null without a tree.
+PGX_Node* HandOver(OpenedTree& opened, platform::FileHandle& stream);
 
 // pgOpenDataSetFileEx on an open file, which is closed whenever there is no tree that owns it.
 PGX_Node* OpenDataSet(InputFile file, uint32_t maxLoadLength, uint32_t flags);

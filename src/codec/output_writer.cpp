@@ -3,19 +3,7 @@
 #include <cstring>
 #include <new>
 
-#include "platform/platform.h"
-
 namespace pgkit {
-
-bool StreamSink::Write(const uint8_t* bytes, size_t count) {
-    return stream_ != nullptr && std::fwrite(bytes, 1, count, stream_) == count;
-}
-
-bool StreamSink::Flush() { return stream_ != nullptr && std::fflush(stream_) == 0; }
-
-std::optional<uint64_t> StreamSink::Position() {
-    return stream_ == nullptr ? std::nullopt : platform::Tell(stream_);
-}
 
 OutputWriter::OutputWriter(ByteSink& sink)
     : sink_(sink),

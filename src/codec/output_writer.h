@@ -7,36 +7,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <optional>
 
+#include "codec/byte_sink.h"
 #include "codec/write_result.h"
 
 namespace pgkit {
-
-// Where the bytes go.
-class ByteSink {
-  public:
-    virtual ~ByteSink() = default;
-    // Whether all the bytes were taken.
-    virtual bool Write(const uint8_t* bytes, size_t count) = 0;
-    virtual bool Flush() = 0;
-    // Nothing when the sink has no position.
-    virtual std::optional<uint64_t> Position() = 0;
-};
-
-// A stream of the C runtime. A null stream takes nothing.
-class StreamSink : public ByteSink {
-  public:
-    explicit StreamSink(FILE* stream) : stream_(stream) {}
-    bool Write(const uint8_t* bytes, size_t count) override;
-    bool Flush() override;
-    std::optional<uint64_t> Position() override;
-
-  private:
-    FILE* stream_;
-};
 
 class OutputWriter {
   public:
@@ -57,6 +34,7 @@ class OutputWriter {
     uint8_t* Reserve(size_t count);
     void Commit(size_t count) { used_ += count; }
 
+    // Brings out what is held.
     bool Flush();
     // Flushes and gives the error, or kWriteFailed when that is what went wrong first.
     WriteResult Fail(WriteResult error) { return Flush() ? error : kWriteFailed; }

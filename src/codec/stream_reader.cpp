@@ -4,13 +4,11 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/platform.h"
-
 namespace pgkit {
 
 // The stream counts as moved: when its user has written last, a seek must come before a read.
 StreamReader::StreamReader(FILE* stream)
-    : stream_(stream), bufferStart_(platform::Tell(stream).value_or(0)) {}
+    : stream_(stream), bufferStart_(stream_.Position().value_or(0)) {}
 
 void StreamReader::Seek(uint64_t position) {
     if (position >= bufferStart_ && position - bufferStart_ <= end_) {
@@ -24,7 +22,7 @@ void StreamReader::Seek(uint64_t position) {
 
 uint64_t StreamReader::Size() {
     if (!size_) {
-        size_ = platform::StreamSize(stream_);
+        size_ = source_.Size();
         StreamMoved();
     }
     return *size_;
@@ -38,7 +36,7 @@ uint64_t StreamReader::Remaining() {
 bool StreamReader::MoveStreamTo(uint64_t position) {
     if (streamPosition_ == position) return true;
     streamPosition_.reset();
-    if (!platform::Seek(stream_, position)) {
+    if (!source_.Seek(position)) {
         hasFailed_ = true;
         return false;
     }
@@ -55,13 +53,11 @@ void StreamReader::MakeRoom(size_t size) {
     bufferSize_ = size;
 }
 
-// The error mark of a stream stays until somebody clears it, and may be an old one. The mark of its
-// end is taken away by every seek: what comes back short without it has failed.
-size_t StreamReader::ReadStream(uint8_t* out, size_t count) {
-    const size_t got = std::fread(out, 1, count, stream_);
-    if (got < count && std::feof(stream_) == 0) hasFailed_ = true;
-    *streamPosition_ += got;
-    return got;
+size_t StreamReader::ReadSource(uint8_t* out, size_t count) {
+    const ByteSource::Portion got = source_.Read(out, count);
+    if (got.hasFailed) hasFailed_ = true;
+    *streamPosition_ += got.count;
+    return got.count;
 }
 
 bool StreamReader::FillTo(size_t count) {
@@ -77,7 +73,7 @@ bool StreamReader::FillTo(size_t count) {
         size_t wanted = std::min(fillSize_, kBufferSize - end_);
         if (size_) wanted = std::min<uint64_t>(wanted, *size_ - position);
         MakeRoom(end_ + wanted);
-        const size_t got = ReadStream(buffer_ + end_, wanted);
+        const size_t got = ReadSource(buffer_ + end_, wanted);
         end_ += got;
         if (got < wanted) size_ = streamPosition_;
         fillSize_ = std::min(2 * fillSize_, kBufferSize);
@@ -101,7 +97,7 @@ size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     }
     const uint64_t position = Position();
     if (!MoveStreamTo(position)) return fromBuffer;
-    const size_t more = ReadStream(out + fromBuffer, missing);
+    const size_t more = ReadSource(out + fromBuffer, missing);
     Seek(position + more);
     return fromBuffer + more;
 }

@@ -1,7 +1,7 @@
-// The parser's view of a stream: a 64-bit position and a buffer over it.
+// The parser's view of its bytes: a 64-bit position and a buffer over them.
 //
 // Reading headers and skipping inside the buffer cost no system call; skipping beyond it costs one
-// seek when something is read there. The stream's own position is arbitrary until RestorePosition.
+// seek when something is read there. A stream's own position is arbitrary until RestorePosition.
 // What fills the buffer throws std::bad_alloc.
 #pragma once
 
@@ -13,6 +13,8 @@
 #include <memory>
 #include <optional>
 
+#include "codec/byte_source.h"
+
 namespace pgkit {
 
 class StreamReader {
@@ -21,10 +23,14 @@ class StreamReader {
     explicit StreamReader(FILE* stream);
     // Starts at the beginning of a file that was just opened and has this size.
     StreamReader(FILE* stream, uint64_t size) : stream_(stream), streamPosition_(0), size_(size) {}
+    // Starts at the beginning of bytes that stay where they are as long as they are read.
+    explicit StreamReader(MemorySource& memory)
+        : stream_(nullptr), source_(memory), streamPosition_(0), size_(memory.Size()) {}
     StreamReader(const StreamReader&) = delete;
     StreamReader& operator=(const StreamReader&) = delete;
 
-    FILE* Stream() const { return stream_; }
+    // Null when the bytes are none of a stream.
+    FILE* Stream() const { return stream_.Stream(); }
 
     uint64_t Position() const { return bufferStart_ + next_; }
     // Any position may be taken; reading beyond the end of the stream then fails.
@@ -79,10 +85,11 @@ class StreamReader {
     void MakeRoom(size_t size);
     size_t ReadLarge(uint8_t* out, size_t count);
     bool MoveStreamTo(uint64_t position);
-    // Reads at the stream's own position.
-    size_t ReadStream(uint8_t* out, size_t count);
+    // Reads at the source's own position.
+    size_t ReadSource(uint8_t* out, size_t count);
 
-    FILE* stream_;
+    StreamSource stream_;
+    ByteSource& source_ = stream_;
     std::optional<uint64_t> streamPosition_;
     std::optional<uint64_t> size_;
     uint64_t bufferStart_ = 0;  // position of the buffer's first byte

@@ -153,7 +153,8 @@ std::string_view Agree(std::string_view uid, uint32_t& mode) {
 
 }  // namespace
 
-WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode) {
+WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode, bool& isDeflated) {
+    isDeflated = false;
     // A bare data set that is written as it was read has no transfer syntax: an element that is one
     // by its tag stood somewhere in it, and said nothing of it.
     const bool isBareAsRead = (mode & kMetaModes) == 0 && mode == root.syntaxFlags;
@@ -173,6 +174,8 @@ WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode) {
     }
     const std::optional<std::string> uid = FetchSyntax(*meta.syntaxes.back());
     if (!uid) return kReadFailed;
+    const bool hasMeta = (mode & kMetaModes) != 0 && root.nodeType == NT_DataSet;
+    isDeflated = hasMeta && *uid == kDeflatedUid;
     const uint32_t explicitLittle = InExplicitLittle(mode);
     // Most saves are in this encoding already, and need no walk of the tree.
     if (mode != explicitLittle && (mode & kMetaModes) != 0 &&

@@ -21,8 +21,10 @@ constexpr uint32_t kMetaModes = PG_META | PG_META_IMPLICIT_VR;
 // explicit VR little endian where it must be: encapsulated Pixel Data have no other, and a data set
 // that begins with group 0200 would in big endian seem to go on with File Meta Information.
 //
+// isDeflated becomes whether the data set behind the File Meta Information is to be deflated.
+//
 // kReadFailed when the element's value cannot be read, kOutOfMemory when it cannot be set. Throws
 // std::bad_alloc.
-WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode);
+[[nodiscard]] WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode, bool& isDeflated);
 
 }  // namespace pgkit

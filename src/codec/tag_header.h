@@ -22,10 +22,11 @@ struct TagHeader {
 // Reads a header. Fails at the end of the stream, on the tag (FFFF,FFFF), and on an explicit UT
 // whose reserved bytes are not zero. The bytes read up to the failure stay consumed: a sequence
 // whose item header fails goes on behind them.
-bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHeader& header);
+[[nodiscard]] bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr,
+                                 TagHeader& header);
 
 // The same of an item of encapsulated Pixel Data, or of what ends them. Items are little endian,
 // and have no VR field, in every transfer syntax with fragments.
-bool ReadItemHeader(StreamReader& reader, TagHeader& header);
+[[nodiscard]] bool ReadItemHeader(StreamReader& reader, TagHeader& header);
 
 }  // namespace pgkit

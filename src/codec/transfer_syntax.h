@@ -22,6 +22,9 @@ constexpr std::string_view kExplicitVrBigEndianUid = "1.2.840.10008.1.2.2";
 constexpr std::string_view kPrivateImplicitUid = "1.2.840.113619.5.2";
 constexpr std::string_view kPrivateBigEndianUid = "1.2.840.113704.7.0.4.5";
 
+// Explicit VR little endian behind File Meta Information, deflated.
+constexpr std::string_view kDeflatedUid = "1.2.840.10008.1.2.1.99";
+
 // Of a transfer syntax element no more bytes than these are looked at.
 constexpr size_t kMaxSyntaxBytes = 127;
 

@@ -25,7 +25,8 @@ TOOLCHAIN = ROOT / "cmake/mingw-w64-x86_64.cmake"
 RLE_IMAGE = ROOT / "tests/data/encapsulated/rtdose_rle_15frames_no_bot.dcm"
 MR_IMAGE = ROOT / "tests/data/native/mr_implicit_le.dcm"
 VERSION = "2.86e 24-mar-2o15"
-EXAMPLES = ("read_and_print", "edit_and_save", "build_data_set", "browse_disc", "make_disc",
+EXAMPLES = ("read_and_print", "anonymize_folder", "frames_to_raw", "read_with_classes",
+            "edit_and_save", "build_data_set", "browse_disc", "make_disc",
             "read_in_c")
 
 
@@ -71,9 +72,10 @@ def check_consumer(kit):
     image = os.path.relpath(RLE_IMAGE, directory)
     return complain_unless(
         [kit.run("./consumer", "made.dcm", cwd=directory).strip(),
+         kit.run("./layer_consumer", "layer.dcm", cwd=directory).strip(),
          kit.run("./consumer_in_c", cwd=directory).strip(),
          kit.run("./imaging_consumer", image, cwd=directory).strip()],
-        [f"{VERSION}: DOE^JANE", "PixelData OWOB", "15 frames"])
+        [f"{VERSION}: DOE^JANE", "DOE^JANE", "PixelData OWOB", "15 frames"])
 
 
 def check_examples(kit):
@@ -90,10 +92,13 @@ def check_pkg_config(kit):
     environment = dict(os.environ, PKG_CONFIG_PATH=str(kit.prefix / "lib/pkgconfig"))
     flags = run("pkg-config", "--cflags", "--libs", "pgkit", env=environment)
     kit.work.mkdir(exist_ok=True)
-    run("g++", "-std=c++17", HERE / "consumer.cpp", "-o", "by_pkg_config", *shlex.split(flags),
-        f"-Wl,-rpath,{kit.prefix}/lib", cwd=kit.work)
-    return complain_unless(kit.run("./by_pkg_config", "by_pkg_config.dcm", cwd=kit.work).strip(),
-                           f"{VERSION}: DOE^JANE")
+    for name in ("consumer", "layer_consumer"):
+        run("g++", "-std=c++17", HERE / f"{name}.cpp", "-o", f"{name}_by_pkg_config", *shlex.split(flags),
+            f"-Wl,-rpath,{kit.prefix}/lib", cwd=kit.work)
+    return complain_unless(
+        [kit.run("./consumer_by_pkg_config", "consumer.dcm", cwd=kit.work).strip(),
+         kit.run("./layer_consumer_by_pkg_config", "layer.dcm", cwd=kit.work).strip()],
+        [f"{VERSION}: DOE^JANE", "DOE^JANE"])
 
 
 def check_tool(kit):
@@ -148,7 +153,9 @@ def check_content(kit):
                  "docs/files.md", "docs/ownership.md", "docs/architecture.md",
                  "examples/CMakeLists.txt"]
     expected = (modules + [f"share/doc/pgkit/{name}" for name in documents]
-                + [f"include/pgkit/{path.name}" for path in ROOT.glob("include/pgkit/*.h")]
+                + [f"include/pgkit/{path.name}" for path in ROOT.glob("include/pgkit/*.h*")]
+                + [f"include/pgkit/cpp/{path.name}"
+                   for path in ROOT.glob("include/pgkit/cpp/*.hpp")]
                 + ["share/pgkit/python/pgkit/__init__.py", "share/pgkit/debugger/pgkit.natvis",
                    "lib/cmake/pgkit/pgkitConfig.cmake", "lib/pkgconfig/pgkit.pc"])
     found = {path.relative_to(kit.prefix).as_posix(): path

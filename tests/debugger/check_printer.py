@@ -87,7 +87,7 @@ def check_natvis():
 
 
 def main(directory):
-    program = str(pathlib.Path(directory).resolve() / "read_and_print")
+    program = str(pathlib.Path(directory).resolve() / "read_with_classes")
     checks = [("natvis", NATVIS.name, check_natvis, ())]
     reason = why_not(program)
     if reason:

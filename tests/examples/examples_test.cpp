@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pgkit/data_set.hpp>
 
 #include <filesystem>
 #include <string>
@@ -33,16 +34,31 @@ std::string OutputOf(const std::string& name, const std::vector<std::string>& ar
 
 TEST(Examples, ReadAndPrintShowsPatientImageAndElements) {
     const std::string out = OutputOf("read_and_print", {TestData("native/mr_implicit_le.dcm")});
+    EXPECT_THAT(out, StartsWith("Patient: CompressedSamples^MR1\nImage: 64 x 64\n(0002,0000) UL "));
+    EXPECT_THAT(out, HasSubstr("\n(0010,0020) LO PatientID: 4MR1\n"));
+    EXPECT_THAT(out, HasSubstr("\n(7FE0,0010) OWOB PixelData: \n"));
+}
+
+TEST(Examples, ReadAndPrintShowsItemsFurtherIn) {
+    const std::string out = OutputOf("read_and_print", {TestData("sequences/rtplan_implicit.dcm")});
+    EXPECT_THAT(out, HasSubstr("\n(300A,00B0) SQ BeamSequence: \n  (0008,0070) LO Manufacturer"));
+}
+
+TEST(Examples, ReadWithClassesShowsTheSameThroughMembers) {
+    const std::string out = OutputOf("read_with_classes", {TestData("native/mr_implicit_le.dcm")});
     EXPECT_THAT(out, StartsWith("Patient: CompressedSamples^MR1 \nImage: 64 x 64\n  "));
     EXPECT_THAT(out, HasSubstr("PixelData"));
 }
 
 TEST(Examples, SayInOneLineThatAFileCannotBeRead) {
-    for (const char* const example : {"read_and_print", "browse_disc", "read_in_c"}) {
+    for (const char* const example : {"read_with_classes", "browse_disc", "read_in_c"}) {
         const Finished finished = RunExample(example, {TestData("missing")});
         EXPECT_EQ(finished.exitStatus, 1) << example;
         EXPECT_THAT(finished.err, HasSubstr("missing\n")) << example;
     }
+    const Finished finished = RunExample("read_and_print", {TestData("missing")});
+    EXPECT_EQ(finished.exitStatus, 1);
+    EXPECT_EQ(finished.err, "cannot read " + TestData("missing") + ": no such file\n");
 }
 
 TEST(Examples, EditAndSaveKeepsEverythingElse) {
@@ -103,6 +119,73 @@ TEST(Examples, MakeDiscAppliesAProfile) {
     directory.Write("DISC/IM1", InstanceFile().Data());
     EXPECT_EQ(OutputOf("make_disc", {directory.Path("DISC"), "STD-DEN"}),
               "refused IM1 (5)\nDICOMDIR of 0 files, 1 refused\n");
+}
+
+// A file about somebody, for the tests of the anonymiser.
+InstanceFile TellingImage(const std::string& uid) {
+    StreamBuilder references;
+    references.Item()
+        .Element(0x0008, 0x1155, "UI", PaddedUid("1.2.3.1"))
+        .Element(0x0010, 0x0010, "PN", "DOE^JANE")
+        .Element(0x0041, 0x1001, "LO", "DOE ")
+        .EndItem();
+    InstanceFile image;
+    image.Patient("DOE1", "DOE^JANE").Series("1.2.3").Instance(uid);
+    image.Set(0x0008, 0x0080, "LO", "DOE HOSPITAL").Set(0x0008, 0x0050, "SH", "DOE2");
+    image.Set(0x0041, 0x1002, "LO", "DOE").SetSequence(0x0008, 0x1140, references);
+    return image;
+}
+
+TEST(Examples, AnonymizeFolderLeavesNothingThatItNames) {
+    const TempDir directory;
+    std::filesystem::create_directories(directory.Path("in/DOE"));
+    directory.Write("in/1", TellingImage("1.2.3.1").Data());
+    directory.Write("in/DOE/2", TellingImage("1.2.3.2").Data());
+    directory.Write("in/README", "no image");
+    const std::string out =
+        OutputOf("anonymize_folder", {directory.Path("in"), directory.Path("out")});
+    EXPECT_THAT(out, StartsWith("left out: "));
+    EXPECT_THAT(out, HasSubstr("README\n2 files written, 0 failed\n"));
+    for (const char* const name : {"out/IM00001.dcm", "out/IM00002.dcm"}) {
+        const Bytes bytes = ReadFile(directory.Path(name));
+        const std::string text(bytes.begin(), bytes.end());
+        EXPECT_THAT(text, Not(HasSubstr("DOE"))) << name;
+        EXPECT_THAT(text, Not(HasSubstr("1.2.3."))) << name;
+        EXPECT_THAT(text, HasSubstr("ANONYMOUS")) << name;
+        EXPECT_EQ(pgIsDicomFile(directory.Path(name).c_str()), 1);
+    }
+}
+
+TEST(Examples, AnonymizeFolderKeepsTogetherWhatBelongsTogether) {
+    const TempDir directory;
+    std::filesystem::create_directories(directory.Path("in"));
+    directory.Write("in/1", TellingImage("1.2.3.1").Data());
+    directory.Write("in/2", TellingImage("1.2.3.2").Data());
+    OutputOf("anonymize_folder", {directory.Path("in"), directory.Path("out")});
+    const auto first = pgkit::data_set::open(directory.Path("out/IM00001.dcm"));
+    const auto second = pgkit::data_set::open(directory.Path("out/IM00002.dcm"));
+    const auto uid = [](const auto& image, const char* path) { return image->find(path).text(); };
+    EXPECT_EQ(pgCheckUID(uid(first, "SOPInstanceUID").c_str()), 1);
+    EXPECT_THAT(uid(first, "SOPInstanceUID"), StartsWith("2.25."));
+    EXPECT_NE(uid(first, "SOPInstanceUID"), uid(second, "SOPInstanceUID"));
+    EXPECT_EQ(uid(first, "SOPInstanceUID"), uid(first, "MediaStorageSOPInstanceUID"));
+    EXPECT_EQ(uid(first, "SeriesInstanceUID"), uid(second, "SeriesInstanceUID"));
+    EXPECT_EQ(uid(second, "ReferencedImageSequence[0].ReferencedSOPInstanceUID"),
+              uid(first, "SOPInstanceUID"));
+    EXPECT_EQ(uid(first, "SOPClassUID"), "1.2.840.10008.5.1.4.1.1.2");
+    EXPECT_EQ(uid(first, "TransferSyntaxUID"), "1.2.840.10008.1.2.1");
+}
+
+TEST(Examples, FramesToRawWritesEachFrame) {
+    const TempDir directory;
+    const std::string prefix = directory.Path("frame");
+    const std::string image = TestData("native/mr_implicit_le.dcm");
+    EXPECT_EQ(OutputOf("frames_to_raw", {image, prefix}), prefix + "1.raw: 8192 bytes\n");
+    EXPECT_EQ(ReadFile(prefix + "1.raw"), pgkit::data_set::open(image)->find("PixelData").bytes());
+    const Finished none =
+        RunExample("frames_to_raw", {TestData("sequences/rtplan_implicit.dcm"), prefix});
+    EXPECT_EQ(none.exitStatus, 1);
+    EXPECT_THAT(none.err, HasSubstr(" has no frames\n"));
 }
 
 TEST(Examples, ReadInCPrintsTheTopLevel) {

@@ -11,6 +11,8 @@
 #include "hostile/every_failure.h"
 #include "hostile/failing_jobs.h"
 #include "sopclass/sop_class_set.h"
+#include "support/deflated.h"
+#include "support/open_report.h"
 #include "support/save_modes.h"
 
 namespace {
@@ -52,6 +54,23 @@ TEST_F(FailingFile, GivesNoTreeOrWhatCouldBeRead) {
             }
         });
         EXPECT_GE(calls, 2u);
+    }
+}
+
+TEST_F(FailingFile, GivesNoInflatedTreeOrAllThatWasDeflated) {
+    StreamBuilder content;
+    content.Element(0x0010, 0x0010, "PN", "DOE^JOHN").Element(0x0010, 0x0020, "LO", "4711");
+    const std::string path = directory_.Write("deflated", DeflatedFile(Deflated(content)));
+    for (const uint32_t maxLoadLength : {0u, kLoadAll}) {
+        const size_t calls = Sweep([&](auto&& whileFailing) {
+            DataSet root;
+            PgxOpenReport report = NewReport();
+            whileFailing([&] { root.reset(pgxOpenFile(path.c_str(), maxLoadLength, 0, &report)); });
+            EXPECT_EQ(root == nullptr, report.elements == 0);
+            if (report.result != PGX_OPEN_COMPLETE) return;
+            EXPECT_EQ(Tags(root.get()), "0002,0010 0010,0010 0010,0020");
+        });
+        EXPECT_GE(calls, 5u);
     }
 }
 

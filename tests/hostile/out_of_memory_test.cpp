@@ -13,6 +13,8 @@
 #include "hostile/failing_jobs.h"
 #include "sopclass/sop_class_set.h"
 #include "support/browsed_directory.h"
+#include "support/deflated.h"
+#include "support/open_report.h"
 #include "support/save_modes.h"
 
 namespace {
@@ -59,6 +61,67 @@ TEST_F(OutOfMemory, LeavesAnOpenWithoutATree) {
         whileFailing([&] { root.reset(pgOpenDataSetFile(path_.c_str(), kLoadAll)); });
     });
     EXPECT_GE(allocations, 30u);
+}
+
+TEST_F(OutOfMemory, LeavesEveryOpenWithoutATreeAndSaysSo) {
+    const Bytes plain = ReadFile(path_);
+    StreamBuilder content;
+    content.Element(0x0010, 0x0010, "PN", "DOE^JOHN").Element(0x0010, 0x0020, "LO", "4711");
+    for (const Bytes& bytes : {plain, DeflatedFile(Deflated(content))}) {
+        const size_t allocations = Sweep([&](auto&& whileFailing) {
+            DataSet root;
+            PgxOpenReport report = NewReport();
+            whileFailing(
+                [&] { root.reset(pgxOpenMemory(bytes.data(), bytes.size(), 0, &report)); });
+            EXPECT_EQ(report.result, root != nullptr ? PGX_OPEN_COMPLETE : PGX_OPEN_NO_MEMORY);
+        });
+        EXPECT_GE(allocations, 5u);
+    }
+}
+
+TEST_F(OutOfMemory, LeavesAReadFunctionWithoutATree) {
+    struct Giver {
+        Bytes bytes;
+        size_t given = 0;
+    };
+    const auto give = [](void* context, void* out, size_t size) {
+        auto& giver = *static_cast<Giver*>(context);
+        const size_t count = std::min(size, giver.bytes.size() - giver.given);
+        std::copy_n(giver.bytes.begin() + static_cast<std::ptrdiff_t>(giver.given), count,
+                    static_cast<uint8_t*>(out));
+        giver.given += count;
+        return count;
+    };
+    const size_t allocations = Sweep([&](auto&& whileFailing) {
+        Giver giver{ReadFile(path_)};
+        DataSet root;
+        whileFailing([&] { root.reset(pgxOpenFrom(give, &giver, 0, nullptr)); });
+    });
+    EXPECT_GE(allocations, 5u);
+}
+
+TEST_F(OutOfMemory, FailsTheSearchForFrames) {
+    int64_t pieces = 0;
+    const auto find = [&](PGX_Node& root) {
+        pieces = pgxFindFrames(&root, nullptr, 0, nullptr);
+        EXPECT_TRUE(pieces == 3 || pieces == PGX_FRAMES_NO_MEMORY) << pieces;
+    };
+    EXPECT_GE(SweepOnSameTree(find), 1u);
+    EXPECT_EQ(pieces, 3);
+}
+
+TEST_F(OutOfMemory, LeavesADeflatedSaveIncomplete) {
+    StreamBuilder content;
+    content.Element(0x0010, 0x0010, "PN", "DOE^JOHN").Element(0x0010, 0x0020, "LO", "4711");
+    const std::string path = directory_.Write("deflated", DeflatedFile(Deflated(content)));
+    const size_t allocations = Sweep([&](auto&& whileFailing) {
+        const DataSet root(pgOpenDataSetFile(path.c_str(), 0));
+        ASSERT_NE(root, nullptr);
+        int64_t size = 0;
+        whileFailing([&] { size = pgxSaveToMemory(root.get(), 0, nullptr, 0); });
+        EXPECT_TRUE(size > 132 || size == -5) << size;
+    });
+    EXPECT_GE(allocations, 4u);
 }
 
 TEST_F(OutOfMemory, LeavesTheTreeWithoutTheElementThatDidNotFit) {

@@ -219,6 +219,35 @@ static void CallWriting(PGX_Node* root, const HostFiles* files) {
     EXPECT(pgKitSaveDataSetAsEx(NULL, files->output, 0) == 0xFFFFFFFF);
 }
 
+static size_t GiveNothing(void* context, void* bytes, size_t size) {
+    (void)context, (void)bytes, (void)size;
+    return 0;
+}
+
+static size_t TakeAll(void* context, const void* bytes, size_t size) {
+    (void)bytes;
+    *(size_t*)context += size;
+    return size;
+}
+
+static void CallElsewhere(const HostFiles* files) {
+    PgxOpenReport report = {0};
+    int32_t source = 0;
+    report.size = sizeof report;
+    PGX_Node* const root = pgxOpenFile(files->dataSet, 0, 0, &report);
+    EXPECT(root == NULL ? report.result < 0 : report.result == PGX_OPEN_COMPLETE);
+    const int64_t pieces = pgxFindFrames(root, NULL, 0, &source);
+    EXPECT(pieces >= PGX_FRAMES_NO_MEMORY);
+    size_t taken = 0;
+    const uint32_t saved = pgxSaveTo(root, 0, TakeAll, &taken);
+    EXPECT(saved == 0 ? taken > 132 : saved == 0xFFFFFFFF || IsWriteResult(saved));
+    EXPECT(pgxSaveToMemory(root, 0, NULL, 0) >= -7);
+    pgCloseDataSet(root);
+    const char text[] = "no data set";
+    EXPECT(pgxOpenMemory(text, sizeof text, 0, &report) == NULL && report.result < 0);
+    EXPECT(pgxOpenFrom(GiveNothing, NULL, 0, &report) == NULL && report.result < 0);
+}
+
 static void CallDataSets(const HostFiles* files) {
     EXPECT(IsYesOrNo(pgIsDicomFile(files->dataSet)));
     pgCloseDataSet(pgOpenDataSetFile(files->dataSet, 64));
@@ -235,6 +264,7 @@ static void CallDataSets(const HostFiles* files) {
     CallEditing(root);
     CallWriting(root, files);
     pgCloseDataSet(root);
+    CallElsewhere(files);
     PGX_Node* const alone = pgAllocateDataSetNode();
     pgFreeNodeHierarchy(alone);
 }

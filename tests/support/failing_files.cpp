@@ -31,6 +31,7 @@ FILE* RealCreateText(Path path) REAL_NAME("10CreateTextEPKc");
 FILE* RealAppendText(Path path) REAL_NAME("10AppendTextEPKc");
 FILE* RealCreateReplacement(Path path, std::string& replacement, Path stem)
     REAL_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEES2_");
+FILE* RealCreateTemporary() REAL_NAME("15CreateTemporaryEv");
 bool RealFlushToDisk(Path path) REAL_NAME("11FlushToDiskEPKc");
 bool RealReplaceWith(Path path, Path replacement) REAL_NAME("11ReplaceWithEPKcS2_");
 bool RealSeek(FILE* stream, uint64_t position)
@@ -46,6 +47,7 @@ FILE* WrappedCreateText(Path path) WRAPPED_NAME("10CreateTextEPKc");
 FILE* WrappedAppendText(Path path) WRAPPED_NAME("10AppendTextEPKc");
 FILE* WrappedCreateReplacement(Path path, std::string& replacement, Path stem)
     WRAPPED_NAME("17CreateReplacementEPKcRNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEES2_");
+FILE* WrappedCreateTemporary() WRAPPED_NAME("15CreateTemporaryEv");
 bool WrappedFlushToDisk(Path path) WRAPPED_NAME("11FlushToDiskEPKc");
 bool WrappedReplaceWith(Path path, Path replacement) WRAPPED_NAME("11ReplaceWithEPKcS2_");
 bool WrappedSeek(FILE* stream, uint64_t position)
@@ -110,6 +112,10 @@ FILE* WrappedAppendText(Path path) {
 
 FILE* WrappedCreateReplacement(Path path, std::string& replacement, Path stem) {
     return CountedOpen([&] { return RealCreateReplacement(path, replacement, stem); });
+}
+
+FILE* WrappedCreateTemporary() {
+    return CountedOpen([&] { return RealCreateTemporary(); });
 }
 
 bool WrappedFlushToDisk(Path path) {
