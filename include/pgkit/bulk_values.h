@@ -37,6 +37,7 @@
 
 #include "pgkit/dataset.h"
 #include "pgkit/export.h"
+#include "pgkit/open_report.h"
 
 typedef enum PgxValueKind {
     PGX_VALUE_ABSENT = 0,       /* there is no such element */
@@ -78,11 +79,11 @@ PGKIT_API size_t pgxReadLevel(PGX_Node* dataSet, PGX_Node* characterSet, uint32_
 PGKIT_API size_t pgxReadValues(PGX_Node* dataSet, PGX_Node* characterSet, const uint32_t* tags,
                                uint32_t count, uint32_t longestValue, void* buffer, size_t size);
 
-// The same of a file, which is opened (pgOpenDataSetFileEx with these PgOpenFlags) and closed
-// again. 0 also when there is no tree.
+// The same of a file, which is opened (pgxOpenFile with these PgOpenFlags) and closed again. 0 also
+// when there is no tree; the report, which may be null, says why.
 PGKIT_API size_t pgxReadFileValues(const char* path, uint32_t flags, const uint32_t* tags,
-                                   uint32_t count, uint32_t longestValue, void* buffer,
-                                   size_t size);
+                                   uint32_t count, uint32_t longestValue, void* buffer, size_t size,
+                                   PgxOpenReport* report);
 
 PGKIT_END_C
 

@@ -52,6 +52,7 @@
 #include "pgkit/paths.h"
 #include "pgkit/patient_list.h"
 #include "pgkit/profiles.h"
+#include "pgkit/rle.h"
 #include "pgkit/sopclass.h"
 #include "pgkit/streams.h"
 #include "pgkit/text.h"

@@ -204,10 +204,9 @@ void ForgetNodes(std::span<uint8_t> buffer, size_t size) {
         std::memset(&buffer[record + offsetof(PgxElementRecord, node)], 0, sizeof(uint64_t));
 }
 
-size_t ReadFileValues(const char* path, uint32_t flags, std::span<const uint32_t> tags,
-                      uint32_t longestValue, std::span<uint8_t> buffer) {
-    // What is asked for is read in any case; the rest need not be.
-    const std::unique_ptr<PGX_Node, CloseDataSet> root(pgOpenDataSetFileEx(path, 0, flags));
+size_t ReadFileValues(PGX_Node* opened, std::span<const uint32_t> tags, uint32_t longestValue,
+                      std::span<uint8_t> buffer) {
+    const std::unique_ptr<PGX_Node, CloseDataSet> root(opened);
     if (root == nullptr) return 0;
     const size_t size = ReadValues(*root, nullptr, tags, longestValue, buffer);
     ForgetNodes(buffer, size);
@@ -243,9 +242,11 @@ size_t pgxReadValues(PGX_Node* dataSet, PGX_Node* characterSet, const uint32_t* 
 }
 
 size_t pgxReadFileValues(const char* path, uint32_t flags, const uint32_t* tags, uint32_t count,
-                         uint32_t longestValue, void* buffer, size_t size) {
+                         uint32_t longestValue, void* buffer, size_t size, PgxOpenReport* report) {
     return Guarded([=] {
-        return pgkit::ReadFileValues(path, flags, pgkit::ListOf(tags, count), longestValue,
+        // What is asked for is read in any case; the rest need not be loaded.
+        return pgkit::ReadFileValues(pgxOpenFile(path, 0, flags, report),
+                                     pgkit::ListOf(tags, count), longestValue,
                                      BufferOf(buffer, size));
     });
 }

@@ -131,14 +131,17 @@ TEST(BulkValues, OfAFileHaveNoNodes) {
     const uint32_t tags[] = {0x00080005, 0x00081140};
     const Block block([&](void* buffer, size_t size) {
         return pgxReadFileValues(opened.Path().c_str(), PG_OPEN_FORCE_BIG_ENDIAN, tags, 2, kLongest,
-                                 buffer, size);
+                                 buffer, size, nullptr);
     });
     ASSERT_EQ(block.Count(), 2u);
     EXPECT_EQ(block.Value(0), "ISO_IR 126");
     EXPECT_EQ(block.Record(1).kind, PGX_VALUE_SEQUENCE);
     EXPECT_EQ(block.Record(0).node + block.Record(1).node + block.CharacterSet(), 0u);
-    EXPECT_EQ(pgxReadFileValues("no/such/file", 0, tags, 2, kLongest, nullptr, 0), 0u);
-    EXPECT_EQ(pgxReadFileValues(nullptr, 0, tags, 2, kLongest, nullptr, 0), 0u);
+    PgxOpenReport report = {};
+    report.size = sizeof report;
+    EXPECT_EQ(pgxReadFileValues("no/such/file", 0, tags, 2, kLongest, nullptr, 0, &report), 0u);
+    EXPECT_EQ(report.result, PGX_OPEN_CANNOT_OPEN);
+    EXPECT_EQ(pgxReadFileValues(nullptr, 0, tags, 2, kLongest, nullptr, 0, nullptr), 0u);
 }
 
 // Whatever the size of the buffer, nothing is written behind it, and what is written is a whole

@@ -167,8 +167,17 @@ static void CallBulkValues(PGX_Node* root, const HostFiles* files) {
     const uint32_t tags[2] = {0x00100010, 0x00280030};
     EXPECT(IsBlock(pgxReadLevel(root, NULL, 64, block, sizeof block), block));
     EXPECT(IsBlock(pgxReadValues(root, NULL, tags, 2, 64, block, sizeof block), block));
-    const size_t size = pgxReadFileValues(files->dataSet, 0, tags, 2, 64, block, sizeof block);
+    const size_t size =
+        pgxReadFileValues(files->dataSet, 0, tags, 2, 64, block, sizeof block, NULL);
     EXPECT(IsBlock(size, block));
+}
+
+static void CallRle(void) {
+    static uint8_t frame[66] = {1, 0, 0, 0, 64};
+    uint8_t pixels[2];
+    frame[64] = 0xFF;
+    frame[65] = 7;
+    EXPECT(pgxDecodeRle(frame, sizeof frame, 1, 1, pixels, sizeof pixels) == 1 && pixels[1] == 7);
 }
 
 static void CallPixelData(PGX_Node* root) {
@@ -261,6 +270,7 @@ static void CallDataSets(const HostFiles* files) {
     CallTexts(root);
     CallBulkValues(root, files);
     CallPixelData(root);
+    CallRle();
     CallEditing(root);
     CallWriting(root, files);
     pgCloseDataSet(root);
