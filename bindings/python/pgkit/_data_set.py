@@ -418,4 +418,4 @@ def new() -> DataSet:
     root = lib.pgKitAllocateDataSetNode()
     if root is None:
         raise MemoryError
-    return data_set_of(root, 0, None)
+    return data_set_of(root, IN_MEMORY, None)

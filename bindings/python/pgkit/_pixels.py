@@ -28,16 +28,21 @@ class _Attributes(NamedTuple):
     frames: int
     is_signed: bool
     is_planar: bool
+    photometric: Any
 
 
 # ---- Attributes -------------------------------------------------------------------------------------
 
 
-def _number(level: Level, tag: int, name: str, default: Any = None) -> int:
+def _value(level: Level, tag: int) -> Any:
     from ._element import element_of
 
     found = level.find(tag)
-    value = None if found is None else element_of(level, *found).value
+    return None if found is None else element_of(level, *found).value
+
+
+def _number(level: Level, tag: int, name: str, default: Any = None) -> int:
+    value = _value(level, tag)
     if value is None:
         value = default
     if not isinstance(value, int):
@@ -52,7 +57,8 @@ def _attributes(level: Level) -> _Attributes:
         _number(level, 0x00280100, "BitsAllocated"),
         _number(level, 0x00280008, "NumberOfFrames", 1) or 1,
         _number(level, 0x00280103, "PixelRepresentation", 0) == 1,
-        samples > 1 and _number(level, 0x00280006, "PlanarConfiguration", 0) == 1)
+        samples > 1 and _number(level, 0x00280006, "PlanarConfiguration", 0) == 1,
+        _value(level, 0x00280004))
     if found.rows < 1 or found.columns < 1 or found.samples < 1 or found.frames < 1:
         raise PgkitError("the attributes of the pixels say that there are none")
     if found.bits != 1 and (found.bits % 8 or not 8 <= found.bits <= _WIDEST):
@@ -71,10 +77,7 @@ def _element(level: Level) -> Element:
 
 
 def _transfer_syntax(level: Level) -> str:
-    from ._element import element_of
-
-    found = level.find(0x00020010)
-    return "" if found is None else str(element_of(level, *found).value)
+    return str(_value(level, 0x00020010))
 
 
 # ---- Arrays -----------------------------------------------------------------------------------------
@@ -102,9 +105,14 @@ def _kind(element: Element, attributes: _Attributes) -> str:
 def _native(element: Element, attributes: _Attributes, syntax: str) -> Any:
     import numpy
 
-    count = attributes.frames * attributes.rows * attributes.columns * attributes.samples
+    pixels = attributes.frames * attributes.rows * attributes.columns
+    count = pixels * attributes.samples
     wanted = (count * attributes.bits + 7) // 8
     length = element._length_of_value(element._facts())
+    is_subsampled = (attributes.photometric == "YBR_FULL_422" and attributes.samples == 3
+                     and attributes.bits == 8 and attributes.columns % 2 == 0)
+    if is_subsampled and length < wanted:
+        wanted = 2 * pixels
     if length < wanted:
         raise PgkitError(f"the Pixel Data have {length} bytes, and their attributes ask for {wanted}")
     # The library puts a zero behind the value.
@@ -114,11 +122,20 @@ def _native(element: Element, attributes: _Attributes, syntax: str) -> Any:
         bits = numpy.unpackbits(data[:wanted], bitorder="little")[:count]
         return _shaped(bits, attributes, attributes.is_planar)
     data = data[:wanted]
+    if wanted < count:
+        return _shaped(_with_all_chroma(data), attributes, is_planar=False)
     if attributes.bits > 16 and element.vr == "OW" and syntax == _BIG_ENDIAN:
         # Words came in host order, and the most significant one first.
         data = data.view("=u2").reshape(-1, attributes.bits // 16)[:, ::-1].ravel().view("u1")
     samples = data.view("=" + _kind(element, attributes))
     return _shaped(samples, attributes, attributes.is_planar)
+
+
+def _with_all_chroma(data: Any) -> Any:
+    """Two pixels of Y Y Cb Cr become Y Cb Cr Y Cb Cr."""
+    import numpy
+
+    return data.reshape(-1, 4)[:, numpy.array((0, 2, 3, 1, 2, 3))].ravel()
 
 
 def _shaped(samples: Any, attributes: _Attributes, is_planar: bool) -> Any:

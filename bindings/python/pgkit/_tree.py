@@ -23,6 +23,9 @@ from ._library import lib
 _SPECIFIC_CHARACTER_SET = 0x00080005
 _PIXEL_REPRESENTATION = 0x00280103
 
+# What saving adds to group 0002 is no longer.
+_LONGEST_OF_META = 1024
+
 Found = Tuple[bytes, Record]
 
 
@@ -67,7 +70,7 @@ class Tree:
         says otherwise is a lie, and not worth its memory."""
         if self._longest_value is None:
             assert self.root is not None
-            self._longest_value = _size_of_file(self.root)
+            self._longest_value = max(_size_of_file(self.root), _LONGEST_OF_META)
         return self._longest_value
 
     def note_length(self, length: int) -> None:
