@@ -20,7 +20,7 @@
 // pgxReadLevel of the item its elements.
 //
 // Results are the size of the whole block in bytes. When the buffer has less room, it gets the
-// header with a count of 0 if that fits, and nothing otherwise: nothing half written has to be
+// header with a count of 0 if that fits, and nothing else of use: nothing half written has to be
 // understood, and the call may be repeated with the size that was returned. A null buffer counts as
 // one of size 0. 0 is a failure: a null node, no memory, a block of 4 GiB and more.
 //

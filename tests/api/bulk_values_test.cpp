@@ -16,6 +16,7 @@ namespace {
 using namespace pgkit_test;
 
 constexpr uint32_t kLongest = 64;
+constexpr uint32_t kBigEndian = PG_OPEN_FORCE_EXPLICIT_VR | PG_OPEN_FORCE_BIG_ENDIAN;
 
 // A block taken apart as its header describes it.
 class Block {
@@ -83,7 +84,7 @@ StreamBuilder Greek() {
 class Levels : public testing::TestWithParam<uint32_t> {};
 
 TEST_P(Levels, HaveTheirElementsInOrder) {
-    const OpenedStream opened(Greek(), GetParam(), PG_OPEN_FORCE_BIG_ENDIAN);
+    const OpenedStream opened(Greek(), GetParam(), kBigEndian);
     const Block block = LevelOf(opened.Root());
     ASSERT_EQ(block.Count(), 4u);
     EXPECT_EQ(block.Record(0).kind, PGX_VALUE_TEXT);
@@ -101,7 +102,7 @@ TEST_P(Levels, HaveTheirElementsInOrder) {
 }
 
 TEST_P(Levels, OfSequencesAreItemsThatInheritTheCharacterSet) {
-    const OpenedStream opened(Greek(), GetParam(), PG_OPEN_FORCE_BIG_ENDIAN);
+    const OpenedStream opened(Greek(), GetParam(), kBigEndian);
     PGX_Node* const set = pgxFindCharacterSet(opened.Root(), nullptr);
     const Block items = LevelOf(Child(opened.Root(), 0x0008, 0x1140), set);
     ASSERT_EQ(items.Count(), 2u);
@@ -115,7 +116,7 @@ TEST_P(Levels, OfSequencesAreItemsThatInheritTheCharacterSet) {
 }
 
 TEST_P(Levels, GiveOnlyTheTagsThatWereAskedFor) {
-    const OpenedStream opened(Greek(), GetParam(), PG_OPEN_FORCE_BIG_ENDIAN);
+    const OpenedStream opened(Greek(), GetParam(), kBigEndian);
     const Block block = ValuesOf(opened.Root(), {0x00280010, 0x00100010, 0x00080005});
     ASSERT_EQ(block.Count(), 3u);
     EXPECT_EQ(block.Value(0).size(), 2u);
@@ -127,11 +128,11 @@ TEST_P(Levels, GiveOnlyTheTagsThatWereAskedFor) {
 INSTANTIATE_TEST_SUITE_P(InMemoryAndInTheFile, Levels, testing::Values(kLoadAll, 0u));
 
 TEST(BulkValues, OfAFileHaveNoNodes) {
-    const OpenedStream opened(Greek(), 0, PG_OPEN_FORCE_BIG_ENDIAN);
+    const OpenedStream opened(Greek(), 0, kBigEndian);
     const uint32_t tags[] = {0x00080005, 0x00081140};
     const Block block([&](void* buffer, size_t size) {
-        return pgxReadFileValues(opened.Path().c_str(), PG_OPEN_FORCE_BIG_ENDIAN, tags, 2, kLongest,
-                                 buffer, size, nullptr);
+        return pgxReadFileValues(opened.Path().c_str(), kBigEndian, tags, 2, kLongest, buffer, size,
+                                 nullptr);
     });
     ASSERT_EQ(block.Count(), 2u);
     EXPECT_EQ(block.Value(0), "ISO_IR 126");
@@ -147,7 +148,7 @@ TEST(BulkValues, OfAFileHaveNoNodes) {
 // Whatever the size of the buffer, nothing is written behind it, and what is written is a whole
 // block or an empty one.
 TEST(BulkValues, KeepToTheirBuffer) {
-    const OpenedStream opened(Greek(), kLoadAll, PG_OPEN_FORCE_BIG_ENDIAN);
+    const OpenedStream opened(Greek(), kLoadAll, kBigEndian);
     const size_t whole = pgxReadLevel(opened.Root(), nullptr, kLongest, nullptr, 0);
     for (size_t size = 0; size <= whole; ++size) {
         std::vector<uint8_t> buffer(whole + 8, 0xEE);
@@ -166,7 +167,7 @@ TEST(BulkValues, LeaveOutWhatTheFileDoesNotHold) {
     StreamBuilder stream;
     stream.Element(0x0010, 0x0010, "PN", "DOE^");
     stream.Header(0x7FE0, 0x0010, "OB", 0x7FFFFFF0).Text("ab");
-    const OpenedStream opened(stream, 0);
+    const OpenedStream opened(stream, 0, PG_OPEN_FORCE_EXPLICIT_VR);
     const Block block = LevelOf(opened.Root(), nullptr, 0xFFFFFFFF);
     ASSERT_EQ(block.Count(), 2u);
     EXPECT_EQ(block.Value(0), "DOE^");
