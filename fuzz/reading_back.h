@@ -32,7 +32,8 @@ bool HasMissingValue(PGX_Node& root);
 // Opens the file that a tree with content was saved to, with result 0 in this mode, and throws a
 // Violation when it differs. Not compared is what cannot be the same without VRs: elements that are
 // sequences to the dictionary and not in the tree, or the other way round, and the padding of UIDs;
-// and all of an undeclared encoding.
+// and all of an undeclared encoding. Null for a bare data set that happens to have "DICM" where a
+// file with a preamble has it.
 pgkit_test::DataSet RequireReadsBack(PGX_Node& original, const std::string& path, int32_t mode,
                                      uint32_t limit);
 

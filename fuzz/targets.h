@@ -52,6 +52,9 @@ void Frames(Bytes input);
 void Elsewhere(Bytes input);
 // A text value, or UTF-8, and a character set: read and written both ways.
 void Text(Bytes input);
+// A data set file that becomes JSON, or JSON, as it comes or a rich one that is changed in places,
+// that becomes a tree: what was written reads the same.
+void Json(Bytes input);
 
 inline constexpr Target kTargets[] = {
     {"read", Read},
@@ -69,6 +72,7 @@ inline constexpr Target kTargets[] = {
     {"deflate", Deflate},
     {"frames", Frames},
     {"elsewhere", Elsewhere},
+    {"json", Json},
 };
 
 // Null when there is no such target.

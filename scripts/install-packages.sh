@@ -8,7 +8,7 @@
 #   install-packages.sh platforms  and to build for other processors and run that here
 set -euo pipefail
 
-packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 librapidxml-dev wine64)
+packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 rapidjson-dev librapidxml-dev wine64)
 packages+=(zlib1g-dev libz-mingw-w64-dev)
 case ${1:-} in
     test)

@@ -154,6 +154,7 @@ both_lane() {
         build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
     start text tests/interop/compare_text.py build/native/bin/libpgkit.so
     start frames tests/interop/compare_frames.py build/native/bin/libpgkit.so
+    start json tests/interop/compare_json.py build/native/bin/libpgkit.so
     start neighbours tests/interop/hostile_neighbours.py "$root/build/native/bin/pgtool"
     start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
     start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" "$wine" \
@@ -233,7 +234,8 @@ done
 if ! $quick; then
     count_gtest native-tsan-pgkit_thread_tests
     count_status lint
-    for name in exports msabi compilers hardening interop neighbours text written media icons installation directories; do
+    for name in exports msabi compilers hardening interop frames json neighbours text written media icons \
+        installation directories; do
         count_summary "$name"
     done
 fi

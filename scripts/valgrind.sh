@@ -15,7 +15,7 @@ left_out=(
     'HostileNumbers.*' 'ManyRecords.*' 'NodeRelease.VeryDeepTrees*'
     # Repeat a job thousands of times.
     'Encodings/EveryPrefix.*' 'HostileSamples.*' 'ModuleReload.AThousandTimes*'
-    'OutOfMemoryWithMedia.*' 'SOPClassSetLoad.EveryPrefix*'
+    'OutOfMemoryWithMedia.*' 'SOPClassSetFile.EveryPrefix*'
     # Start other programs or processes, which memcheck does not follow.
     'CHost.IsToldThatAFileIsNoImage' 'CHost.WritesAThumbnail' 'ConfigurationFile.*' 'Examples.*'
     'ImagingModule.*' 'KilledWrites.*' 'ModuleLoad.*' 'Pgtool*'

@@ -17,7 +17,7 @@ namespace pgkit {
 
 namespace {
 
-// Nothing when there is no directory to look in.
+// None when there is no folder to look in.
 std::optional<std::string> PathBesideHost(const char* file) {
     const std::string directory = platform::HostProgramDirectory();
     if (directory.empty()) return std::nullopt;
@@ -35,26 +35,26 @@ class OwnDirectoryNote {
     }
 };
 
-class PrivateDictionaryLoad {
+class PrivateDictionaryReading {
   public:
-    PrivateDictionaryLoad() noexcept {
+    PrivateDictionaryReading() noexcept {
         try {
             PrivateDictionary& dictionary = PrivateDictionary::Instance();
             const auto path = PathBesideHost("privdict.dic");
-            if (path) dictionary.LoadFile(path->c_str());
+            if (path) dictionary.ReadFile(path->c_str());
         } catch (...) {
             PrivateDictionary::Instance().Clear();
         }
     }
 };
 
-class SOPClassSetLoad {
+class SOPClassSetReading {
   public:
-    SOPClassSetLoad() noexcept {
+    SOPClassSetReading() noexcept {
         try {
             SOPClassSet& classes = SOPClassSet::Instance();
             const auto path = PathBesideHost("halvorix.xml");
-            if (path) classes.load(path->c_str(), "properties");
+            if (path) classes.ReadFile(path->c_str(), "properties");
         } catch (...) {
             SOPClassSet::Instance().Clear();
         }
@@ -62,8 +62,8 @@ class SOPClassSetLoad {
 };
 
 const OwnDirectoryNote ownDirectoryNote;
-const PrivateDictionaryLoad privateDictionaryLoad;
-const SOPClassSetLoad sopClassSetLoad;
+const PrivateDictionaryReading privateDictionaryReading;
+const SOPClassSetReading sopClassSetReading;
 
 }  // namespace
 

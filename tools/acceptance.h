@@ -1,13 +1,11 @@
 // What the library's acceptance codes mean to a user.
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 
 namespace pgtool {
-
-constexpr uint32_t kAcceptanceCodes = 10;
 
 // The code with its text: "0 Dicom file accepted".
 std::string DescribeAcceptance(uint32_t code);
@@ -21,7 +19,7 @@ class AcceptanceSummary {
     void Print() const;
 
   private:
-    std::array<uint32_t, kAcceptanceCodes> counts_ = {};
+    std::map<uint32_t, uint32_t> counts_;
     uint32_t files_ = 0;
 };
 

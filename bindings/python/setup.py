@@ -36,7 +36,7 @@ def source_folder():
 def built_libraries(folder):
     """Builds both libraries below a folder."""
     subprocess.run(
-        ["cmake", "-S", str(source_folder()), "-B", str(folder), "-DCMAKE_BUILD_TYPE=Release",
+        ["cmake", "-S", str(source_folder()), "-B", str(folder), "-DCMAKE_BUILD_TYPE=RelWithDebInfo",
          "-DPGKIT_BUILD_TOOLS=OFF", "-DPGKIT_BUILD_TESTS=OFF", "-DPGKIT_BUILD_EXAMPLES=OFF"],
         check=True)
     subprocess.run(["cmake", "--build", str(folder), "--parallel", str(os.cpu_count() or 1),

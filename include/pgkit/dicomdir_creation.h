@@ -46,8 +46,9 @@ typedef enum PgDicomdirFlags {
 //
 // Icons are small grayscale pictures in the records: of every image that the imaging module
 // (pgkit/imaging.h) can make a bitmap of, and on demand of every series, which shows the first of
-// its images that was given one. The module is looked for when an icon is made: beside the host
-// program, beside this library, and where the system keeps its own, never in the current directory.
+// its images that was given one. The module is loaded for the first icon that is wanted, and stays
+// loaded until the creation, or the scan, ends. It is looked for beside the host program, beside
+// this library, and where the system keeps its own, never in the current directory.
 // Without it, and for images in colours or in compressions that it does not decode, there is no
 // icon; nothing else changes and nothing is printed.
 //

@@ -34,6 +34,7 @@
 #ifndef PGKIT_PGKIT_H
 #define PGKIT_PGKIT_H
 
+#include "pgkit/acceptance.h"
 #include "pgkit/accessors.h"
 #include "pgkit/bulk_values.h"
 #include "pgkit/dataset.h"
@@ -45,6 +46,7 @@
 #include "pgkit/edition.h"
 #include "pgkit/export.h"
 #include "pgkit/frames.h"
+#include "pgkit/json.h"
 #include "pgkit/list.h"
 #include "pgkit/lookup.h"
 #include "pgkit/node.h"

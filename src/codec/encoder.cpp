@@ -26,6 +26,7 @@ namespace {
 struct Form {
     ByteOrder order;
     bool explicitVr;
+    bool isMeta = false;  // of the File Meta Information
 };
 
 // The characters of a header. The ambiguous VRs have names of four letters that begin with those of
@@ -39,8 +40,8 @@ const char* HeaderCharacters(uint32_t vr) {
 // Writes what a node begins with when it is entered, and its delimiter when it is left.
 class Encoder {
   public:
-    Encoder(uint32_t mode, OutputWriter& out, WrittenPositions* positions, DeflatingSink* deflating)
-        : mode_(mode), out_(out), positions_(positions), deflating_(deflating) {}
+    Encoder(uint32_t mode, OutputWriter& out, const SaveWishes& wishes)
+        : mode_(mode), out_(out), wishes_(wishes) {}
 
     // The first failure, or kWritten.
     WriteResult Result() const { return result_; }
@@ -75,9 +76,9 @@ class Encoder {
     Form FormOf(const PGX_Node& element) {
         const bool isOutermost = open_.size() <= 1;
         if (isOutermost && metaRun_.Takes(element)) {
-            return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0};
+            return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0, true};
         }
-        if (deflating_ != nullptr && !deflating_->HasStarted()) StartDeflating();
+        if (wishes_.deflating != nullptr && !wishes_.deflating->HasStarted()) StartDeflating();
         const Encoding encoding = EncodingOfMode(mode_);
         return {encoding.byteOrder, !encoding.implicitVr};
     }
@@ -85,7 +86,7 @@ class Encoder {
     // When the File Meta Information cannot be brought out, nothing that follows can.
     void StartDeflating() {
         static_cast<void>(out_.Flush());
-        deflating_->Start();
+        wishes_.deflating->Start();
     }
 
     bool IsLeftOut(const PGX_Node& element) const {
@@ -102,12 +103,12 @@ class Encoder {
 
     void BeginDataSet(PGX_Node& node, Form form, bool delimited) {
         NotePosition(node);
-        if (positions_ != nullptr) positions_->Record(node, out_.Position());
+        if (wishes_.positions != nullptr) wishes_.positions->Record(node, out_.Position());
         open_.push_back({&node, form, false, delimited});
     }
 
     WriteResult BeginItem(PGX_Node& item, Form form) {
-        const bool delimited = IsDelimited(item);
+        const bool delimited = IsDelimited(item, form);
         const uint32_t length = delimited ? kUndefinedLength : item.length;
         const WriteResult result = Put(ElementHeader::Item(form.order, length));
         if (result == kWritten) BeginDataSet(item, form, delimited);
@@ -122,15 +123,15 @@ class Encoder {
         if (node.encapsulated != 0) return WriteEncapsulated(node, form.order, sources_, out_);
         const WriteResult result = WriteHeader(node, form);
         if (result != kWritten) return result;
-        if (positions_ != nullptr) positions_->Record(node, out_.Position());
+        if (wishes_.positions != nullptr) wishes_.positions->Record(node, out_.Position());
         return node.length == 0 ? kWritten : WriteElementValue(node, form.order);
     }
 
     WriteResult BeginSequence(PGX_Node& node, Form form) {
-        if (openSequences_ == 0 && (mode_ & PG_UNDEFINED_LENGTHS) == 0) {
+        if (openSequences_ == 0 && !DelimitsAll(form)) {
             CollectDelimitedContainers(node, mode_, delimitedContainers_);
         }
-        const bool delimited = IsDelimited(node);
+        const bool delimited = IsDelimited(node, form);
         ElementHeader header(form.order, node.group, node.element);
         if (form.explicitVr) {
             header.PutVr("SQ");
@@ -154,10 +155,16 @@ class Encoder {
                                         : ElementHeader::ItemDelimitation(order));
     }
 
+    // Who reads the File Meta Information goes from length to length and looks into no sequence:
+    // one with a right length has it there.
+    bool DelimitsAll(Form form) const {
+        return (mode_ & PG_UNDEFINED_LENGTHS) != 0 && !(form.isMeta && wishes_.hasLengths);
+    }
+
     // What has no right length, by the node itself or by what it holds. As long as nobody has
     // counted, the lengths of the file stand.
-    bool IsDelimited(const PGX_Node& container) const {
-        if ((mode_ & PG_UNDEFINED_LENGTHS) != 0) return true;
+    bool IsDelimited(const PGX_Node& container, Form form) const {
+        if (DelimitsAll(form)) return true;
         const bool hasNoLength =
             container.length == kUndefinedLength || delimitedContainers_.contains(&container);
         return hasNoLength && !IsUncounted(container);
@@ -219,8 +226,7 @@ class Encoder {
 
     uint32_t mode_;
     OutputWriter& out_;
-    WrittenPositions* positions_;
-    DeflatingSink* deflating_;
+    const SaveWishes wishes_;
     SourceStreams sources_;
     std::vector<Container> open_;
     size_t openSequences_ = 0;
@@ -231,11 +237,10 @@ class Encoder {
 
 }  // namespace
 
-WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink, WrittenPositions* positions,
-                       DeflatingSink* deflating) {
+WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink, const SaveWishes& wishes) {
     OutputWriter out(sink);
     if (!out.HasBuffer()) return kOutOfMemory;
-    Encoder encoder(mode, out, positions, deflating);
+    Encoder encoder(mode, out, wishes);
     try {
         WalkTree(node, encoder);
     } catch (const std::bad_alloc&) {

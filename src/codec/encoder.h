@@ -10,13 +10,20 @@
 
 namespace pgkit {
 
+// What a save wants beyond the bytes.
+struct SaveWishes {
+    // Records where what it asks for is written.
+    WrittenPositions* positions = nullptr;
+    // Everything goes through it; it is started behind the File Meta Information.
+    DeflatingSink* deflating = nullptr;
+    // The lengths in the nodes are those of what is written (ComputeLengths).
+    bool hasLengths = false;
+};
+
 // Writes a node and everything below it in the encoding that the mode says. Sequences and items
-// carry the lengths that stand in their nodes (ComputeLengths). Sets every fileOffset that is 0 to
-// the output position, and records the positions that are wanted. A deflating sink, through which
-// everything goes, is started behind the File Meta Information. When it returns, nothing of it is
-// held back, whatever the result.
+// carry the lengths that stand in their nodes. Sets every fileOffset that is 0 to the output
+// position. When it returns, nothing is held back, whatever the result.
 [[nodiscard]] WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink,
-                                     WrittenPositions* positions = nullptr,
-                                     DeflatingSink* deflating = nullptr);
+                                     const SaveWishes& wishes = {});
 
 }  // namespace pgkit

@@ -41,6 +41,10 @@ ByteOrder Saving::LinkOrder() const {
     return EncodingOfMode(plan_.mode).byteOrder;
 }
 
+WriteResult Saving::Encode(ByteSink& sink, WrittenPositions* positions, DeflatingSink* deflating) {
+    return EncodeNode(root_, plan_.mode, sink, {positions, deflating, true});
+}
+
 WriteResult Saving::Write(ByteSink& sink, Links links) {
     if (!plan_.isOldForm) {
         const bool isAsRead = plan_.mode == 0 && root_.syntaxFlags != kNoSyntaxFlags;
@@ -57,21 +61,21 @@ WriteResult Saving::Write(ByteSink& sink, Links links) {
         if (result != kWritten) return result;
     }
     if (isDeflated_) return WriteDeflated(sink, std::move(patches));
-    if (patches.empty()) return EncodeNode(root_, plan_.mode, sink, &offsets_.Positions());
+    if (patches.empty()) return Encode(sink, &offsets_.Positions());
     PatchingSink patched(sink, std::move(patches));
-    return EncodeNode(root_, plan_.mode, patched);
+    return Encode(patched);
 }
 
 WriteResult Saving::FindLinks(uint64_t position, std::vector<BytePatch>& patches) {
     BufferSink nowhere({}, position);
-    const WriteResult result = EncodeNode(root_, plan_.mode, nowhere, &offsets_.Positions());
+    const WriteResult result = Encode(nowhere, &offsets_.Positions());
     return result == kWritten ? offsets_.Collect(LinkOrder(), patches) : result;
 }
 
 WriteResult Saving::WriteDeflated(ByteSink& sink, std::vector<BytePatch> patches) {
     DeflatingSink deflating(sink);
     PatchingSink patched(deflating, std::move(patches));
-    const WriteResult result = EncodeNode(root_, plan_.mode, patched, nullptr, &deflating);
+    const WriteResult result = Encode(patched, nullptr, &deflating);
     if (result != kWritten) return result;
     return deflating.Finish() ? kWritten : kWriteFailed;
 }

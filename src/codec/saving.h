@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "codec/byte_sink.h"
+#include "codec/deflating_sink.h"
 #include "codec/offset_patching.h"
 #include "codec/write_result.h"
 #include "pgkit/node.h"
@@ -40,6 +41,8 @@ class Saving {
 
   private:
     WriteResult Prepare();
+    WriteResult Encode(ByteSink& sink, WrittenPositions* positions = nullptr,
+                       DeflatingSink* deflating = nullptr);
     WriteResult FindLinks(uint64_t position, std::vector<BytePatch>& patches);
     WriteResult WriteDeflated(ByteSink& sink, std::vector<BytePatch> patches);
     ByteOrder LinkOrder() const;

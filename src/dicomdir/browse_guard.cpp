@@ -13,11 +13,11 @@ constexpr uint64_t kOrdinarySize = 4096;
 BrowseGuard::BrowseGuard(const RecordTable& records, BrowseLimits& limits)
     : records_(records), limits_(limits), visits_(records.Count()) {}
 
-void BrowseGuard::BeginWalk(RecordLevel level) {
+void BrowseGuard::BeginWalk(HierarchyLevel level) {
     current_[static_cast<size_t>(level)] = ++lastWalk_;
 }
 
-bool BrowseGuard::Admit(RecordLevel level, RecordNumber number) {
+bool BrowseGuard::Admit(HierarchyLevel level, RecordNumber number) {
     const size_t index = static_cast<size_t>(level);
     Visits& visits = visits_[number];
     if (visits[index] == current_[index]) return false;

@@ -12,28 +12,28 @@
 
 namespace pgkit {
 
-enum class RecordLevel : size_t { Patient, Study, Series, Leaf };
-constexpr size_t kRecordLevels = 4;
+enum class HierarchyLevel : size_t { Patient, Study, Series, Leaf };
+constexpr size_t kHierarchyLevels = 4;
 
 class BrowseGuard {
   public:
     BrowseGuard(const RecordTable& records, BrowseLimits& limits);
 
     // What it takes itself for each record.
-    static constexpr size_t kMemoryPerRecord = sizeof(uint32_t) * kRecordLevels;
+    static constexpr size_t kMemoryPerRecord = sizeof(uint32_t) * kHierarchyLevels;
 
     // A walk along a chain begins. On one level no walk begins within another.
-    void BeginWalk(RecordLevel level);
+    void BeginWalk(HierarchyLevel level);
 
     // Whether the walk of this level may handle the record. False ends the chain there: the record
     // was handled in this walk already, or the browse has used up what it may handle.
-    bool Admit(RecordLevel level, RecordNumber number);
+    bool Admit(HierarchyLevel level, RecordNumber number);
 
   private:
     using WalkNumber = uint32_t;  // 0 is no walk
 
     // The walks that handled a record last, by level.
-    using Visits = std::array<WalkNumber, kRecordLevels>;
+    using Visits = std::array<WalkNumber, kHierarchyLevels>;
 
     const RecordTable& records_;
     BrowseLimits& limits_;

@@ -7,8 +7,9 @@
 #include "base/diagnostics.h"
 #include "base/paths.h"
 #include "base/text.h"
-#include "dicomdir/class_uids.h"
 #include "dicomdir/directory_browser.h"
+#include "dicomdir/elements.h"
+#include "dicomdir/leaf_kinds.h"
 #include "dicomdir/record_links.h"
 #include "pgkit/dataset.h"
 #include "pgkit/directory.h"
@@ -16,16 +17,20 @@
 #include "platform/platform.h"
 
 using pgkit::DirectoryBrowser;
+using pgkit::FindElement;
 using pgkit::kMediaStorageDirectory;
 using pgkit::PrintOut;
 using pgkit::PrintRemark;
+namespace tags = pgkit::tags;
 
 namespace {
 
-PGX_Node* FindRecordSequence(PGX_Node& dataSet) { return dataSet.FindNode(0x0004, 0x1220); }
+PGX_Node* FindRecordSequence(PGX_Node& dataSet) {
+    return FindElement(dataSet, tags::kRecordSequence);
+}
 
 uint32_t FirstRecordOffset(PGX_Node& dataSet) {
-    PGX_Node* offset = dataSet.FindNode(0x0004, 0x1200);
+    PGX_Node* offset = FindElement(dataSet, tags::kFirstRootRecord);
     return offset == nullptr ? 0 : offset->GetULValue();
 }
 
@@ -68,11 +73,9 @@ int32_t PGX_DicomDir::OpenDicomDir(const char* path, uint32_t maxLoadLength) {
 
 int32_t PGX_DicomDir::IsDicomDir() {
     if (dataSet == nullptr) return 0;
-    PGX_Node* sopClass = dataSet->FindNode(0x0002, 0x0002);
-    if (sopClass == nullptr) return 0;
-    char text[65];
-    sopClass->GetStringValue(text, sizeof text - 1);
-    return text == kMediaStorageDirectory ? 1 : 0;
+    char sopClass[65];
+    pgkit::ReadText(*dataSet, tags::kMediaStorageSopClassUid, sopClass);
+    return sopClass == kMediaStorageDirectory ? 1 : 0;
 }
 
 PGX_List* PGX_DicomDir::Browse(PGX_DicomDirCallback application, void* applicationData) {

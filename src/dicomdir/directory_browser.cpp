@@ -7,16 +7,12 @@
 
 #include "base/diagnostics.h"
 #include "dataset/tree_size.h"
-#include "dicomdir/leaf_reader.h"
-#include "dicomdir/record_keys.h"
 #include "dicomdir/record_links.h"
+#include "dicomdir/record_reader.h"
 
 namespace pgkit {
 
 namespace {
-
-constexpr KeyTag kRecordType = {0x0004, 0x1430};
-constexpr KeyTag kInstanceUid = {0x0004, 0x1511};
 
 // What is printed about the links of each level.
 struct LevelMessages {
@@ -26,7 +22,7 @@ struct LevelMessages {
     const char* childless;
 };
 
-constexpr std::array<LevelMessages, kRecordLevels> kMessages = {{
+constexpr std::array<LevelMessages, kHierarchyLevels> kMessages = {{
     {"Next Patient not found ", nullptr, "First Study item not found at ", "Patient without Study"},
     {"Next Study not found", nullptr, "First Series item not found at ", "Study without Series"},
     {"Next Series item not found", "Next Series not found", "First Image item not found at ",
@@ -34,18 +30,20 @@ constexpr std::array<LevelMessages, kRecordLevels> kMessages = {{
     {"Next Leaf item not found", nullptr, nullptr, nullptr},
 }};
 
-const LevelMessages& MessagesOf(RecordLevel level) { return kMessages[static_cast<size_t>(level)]; }
+const LevelMessages& MessagesOf(HierarchyLevel level) {
+    return kMessages[static_cast<size_t>(level)];
+}
 
 void ReportBreak(const char* message) { PrintOut("DICOMDIR parsing error: %s\n", message); }
 
 bool IsSeries(PGX_Node& record) {
     char type[65];
-    ReadKey(record, kRecordType, type, "NoRecordType");
+    ReadText(record, tags::kRecordType, type);
     return std::string_view(type) == "SERIES";
 }
 
 // The modality of a study is that of its series, as long as they have the same.
-void AddModality(const char* modality, PGX_DicomDirStudyNode& study) {
+void AddModality(const char* modality, Study& study) {
     const std::string_view known(study.modality);
     if (known.empty()) {
         CopyToField(study.modality, modality);
@@ -80,31 +78,31 @@ DirectoryBrowser::DirectoryBrowser(PGX_DicomDir& directory, PGX_Node* firstItem)
 }
 
 int32_t DirectoryBrowser::BrowsePatients(RecordNumber first, PGX_List& patients) {
-    return WalkChain(RecordLevel::Patient, first,
+    return WalkChain(HierarchyLevel::Patient, first,
                      [&](RecordNumber number) { return HandlePatient(number, patients); });
 }
 
-int32_t DirectoryBrowser::BrowseStudies(RecordNumber first, PGX_DicomDirPatientNode& patient) {
-    return WalkChain(RecordLevel::Study, first,
+int32_t DirectoryBrowser::BrowseStudies(RecordNumber first, Patient& patient) {
+    return WalkChain(HierarchyLevel::Study, first,
                      [&](RecordNumber number) { return HandleStudy(number, patient); });
 }
 
-int32_t DirectoryBrowser::BrowseSeries(RecordNumber first, PGX_DicomDirStudyNode& study) {
-    return WalkChain(RecordLevel::Series, first,
+int32_t DirectoryBrowser::BrowseSeries(RecordNumber first, Study& study) {
+    return WalkChain(HierarchyLevel::Series, first,
                      [&](RecordNumber number) { return HandleSeries(number, study); });
 }
 
-int32_t DirectoryBrowser::BrowseLeaves(RecordNumber first, PGX_DicomDirSeriesNode& series) {
-    const auto numberOf = [](const PGX_DicomDirLeafNode& leaf) { return leaf.instanceNumber; };
+int32_t DirectoryBrowser::BrowseLeaves(RecordNumber first, Series& series) {
+    const auto numberOf = [](const Leaf& leaf) { return leaf.instanceNumber; };
     LeafOrder& order =
         leafOrders_.try_emplace(&series, series.leaves, numberOf, Ties::BehindGreatest)
             .first->second;
-    return WalkChain(RecordLevel::Leaf, first,
+    return WalkChain(HierarchyLevel::Leaf, first,
                      [&](RecordNumber number) { return HandleLeaf(number, series, order); });
 }
 
 template <typename Handle>
-int32_t DirectoryBrowser::WalkChain(RecordLevel level, RecordNumber first, Handle handle) {
+int32_t DirectoryBrowser::WalkChain(HierarchyLevel level, RecordNumber first, Handle handle) {
     guard_.BeginWalk(level);
     for (RecordNumber number = first; guard_.Admit(level, number);) {
         const Outcome outcome = handle(number);
@@ -123,8 +121,8 @@ int32_t DirectoryBrowser::WalkChain(RecordLevel level, RecordNumber first, Handl
     return 1;
 }
 
-// The first record of the level below one; without it the walk of the one's level is broken.
-std::optional<RecordNumber> DirectoryBrowser::Descend(RecordLevel level, RecordNumber number) {
+// The first record below one. Where there is none, the walk of the upper level is broken.
+std::optional<RecordNumber> DirectoryBrowser::Descend(HierarchyLevel level, RecordNumber number) {
     const Link child = FollowLink(records_, records_[number].lowerLevel);
     if (child.kind == Link::Kind::Found) return child.target;
     const LevelMessages& messages = MessagesOf(level);
@@ -135,149 +133,108 @@ std::optional<RecordNumber> DirectoryBrowser::Descend(RecordLevel level, RecordN
     return std::nullopt;
 }
 
-// An object that a break leaves without children stays, one whose children all proved to be nothing
-// does not.
+// An object without children stays when a broken link is the reason. It is removed when there were
+// records below it, but none became an object.
 DirectoryBrowser::Outcome DirectoryBrowser::HandlePatient(RecordNumber number, PGX_List& patients) {
-    const PatientIndex::iterator found = FindOrAddPatient(*records_[number].item, patients);
-    if (found == patients_.end()) return Outcome::Refused;
-    PGX_DicomDirPatientNode& patient = **found;
-    const std::optional<RecordNumber> child = Descend(RecordLevel::Patient, number);
+    PGX_Node& record = *records_[number].item;
+    const auto [patient, isNew] = FindOrAdd<Patient>(record, patients, ReadPatient, patients_);
+    if (patient == nullptr) return Outcome::Refused;
+    if (isNew) PrintRemark("Patient created %s\n", patient->patientsName);
+    const std::optional<RecordNumber> child = Descend(HierarchyLevel::Patient, number);
     if (!child) return Outcome::Broken;
-    BrowseStudies(*child, patient);
-    if (patient.studies.count == 0) RemovePatient(found, patients);
+    BrowseStudies(*child, *patient);
+    if (patient->studies.count == 0) Remove(*patient, patients, patients_);
     return Outcome::Handled;
 }
 
-DirectoryBrowser::Outcome DirectoryBrowser::HandleStudy(RecordNumber number,
-                                                        PGX_DicomDirPatientNode& patient) {
-    PGX_DicomDirStudyNode* const found = FindOrAddStudy(*records_[number].item, patient);
-    if (found == nullptr) return Outcome::Refused;
-    PGX_DicomDirStudyNode& study = *found;
-    const std::optional<RecordNumber> child = Descend(RecordLevel::Study, number);
+DirectoryBrowser::Outcome DirectoryBrowser::HandleStudy(RecordNumber number, Patient& patient) {
+    PGX_Node& record = *records_[number].item;
+    Study* const study = FindOrAdd<Study>(record, patient.studies, ReadStudy, studies_).object;
+    if (study == nullptr) return Outcome::Refused;
+    const std::optional<RecordNumber> child = Descend(HierarchyLevel::Study, number);
     if (!child) return Outcome::Broken;
-    BrowseSeries(*child, study);
-    if (study.series.count == 0) RemoveStudy(study, patient);
+    BrowseSeries(*child, *study);
+    if (study->series.count == 0) Remove(*study, patient.studies, studies_);
     return Outcome::Handled;
 }
 
-DirectoryBrowser::Outcome DirectoryBrowser::HandleSeries(RecordNumber number,
-                                                         PGX_DicomDirStudyNode& study) {
+DirectoryBrowser::Outcome DirectoryBrowser::HandleSeries(RecordNumber number, Study& study) {
     PGX_Node& record = *records_[number].item;
     if (!IsSeries(record)) return Outcome::Skipped;
-    PGX_DicomDirSeriesNode* const found = FindOrAddSeries(record, study);
-    if (found == nullptr) return Outcome::Refused;
-    PGX_DicomDirSeriesNode& series = *found;
-    const std::optional<RecordNumber> child = Descend(RecordLevel::Series, number);
+    const auto [series, isNew] = FindOrAdd<Series>(record, study.series, ReadSeries, series_);
+    if (series == nullptr) return Outcome::Refused;
+    if (isNew) {
+        AddModality(series->modality, study);
+        series->icon = ReadIcon(record, limits_).release();
+    }
+    const std::optional<RecordNumber> child = Descend(HierarchyLevel::Series, number);
     if (!child) return Outcome::Broken;
-    BrowseLeaves(*child, series);
-    if (series.leaves.count == 0) RemoveSeries(series, study);
+    BrowseLeaves(*child, *series);
+    if (series->leaves.count == 0) {
+        leafOrders_.erase(series);
+        Remove(*series, study.series, series_);
+    }
     return Outcome::Handled;
 }
 
-DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number,
-                                                       PGX_DicomDirSeriesNode& series,
+DirectoryBrowser::Outcome DirectoryBrowser::HandleLeaf(RecordNumber number, Series& series,
                                                        LeafOrder& order) {
     PGX_Node& record = *records_[number].item;
     char recordType[65];
-    ReadTrimmedKey(record, kRecordType, recordType);
-    const std::optional<LeafKind> kind = ClassifyLeaf(record, recordType);
-    if (!kind) {
+    ReadTrimmedText(record, tags::kRecordType, recordType);
+    const RecordKind found = KindOfRecord(record, recordType);
+    if (found.kind == nullptr) {
         PrintOut("[Refused Private/Invalid LeafType] Skipping record type %s\n", recordType);
         return Outcome::Handled;
     }
-    if (kind->seriesModality != nullptr) CopyToField(series.modality, kind->seriesModality);
+    if (found.seriesModality != nullptr) CopyToField(series.modality, found.seriesModality);
     char instanceUid[65];
-    ReadTrimmedKey(record, kInstanceUid, instanceUid);
-    if (leaves_.contains({&series, instanceUid})) {
+    ReadTrimmedText(record, tags::kReferencedSopInstanceUid, instanceUid);
+    if (leaves_.contains(Among(series.leaves, instanceUid))) {
         PrintOut("Instance already found : (%s)\n", instanceUid);
         return Outcome::Handled;
     }
-    auto owned = ReadLeaf(record, kind->type, recordType, instanceUid, directory_.folder, limits_);
+    auto owned = ReadLeaf(record, *found.kind, recordType, instanceUid, directory_.folder, limits_);
     if (owned == nullptr) return Outcome::Refused;
-    PGX_DicomDirLeafNode& leaf = order.Insert(std::move(owned));
-    leaves_.insert({&series, leaf.instanceUid});
+    Leaf& leaf = order.Insert(std::move(owned));
+    leaves_.insert(Among(series.leaves, leaf.instanceUid));
     ReportLeaf(leaf);
     return Outcome::Handled;
 }
 
-// In the three that follow, the new object belongs to the list as soon as it stands in it. They
-// give none when the browse may not take the memory of another object. Of those that prove to be
-// there already it has one at a time.
-
-PatientIndex::iterator DirectoryBrowser::FindOrAddPatient(PGX_Node& record, PGX_List& patients) {
-    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirPatientNode>)) return patients_.end();
-    auto patient = std::make_unique<PGX_DicomDirPatientNode>();
-    ReadPatientKeys(record, *patient);
-    const auto [found, isNew] = patients_.insert(patient.get());
+// A new object belongs to the list as soon as it stands in it. Of those that prove to be there
+// already the browse has one at a time.
+template <typename Object>
+DirectoryBrowser::Found<Object> DirectoryBrowser::FindOrAdd(PGX_Node& record, PGX_List& siblings,
+                                                            void (*read)(PGX_Node& record,
+                                                                         Object& object),
+                                                            LevelIndex<Object>& index) {
+    if (!limits_.TakeMemory(kMemoryOf<Object>)) return {};
+    auto object = std::make_unique<Object>();
+    read(record, *object);
+    const auto [place, isNew] = index.try_emplace(Among(siblings, KeyOf(*object)), object.get());
     if (!isNew) {
-        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirPatientNode>);
-        return found;
+        limits_.ReturnMemory(kMemoryOf<Object>);
+        return {place->second, false};
     }
-    cells_.Append(patients, patient.get());
-    PrintRemark("Patient created %s\n", patient.release()->patientsName);
-    return found;
+    cells_.Append(siblings, object.get());
+    return {object.release(), true};
 }
 
-PGX_DicomDirStudyNode* DirectoryBrowser::FindOrAddStudy(PGX_Node& record,
-                                                        PGX_DicomDirPatientNode& patient) {
-    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirStudyNode>)) return nullptr;
-    auto study = std::make_unique<PGX_DicomDirStudyNode>();
-    ReadStudyKeys(record, *study);
-    const ChildKey key = {&patient, study->studyInstanceUid};
-    const auto [found, isNew] = studies_.try_emplace(key, study.get());
-    if (!isNew) {
-        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirStudyNode>);
-        return found->second;
-    }
-    cells_.Append(patient.studies, study.get());
-    return study.release();
+template <typename Object>
+void DirectoryBrowser::Remove(Object& object, PGX_List& siblings, LevelIndex<Object>& index) {
+    index.erase(Among(siblings, KeyOf(object)));
+    cells_.Remove(siblings, &object);
+    delete &object;
 }
 
-PGX_DicomDirSeriesNode* DirectoryBrowser::FindOrAddSeries(PGX_Node& record,
-                                                          PGX_DicomDirStudyNode& study) {
-    if (!limits_.TakeMemory(kMemoryOf<PGX_DicomDirSeriesNode>)) return nullptr;
-    auto owned = std::make_unique<PGX_DicomDirSeriesNode>();
-    ReadSeriesKeys(record, *owned);
-    const ChildKey key = {&study, owned->seriesInstanceUid};
-    const auto [found, isNew] = series_.try_emplace(key, owned.get());
-    if (!isNew) {
-        limits_.ReturnMemory(kMemoryOf<PGX_DicomDirSeriesNode>);
-        return found->second;
-    }
-    cells_.Append(study.series, owned.get());
-    PGX_DicomDirSeriesNode& series = *owned.release();
-    AddModality(series.modality, study);
-    series.icon = ReadIcon(record, limits_).release();
-    return &series;
-}
-
-void DirectoryBrowser::ReportLeaf(PGX_DicomDirLeafNode& leaf) {
+void DirectoryBrowser::ReportLeaf(Leaf& leaf) {
     const int32_t count = ++directory_.leafCount;
     if (directory_.callback == nullptr) return;
     char message[64];
     std::snprintf(message, sizeof message, "%d image%s found", count, count < 2 ? "" : "s");
     PGX_DicomDirCallbackReason reason = {0, leaf.fullPath};
     directory_.CallbackAppli(&reason, message);
-}
-
-void DirectoryBrowser::RemovePatient(PatientIndex::iterator found, PGX_List& patients) {
-    PGX_DicomDirPatientNode* patient = *found;
-    patients_.erase(found);
-    cells_.Remove(patients, patient);
-    delete patient;
-}
-
-void DirectoryBrowser::RemoveStudy(PGX_DicomDirStudyNode& study, PGX_DicomDirPatientNode& patient) {
-    studies_.erase({&patient, study.studyInstanceUid});
-    cells_.Remove(patient.studies, &study);
-    delete &study;
-}
-
-void DirectoryBrowser::RemoveSeries(PGX_DicomDirSeriesNode& series, PGX_DicomDirStudyNode& study) {
-    series_.erase({&study, series.seriesInstanceUid});
-    leafOrders_.erase(&series);
-    cells_.Remove(study.series, &series);
-    delete &series;
 }
 
 }  // namespace pgkit

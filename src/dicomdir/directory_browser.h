@@ -26,46 +26,52 @@ class DirectoryBrowser {
     const RecordTable& Records() const { return records_; }
 
     int32_t BrowsePatients(RecordNumber first, PGX_List& patients);
-    int32_t BrowseStudies(RecordNumber first, PGX_DicomDirPatientNode& patient);
-    int32_t BrowseSeries(RecordNumber first, PGX_DicomDirStudyNode& study);
-    int32_t BrowseLeaves(RecordNumber first, PGX_DicomDirSeriesNode& series);
+    int32_t BrowseStudies(RecordNumber first, Patient& patient);
+    int32_t BrowseSeries(RecordNumber first, Study& study);
+    int32_t BrowseLeaves(RecordNumber first, Series& series);
 
   private:
-    using LeafOrder = InsertionOrder<PGX_DicomDirLeafNode>;
+    using LeafOrder = InsertionOrder<Leaf>;
 
     // What became of one record of a chain. Broken ends the walk, and so does Refused: the browse
     // may not cost more.
     enum class Outcome { Handled, Skipped, Broken, Refused };
 
     Outcome HandlePatient(RecordNumber number, PGX_List& patients);
-    Outcome HandleStudy(RecordNumber number, PGX_DicomDirPatientNode& patient);
-    Outcome HandleSeries(RecordNumber number, PGX_DicomDirStudyNode& study);
-    Outcome HandleLeaf(RecordNumber number, PGX_DicomDirSeriesNode& series, LeafOrder& order);
+    Outcome HandleStudy(RecordNumber number, Patient& patient);
+    Outcome HandleSeries(RecordNumber number, Study& study);
+    Outcome HandleLeaf(RecordNumber number, Series& series, LeafOrder& order);
 
     template <typename Handle>
-    int32_t WalkChain(RecordLevel level, RecordNumber first, Handle handle);
-    std::optional<RecordNumber> Descend(RecordLevel level, RecordNumber number);
+    int32_t WalkChain(HierarchyLevel level, RecordNumber first, Handle handle);
+    std::optional<RecordNumber> Descend(HierarchyLevel level, RecordNumber number);
 
-    PatientIndex::iterator FindOrAddPatient(PGX_Node& record, PGX_List& patients);
-    PGX_DicomDirStudyNode* FindOrAddStudy(PGX_Node& record, PGX_DicomDirPatientNode& patient);
-    PGX_DicomDirSeriesNode* FindOrAddSeries(PGX_Node& record, PGX_DicomDirStudyNode& study);
-    void ReportLeaf(PGX_DicomDirLeafNode& leaf);
-
-    void RemovePatient(PatientIndex::iterator found, PGX_List& patients);
-    void RemoveStudy(PGX_DicomDirStudyNode& study, PGX_DicomDirPatientNode& patient);
-    void RemoveSeries(PGX_DicomDirSeriesNode& series, PGX_DicomDirStudyNode& study);
+    // The object for a record among its siblings; null when the browse may not take the memory of
+    // another one.
+    template <typename Object>
+    struct Found {
+        Object* object = nullptr;
+        bool isNew = false;
+    };
+    template <typename Object>
+    Found<Object> FindOrAdd(PGX_Node& record, PGX_List& siblings,
+                            void (*read)(PGX_Node& record, Object& object),
+                            LevelIndex<Object>& index);
+    template <typename Object>
+    void Remove(Object& object, PGX_List& siblings, LevelIndex<Object>& index);
+    void ReportLeaf(Leaf& leaf);
 
     PGX_DicomDir& directory_;
     RecordTable records_;
     BrowseLimits limits_;
     BrowseGuard guard_;
     CellIndex cells_;
-    PatientIndex patients_;
-    ChildIndex<PGX_DicomDirStudyNode> studies_;
-    ChildIndex<PGX_DicomDirSeriesNode> series_;
+    LevelIndex<Patient> patients_;
+    LevelIndex<Study> studies_;
+    LevelIndex<Series> series_;
     std::pmr::monotonic_buffer_resource leafMemory_;
-    ChildSet leaves_{&leafMemory_};  // there are as many as records, and none goes again
-    std::unordered_map<const PGX_DicomDirSeriesNode*, LeafOrder> leafOrders_;
+    UidSet leaves_{&leafMemory_};  // there are as many as records, and none goes again
+    std::unordered_map<const Series*, LeafOrder> leafOrders_;
 };
 
 }  // namespace pgkit

@@ -7,11 +7,14 @@
 
 namespace pgkit {
 
-bool PatientOrder::operator()(const PGX_DicomDirPatientNode* a,
-                              const PGX_DicomDirPatientNode* b) const {
-    const int ids = std::strcmp(a->patientId, b->patientId);
+bool operator==(const PatientKey& a, const PatientKey& b) {
+    return std::strcmp(a.id, b.id) == 0 && ComparePatientNames(a.name, b.name) == 0;
+}
+
+bool operator<(const PatientKey& a, const PatientKey& b) {
+    const int ids = std::strcmp(a.id, b.id);
     if (ids != 0) return ids < 0;
-    return ComparePatientNames(a->patientsName, b->patientsName) < 0;
+    return ComparePatientNames(a.name, b.name) < 0;
 }
 
 void CellIndex::Append(PGX_List& list, void* object) {

@@ -1,44 +1,75 @@
 // Finds the objects of a growing hierarchy by their keys, and where they stand in their lists, with
-// the answers that walks through the lists would give. The indexes refer to the objects: whoever
+// the answers of walks through the lists. The indexes refer to the objects: whoever
 // destroys one takes it out first.
 #pragma once
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory_resource>
-#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
-#include "pgkit/directory_records.h"
+#include "base/text.h"
+#include "dicomdir/keys.h"
 #include "pgkit/list.h"
 
 namespace pgkit {
 
-// Patients by ID and name.
-struct PatientOrder {
-    bool operator()(const PGX_DicomDirPatientNode* a, const PGX_DicomDirPatientNode* b) const;
-};
-using PatientIndex = std::set<PGX_DicomDirPatientNode*, PatientOrder>;
+// ---- What objects are known by ------------------------------------------------------------------
 
-// Children by their parent and their UID; the text is that in the child itself.
-struct ChildKey {
-    const void* parent;
+// Patients by ID and name, which are compared as people read them.
+struct PatientKey {
+    const char* id;
+    const char* name;
+};
+bool operator==(const PatientKey& a, const PatientKey& b);
+bool operator<(const PatientKey& a, const PatientKey& b);
+
+// The texts of a key are those in the object itself. Padding makes no other UID.
+inline PatientKey KeyOf(const Patient& patient) {
+    return {patient.patientId, patient.patientsName};
+}
+inline std::string_view KeyOf(const Study& study) { return TrimBlanks(study.studyInstanceUid); }
+inline std::string_view KeyOf(const Series& series) { return TrimBlanks(series.seriesInstanceUid); }
+inline std::string_view KeyOf(const Leaf& leaf) { return TrimBlanks(leaf.instanceUid); }
+
+// A key among the siblings of one list.
+struct UidAmong {
+    const PGX_List* siblings;
     std::string_view uid;
 
-    bool operator==(const ChildKey&) const = default;
+    bool operator==(const UidAmong&) const = default;
 };
 
-struct ChildKeyHash {
-    size_t operator()(const ChildKey& key) const {
-        return std::hash<std::string_view>()(key.uid) ^ (std::hash<const void*>()(key.parent) << 1);
+struct UidAmongHash {
+    size_t operator()(const UidAmong& key) const {
+        return std::hash<std::string_view>()(key.uid) ^
+               (std::hash<const void*>()(key.siblings) << 1);
     }
 };
 
-template <typename Child>
-using ChildIndex = std::unordered_map<ChildKey, Child*, ChildKeyHash>;
-using ChildSet = std::pmr::unordered_set<ChildKey, ChildKeyHash>;
+inline UidAmong Among(const PGX_List& siblings, std::string_view uid) { return {&siblings, uid}; }
+// There is one list of patients.
+inline PatientKey Among(const PGX_List&, PatientKey key) { return key; }
+
+// ---- Indexes ------------------------------------------------------------------------------------
+
+template <typename Object>
+struct IndexOf {
+    using Type = std::unordered_map<UidAmong, Object*, UidAmongHash>;
+};
+template <>
+struct IndexOf<Patient> {
+    using Type = std::map<PatientKey, Patient*>;
+};
+
+// All objects of a level, by their keys.
+template <typename Object>
+using LevelIndex = typename IndexOf<Object>::Type;
+
+using UidSet = std::pmr::unordered_set<UidAmong, UidAmongHash>;
 
 // Appends objects to lists and can take them out again without a walk.
 class CellIndex {

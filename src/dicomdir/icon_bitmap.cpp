@@ -10,6 +10,7 @@
 #include "bitmap/new_bitmap.h"
 #include "dataset/tree_size.h"
 #include "dataset/value_source.h"
+#include "dicomdir/elements.h"
 
 namespace pgkit {
 
@@ -30,15 +31,9 @@ struct PixelLayout {
     }
 };
 
-uint32_t NumberOf(PGX_Node& dataSet, uint16_t element, uint32_t fallback) {
-    PGX_Node* node = dataSet.FindNode(0x0028, element);
-    return node == nullptr ? fallback : node->GetUSValue();
-}
-
 bool ReadPhotometricInterpretation(PGX_Node& dataSet, PixelLayout& pixels) {
-    char buffer[17] = {};
-    PGX_Node* node = dataSet.FindNode(0x0028, 0x0004);
-    if (node != nullptr) node->GetStringValue(buffer, sizeof buffer - 1);
+    char buffer[17];
+    ReadText(dataSet, tags::kPhotometricInterpretation, buffer);
     const std::string_view text(buffer);
     pixels.isInverted = text.starts_with("MONOCHROME1");
     pixels.samplesPerPixel = text.starts_with("RGB") ? 3 : 1;
@@ -48,12 +43,13 @@ bool ReadPhotometricInterpretation(PGX_Node& dataSet, PixelLayout& pixels) {
 std::optional<PixelLayout> ReadPixelLayout(PGX_Node& dataSet) {
     PixelLayout pixels;
     if (!ReadPhotometricInterpretation(dataSet, pixels)) return std::nullopt;
-    pixels.rows = NumberOf(dataSet, 0x0010, 0);
-    pixels.columns = NumberOf(dataSet, 0x0011, 0);
-    const uint32_t bitsAllocated = NumberOf(dataSet, 0x0100, 8);
-    pixels.highBit = NumberOf(dataSet, 0x0102, bitsAllocated - 1);
-    pixels.isPlanar = NumberOf(dataSet, 0x0006, 0) == 1;
+    pixels.rows = ReadUnsignedShort(dataSet, tags::kRows);
+    pixels.columns = ReadUnsignedShort(dataSet, tags::kColumns);
+    pixels.isPlanar = ReadUnsignedShort(dataSet, tags::kPlanarConfiguration) == 1;
+    const uint16_t bitsAllocated = ReadUnsignedShort(dataSet, tags::kBitsAllocated, 8);
     if (bitsAllocated != 8 && bitsAllocated != 16 && bitsAllocated != 32) return std::nullopt;
+    pixels.highBit =
+        ReadUnsignedShort(dataSet, tags::kHighBit, static_cast<uint16_t>(bitsAllocated - 1));
     if (pixels.highBit >= bitsAllocated) return std::nullopt;
     pixels.bytesPerSample = bitsAllocated / 8;
     return pixels;
@@ -61,7 +57,7 @@ std::optional<PixelLayout> ReadPixelLayout(PGX_Node& dataSet) {
 
 // Null when the layout asks for more than the value holds.
 PGX_Node* FindPixelData(PGX_Node& dataSet, const PixelLayout& pixels) {
-    PGX_Node* const node = dataSet.FindNode(0x7FE0, 0x0010);
+    PGX_Node* const node = FindElement(dataSet, tags::kPixelData);
     const uint64_t size = pixels.FrameSize();
     return node == nullptr || size == 0 || size > AvailableLength(*node) ? nullptr : node;
 }

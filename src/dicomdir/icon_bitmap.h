@@ -11,9 +11,9 @@
 namespace pgkit {
 
 // A new bitmap of the first native frame of a data set, such as an Icon Image Sequence item.
-// MONOCHROME images give 8-bit bitmaps with a table of 256 grays, RGB images 24-bit ones. Null for
-// any other photometric interpretation, for encapsulated pixels or samples that do not fill whole
-// bytes, when a side is 0, when there are fewer pixels than that, and when memory runs out.
+// MONOCHROME images become 8-bit bitmaps with a table of 256 grays, RGB images 24-bit ones. Null
+// for any other photometric interpretation, for encapsulated pixels or samples that do not fill
+// whole bytes, when a side is 0, when there are fewer pixels than that, and when memory runs out.
 BitmapHandle NewIconBitmap(PGX_Node& dataSet);
 
 // The same, null also when it may not take the memory that it asks for: a bound from above of what

@@ -1,6 +1,6 @@
 // Where a list that is ordered by numbers takes a new object: in front of the first one whose
-// number is not smaller, at the end when there is none. Gives the place that a walk from the head
-// finds, in any list, without walking it for each object.
+// number is not smaller, at the end when there is none. That is the place that a walk from the
+// head finds, in any list, but the list is not walked for each object.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "dataset/list_cells.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/object_list.h"
 #include "pgkit/list.h"
 
 namespace pgkit {
@@ -26,12 +26,12 @@ class InsertionOrder {
 
     InsertionOrder(PGX_List& list, NumberOf numberOf, Ties ties)
         : list_(list), numberOf_(numberOf), ties_(ties) {
-        for (const Object& object : Records<Object>(list))
+        for (const Object& object : Objects<Object>(list))
             greatest_ = std::max(greatest_, numberOf(object));
     }
 
     // Between two calls nobody else may change the list. Throws std::bad_alloc, and has changed
-    // nothing then.
+    // neither list nor order then.
     Object& Insert(std::unique_ptr<Object> object) {
         auto cell = NewCell(object.get());
         PGX_ListElement* const before = MakePlace(numberOf_(*object), cell.get());

@@ -7,7 +7,7 @@
 #include "base/firewall.h"
 #include "base/paths.h"
 #include "base/text.h"
-#include "dicomdir/leaf_reader.h"
+#include "dicomdir/record_reader.h"
 #include "pgkit/paths.h"
 #include "platform/platform.h"
 

@@ -1,11 +1,14 @@
 // Hierarchies that live on without their DICOMDIR.
 #include "base/firewall.h"
-#include "dicomdir/record_list.h"
+#include "dicomdir/object_list.h"
 #include "pgkit/directory.h"
 #include "pgkit/patient_list.h"
 
+using pgkit::AllSeries;
 using pgkit::Guarded;
-using pgkit::Records;
+using pgkit::Leaves;
+using pgkit::Patients;
+using pgkit::Studies;
 
 namespace {
 
@@ -14,13 +17,13 @@ constexpr uint32_t kLoadLimit = 0x20000;
 
 // The records go with the DICOMDIR.
 void ForgetRecords(PGX_List& patients) {
-    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
+    for (PGX_DicomDirPatientNode& patient : Patients(patients)) {
         patient.record = nullptr;
-        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies)) {
+        for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
             study.record = nullptr;
-            for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series)) {
+            for (PGX_DicomDirSeriesNode& series : AllSeries(study.series)) {
                 series.record = nullptr;
-                for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
+                for (PGX_DicomDirLeafNode& leaf : Leaves(series.leaves))
                     leaf.record = nullptr;
             }
         }
@@ -49,6 +52,6 @@ PGX_List* pgGetPatientListFromOffshoreFile(const char* path, const char* locatio
 
 void pgEmptyPatientList(PGX_List* patients) {
     Guarded([=] {
-        if (patients != nullptr) pgkit::DestroyRecords<PGX_DicomDirPatientNode>(*patients);
+        if (patients != nullptr) pgkit::DestroyObjects<PGX_DicomDirPatientNode>(*patients);
     });
 }

@@ -3,7 +3,7 @@
 //
 // One file must not spoil the directory of all. Whatever a sequence holds, its copy is written with
 // right lengths and read again, by any reader, as the same copy with the next record behind it.
-// What cannot stand in a record so is left out, and nothing else:
+// What cannot stand in a record so is left out, and no more than that:
 //
 //   - elements below group 0008 (they belong to commands, to File Meta Information and to
 //     directories), above FFFD (items and delimiters) and group lengths (they count what is not
@@ -16,7 +16,7 @@
 //     element from a dictionary reads sequence items from what may be none;
 //   - sequences nested deeper than kMaxRecordNesting levels, and values above kMaxRecordCopy bytes.
 //
-// An item or a sequence of which that leaves nothing is left out, too: an empty code is none.
+// An item or a sequence that is empty then is left out, too: an empty code is none.
 // Values of odd length are padded.
 #pragma once
 
@@ -40,7 +40,7 @@ using WantsItem = bool (*)(PGX_Node& item);
 
 // A deep copy of a sequence without its following siblings: values in memory and in host byte
 // order, tied to no file. Where it is asked, only the items that are wanted are copied. Null for
-// null and when nothing is left of it. Throws std::bad_alloc.
+// null and when no element is left of it. Throws std::bad_alloc.
 NodeTree CopyForRecord(PGX_Node* sequence, WantsItem wantsItem = nullptr);
 
 }  // namespace pgkit

@@ -23,7 +23,7 @@ struct Link {
     uint32_t offset = 0;      // of Lost
 };
 
-// Where an offset element leads, by its mark or else by its value. Null gives no link.
+// Where an offset element leads, by its mark or else by its value. There is no link for null.
 Link FollowLink(const RecordTable& records, PGX_Node* offsetElement);
 
 }  // namespace pgkit

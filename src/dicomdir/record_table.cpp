@@ -4,6 +4,7 @@
 
 #include "codec/part10_format.h"
 #include "dataset/node_memory.h"
+#include "dicomdir/elements.h"
 #include "platform/platform.h"
 
 namespace pgkit {
@@ -24,8 +25,8 @@ RecordTable::RecordTable(PGX_Node* firstItem) {
     if (firstItem->file != nullptr) fileSize_ = platform::StreamSize(firstItem->file);
     records_.reserve(CountFrom(firstItem));
     for (PGX_Node* item = firstItem; item != nullptr; item = item->next) {
-        records_.push_back({item, item->FindNode(0x0004, kNextRecordLink),
-                            item->FindNode(0x0004, kLowerLevelLink)});
+        records_.push_back({item, FindElement(*item, tags::kNextRecordLink),
+                            FindElement(*item, tags::kLowerLevelLink)});
     }
     positions_.reserve(records_.size());
     for (RecordNumber number = 0; number < records_.size(); ++number) {

@@ -13,14 +13,10 @@ namespace pgkit {
 
 using RecordNumber = uint32_t;
 
-// The links of a record, of group 0004: offsets of other records, set when the file is written.
-constexpr uint16_t kNextRecordLink = 0x1400;
-constexpr uint16_t kLowerLevelLink = 0x1420;
-
 struct DirectoryRecord {
     PGX_Node* item;
-    PGX_Node* nextRecord;  // (0004,1400), null when there is none
-    PGX_Node* lowerLevel;  // (0004,1420), likewise
+    PGX_Node* nextRecord;  // the element that links the next one, null when there is none
+    PGX_Node* lowerLevel;  // that of the first record below, likewise
 };
 
 class RecordTable {

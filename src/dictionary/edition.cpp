@@ -8,15 +8,11 @@
 #include "base/text.h"
 #include "dictionary/current_table.h"
 #include "dictionary/element_table.h"
+#include "dictionary/tags.h"
 
 namespace pgkit {
 
 namespace {
-
-struct Tag {
-    uint16_t group;
-    uint16_t element;
-};
 
 constexpr Tag TagOf(uint32_t key) {
     return {static_cast<uint16_t>(key >> 16), static_cast<uint16_t>(key)};
@@ -72,7 +68,7 @@ int32_t TellTag(const char* name, uint16_t* group, uint16_t* element) {
     return 1;
 }
 
-// Copies a text of an element, or nothing when the standard has no such element.
+// Copies a text of an element, or an empty one when the standard has no such element.
 size_t Copy(uint16_t group, uint16_t element, std::string_view CurrentElement::*text, char* buffer,
             size_t size) {
     const auto entry = FindCurrentElement(group, element);

@@ -1,5 +1,5 @@
 // The exported lookups by tag: the built-in rows first, then those of the current edition where
-// that is used, and the private dictionary last.
+// that is used, and the private dictionary last; and the choice of its file.
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,7 +37,7 @@ uint32_t FindTagAndVr(int32_t elementId, uint16_t* group, uint16_t* element, uin
     return FindTag(elementId, group, element);
 }
 
-// Nothing while the built-in edition is used.
+// None while the built-in edition is used.
 std::optional<CurrentElement> FindIfCurrent(uint16_t group, uint16_t element) {
     if (!UsesCurrentEdition()) return std::nullopt;
     return FindCurrentElement(group, element);
@@ -101,4 +101,8 @@ uint32_t pgGetTagPrintableName(uint16_t group, uint16_t element, char* buffer) {
 
 uint32_t pgTryToDecodeUNSequences(uint32_t flag) {
     return Guarded([=] { return pgkit::unSequenceSwitch = flag; });
+}
+
+uint32_t pgSetPrivateDictionaryFile(const char* path) {
+    return Guarded([=] { return pgkit::PrivateDictionary::Instance().ReadFile(path) ? 1u : 0u; });
 }

@@ -8,10 +8,9 @@
 #include <optional>
 #include <utility>
 
-#include "base/firewall.h"
 #include "base/text.h"
 #include "dictionary/tags.h"
-#include "pgkit/dictionary.h"
+#include "dictionary/vr_properties.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 
@@ -102,10 +101,10 @@ size_t PrivateDictionary::CreatorKeyHash::operator()(const CreatorKey& key) cons
     return std::hash<std::string_view>()(key.creator) ^ (size_t{key.tag} * 0x9E3779B97F4A7C15u);
 }
 
-bool PrivateDictionary::LoadFile(const char* path) {
+bool PrivateDictionary::ReadFile(const char* path) {
     Clear();
     try {
-        return ReadFile(path);
+        return ReadLines(path);
     } catch (...) {
         // An entry that the indexes do not know, or a part of a file, answers questions wrongly.
         Clear();
@@ -113,7 +112,7 @@ bool PrivateDictionary::LoadFile(const char* path) {
     }
 }
 
-bool PrivateDictionary::ReadFile(const char* path) {
+bool PrivateDictionary::ReadLines(const char* path) {
     if (!platform::PathExists(path) || platform::IsDirectory(path)) return false;
     // A device or a pipe might never end.
     if (!platform::FileSize(path)) return true;
@@ -146,12 +145,12 @@ void PrivateDictionary::AddLine(const char* line) {
     const std::optional<uint16_t> element = ParseHex(fields->element);
     if (!group || !element) return;
     // Tables of other programs have names for more than VRs: ox is OW or OB, and up (a pointer), xs
-    // (US or SS, which takes another element to tell) and na (none) are nothing to read a value by.
+    // (US or SS, which takes another element to tell) and na (none) do not say how to read a value.
     if (fields->valueRep == "ox") fields->valueRep = "OWOB";
     if (fields->valueRep == "up" || fields->valueRep == "xs" || fields->valueRep == "na") return;
 
-    entries_.push_back({*group, *element, pgFindValueRepresentationVR(fields->valueRep.c_str()),
-                        std::move(fields->name), ToUpper(TrimBlanks(fields->creator))});
+    entries_.push_back({*group, *element, VrFromName(fields->valueRep), std::move(fields->name),
+                        ToUpper(TrimBlanks(fields->creator))});
     const PrivateDictionaryEntry& entry = entries_.back();
     const uint32_t tag = TagKey(entry.group, entry.element);
     firstByTag_.try_emplace(tag, &entry);
@@ -184,8 +183,3 @@ const PrivateDictionaryEntry* FindPrivateElement(uint16_t group, uint16_t elemen
 }
 
 }  // namespace pgkit
-
-uint32_t pgSetPrivateDictionaryFile(const char* path) {
-    return pgkit::Guarded(
-        [=] { return pgkit::PrivateDictionary::Instance().LoadFile(path) ? 1u : 0u; });
-}

@@ -29,19 +29,19 @@ constexpr auto kCodeByPair = [] {
     return codes;
 }();
 
-uint32_t VrOfName(std::string_view name) {
-    if (name.size() == 2) return VrFromCharacters(name[0], name[1]);
-    if (name == kVrRows[VR_USSS].name) return VR_USSS;
-    if (name == kVrRows[VR_OWOB].name) return VR_OWOB;
-    return VR_Unknown;
-}
-
 }  // namespace
 
 uint32_t VrFromCharacters(char first, char second) {
     if (!IsUpperLetter(first) || !IsUpperLetter(second)) return VR_Unknown;
     const uint32_t code = kCodeByPair[PairIndex(first, second)];
     return code < kBuiltInVrCount || code < VrCount() ? code : uint32_t{VR_Unknown};
+}
+
+uint32_t VrFromName(std::string_view name) {
+    if (name.size() == 2) return VrFromCharacters(name[0], name[1]);
+    if (name == kVrRows[VR_USSS].name) return VR_USSS;
+    if (name == kVrRows[VR_OWOB].name) return VR_OWOB;
+    return VR_Unknown;
 }
 
 const char* VrName(uint32_t vr) { return vr < VrCount() ? kVrRows[vr].name : nullptr; }
@@ -51,7 +51,7 @@ const char* VrName(uint32_t vr) { return vr < VrCount() ? kVrRows[vr].name : nul
 using pgkit::Guarded;
 
 uint32_t pgFindValueRepresentationVR(const char* text) {
-    return Guarded([=] { return pgkit::VrOfName(pgkit::OrEmpty(text)); }, VR_Unknown);
+    return Guarded([=] { return pgkit::VrFromName(pgkit::OrEmpty(text)); }, VR_Unknown);
 }
 
 uint32_t pgGetVRPrintableName(uint32_t valueRep, char* buffer) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "dictionary/edition.h"
 #include "pgkit/value_representation.h"
@@ -96,7 +97,7 @@ static_assert(kVrRows[VR_UV].name[1] == 'V' && VR_UV == kCurrentVrCount - 1);
 // The name of a code that has none.
 inline constexpr char kUnknownVrName[] = "????";
 
-// A VR field that names no VR is taken for a long one; a code that means nothing, for a short one.
+// A VR field that names no VR is taken for a long one; a code without a meaning, for a short one.
 inline constexpr VrProperties kUnknownVrRow = {"????",       VrHeader::Long,    1, 1, ' ',
                                                VrKind::Text, VrCharacters::None};
 inline constexpr VrProperties kNoVrRow = {"????",       VrHeader::Short,   1, 1, ' ',
@@ -129,6 +130,9 @@ inline size_t SwapUnit(uint32_t vr) { return PropertiesOf(vr).swapUnit; }
 
 // The code that the two characters of an explicit header name, or VR_Unknown.
 uint32_t VrFromCharacters(char first, char second);
+
+// The code of a printable name, or VR_Unknown.
+uint32_t VrFromName(std::string_view name);
 
 // The printable name of a code, or null when there is none.
 const char* VrName(uint32_t vr);

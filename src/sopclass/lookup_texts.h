@@ -12,7 +12,7 @@ inline constexpr std::string_view kNoMnemonic = "XX";
 inline constexpr std::string_view kNoModalityName = "<NULL modality>";
 inline constexpr std::string_view kNoUidName = "<NULL uid>";
 
-// The texts that pgGetSOPClassUIDToModality, pgGetModalityName and pgGetUIDName give.
+// The texts of pgGetSOPClassUIDToModality, pgGetModalityName and pgGetUIDName.
 std::optional<std::string_view> MnemonicOf(std::string_view sopClassUid);
 std::optional<std::string_view> ModalityNameOf(std::string_view modality);
 std::optional<std::string_view> UidNameOf(std::string_view uid);

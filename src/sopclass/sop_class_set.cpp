@@ -2,13 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <rapidxml/rapidxml.hpp>
-#include <rapidxml/rapidxml_print.hpp>
 #include <utility>
-#include <vector>
 
 #include "base/diagnostics.h"
 #include "platform/file_handle.h"
@@ -27,9 +24,10 @@ using XmlDocument = rapidxml::xml_document<>;
 constexpr size_t kMaxFileSize = size_t{16} << 20;
 constexpr size_t kMaxDepth = 100;
 
-// What save writes back. The XML declaration is left out: save writes its own. The parser's own
-// trimming of white space is not used: on text that begins with a blank given as a character
-// reference it trims more than there is.
+// Comments, document types and instructions are read although nothing is taken from them: an
+// instruction without a name is an error then. The parser's own trimming of white space is not
+// used: on text that begins with a blank given as a character reference it trims more than there
+// is.
 constexpr int kParseFlags = rapidxml::parse_comment_nodes | rapidxml::parse_doctype_node |
                             rapidxml::parse_pi_nodes | rapidxml::parse_validate_closing_tags;
 
@@ -95,7 +93,7 @@ class XmlFile {
 };
 
 // The first element of this name from here on; instructions have names too, and do not count.
-XmlNode* ElementFrom(XmlNode* node, std::string_view name) {
+const XmlNode* ElementFrom(const XmlNode* node, std::string_view name) {
     while (node != nullptr && (node->type() != rapidxml::node_element ||
                                std::string_view(node->name(), node->name_size()) != name)) {
         node = node->next_sibling();
@@ -103,39 +101,17 @@ XmlNode* ElementFrom(XmlNode* node, std::string_view name) {
     return node;
 }
 
-// The names on the way to the list element.
-std::vector<std::string> SplitElementPath(std::string_view rootName) {
+// Null when an element on the way to the list is missing.
+const XmlNode* FindList(const XmlDocument& document, std::string_view rootName) {
     const std::string path = std::string(rootName) + ".SOPClassList";
-    std::vector<std::string> names;
-    for (size_t start = 0; start < path.size();) {
+    const XmlNode* element = &document;
+    for (size_t start = 0; element != nullptr && start < path.size();) {
         const size_t point = std::min(path.find('.', start), path.size());
-        if (point > start) names.push_back(path.substr(start, point - start));
+        const std::string_view name = std::string_view(path).substr(start, point - start);
+        if (!name.empty()) element = ElementFrom(element->first_node(), name);
         start = point + 1;
     }
-    return names;
-}
-
-XmlNode* FindListElement(XmlDocument& document, std::string_view rootName) {
-    XmlNode* element = &document;
-    for (const std::string& name : SplitElementPath(rootName)) {
-        element = ElementFrom(element->first_node(), name);
-        if (element == nullptr) return nullptr;
-    }
     return element;
-}
-
-XmlNode& MakeListElement(XmlDocument& document, std::string_view rootName) {
-    XmlNode* element = &document;
-    for (const std::string& name : SplitElementPath(rootName)) {
-        XmlNode* child = ElementFrom(element->first_node(), name);
-        if (child == nullptr) {
-            child = document.allocate_node(rapidxml::node_element,
-                                           document.allocate_string(name.c_str()));
-            element->append_node(child);
-        }
-        element = child;
-    }
-    return *element;
 }
 
 std::string TextOf(const XmlNode& element) {
@@ -156,36 +132,6 @@ SOPClass ReadEntry(const XmlNode& element) {
             AttributeOf(element, "object"), AttributeOf(element, "mnemonic")};
 }
 
-void RemoveEntries(XmlNode& list) {
-    XmlNode* entry = ElementFrom(list.first_node(), kEntryName);
-    while (entry != nullptr) {
-        XmlNode* next = ElementFrom(entry->next_sibling(), kEntryName);
-        list.remove_node(entry);
-        entry = next;
-    }
-}
-
-// The element refers to the texts of the entry.
-void AppendEntry(XmlDocument& document, XmlNode& list, const SOPClass& entry) {
-    XmlNode* element =
-        document.allocate_node(rapidxml::node_element, kEntryName, entry.uid.c_str());
-    const auto append = [&](const char* name, const std::string& value) {
-        element->append_attribute(document.allocate_attribute(name, value.c_str()));
-    };
-    append("name", entry.name);
-    append("service", entry.service);
-    append("object", entry.object);
-    append("mnemonic", entry.mnemonic);
-    list.append_node(element);
-}
-
-bool WriteWhole(const char* path, const std::string& text) {
-    platform::FileHandle file(platform::CreateText(path));
-    if (!file) return false;
-    const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    return std::fclose(file.release()) == 0 && written;
-}
-
 }  // namespace
 
 bool SOPClass::IsValid() const {
@@ -197,28 +143,16 @@ SOPClassSet& SOPClassSet::Instance() {
     return instance;
 }
 
-void SOPClassSet::load(const char* path, std::string_view rootName) {
+void SOPClassSet::ReadFile(const char* path, std::string_view rootName) {
     Clear();
     const auto file = std::make_unique<XmlFile>();
     if (!file->Read(path)) return;
-    const XmlNode* list = FindListElement(file->Document(), rootName);
+    const XmlNode* list = FindList(file->Document(), rootName);
     if (list == nullptr) return;
     for (const XmlNode* entry = ElementFrom(list->first_node(), kEntryName); entry != nullptr;
          entry = ElementFrom(entry->next_sibling(), kEntryName)) {
         Insert(ReadEntry(*entry));
     }
-}
-
-bool SOPClassSet::save(const char* path, std::string_view rootName) const {
-    const auto file = std::make_unique<XmlFile>();
-    if (!file->Read(path)) return false;
-    XmlNode& list = MakeListElement(file->Document(), rootName);
-    RemoveEntries(list);
-    for (const auto& [uid, entry] : entries_)
-        AppendEntry(file->Document(), list, entry);
-    std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
-    rapidxml::print(std::back_inserter(text), file->Document());
-    return WriteWhole(path, text);
 }
 
 bool SOPClassSet::Insert(SOPClass sopClass) {

@@ -27,15 +27,9 @@ class SOPClassSet {
     // The one set of the library.
     static SOPClassSet& Instance();
 
-    // Replaces all entries by those of the file's element rootName.SOPClassList. A missing file
-    // gives none and prints nothing, a broken one is reported on the standard output.
-    void load(const char* path, std::string_view rootName);
-
-    // Replaces the SOPClass elements of the file's element rootName.SOPClassList, which is made
-    // when it is missing, by the entries. All other elements, attributes, comments and instructions
-    // stay. False when the file cannot be read or is beyond the limits of load, and left alone, or
-    // cannot be written.
-    bool save(const char* path, std::string_view rootName) const;
+    // Replaces all entries by those of the file's element rootName.SOPClassList. A missing file has
+    // none and prints nothing, a broken one is reported on the standard output.
+    void ReadFile(const char* path, std::string_view rootName);
 
     void Clear() { entries_.clear(); }
 

@@ -10,7 +10,7 @@ namespace pgkit {
 namespace {
 
 constexpr ModalityRow kModalities[] = {
-#define PGKIT_MODALITY(uid, mnemonic, size) {uid, mnemonic, size},
+#define PGKIT_MODALITY(uid, mnemonic, size) {uid, mnemonic},
 #include "sopclass/modalities.inc"
 #undef PGKIT_MODALITY
 };
@@ -68,8 +68,6 @@ constexpr auto kCategorySets = [] {
 
 }  // namespace
 
-std::span<const ModalityRow> ModalityRows() { return kModalities; }
-
 const ModalityRow* FindModality(std::string_view sopClassUid) {
     const size_t row = FindModalityRow(sopClassUid);
     return row == kModalityIndex.kNoRow ? nullptr : &kModalities[row];
@@ -87,10 +85,9 @@ const UidRow* FindUid(std::string_view uid) {
     return row == kUidIndex.kNoRow ? nullptr : &kUids[row];
 }
 
-bool IsInCategory(std::string_view sopClassUid, SopCategory category) {
+uint16_t CategoriesOf(std::string_view sopClassUid) {
     const size_t row = FindModalityRow(sopClassUid);
-    return row != kModalityIndex.kNoRow &&
-           (kCategorySets[row] & static_cast<uint16_t>(category)) != 0;
+    return row == kModalityIndex.kNoRow ? uint16_t{0} : kCategorySets[row];
 }
 
 }  // namespace pgkit

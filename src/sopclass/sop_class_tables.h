@@ -3,15 +3,14 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string_view>
 
 namespace pgkit {
 
+// A storage SOP class.
 struct ModalityRow {
     const char* uid;
     const char* mnemonic;
-    uint64_t size;
 };
 
 struct ModalityNameRow {
@@ -26,6 +25,7 @@ struct UidRow {
 
 // A bit each, for sets of categories.
 enum class SopCategory : uint16_t {
+    None = 0x000,
     Image = 0x001,
     Report = 0x002,
     Waveform = 0x004,
@@ -37,14 +37,19 @@ enum class SopCategory : uint16_t {
     Radiotherapy = 0x100
 };
 
-// The storage SOP classes, in table order.
-std::span<const ModalityRow> ModalityRows();
-
 // Null when there is no such row.
 const ModalityRow* FindModality(std::string_view sopClassUid);
 const ModalityNameRow* FindModalityName(std::string_view code);
 const UidRow* FindUid(std::string_view uid);
 
-bool IsInCategory(std::string_view sopClassUid, SopCategory category);
+// The categories of a class, their bits together; none for an unknown one.
+uint16_t CategoriesOf(std::string_view sopClassUid);
+
+inline bool IsIn(uint16_t categories, SopCategory category) {
+    return (categories & static_cast<uint16_t>(category)) != 0;
+}
+inline bool IsInCategory(std::string_view sopClassUid, SopCategory category) {
+    return IsIn(CategoriesOf(sopClassUid), category);
+}
 
 }  // namespace pgkit

@@ -14,8 +14,8 @@ constexpr int32_t kFound = 0;
 constexpr int32_t kNotFound = 1;
 constexpr int32_t kNullArgument = -1;
 
-int32_t Give(const char* key, std::optional<std::string_view> (*find)(std::string_view),
-             std::string_view placeholder, char* output) {
+int32_t CopyFound(const char* key, std::optional<std::string_view> (*find)(std::string_view),
+                  std::string_view placeholder, char* output) {
     CopyUnbounded(output, placeholder);
     if (key == nullptr || output == nullptr) return kNullArgument;
     const std::optional<std::string_view> text = find(key);
@@ -53,23 +53,24 @@ std::optional<std::string_view> UidNameOf(std::string_view uid) {
 
 }  // namespace pgkit
 
-using pgkit::Give;
+using pgkit::CopyFound;
 using pgkit::Guarded;
 using pgkit::Is;
 using pgkit::SopCategory;
 
 int32_t pgGetSOPClassUIDToModality(const char* sopClassUid, char* modalityOut) {
     return Guarded(
-        [=] { return Give(sopClassUid, pgkit::MnemonicOf, pgkit::kNoMnemonic, modalityOut); });
+        [=] { return CopyFound(sopClassUid, pgkit::MnemonicOf, pgkit::kNoMnemonic, modalityOut); });
 }
 
 int32_t pgGetModalityName(const char* modality, char* nameOut) {
-    return Guarded(
-        [=] { return Give(modality, pgkit::ModalityNameOf, pgkit::kNoModalityName, nameOut); });
+    return Guarded([=] {
+        return CopyFound(modality, pgkit::ModalityNameOf, pgkit::kNoModalityName, nameOut);
+    });
 }
 
 int32_t pgGetUIDName(const char* uid, char* nameOut) {
-    return Guarded([=] { return Give(uid, pgkit::UidNameOf, pgkit::kNoUidName, nameOut); });
+    return Guarded([=] { return CopyFound(uid, pgkit::UidNameOf, pgkit::kNoUidName, nameOut); });
 }
 
 bool pgIsImageSOPClass(const char* uid) {

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "base/utf8.h"
-#include "text/set_converter.h"
 
 namespace pgkit {
 
@@ -18,108 +17,109 @@ constexpr bool IsBlankOrControl(char c) {
     return static_cast<unsigned char>(c) <= ' ' || c == '\x7F';
 }
 
-// The set for bytes above 7F that nothing was designated for. Files that say which other set they
-// change to often forget the escape sequence; those that say nothing are in UTF-8 nowadays, and in
-// Latin-1 before that.
-const CodedSet& UndesignatedG1(const SpecificCharacterSet& sets, std::string_view text) {
+// The first declared set that has bytes above 7F, if there is one. Files that say which other set
+// they change to often forget the escape sequence.
+const CodedSet* FirstDeclaredG1(const SpecificCharacterSet& sets) {
     const auto declared = sets.Declared();
     const auto first = std::ranges::find(declared, CodeElement::G1, &CodedSet::element);
-    if (first != declared.end()) return **first;
-    return IsValidUtf8(text) ? Utf8Set() : Latin1Set();
+    return first == declared.end() ? nullptr : *first;
 }
 
-class Decoder {
-  public:
-    Decoder(const TextRules& rules, std::string_view text, CutEnd cutEnd, Utf8Output& output)
-        : rules_(rules), rest_(text), cutEnd_(cutEnd), output_(output) {}
-
-    void DecodeAscii() {
-        for (const char c : rest_)
-            output_.Append(IsAscii(c) ? static_cast<char32_t>(c) : kReplacementCharacter);
-    }
-
-    void DecodeAlone(const CodedSet& set) {
-        while (!rest_.empty()) {
-            if (IsAscii(rest_[0])) {
-                TakeAscii();
-            } else {
-                TakeCharacter(set);
-            }
-        }
-    }
-
-    void DecodeWithExtensions(const SpecificCharacterSet& sets) {
-        const CodedSet* const initialG0 = &sets.InitialG0();
-        const CodedSet* const initialG1 =
-            sets.InitialG1() != nullptr ? sets.InitialG1() : &UndesignatedG1(sets, rest_);
-        g0_ = initialG0;
-        g1_ = initialG1;
-        while (!rest_.empty()) {
-            const char c = rest_[0];
-            if (c == kEscape) {
-                TakeEscape();
-            } else if (!IsAscii(c)) {
-                TakeCharacter(*g1_);
-            } else if (g0_->shape != UnitShape::Ascii && !IsBlankOrControl(c)) {
-                TakeCharacter(*g0_);
-            } else {
-                TakeAscii();
-                if (!IsDelimiter(rules_, c)) continue;
-                g0_ = initialG0;
-                g1_ = initialG1;
-            }
-        }
-    }
-
-  private:
-    void TakeAscii() {
-        output_.Append(static_cast<char32_t>(rest_[0]));
-        rest_.remove_prefix(1);
-    }
-
-    void TakeCharacter(const CodedSet& set) {
-        const Unit unit = FirstUnit(set, rest_);
-        const char32_t character =
-            unit.isWhole ? converter_.Decode(set, rest_.substr(0, unit.size)) : 0;
-        if (character != 0) {
-            output_.Append(character);
-        } else {
-            Replace(unit.isCutShort);
-        }
-        rest_.remove_prefix(unit.size);
-    }
-
-    // Sets that were not declared are changed to all the same: the sequence says which one is
-    // meant.
-    void TakeEscape() {
-        bool isCutShort = false;
-        for (const CodedSet& set : CodedSets()) {
-            if (set.designation.empty()) continue;
-            if (rest_.starts_with(set.designation)) {
-                (set.element == CodeElement::G0 ? g0_ : g1_) = &set;
-                rest_.remove_prefix(set.designation.size());
-                return;
-            }
-            isCutShort = isCutShort || set.designation.starts_with(rest_);
-        }
-        Replace(isCutShort);
-        rest_.remove_prefix(isCutShort ? rest_.size() : 1);
-    }
-
-    void Replace(bool isCutShort) {
-        if (!isCutShort || cutEnd_ == CutEnd::Replace) output_.Append(kReplacementCharacter);
-    }
-
-    const TextRules& rules_;
-    std::string_view rest_;
-    CutEnd cutEnd_;
-    Utf8Output& output_;
-    const CodedSet* g0_ = nullptr;
-    const CodedSet* g1_ = nullptr;
-    SetConverter converter_;
-};
+// The set for bytes above 7F in front of every escape sequence.
+const CodedSet& InitialG1Of(const SpecificCharacterSet& sets, bool isUtf8) {
+    if (sets.InitialG1() != nullptr) return *sets.InitialG1();
+    const CodedSet* const declared = FirstDeclaredG1(sets);
+    if (declared != nullptr) return *declared;
+    return isUtf8 ? Utf8Set() : Latin1Set();
+}
 
 }  // namespace
+
+bool TextDecoder::DependsOnUtf8(const TextRules& rules) const {
+    return rules.usesCharacterSet && sets_.Alone() == nullptr && sets_.InitialG1() == nullptr &&
+           FirstDeclaredG1(sets_) == nullptr;
+}
+
+void TextDecoder::Begin(const TextRules& rules, CutEnd cutEnd, bool isUtf8) {
+    rules_ = &rules;
+    cutEnd_ = cutEnd;
+    initialG1_ = &InitialG1Of(sets_, isUtf8);
+    g0_ = &sets_.InitialG0();
+    g1_ = initialG1_;
+}
+
+size_t TextDecoder::Decode(std::string_view piece, bool isLast, Utf8Output& output) {
+    const size_t heldBack = isLast ? 0 : kMaxHeldBack;
+    const CodedSet* const alone = sets_.Alone();
+    rest_ = piece;
+    while (rest_.size() > heldBack) {
+        if (!rules_->usesCharacterSet) {
+            output.Append(IsAscii(rest_[0]) ? static_cast<char32_t>(rest_[0])
+                                            : kReplacementCharacter);
+            rest_.remove_prefix(1);
+        } else if (alone == nullptr) {
+            TakeWithExtensions(output);
+        } else if (IsAscii(rest_[0])) {
+            TakeAscii(output);
+        } else {
+            TakeCharacter(*alone, output);
+        }
+    }
+    return piece.size() - rest_.size();
+}
+
+void TextDecoder::TakeWithExtensions(Utf8Output& output) {
+    const char c = rest_[0];
+    if (c == kEscape) {
+        TakeEscape(output);
+    } else if (!IsAscii(c)) {
+        TakeCharacter(*g1_, output);
+    } else if (g0_->shape != UnitShape::Ascii && !IsBlankOrControl(c)) {
+        TakeCharacter(*g0_, output);
+    } else {
+        TakeAscii(output);
+        if (!IsDelimiter(*rules_, c)) return;
+        g0_ = &sets_.InitialG0();
+        g1_ = initialG1_;
+    }
+}
+
+void TextDecoder::TakeAscii(Utf8Output& output) {
+    output.Append(static_cast<char32_t>(rest_[0]));
+    rest_.remove_prefix(1);
+}
+
+void TextDecoder::TakeCharacter(const CodedSet& set, Utf8Output& output) {
+    const Unit unit = FirstUnit(set, rest_);
+    const char32_t character =
+        unit.isWhole ? converter_.Decode(set, rest_.substr(0, unit.size)) : 0;
+    if (character != 0) {
+        output.Append(character);
+    } else {
+        Replace(unit.isCutShort, output);
+    }
+    rest_.remove_prefix(unit.size);
+}
+
+// Sets that were not declared are changed to all the same: the sequence says which one is meant.
+void TextDecoder::TakeEscape(Utf8Output& output) {
+    bool isCutShort = false;
+    for (const CodedSet& set : CodedSets()) {
+        if (set.designation.empty()) continue;
+        if (rest_.starts_with(set.designation)) {
+            (set.element == CodeElement::G0 ? g0_ : g1_) = &set;
+            rest_.remove_prefix(set.designation.size());
+            return;
+        }
+        isCutShort = isCutShort || set.designation.starts_with(rest_);
+    }
+    Replace(isCutShort, output);
+    rest_.remove_prefix(isCutShort ? rest_.size() : 1);
+}
+
+void TextDecoder::Replace(bool isCutShort, Utf8Output& output) {
+    if (!isCutShort || cutEnd_ == CutEnd::Replace) output.Append(kReplacementCharacter);
+}
 
 std::string_view WithoutPadding(std::string_view text) {
     constexpr std::string_view kPadding(" \0", 2);
@@ -143,11 +143,9 @@ bool IsPlainText(std::string_view text) {
 void DecodeText(std::string_view attribute, const TextRules& rules, std::string_view text,
                 CutEnd cutEnd, Utf8Output& output) {
     if (IsPlainText(text)) return output.AppendAscii(text);
-    Decoder decoder(rules, text, cutEnd, output);
-    if (!rules.usesCharacterSet) return decoder.DecodeAscii();
-    const SpecificCharacterSet sets(attribute);
-    if (sets.Alone() != nullptr) return decoder.DecodeAlone(*sets.Alone());
-    decoder.DecodeWithExtensions(sets);
+    TextDecoder decoder(attribute);
+    decoder.Begin(rules, cutEnd, decoder.DependsOnUtf8(rules) && IsValidUtf8(text));
+    decoder.Decode(text, true, output);
 }
 
 }  // namespace pgkit

@@ -1,6 +1,7 @@
 #include "text/text_rules.h"
 
-#include <algorithm>
+#include <array>
+#include <cstddef>
 
 #include "pgkit/text.h"
 #include "pgkit/value_representation.h"
@@ -31,11 +32,20 @@ constexpr TextRules kRules[] = {
     {VR_UR, false, ""},
 };
 
+constexpr uint8_t kNoRow = 0xFF;
+constexpr auto kRowOfVr = [] {
+    std::array<uint8_t, VR_UV + 1> rows{};
+    rows.fill(kNoRow);
+    for (size_t i = 0; i < std::size(kRules); ++i)
+        rows[kRules[i].valueRep] = static_cast<uint8_t>(i);
+    return rows;
+}();
+
 }  // namespace
 
 const TextRules* FindTextRules(uint32_t valueRep) {
-    const auto* const found = std::ranges::find(kRules, valueRep, &TextRules::valueRep);
-    return found == std::end(kRules) ? nullptr : found;
+    if (valueRep >= kRowOfVr.size() || kRowOfVr[valueRep] == kNoRow) return nullptr;
+    return &kRules[kRowOfVr[valueRep]];
 }
 
 bool IsDelimiter(const TextRules& rules, char c) {

@@ -4,12 +4,12 @@
 #include <cstring>
 #include <memory>
 
-#include "dicomdir/record_classes.h"
+#include "dicomdir/object_classes.h"
 #include "pgkit/accessors.h"
 
 namespace {
 
-using namespace pgkit_test::record_classes;
+using namespace pgkit_test::object_classes;
 
 struct TextGetter {
     int32_t kind;

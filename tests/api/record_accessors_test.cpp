@@ -6,12 +6,12 @@
 #include <ostream>
 #include <string>
 
-#include "dicomdir/record_classes.h"
+#include "dicomdir/object_classes.h"
 #include "pgkit/accessors.h"
 
 namespace {
 
-using namespace pgkit_test::record_classes;
+using namespace pgkit_test::object_classes;
 
 // A getter and the field that it reads.
 struct TextAccessor {

@@ -118,7 +118,7 @@ TEST(LargeOutput, WantedPositionsAreRecordedInFull) {
     positions.Want(offset);
     positions.Want(item);
     FailingSink sink(FailingSink::kUnlimited, 0x1'0000'0000);
-    EXPECT_EQ(EncodeNode(*root, kExplicitLittle, sink, &positions), pgkit::kWritten);
+    EXPECT_EQ(EncodeNode(*root, kExplicitLittle, sink, {.positions = &positions}), pgkit::kWritten);
     EXPECT_EQ(positions.Find(offset), 0x1'0000'0008);
     EXPECT_EQ(positions.Find(item), 0x1'0000'0000 + 12 + 12 + 8);
     EXPECT_EQ(positions.Find(root.get()), std::nullopt);

@@ -6,7 +6,9 @@
 #include "codec/encoded.h"
 #include "support/save_modes.h"
 #include "support/stream_builder.h"
+#include "support/temp_dir.h"
 #include "support/tree.h"
+#include "support/tree_comparison.h"
 #include "support/write_results.h"
 
 namespace {
@@ -69,6 +71,18 @@ TEST_F(EncodedSequence, OfAnEmptyKindAreAHeaderAndTheirDelimiter) {
               StreamBuilder().Sequence(0x0008, 0x1140, 0).Data());
     EXPECT_EQ(pgkit_test::Encode(*root, kExplicitLittle | PG_UNDEFINED_LENGTHS).bytes,
               StreamBuilder().Sequence(0x0008, 0x1140).EndSequence().Data());
+}
+
+// Such files were saved with result 0 and could not be opened.
+TEST_F(EncodedSequence, OfTheFileMetaInformationHaveNoDelimiters) {
+    const TempDir directory;
+    const std::string path = directory.Path("file");
+    root_->AddPart10Elements(nullptr);
+    root_->InsertNode(0x0002, 0xFF00, nullptr, 0)->valueRep = VR_SQ;
+    ASSERT_EQ(root_->SaveDataSetAsEx(path.c_str(), kPart10Explicit | PG_UNDEFINED_LENGTHS), 0u);
+    const DataSet reread(pgOpenDataSetFile(path.c_str(), kLoadAll));
+    ASSERT_NE(reread, nullptr);
+    EXPECT_EQ(FirstDifference(*root_, *reread), "");
 }
 
 TEST_F(EncodedSequence, AreDelimitedWhereverALengthIsUndefined) {

@@ -25,7 +25,7 @@ class NumberedList {
         for (const int32_t number : numbers)
             list_.AddTail(new Numbered{number});
     }
-    ~NumberedList() { pgkit::DestroyRecords<Numbered>(list_); }
+    ~NumberedList() { pgkit::DestroyObjects<Numbered>(list_); }
 
     PGX_List& List() { return list_; }
     std::vector<const void*> Objects() const {

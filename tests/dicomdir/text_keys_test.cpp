@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "dicomdir/record_classes.h"
+#include "dicomdir/object_classes.h"
 #include "support/browsed_directory.h"
 #include "support/directory_builder.h"
 
@@ -18,7 +18,7 @@ namespace {
 using pgkit_test::BrowsedDirectory;
 using pgkit_test::DirectoryBuilder;
 using pgkit_test::DirectoryRecordSpec;
-using namespace pgkit_test::record_classes;
+using namespace pgkit_test::object_classes;
 
 enum class Blanks { Kept, Dropped };  // at both ends
 

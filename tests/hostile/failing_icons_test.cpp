@@ -122,7 +122,8 @@ TEST_F(FailingIcons, AreNoExceptionToTheirImages) {
     for (const char* name : {"NATIVE", "RLE"}) {
         const std::string path = medium_.Path(name);
         const auto make = [&](auto&& whileFailing) {
-            whileFailing([&] { EXPECT_NO_THROW(pgkit::NewImageIcon(path.c_str(), kEdge)); });
+            whileFailing(
+                [&] { EXPECT_NO_THROW(pgkit::IconMaker().Make(path.c_str(), kEdge, true)); });
         };
         SweepFailures<FailingNew>(make);
         const LinkedImaging linked;

@@ -18,6 +18,9 @@ struct Image {
 // Of the image that was loaded last.
 std::string currentFault;
 
+// How many images were loaded so far.
+int loads = 0;
+
 struct Fields {
     uint32_t headerSize = 40;
     uint32_t width = 8;
@@ -67,6 +70,7 @@ void* vwImaAllocEmptyDicomImage() { return new Image; }
 void vwImaFreeDicomImage(void* image) { delete static_cast<Image*>(image); }
 
 int32_t vwImaLoadFrom(void* image, const char* path) {
+    ++loads;
     const std::string name(path);
     currentFault = static_cast<Image*>(image)->fault = name.substr(name.find_last_of("/\\") + 1);
     return currentFault == "NOLOAD" ? 0 : -5;
@@ -80,11 +84,13 @@ uint32_t vwImaGetNumber(void* image) {
     return static_cast<Image*>(image)->fault == "FRAMES" ? 0xFFFF0008 : 0;
 }
 
-// The frame's number is the gray of all of its pixels.
+// The gray of all pixels is the frame's number or, for the files LOADS, how many images were
+// loaded.
 void* vwImaGetHDib(void* image, uint32_t frame) {
-    uint8_t pixels[8];
-    std::memset(pixels, static_cast<int>(frame), sizeof pixels);
     const std::string& fault = static_cast<Image*>(image)->fault;
+    uint8_t pixels[8];
+    std::memset(pixels, fault.starts_with("LOADS") ? loads : static_cast<int>(frame),
+                sizeof pixels);
     if (fault.starts_with("FRAME-")) return NewBroken(fault.substr(6), pixels);
     return NewBitmap({}, pixels);
 }

@@ -67,6 +67,7 @@ static void CallUids(void) {
     EXPECT(pgxGetVRPrintableName(VR_PN, text, sizeof text) == 2);
     EXPECT(pgxProfileCount() == 56);
     EXPECT(pgxProfileName(0, text, sizeof text) == strlen(text) && pgxIsProfile(text) == 1);
+    EXPECT(pgxAcceptanceText(PG_IS_A_DICOMDIR, text, sizeof text) == 18);
     int yes = 0;
     for (size_t i = 0; i < COUNT_OF(kCategories); ++i)
         yes += kCategories[i](ct);
@@ -180,6 +181,49 @@ static void CallRle(void) {
     EXPECT(pgxDecodeRle(frame, sizeof frame, 1, 1, pixels, sizeof pixels) == 1 && pixels[1] == 7);
 }
 
+/* A length, or one of the errors. */
+static int IsJsonResult(int64_t result) { return result >= PGX_JSON_SEVERAL_DATA_SETS; }
+
+static size_t TakeBytes(void* context, const void* bytes, size_t size) {
+    (void)context;
+    (void)bytes;
+    return size;
+}
+
+static size_t GiveOnce(void* context, void* bytes, size_t size) {
+    const char** const json = context;
+    const size_t length = strlen(*json) < size ? strlen(*json) : size;
+    memcpy(bytes, *json, length);
+    *json += length;
+    return length;
+}
+
+static int32_t TakeDataSet(void* context, PGX_Node* dataSet) {
+    (void)context;
+    pgCloseDataSet(dataSet);
+    return 1;
+}
+
+static void CallJson(PGX_Node* root) {
+    static const char kJson[] =
+        "{\"00100010\":{\"vr\":\"PN\",\"Value\":[{\"Alphabetic\":\"DOE\"}]}}";
+    char text[200];
+    const char* rest = kJson;
+    PgxJsonPlace place = {.size = sizeof place};
+    EXPECT(IsJsonResult(pgxWriteJson(root, NULL, TakeBytes, NULL)));
+    EXPECT(IsJsonResult(pgxGetJson(root, NULL, text, sizeof text)) && strlen(text) < sizeof text);
+    PGX_Node* const parsed = pgxParseJson(kJson, sizeof kJson - 1, NULL, &place);
+    EXPECT((parsed == NULL) == (place.error == PGX_JSON_NO_MEMORY));
+    pgCloseDataSet(parsed);
+    pgCloseDataSet(pgxReadJson(GiveOnce, &rest, NULL, NULL));
+    rest = kJson;
+    EXPECT(pgxReadJsonDataSets(GiveOnce, &rest, NULL, TakeDataSet, NULL, &place) != 0);
+    const int64_t count =
+        pgxParseJsonDataSets(kJson, sizeof kJson - 1, NULL, TakeDataSet, NULL, NULL);
+    EXPECT(count == 1 || count == PGX_JSON_NO_MEMORY);
+    EXPECT(pgxJsonErrorText(PGX_JSON_TOO_DEEP, text, sizeof text) == strlen(text));
+}
+
 static void CallPixelData(PGX_Node* root) {
     char bytes[4];
     uint32_t length = 0;
@@ -269,6 +313,7 @@ static void CallDataSets(const HostFiles* files) {
     CallGetters(root);
     CallTexts(root);
     CallBulkValues(root, files);
+    CallJson(root);
     CallPixelData(root);
     CallRle();
     CallEditing(root);

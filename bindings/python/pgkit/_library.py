@@ -145,6 +145,7 @@ _PROTOTYPES: dict[str, Any] = {
     "pgCreateDicomdirEx": (c_uint32, c_char_p, c_char_p, POINTER(DicomdirOptions), ScanCallback,
                            c_void_p),
     "pgxIsProfile": (c_int32, c_char_p),
+    "pgxAcceptanceText": (c_size_t, c_uint32, c_char_p, c_size_t),
 }
 
 # Getters of directory records: a record in, a text, a number or a list out.

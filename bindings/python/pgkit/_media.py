@@ -104,6 +104,13 @@ class AcceptanceCode(enum.IntEnum):
     NO_SERIES_INSTANCE_UID = 8
     NO_STUDY_INSTANCE_UID = 9
 
+    @property
+    def text(self) -> str:
+        """The meaning, in the words of the acceptance list file."""
+        buffer = ctypes.create_string_buffer(128)
+        lib.pgxAcceptanceText(self, buffer, len(buffer))
+        return buffer.value.decode("ascii")
+
 
 @dataclasses.dataclass(frozen=True)
 class ScannedFile:

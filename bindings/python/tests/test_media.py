@@ -126,6 +126,10 @@ class Creation(TemporaryDirectory):
                           pgkit.AcceptanceCode.NOT_DICOM_PART_10])
         self.assertTrue((self.directory / "dcmdir.lst").is_file())
 
+    def test_codes_have_texts(self):
+        self.assertEqual(pgkit.AcceptanceCode.IS_A_DICOMDIR.text, "File is a DICOMDIR")
+        self.assertEqual(len({code.text for code in pgkit.AcceptanceCode}), 10)
+
     # The DICOMDIR used to be replaced by an empty one.
     def test_nothing_accepted_leaves_the_dicomdir(self):
         pgkit.create(self.directory)

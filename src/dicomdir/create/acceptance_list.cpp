@@ -6,8 +6,10 @@
 
 #include "base/firewall.h"
 #include "base/paths.h"
-#include "dicomdir/create/dicomdir_file.h"
-#include "dicomdir/record_list.h"
+#include "base/text.h"
+#include "dicomdir/create/directory_file.h"
+#include "dicomdir/object_list.h"
+#include "pgkit/acceptance.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/directory_records.h"
 #include "platform/platform.h"
@@ -19,21 +21,30 @@ namespace {
 constexpr uint32_t kNoAcceptanceCode = 0xFFFFFFFF;
 
 // By acceptance code.
-constexpr const char* kCodeTexts[] = {"Dicom file accepted",
-                                      "Invalid filename for file",
-                                      "File is not DICOM Part 10 compliant",
-                                      "Cannot open file for reading as a dataset",
-                                      "File is a DICOMDIR",
-                                      "Profile restriction don't match file",
-                                      "SOPInstanceUID already found and registered",
-                                      "SOPInstanceUID attribute was not found",
-                                      "SeriesInstanceUID attribute was not found",
-                                      "StudyInstanceUID attribute was not found"};
+constexpr std::string_view kCodeTexts[] = {"Dicom file accepted",
+                                           "Invalid filename for file",
+                                           "File is not DICOM Part 10 compliant",
+                                           "Cannot open file for reading as a dataset",
+                                           "File is a DICOMDIR",
+                                           "Profile restriction don't match file",
+                                           "SOPInstanceUID already found and registered",
+                                           "SOPInstanceUID attribute was not found",
+                                           "SeriesInstanceUID attribute was not found",
+                                           "StudyInstanceUID attribute was not found"};
+
+// Empty for a number that is no code.
+std::string_view TextOf(uint32_t code) {
+    return code < std::size(kCodeTexts) ? kCodeTexts[code] : std::string_view();
+}
 
 std::string Header() {
     std::string text = ";*** DICOMDIR CODES SUMMARY ***\n;******************************\n";
     for (size_t code = 0; code < std::size(kCodeTexts); ++code)
-        text += "; " + std::to_string(code) + "\t" + kCodeTexts[code] + "\n";
+        text.append("; ")
+            .append(std::to_string(code))
+            .append("\t")
+            .append(kCodeTexts[code])
+            .append("\n");
     return text + "\n";
 }
 
@@ -64,10 +75,10 @@ std::string Line(uint32_t code, std::string_view path) {
 
 template <typename Use>
 void ForEachLeaf(PGX_List& patients, Use use) {
-    for (PGX_DicomDirPatientNode& patient : Records<PGX_DicomDirPatientNode>(patients)) {
-        for (PGX_DicomDirStudyNode& study : Records<PGX_DicomDirStudyNode>(patient.studies)) {
-            for (PGX_DicomDirSeriesNode& series : Records<PGX_DicomDirSeriesNode>(study.series)) {
-                for (PGX_DicomDirLeafNode& leaf : Records<PGX_DicomDirLeafNode>(series.leaves))
+    for (PGX_DicomDirPatientNode& patient : Patients(patients)) {
+        for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
+            for (PGX_DicomDirSeriesNode& series : AllSeries(study.series)) {
+                for (PGX_DicomDirLeafNode& leaf : Leaves(series.leaves))
                     use(leaf);
             }
         }
@@ -103,6 +114,7 @@ bool StartsWithPath(std::string_view text, std::string_view path) {
 }  // namespace
 
 AcceptanceList::~AcceptanceList() {
+    Close();
     // Without memory for the names the list stays as it was started.
     Guarded([this] {
         if (former_.Exists()) static_cast<void>(former_.PutInPlace());
@@ -134,12 +146,17 @@ void AcceptanceList::StartInPlace() {
 
 void AcceptanceList::Append(uint32_t code, std::string_view fullPath) {
     if (code == kNoAcceptanceCode || isSkipped_) return;
-    const platform::FileHandle stream(platform::AppendText(Path().c_str()));
-    if (stream == nullptr) return;
-    const uint64_t size = platform::StreamSize(stream.get());
-    if (!WriteText(stream.get(), Line(code, RelativePath(fullPath)))) {
-        platform::CutTo(stream.get(), size);
-    }
+    const std::string line = Line(code, RelativePath(fullPath));
+    if (lines_ == nullptr) lines_.reset(platform::AppendText(Path().c_str()));
+    if (lines_ == nullptr) return;
+    const uint64_t size = platform::StreamSize(lines_.get());
+    if (!WriteText(lines_.get(), line)) platform::CutTo(lines_.get(), size);
+    if (!staysOpen_) lines_ = nullptr;
+}
+
+void AcceptanceList::Close() {
+    lines_ = nullptr;
+    staysOpen_ = false;
 }
 
 void AcceptanceList::AppendAccepted(PGX_List& patients) {
@@ -165,9 +182,13 @@ void AcceptanceList::AppendAccepted(PGX_List& patients) {
 void AcceptanceList::Keep() { former_.Discard(); }
 
 std::string_view AcceptanceList::RelativePath(std::string_view fullPath) const {
-    if (!StartsWithPath(fullPath, directory_)) return fullPath;
-    const std::string_view rest = fullPath.substr(directory_.size());
+    if (!StartsWithPath(fullPath, folder_)) return fullPath;
+    const std::string_view rest = fullPath.substr(folder_.size());
     return !rest.empty() && IsSeparator(rest.front()) ? rest.substr(1) : fullPath;
 }
 
 }  // namespace pgkit
+
+size_t pgxAcceptanceText(uint32_t code, char* buffer, size_t size) {
+    return pgkit::Guarded([=] { return pgkit::CopyBounded(buffer, size, pgkit::TextOf(code)); });
+}

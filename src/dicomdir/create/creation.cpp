@@ -1,42 +1,58 @@
-// Creation in one call: a directory is scanned, and gets its DICOMDIR.
-#include "base/firewall.h"
-#include "codec/write_result.h"
-#include "dicomdir/create/creation_options.h"
-#include "dicomdir/create/dicomdir_build.h"
-#include "dicomdir/create/dicomdir_file.h"
-#include "dicomdir/create/disk_scan.h"
-#include "dicomdir/create/own_patients.h"
-#include "pgkit/dicomdir_creation.h"
+#include "dicomdir/create/creation.h"
+
+#include <utility>
+
+#include "dicomdir/create/directory_build.h"
+#include "dicomdir/create/folder_scan.h"
+#include "dicomdir/create/generated_values.h"
 
 namespace pgkit {
 
 namespace {
 
-uint32_t Create(const char* directory, const char* profile, const PgDicomdirOptions* options,
-                PgDicomdirScanCallback callback, void* userData) {
-    if (directory == nullptr) return kCannotCreate;
-    DicomdirFile(WithoutTrailingBackslash(directory)).RemoveStrays();
-    DiskScan scan(directory, profile, options);
-    const OwnPatients patients = NewPatients();
-    scan.Run(*patients, callback, userData);
-    return BuildDicomdir(
-        *patients, {scan.Directory(), FileSetIdOf(scan.Options()),
-                    scan.Options().storeFileSize != 0, MayBeEmpty(scan.Options()), scan.List()});
+bool Has(const PgDicomdirOptions& options, PgDicomdirFlags flag) {
+    return (options.flags & static_cast<uint32_t>(flag)) != 0;
+}
+
+// The field is as long as its text may be: the terminating zero may be missing.
+std::string_view FileSetIdOf(const PgDicomdirOptions& options) {
+    const std::string_view field(options.fileSetId, sizeof options.fileSetId);
+    return field.substr(0, field.find('\0'));
 }
 
 }  // namespace
 
+Creation::Creation(std::string folder, std::string_view profile, const PgDicomdirOptions* options,
+                   PGX_List& patients)
+    : folder_(std::move(folder)),
+      options_(options != nullptr ? *options : PgDicomdirOptions{}),
+      list_(folder_),
+      patients_(patients) {
+    builder_.emplace(patients_, std::string(profile), options_, List());
+}
+
+void Creation::StartList() {
+    if (List() != nullptr) list_.Start();
+}
+
+void Creation::Scan(PgDicomdirScanCallback callback, void* userData) {
+    if (callback == nullptr) list_.StayOpen();
+    FolderScan(folder_, *builder_, callback, userData)
+        .Run(!Has(options_, PG_DICOMDIR_NO_RECURSION));
+    list_.Close();
+    builder_.reset();
+    if (options_.fillMissingKeys != 0) FillMissingKeys(patients_);
+}
+
+uint32_t Creation::Build() {
+    builder_.reset();
+    return BuildDirectoryFile(patients_, {.folder = folder_,
+                                          .fileSetId = FileSetIdOf(options_),
+                                          .wantsFileSizes = options_.storeFileSize != 0,
+                                          .mayBeEmpty = !Has(options_, PG_DICOMDIR_NEVER_EMPTY),
+                                          .list = List()});
+}
+
+AcceptanceList* Creation::List() { return Has(options_, PG_DICOMDIR_NO_LIST) ? nullptr : &list_; }
+
 }  // namespace pgkit
-
-uint32_t pgCreateDicomdir(const char* directory, const char* profile,
-                          PgDicomdirScanCallback callback, void* userData) {
-    return pgCreateDicomdirEx(directory, profile, nullptr, callback, userData);
-}
-
-uint32_t pgCreateDicomdirEx(const char* directory, const char* profile,
-                            const PgDicomdirOptions* options, PgDicomdirScanCallback callback,
-                            void* userData) {
-    return pgkit::Guarded(
-        [=] { return pgkit::Create(directory, profile, options, callback, userData); },
-        pgkit::kOutOfMemory);
-}

@@ -5,9 +5,9 @@
 
 #include "base/text.h"
 #include "codec/open.h"
-#include "dicomdir/class_uids.h"
-#include "dicomdir/create/dicomdir_file.h"
-#include "dicomdir/record_keys.h"
+#include "dicomdir/create/directory_file.h"
+#include "dicomdir/elements.h"
+#include "dicomdir/leaf_kinds.h"
 #include "pgkit/directory_records.h"
 
 namespace pgkit {
@@ -18,7 +18,6 @@ namespace {
 constexpr uint32_t kLoadLimit = 64;
 
 // The Media Storage Directory class and those of its kind.
-
 bool IsDirectoryClass(std::string_view uid) { return uid.starts_with(kMediaStorageDirectory); }
 
 PgAcceptanceCode Open(const char* path, bool skipChecks, OpenedDataSet& dataSet) {
@@ -37,8 +36,8 @@ PgAcceptanceCode Open(const char* path, bool skipChecks, OpenedDataSet& dataSet)
 // mistake: a caller who wants every file has the data set's own class instead.
 void ReadSopClass(PGX_Node& dataSet, bool skipChecks, char (&sopClass)[65]) {
     char own[65];
-    ReadTrimmedKey(dataSet, {0x0002, 0x0002}, sopClass);
-    ReadTrimmedKey(dataSet, {0x0008, 0x0016}, own);
+    ReadTrimmedText(dataSet, tags::kMediaStorageSopClassUid, sopClass);
+    ReadTrimmedText(dataSet, tags::kSopClassUid, own);
     const bool isMistaken = skipChecks && IsDirectoryClass(sopClass) && own[0] != '\0';
     if (sopClass[0] == '\0' || isMistaken) CopyToField(sopClass, own);
 }
@@ -49,10 +48,10 @@ PgAcceptanceCode ReadIdentifiers(bool skipChecks, Candidate& candidate) {
     ReadSopClass(dataSet, skipChecks, candidate.sopClassUid);
     if (candidate.sopClassUid[0] == '\0') return PG_NOT_A_DATA_SET;
     if (IsDirectoryClass(candidate.sopClassUid)) return PG_IS_A_DICOMDIR;
-    ReadTrimmedKey(dataSet, {0x0008, 0x0018}, candidate.instanceUid);
-    ReadTrimmedKey(dataSet, {0x0020, 0x000D}, candidate.studyInstanceUid);
-    ReadTrimmedKey(dataSet, {0x0020, 0x000E}, candidate.seriesInstanceUid);
-    ReadTrimmedKey(dataSet, {0x0002, 0x0010}, candidate.transferSyntaxUid);
+    ReadTrimmedText(dataSet, tags::kSopInstanceUid, candidate.instanceUid);
+    ReadTrimmedText(dataSet, tags::kStudyInstanceUid, candidate.studyInstanceUid);
+    ReadTrimmedText(dataSet, tags::kSeriesInstanceUid, candidate.seriesInstanceUid);
+    ReadTrimmedText(dataSet, tags::kTransferSyntaxUid, candidate.transferSyntaxUid);
     if (candidate.instanceUid[0] == '\0') return PG_NO_SOP_INSTANCE_UID;
     if (candidate.studyInstanceUid[0] == '\0') return PG_NO_STUDY_INSTANCE_UID;
     if (candidate.seriesInstanceUid[0] == '\0') return PG_NO_SERIES_INSTANCE_UID;
@@ -62,8 +61,9 @@ PgAcceptanceCode ReadIdentifiers(bool skipChecks, Candidate& candidate) {
 bool IsAllowed(const Candidate& candidate, const char* profile) {
     char photometricInterpretation[17];
     char modality[17];
-    ReadKey(*candidate.dataSet, {0x0028, 0x0004}, photometricInterpretation, "no Photo. info");
-    ReadKey(*candidate.dataSet, {0x0008, 0x0060}, modality);
+    ReadText(*candidate.dataSet, tags::kPhotometricInterpretation, photometricInterpretation,
+             "no Photo. info");
+    ReadText(*candidate.dataSet, tags::kModality, modality);
     return pgDirAcceptDataset2(candidate.transferSyntaxUid, candidate.sopClassUid,
                                photometricInterpretation, modality, profile) != 0;
 }

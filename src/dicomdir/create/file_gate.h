@@ -1,4 +1,4 @@
-// The gate that every file passes before it becomes a record: a readable data set with the
+// The gate that every file passes before it joins a hierarchy: a readable data set with the
 // identifiers of the hierarchy, no DICOMDIR itself, and allowed by the profile.
 #pragma once
 
@@ -17,7 +17,7 @@ struct CloseOpened {
 using OpenedDataSet = std::unique_ptr<PGX_Node, CloseOpened>;
 
 struct FileToAdd {
-    const char* referencedName;  // its path relative to the directory of the DICOMDIR
+    const char* referencedName;  // its path relative to the folder of the directory file
     const char* fullPath;
 };
 
@@ -31,7 +31,7 @@ struct Candidate {
     char transferSyntaxUid[65] = {};
 };
 
-// The file is opened once and read through once. Of a file that is refused nothing stays open.
+// The file is opened once and read through once. A file that is refused does not stay open.
 PgAcceptanceCode PassFileGate(const FileToAdd& file, const char* profile, bool skipChecks,
                               Candidate& candidate);
 

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "pgkit/list.h"
+
 namespace pgkit {
 
 // "YYYYMMDD" and "HHMMSS", local.
@@ -16,5 +18,9 @@ std::string NewDicomdirUid();
 std::string NewPatientId();
 std::string NewStudyId();
 std::string NewSeriesNumber();
+
+// Completes a hierarchy in which readers would miss keys: every patient gets an ID, every study an
+// ID, a date and a time, every series a number, where they are empty.
+void FillMissingKeys(PGX_List& patients);
 
 }  // namespace pgkit

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "bitmap/received_bitmap.h"
-#include "dicomdir/create/element_insertion.h"
+#include "dicomdir/elements.h"
 #include "dicomdir/record_copy.h"
 
 namespace pgkit {
@@ -59,15 +59,15 @@ bool HasColourIndexes(const BitmapHeader& header) {
 NodeTree NewItem(const BitmapHeader& header, const std::vector<uint8_t>& pixels) {
     NodeTree item(pgAllocateDataSetNode());
     if (item == nullptr) return nullptr;
-    PutText(*item, 0x0028, 0x0004, "MONOCHROME2");
-    PutNumber<uint16_t>(*item, 0x0028, 0x0002, 1);
-    PutNumber<uint16_t>(*item, 0x0028, 0x0100, 8);
-    PutNumber<uint16_t>(*item, 0x0028, 0x0101, 8);
-    PutNumber<uint16_t>(*item, 0x0028, 0x0102, 7);
-    PutNumber<uint16_t>(*item, 0x0028, 0x0103, 0);
-    PutNumber(*item, 0x0028, 0x0010, static_cast<uint16_t>(header.height));
-    PutNumber(*item, 0x0028, 0x0011, static_cast<uint16_t>(header.width));
-    PutBytes(*item, 0x7FE0, 0x0010, pixels.data(), static_cast<uint32_t>(pixels.size()));
+    PutText(*item, tags::kPhotometricInterpretation, "MONOCHROME2");
+    PutNumber<uint16_t>(*item, tags::kSamplesPerPixel, 1);
+    PutNumber<uint16_t>(*item, tags::kBitsAllocated, 8);
+    PutNumber<uint16_t>(*item, tags::kBitsStored, 8);
+    PutNumber<uint16_t>(*item, tags::kHighBit, 7);
+    PutNumber<uint16_t>(*item, tags::kPixelRepresentation, 0);
+    PutNumber(*item, tags::kRows, static_cast<uint16_t>(header.height));
+    PutNumber(*item, tags::kColumns, static_cast<uint16_t>(header.width));
+    PutBytes(*item, tags::kPixelData, pixels.data(), static_cast<uint32_t>(pixels.size()));
     return item;
 }
 

@@ -4,7 +4,7 @@
 #include <new>
 
 #include "bitmap/received_bitmap.h"
-#include "dicomdir/create/imaging_module.h"
+#include "platform/loaded_module.h"
 
 namespace pgkit {
 
@@ -13,21 +13,21 @@ namespace {
 constexpr uint32_t kLongestEdge = 256;
 
 // An image of the module.
-class LoadedImage {
+class OpenedImage {
   public:
-    LoadedImage(const ImagingModule& module, const char* path)
+    OpenedImage(const ImagingModule& module, const char* path)
         : module_(module), image_(module.allocateImage()) {
-        isLoaded_ = image_ != nullptr && module.load(image_, path) != 0;
+        isOpen_ = image_ != nullptr && module.openImage(image_, path) != 0;
     }
-    ~LoadedImage() {
+    ~OpenedImage() {
         if (image_ != nullptr) module_.freeImage(image_);
     }
-    LoadedImage(const LoadedImage&) = delete;
-    LoadedImage& operator=(const LoadedImage&) = delete;
+    OpenedImage(const OpenedImage&) = delete;
+    OpenedImage& operator=(const OpenedImage&) = delete;
 
-    // One that stands for all; nothing for an image in colours.
+    // One that stands for all; none of an image in colours.
     BitmapHandle TypicalFrame() const {
-        if (!isLoaded_ || module_.isGrayscale(image_) == 0) return nullptr;
+        if (!isOpen_ || module_.isGrayscale(image_) == 0) return nullptr;
         const auto frameCount = static_cast<uint16_t>(module_.countFrames(image_));
         return BitmapHandle(module_.newFrameBitmap(image_, frameCount / 3u));
     }
@@ -35,7 +35,7 @@ class LoadedImage {
   private:
     const ImagingModule& module_;
     void* image_;
-    bool isLoaded_;
+    bool isOpen_;
 };
 
 // By this factor the longer side becomes the edge; the module rounds the other one to the nearest
@@ -54,23 +54,53 @@ BitmapHandle ZoomedToFit(const ImagingModule& module, void* bitmap, uint32_t edg
     return BitmapHandle(zoom > 0 ? module.newZoomedBitmap(bitmap, zoom) : nullptr);
 }
 
-BitmapHandle NewIconOfModule(const char* path, uint32_t edge) {
-    const ImagingModule module;
-    if (!module.IsUsable()) return nullptr;
-    const LoadedImage image(module, path);
+ImageIcons IconsOf(const ImagingModule& module, const char* path, uint32_t edge,
+                   bool wantsSeriesIcon) {
+    const OpenedImage image(module, path);
     const BitmapHandle frame = image.TypicalFrame();
-    return frame == nullptr ? nullptr : ZoomedToFit(module, frame.get(), edge);
+    ImageIcons icons;
+    if (frame == nullptr) return icons;
+    icons.ofImage = ZoomedToFit(module, frame.get(), edge);
+    if (wantsSeriesIcon && icons.ofImage != nullptr) {
+        icons.ofSeries = ZoomedToFit(module, frame.get(), edge);
+    }
+    return icons;
 }
 
 }  // namespace
 
-BitmapHandle NewImageIcon(const char* path, uint32_t edge) {
-    if (edge == 0 || edge > kLongestEdge) return nullptr;
+ImagingModule::ImagingModule()
+    : module_(platform::OpenModule("pgview32")),
+      allocateImage(Find<decltype(vwImaAllocEmptyDicomImage)>("vwImaAllocEmptyDicomImage")),
+      freeImage(Find<decltype(vwImaFreeDicomImage)>("vwImaFreeDicomImage")),
+      openImage(Find<decltype(vwImaLoadFrom)>("vwImaLoadFrom")),
+      isGrayscale(Find<decltype(vwImaIsGrayscaleImage)>("vwImaIsGrayscaleImage")),
+      countFrames(Find<decltype(vwImaGetNumber)>("vwImaGetNumber")),
+      newFrameBitmap(Find<decltype(vwImaGetHDib)>("vwImaGetHDib")),
+      newZoomedBitmap(Find<decltype(vwDuplicateZoomDib)>("vwDuplicateZoomDib")) {}
+
+ImagingModule::~ImagingModule() { platform::CloseModule(module_); }
+
+bool ImagingModule::IsUsable() const {
+    return allocateImage != nullptr && freeImage != nullptr && openImage != nullptr &&
+           isGrayscale != nullptr && countFrames != nullptr && newFrameBitmap != nullptr &&
+           newZoomedBitmap != nullptr;
+}
+
+template <typename Function>
+Function* ImagingModule::Find(const char* name) const {
+    return reinterpret_cast<Function*>(platform::FindFunction(module_, name));
+}
+
+ImageIcons IconMaker::Make(const char* path, uint32_t edge, bool wantsSeriesIcon) {
+    if (edge == 0 || edge > kLongestEdge) return {};
     try {
-        return NewIconOfModule(path, edge);
+        if (!module_) module_.emplace();
+        if (!module_->IsUsable()) return {};
+        return IconsOf(*module_, path, edge, wantsSeriesIcon);
     } catch (const std::bad_alloc&) {
         // The image needs no icon to be accepted.
-        return nullptr;
+        return {};
     }
 }
 

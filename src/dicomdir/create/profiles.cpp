@@ -1,11 +1,55 @@
-#include "dicomdir/create/profiles.h"
+// The built-in media application profiles: their names, and which kinds of files a medium of each
+// may carry.
+#include "pgkit/profiles.h"
 
 #include <algorithm>
 #include <iterator>
+#include <span>
+#include <string_view>
+
+#include "base/firewall.h"
+#include "base/text.h"
+#include "pgkit/dicomdir_creation.h"
+#include "sopclass/sop_class_tables.h"
 
 namespace pgkit {
 
 namespace {
+
+// ---- Tables -------------------------------------------------------------------------------------
+
+// The distinct rule lists; profiles share them.
+enum class RuleList : uint8_t {
+    None,
+    XaBcImage,
+    Xa1kImage,
+    Xa1kNonImage,
+    UsSingleFrameImage,
+    UsMultiFrameImage,
+    UsPhotometric,
+    CtMrImage,
+    CtMrPhotometric,
+    GeneralImage,
+    GeneralNonImage,
+    JpegImage,
+    Jpeg2000Image,
+    Mpeg2Image,
+    DentalImage
+};
+
+struct ProfileRule {
+    RuleList list;
+    std::string_view match;     // a SOP class, or a photometric interpretation; "*" is any
+    std::string_view modality;  // empty is any
+    std::string_view transferSyntax;
+};
+
+struct Profile {
+    std::string_view name;
+    RuleList image;
+    RuleList photometric;
+    RuleList nonImage;
+};
 
 using enum RuleList;
 
@@ -28,10 +72,7 @@ constexpr Profile kProfiles[] = {
 };
 static_assert(std::size(kProfiles) == 56);
 
-}  // namespace
-
-std::span<const Profile> Profiles() { return kProfiles; }
-
+// Null when there is no profile of exactly this name.
 const Profile* FindProfile(std::string_view name) {
     for (const Profile& profile : kProfiles) {
         if (profile.name == name) return &profile;
@@ -39,6 +80,7 @@ const Profile* FindProfile(std::string_view name) {
     return nullptr;
 }
 
+// The rules of a list in order; none for RuleList::None.
 std::span<const ProfileRule> RulesOf(RuleList list) {
     const auto [first, last] = std::equal_range(
         std::begin(kRules), std::end(kRules), ProfileRule{list, {}, {}, {}},
@@ -46,4 +88,111 @@ std::span<const ProfileRule> RulesOf(RuleList list) {
     return {first, last};
 }
 
+// Empty for an index that is none.
+std::string_view NameOf(int32_t index) {
+    const bool isOne = index >= 0 && static_cast<size_t>(index) < std::size(kProfiles);
+    return isOne ? kProfiles[static_cast<size_t>(index)].name : std::string_view();
+}
+
+// ---- Acceptance ---------------------------------------------------------------------------------
+
+constexpr std::string_view kAny = "*";
+
+// What the profile test knows of a data set.
+struct DataSetTraits {
+    std::string_view transferSyntax;
+    std::string_view sopClass;
+    std::string_view photometricInterpretation;
+    std::string_view modality;
+};
+
+// Values are stored with the blank that makes their length even.
+bool EqualsTrimmed(std::string_view a, std::string_view b) {
+    return TrimBlanks(a) == TrimBlanks(b);
+}
+
+bool Matches(std::string_view column, std::string_view value) {
+    return column == kAny || EqualsTrimmed(column, value);
+}
+
+bool IsModalityFree(const ProfileRule& rule) {
+    return rule.modality.empty() || rule.modality == kAny;
+}
+
+bool MatchesObject(const ProfileRule& rule, const DataSetTraits& traits) {
+    return Matches(rule.match, traits.sopClass) &&
+           Matches(rule.transferSyntax, traits.transferSyntax);
+}
+
+// Here an unknown modality is a modality of its own, which fits no rule that names one.
+bool AcceptsNonImage(const ProfileRule& rule, const DataSetTraits& traits) {
+    return MatchesObject(rule, traits) &&
+           (IsModalityFree(rule) || EqualsTrimmed(rule.modality, traits.modality));
+}
+
+bool AcceptsImage(const ProfileRule& rule, const DataSetTraits& traits) {
+    return MatchesObject(rule, traits) && (IsModalityFree(rule) || traits.modality.empty() ||
+                                           EqualsTrimmed(rule.modality, traits.modality));
+}
+
+bool AcceptsPhotometricInterpretation(const Profile& profile, const DataSetTraits& traits) {
+    if (profile.photometric == RuleList::None) return true;
+    return std::ranges::any_of(RulesOf(profile.photometric), [&](const ProfileRule& rule) {
+        return Matches(rule.match, traits.photometricInterpretation) &&
+               Matches(rule.transferSyntax, traits.transferSyntax);
+    });
+}
+
+bool Accepts(const Profile& profile, bool isImage, const DataSetTraits& traits) {
+    if (!isImage) {
+        return std::ranges::any_of(RulesOf(profile.nonImage), [&](const ProfileRule& rule) {
+            return AcceptsNonImage(rule, traits);
+        });
+    }
+    return std::ranges::any_of(
+               RulesOf(profile.image),
+               [&](const ProfileRule& rule) { return AcceptsImage(rule, traits); }) &&
+           AcceptsPhotometricInterpretation(profile, traits);
+}
+
+int32_t AcceptsDataSet(const DataSetTraits& traits, std::string_view profile) {
+    if (profile.empty()) return 1;
+    const Profile* found = FindProfile(profile);
+    if (found == nullptr) return 0;
+    return Accepts(*found, IsInCategory(traits.sopClass, SopCategory::Image), traits) ? 1 : 0;
+}
+
+}  // namespace
+
 }  // namespace pgkit
+
+using pgkit::Guarded;
+using pgkit::OrEmpty;
+
+int32_t pgDirAcceptDataset(const char* transferSyntaxUid, const char* sopClassUid,
+                           const char* photometricInterpretation, const char* profile) {
+    return pgDirAcceptDataset2(transferSyntaxUid, sopClassUid, photometricInterpretation, nullptr,
+                               profile);
+}
+
+int32_t pgDirAcceptDataset2(const char* transferSyntaxUid, const char* sopClassUid,
+                            const char* photometricInterpretation, const char* modality,
+                            const char* profile) {
+    return Guarded([=] {
+        return pgkit::AcceptsDataSet({OrEmpty(transferSyntaxUid), OrEmpty(sopClassUid),
+                                      OrEmpty(photometricInterpretation), OrEmpty(modality)},
+                                     OrEmpty(profile));
+    });
+}
+
+int32_t pgxProfileCount(void) {
+    return Guarded([] { return static_cast<int32_t>(std::size(pgkit::kProfiles)); });
+}
+
+size_t pgxProfileName(int32_t index, char* buffer, size_t size) {
+    return Guarded([=] { return pgkit::CopyBounded(buffer, size, pgkit::NameOf(index)); });
+}
+
+int32_t pgxIsProfile(const char* name) {
+    return Guarded([=] { return pgkit::FindProfile(OrEmpty(name)) != nullptr ? 1 : 0; });
+}

@@ -109,6 +109,27 @@ TEST(AcceptanceListFile, ShowsALineAtOnce) {
     EXPECT_EQ(ListIn(directory), "2\tREADME\n");
 }
 
+TEST(AcceptanceListFile, ShowsALineAtOnceAlsoWhileItStaysOpen) {
+    const TempDir directory;
+    AcceptanceList list(directory.Path("."));
+    list.StayOpen();
+    list.Append(2, "README");
+    EXPECT_EQ(ListIn(directory), "2\tREADME\n");
+    list.Append(4, "DICOMDIR");
+    EXPECT_EQ(ListIn(directory), "2\tREADME\n4\tDICOMDIR\n");
+}
+
+TEST(AcceptanceListFile, IsAnotherFileWhenItIsTakenAwayAfterItWasClosed) {
+    const TempDir directory;
+    AcceptanceList list(directory.Path("."));
+    list.StayOpen();
+    list.Append(2, "README");
+    list.Close();
+    std::filesystem::remove(directory.Path("dcmdir.lst"));
+    list.Append(4, "DICOMDIR");
+    EXPECT_EQ(ListIn(directory), "4\tDICOMDIR\n");
+}
+
 TEST(AcceptanceListFile, HasNoLineForTheCodeThatMeansNoFile) {
     const TempDir directory;
     AcceptanceList list(directory.Path("."));

@@ -6,27 +6,27 @@
 #include <memory>
 #include <string>
 
-#include "dicomdir/create/record_builder.h"
+#include "dicomdir/create/hierarchy_builder.h"
 #include "pgkit/patient_list.h"
 #include "support/instance_file.h"
 
 namespace pgkit_test {
 
-class RecordBuilding : public testing::Test {
+class HierarchyBuilding : public testing::Test {
   protected:
-    ~RecordBuilding() override { pgEmptyPatientList(&patients_); }
+    ~HierarchyBuilding() override { pgEmptyPatientList(&patients_); }
 
-    pgkit::RecordBuilder& Builder() {
+    pgkit::HierarchyBuilder& Builder() {
         if (builder_ == nullptr) {
-            builder_ = std::make_unique<pgkit::RecordBuilder>(patients_, profile_, options_,
-                                                              refusals_.get());
+            builder_ = std::make_unique<pgkit::HierarchyBuilder>(patients_, profile_, options_,
+                                                                 refusals_.get());
         }
         return *builder_;
     }
     // Later files are added by a new builder, as by a new operation.
     void StartAnew() { builder_ = nullptr; }
 
-    pgkit::AddedRecords Add(const InstanceFile& file, const std::string& name = "FILE") {
+    pgkit::AddedObjects Add(const InstanceFile& file, const std::string& name = "FILE") {
         const std::string path = directory_.Write(name, file.Data());
         return Builder().Add({name.c_str(), path.c_str()});
     }
@@ -43,7 +43,7 @@ class RecordBuilding : public testing::Test {
     std::unique_ptr<pgkit::AcceptanceList> refusals_;
 
   private:
-    std::unique_ptr<pgkit::RecordBuilder> builder_;
+    std::unique_ptr<pgkit::HierarchyBuilder> builder_;
     int instances_ = 0;
 };
 

@@ -173,6 +173,19 @@ TEST_F(ImagingModule, IsAskedForAThirdOfTheLow16BitsOfTheFrames) {
     EXPECT_EQ(IconPixels(ImageRecord(Create().get(), "FRAMES")), Bytes(8, 2));
 }
 
+// Used to be loaded, and the image opened, for each icon.
+TEST_F(ImagingModule, OpensAnImageOnceForItsIconAndThatOfItsSeries) {
+    Install(PGKIT_TEST_BROKEN_IMAGING);
+    medium_.Write("LOADS1", Image(1));
+    medium_.Write("LOADS2", Image(2));
+    const DataSet root = Create();
+    PGX_Node* const series = RecordsOf(root.get()).at(2);
+    ASSERT_EQ(TextOf(Child(series, 0x0004, 0x1430)), "SERIES");
+    EXPECT_EQ(IconPixels(ImageRecord(root.get(), "LOADS1")), Bytes(8, 1));
+    EXPECT_EQ(IconPixels(series), Bytes(8, 1));
+    EXPECT_EQ(IconPixels(ImageRecord(root.get(), "LOADS2")), Bytes(8, 2));
+}
+
 // Used to be the ratio of the heights, of which the icon's was rounded down.
 TEST_F(ImagingModule, IsGivenTheRatioOfTheEdgeAndTheLongerSide) {
     Install(PGKIT_TEST_BROKEN_IMAGING);
