@@ -14,6 +14,7 @@ from ._dictionary import (element_name, find_tag, generate_uid, is_valid_uid, ke
 from ._element import Element, MultiValue
 from ._errors import (ClosedError, CreateError, PgkitError, SaveError, TruncatedWarning,
                       UnknownProfileError)
+from ._json import JsonError, from_json
 from ._library import library_path, library_version
 from ._media import (AcceptanceCode, Leaf, LeafType, Patient, ScannedFile, Series, Study, browse,
                      create)
@@ -26,10 +27,10 @@ from ._sequence import Sequence
 __version__ = "2.86.5"
 
 __all__ = [
-    "AcceptanceCode", "Certainty", "ClosedError", "CreateError", "DataSet", "Element", "Item", "Leaf",
+    "AcceptanceCode", "Certainty", "ClosedError", "CreateError", "DataSet", "Element", "Item", "JsonError", "Leaf",
     "LeafType", "MultiValue", "OpenReport", "OpenResult", "Patient", "PersonName", "PgkitError", "Row", "SaveError", "Scan", "ScannedFile",
     "Sequence", "Series", "Study", "TruncatedWarning", "UnknownProfileError", "__version__", "browse", "create",
-    "element_name", "find_tag", "generate_uid", "is_dicom", "is_valid_uid", "keyword",
+    "element_name", "find_tag", "from_json", "generate_uid", "is_dicom", "is_valid_uid", "keyword",
     "library_path", "library_version", "multiplicity", "new", "open", "read_values", "scan", "uid_keyword", "uid_name",
     "value_representation",
 ]

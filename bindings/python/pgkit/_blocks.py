@@ -9,7 +9,7 @@ import ctypes
 import struct
 import sys
 import threading
-from typing import Any, Callable, Dict, Iterator, Optional, Tuple
+from typing import Any, Callable, Dict, Iterator, List, Optional, Tuple
 
 from . import _values
 from ._dictionary import vr_code
@@ -135,19 +135,35 @@ _one_text: Dict[int, Callable[[str], Any]] = {
 _one_number: Dict[int, Tuple[int, Callable[[bytes], Any]]] = {
     vr_code(vr): (_values.NUMBER_SIZES[vr], decoder)
     for vr, decoder in _values.ONE_NUMBER.items()}
+_as_it_stands = frozenset(vr_code(vr) for vr in _values.LEADING_BLANKS_COUNT)
 
 
 def value_in(block: bytes, record: Record) -> Any:
     """The value of an element that has exactly one, straight from the block; None where it takes
     more to say what the value is."""
     _, _, vr, _, kind, offset, size = record
-    if kind == TEXT:
+    if kind == 1:  # TEXT
         if size:
-            text = str(block[offset : offset + size], "utf-8", "replace")
-            if "\\" not in text:
-                return _one_text[vr](text)
-    elif kind == BYTES and vr in _one_number:
-        unit, decode = _one_number[vr]
+            text = str(block[offset : offset + size], "utf-8")
+            if "\\" not in text and "\0" not in text:
+                decode = _one_text.get(vr)
+                if decode is not None:
+                    return decode(text)
+                return text if text[0] != " " or vr in _as_it_stands else text.lstrip(" ")
+    elif kind == 2 and vr in _one_number:  # BYTES
+        unit, unpack = _one_number[vr]
         if size == unit:
-            return decode(block[offset : offset + size])[0]
+            return unpack(block[offset : offset + size])[0]
     return None
+
+
+def values_in(block: bytes, record: Record, vr: str) -> List[Any]:
+    """All values of an element whose value is in the block. vr is its VR, which a data set has to
+    settle for USSS. Raises ValueError for an IS or DS that is no number."""
+    _, _, _, length, kind, offset, size = record
+    if length == 0:
+        return []
+    data = block[offset : offset + size]
+    if kind == TEXT:
+        return _values.decode_text(data.decode("utf-8", "replace"), vr)
+    return _values.decode_bytes(data, vr)

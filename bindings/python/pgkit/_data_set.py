@@ -2,10 +2,11 @@
 
 from __future__ import annotations
 
+import json
 import os
 import tempfile
 import weakref
-from typing import Any, BinaryIO, Callable, Iterator, List, Optional, Tuple, Union
+from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tuple, Union
 
 from ._blocks import SEQUENCE, count_of, records_of
 from ._copying import copy_elements, detached, equal_items, remove_element
@@ -13,6 +14,7 @@ from ._dictionary import (UNKNOWN_VR, Tag, TagLike, attributes, find_tag, tag_nu
                           value_representation, vr_code, vr_name)
 from ._element import Element, element_of, encoded_for, tag_text
 from ._errors import PgkitError
+from ._json import text_of as json_of
 from ._library import Report, StrPath, encoded_path, lib
 from ._pixels import frames_of, pixel_array
 from ._reports import OpenReport
@@ -236,6 +238,20 @@ class Item:
     def update(self, other: Item) -> None:
         """Copies all elements of another data set or item; those of the same tags are replaced."""
         copy_elements(other._level, self._level)
+
+    # ---- JSON -----------------------------------------------------------------------------------
+
+    def to_json(self, *, bulk_limit: Optional[int] = None, source_uri: str = "") -> str:
+        """DICOM JSON. Values of more than bulk_limit bytes become a BulkDataURI, the source's URI with
+        offset and length in its file; encapsulated Pixel Data always do. None: all are inline."""
+        return json_of(self, bulk_limit, source_uri)
+
+    def to_json_dict(self, *, bulk_limit: Optional[int] = None, source_uri: str = ""
+                     ) -> Dict[str, Any]:
+        """The same as a dict."""
+        found: Dict[str, Any] = json.loads(self.to_json(bulk_limit=bulk_limit,
+                                                        source_uri=source_uri))
+        return found
 
     # ---- Copies, comparison, text ---------------------------------------------------------------
 

@@ -10,7 +10,7 @@ from typing import (TYPE_CHECKING, Any, Callable, Iterable, List, NoReturn, Opti
                     Union)
 
 from . import _values
-from ._blocks import BYTES, ENCAPSULATED, SEQUENCE, TEXT, Record, value_in
+from ._blocks import BYTES, ENCAPSULATED, SEQUENCE, TEXT, Record, value_in, values_in
 from ._dictionary import Tag, element_name, keyword, vr_code, vr_name
 from ._errors import ClosedError, PgkitError
 from ._library import lib
@@ -213,10 +213,16 @@ class Element:
         list changes the element. A sequence gives a Sequence of its items. An IS or DS that is no
         number raises ValueError: ``text`` has it.
         """
-        if self._handle is not None and self._level.is_current(self._block, self._record[1]):
-            value = value_in(self._block, self._record)
+        level, block, record = self._level, self._block, self._record
+        if block is level._block and not level._stale and self._handle is not None:
+            value = value_in(block, record)
             if value is not None:
                 return value  # type: ignore[no-any-return]
+            if record[4] in (TEXT, BYTES):
+                values = values_in(block, record, level.numeric_vr(vr_name(record[2])))
+                if len(values) > 1:
+                    return MultiValue(self, values)
+                return values[0] if values else None
         if self.is_sequence:
             return self.sequence  # type: ignore[return-value]
         values = self.values

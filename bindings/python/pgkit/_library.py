@@ -59,6 +59,27 @@ class FramePiece(ctypes.Structure):
                 ("bytes", c_void_p)]
 
 
+class JsonWriteOptions(ctypes.Structure):
+    """PgxJsonWriteOptions."""
+
+    _fields_ = [("size", c_size_t), ("bulk_limit", c_uint64), ("source_uri", c_char_p),
+                ("uri", c_void_p), ("uri_context", c_void_p), ("character_set", c_void_p)]
+
+
+class JsonReadOptions(ctypes.Structure):
+    """PgxJsonReadOptions."""
+
+    _fields_ = [("size", c_size_t), ("depth_limit", c_uint32), ("size_limit", c_uint64),
+                ("bulk", c_void_p), ("bulk_context", c_void_p)]
+
+
+class JsonPlace(ctypes.Structure):
+    """PgxJsonPlace."""
+
+    _fields_ = [("size", c_size_t), ("error", c_int32), ("offset", c_uint64),
+                ("path", ctypes.c_char * 256)]
+
+
 class Report(ctypes.Structure):
     """PgxOpenReport."""
 
@@ -119,6 +140,10 @@ _PROTOTYPES: dict[str, Any] = {
     "pgxGetUtf8Value": (c_int64, c_void_p, c_void_p, c_char_p, c_size_t),
     "pgxTextFromUtf8": (c_int64, c_char_p, c_uint32, c_char_p, c_size_t, c_char_p, c_size_t),
     "pgxFieldToUtf8": (c_int64, c_char_p, c_uint32, c_char_p, c_char_p, c_size_t),
+    # JSON.
+    "pgxGetJson": (c_int64, c_void_p, POINTER(JsonWriteOptions), c_char_p, c_size_t),
+    "pgxParseJson": (c_void_p, c_char_p, c_size_t, POINTER(JsonReadOptions), POINTER(JsonPlace)),
+    "pgxJsonErrorText": (c_size_t, c_int32, c_char_p, c_size_t),
     # Dictionary and UIDs.
     "pgxUseEdition": (c_int32, c_int32),
     "pgxFindTag": (c_int32, c_char_p, POINTER(c_uint16), POINTER(c_uint16)),

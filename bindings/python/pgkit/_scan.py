@@ -8,13 +8,12 @@ import itertools
 import os
 from typing import Any, Deque, Dict, Iterable, Iterator, List, Optional, Sequence, Tuple, Union
 
-from ._blocks import BYTES, TEXT, Record, read_file_values, records_of, tag_list, value_in
+from ._blocks import BYTES, TEXT, Record, read_file_values, records_of, tag_list, value_in, values_in
 from ._dictionary import TagLike, keyword, tag_number, vr_name
 from ._errors import PgkitError
 from ._library import StrPath, encoded_path
 from ._opening import PAST_PIXEL_DATA, new_report
 from ._reports import REASONS, OpenReport, OpenResult
-from ._values import TEXTS, decode_bytes, decode_text
 
 Row = Dict[str, Any]
 
@@ -161,14 +160,11 @@ def _value(block: bytes, record: Record, is_signed: bool) -> Any:
         value = None
     if value is not None or record[4] not in (TEXT, BYTES) or record[3] == 0:
         return value
-    data = block[record[5] : record[5] + record[6]]
     vr = vr_name(record[2])
-    if vr in TEXTS:
-        text = data.decode("utf-8", "replace")
-        try:
-            values = decode_text(text, vr)
-        except ValueError:  # an IS or DS that is no number
-            return text
-    else:
-        values = decode_bytes(data, ("SS" if is_signed else "US") if vr == "USSS" else vr)
+    if vr == "USSS":
+        vr = "SS" if is_signed else "US"
+    try:
+        values = values_in(block, record, vr)
+    except ValueError:
+        return block[record[5] : record[5] + record[6]].decode("utf-8", "replace")
     return values if len(values) > 1 else values[0] if values else None

@@ -147,7 +147,7 @@ class Level:
     def block(self) -> bytes:
         """All elements as they are now."""
         if self._block is None or self._stale:
-            self._block = read_level(self.live, self._inherited())
+            self._block = read_level(self.live, self.inherited())
             self._stale.clear()
         return self._block
 
@@ -160,7 +160,7 @@ class Level:
         if block is None:
             block = self.block()
         elif self._stale and tag in self._stale:
-            block = read_values(self.live, self._inherited(), tag_list([tag]))
+            block = read_values(self.live, self.inherited(), tag_list([tag]))
         record = find(block, tag)
         return None if record is None or record[4] == ABSENT else (block, record)
 
@@ -191,7 +191,8 @@ class Level:
         """The element (0008,0005) that holds for texts here: its own, or an inherited one."""
         return character_set_of(self.block() if self._block is None else self._block)
 
-    def _inherited(self) -> Optional[int]:
+    def inherited(self) -> Optional[int]:
+        """The one that the level has from what encloses it."""
         return None if self.parent is None else self.parent.character_set()
 
     def character_set_text(self) -> bytes:

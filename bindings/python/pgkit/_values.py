@@ -66,19 +66,10 @@ _TEXT_DECODERS: Dict[str, Callable[[str], List[Any]]] = {vr: _texts_of(vr) for v
 _TEXT_DECODERS.update(IS=_numbers_of(int), DS=_numbers_of(float), PN=_names)
 
 
-def _one_number(kind: Callable[[str], Any]) -> Callable[[str], Any]:
-    def number(text: str) -> Any:
-        text = text.strip(" \0")
-        return kind(text) if text else None
-
-    return number
-
-
-# The same for a text without a backslash, straight to the only value.
-ONE_VALUE: Dict[str, Callable[[str], Any]] = {
-    vr: (lambda text: text.rstrip(" \0")) if vr in _LEADING_BLANKS_COUNT | _SINGLE_TEXTS
-    else (lambda text: text.rstrip(" \0").lstrip(" ")) for vr in TEXTS}
-ONE_VALUE.update(IS=_one_number(int), DS=_one_number(float), PN=PersonName)
+# The same for a text without a backslash and without padding at its end, straight to the only value.
+ONE_VALUE: Dict[str, Any] = {"IS": int, "DS": float, "PN": PersonName}
+# Texts that are the value as they stand, but for blanks in front of some.
+LEADING_BLANKS_COUNT = _LEADING_BLANKS_COUNT
 ONE_NUMBER: Dict[str, Callable[[bytes], Any]] = {
     vr: struct.Struct("=" + kind).unpack for vr, kind in NUMBERS.items()}
 NUMBER_SIZES: Dict[str, int] = {vr: struct.calcsize("=" + kind) for vr, kind in NUMBERS.items()}

@@ -385,6 +385,38 @@ class Sources(TemporaryDirectory):
             pgkit.is_dicom(self.directory / "missing")
 
 
+class Json(unittest.TestCase):
+    def test_json_goes_both_ways(self):
+        for path in (MR, PLAN, SR, DATA / "charset/japanese_ir87.dcm"):
+            with pgkit.open(path) as data_set:
+                made = pgkit.from_json(data_set.to_json())
+                again = pgkit.from_json(data_set.to_json_dict())
+                self.assertEqual(made.to_json_dict(), again.to_json_dict())  # 1.50 becomes 1.5
+                self.assertEqual(made.get("PatientName"), data_set.get("PatientName"))
+                self.assertEqual(made.to_json(), data_set.to_json())
+        found = data_set if not data_set.closed else pgkit.open(MR)
+        with found:
+            self.assertEqual(found.to_json_dict()["00280010"], {"vr": "US", "Value": [64]})
+            uri = found.to_json_dict(bulk_limit=1000, source_uri="http://x/1")["7FE00010"]
+            self.assertRegex(uri["BulkDataURI"], r"^http://x/1\?offset=\d+&length=8192$")
+
+    def test_items_have_their_texts(self):
+        with pgkit.new() as data_set:
+            data_set.SpecificCharacterSet = "ISO_IR 100"
+            item = data_set.insert_sequence("ReferencedImageSequence").append_item()
+            item.PatientName = "Müller"
+            self.assertEqual(item.to_json_dict()["00100010"]["Value"], [{"Alphabetic": "Müller"}])
+
+    def test_what_is_no_json_says_where(self):
+        for text in ("", "x", '{"00100010":{"vr":"PN"},"00100010":{"vr":"PN"}}',
+                     '{"00280010":{"vr":"US","Value":[70000]}}', {"x": 1}, b"\xff", "\ud800"):
+            with self.assertRaises(pgkit.JsonError) as caught:
+                pgkit.from_json(text)
+            self.assertIn("at offset", str(caught.exception))
+        with self.assertRaises(TypeError):
+            pgkit.from_json(5)
+
+
 class Texts(unittest.TestCase):
     def test_print_shows_the_data_set(self):
         with pgkit.open(PLAN) as data_set:
