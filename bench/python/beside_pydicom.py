@@ -48,11 +48,10 @@ def eight_values(opened):
 def walk_mine(path):
     with pgkit.open(path) as data_set:
         for element in data_set.walk():
-            if not element.is_encapsulated:
-                try:
-                    element.value
-                except (ValueError, pgkit.PgkitError):
-                    pass
+            try:
+                element.value
+            except (ValueError, pgkit.PgkitError):  # encapsulated Pixel Data have none
+                pass
 
 
 def walk_others(path):

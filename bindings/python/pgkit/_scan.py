@@ -11,7 +11,7 @@ from typing import Any, Deque, Dict, Iterable, Iterator, List, Optional, Sequenc
 from ._blocks import BYTES, TEXT, Record, read_file_values, records_of, tag_list, value_in, values_in
 from ._dictionary import TagLike, keyword, tag_number, vr_name
 from ._errors import PgkitError
-from ._library import StrPath, encoded_path
+from ._library import Report, StrPath, encoded_path
 from ._opening import PAST_PIXEL_DATA, new_report
 from ._reports import REASONS, OpenReport, OpenResult
 
@@ -50,7 +50,7 @@ class Scan(Iterator[Row]):
     rows. All grow while the rows are taken.
     """
 
-    def __init__(self, rows: Iterator[Tuple[str, Optional[Row], OpenReport]]) -> None:
+    def __init__(self, rows: Iterator[Tuple[str, Optional[Row], Report]]) -> None:
         self._rows = rows
         self.left_out = 0
         self.failed: List[Tuple[str, str]] = []
@@ -62,13 +62,14 @@ class Scan(Iterator[Row]):
     def __next__(self) -> Row:
         for path, row, report in self._rows:
             if row is not None:
-                if not report.is_complete:
-                    self.incomplete.append((path, str(report)))
+                if report.result != OpenResult.COMPLETE:
+                    self.incomplete.append((path, str(OpenReport.of(report))))
                 return row
             if report.result == OpenResult.NOT_A_DATA_SET:
                 self.left_out += 1
             else:
-                reason = REASONS.get(report.result, report.result.name)
+                result = OpenResult(report.result)
+                reason = REASONS.get(result, result.name)
                 self.failed.append((path, reason))
         raise StopIteration
 
@@ -115,8 +116,8 @@ def _files(paths: Iterable[StrPath]) -> Iterator[str]:
 
 
 def _read_all(paths: Iterator[str], columns: Tuple[List[str], bytes], jobs: int
-              ) -> Iterator[Tuple[str, Optional[Row], OpenReport]]:
-    def read(path: str) -> Tuple[str, Optional[Row], OpenReport]:
+              ) -> Iterator[Tuple[str, Optional[Row], Report]]:
+    def read(path: str) -> Tuple[str, Optional[Row], Report]:
         return (path, *_row(path, columns))
 
     if jobs == 1:
@@ -134,23 +135,22 @@ def _read_all(paths: Iterator[str], columns: Tuple[List[str], bytes], jobs: int
                 future.cancel()
 
 
-def _row(path: StrPath, columns: Tuple[List[str], bytes]) -> Tuple[Optional[Row], OpenReport]:
+def _row(path: StrPath, columns: Tuple[List[str], bytes]) -> Tuple[Optional[Row], Report]:
     names, tags = columns
     report = new_report()
     try:
         encoded = encoded_path(path)
     except ValueError:  # a name that no file can have
         report.result = OpenResult.CANNOT_OPEN
-        return None, OpenReport.of(report)
+        return None, report
     block = read_file_values(encoded, _FLAGS, tags, report)
-    told = OpenReport.of(report)
-    if block is None or told.result < 0:
-        return None, told
+    if block is None or report.result < 0:
+        return None, report
     records = list(records_of(block))
     is_signed = value_in(block, records[-1]) == 1
     row: Row = {"path": os.fspath(path)}
     row.update(zip(names, (_value(block, record, is_signed) for record in records)))
-    return row, told
+    return row, report
 
 
 def _value(block: bytes, record: Record, is_signed: bool) -> Any:
