@@ -2,17 +2,21 @@
 #include "pgkit/bulk_values.h"
 
 #include <array>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <memory>
 #include <span>
 #include <string_view>
 
+#include "base/byte_order.h"
 #include "base/firewall.h"
 #include "dataset/value_source.h"
+#include "dictionary/vr_properties.h"
 #include "pgkit/node.h"
 #include "pgkit/text.h"
 #include "pgkit/value_representation.h"
+#include "platform/platform.h"
 #include "text/specific_character_set.h"
 #include "text/text_decoder.h"
 #include "text/text_rules.h"
@@ -42,6 +46,35 @@ uint32_t TagOf(const PGX_Node& node) {
     if (node.nodeType == NT_DataSet) return kItemTag;
     return static_cast<uint32_t>(node.group) << 16 | node.element;
 }
+
+// The part of a tree's file that was read last: values that are still in the file stand near each
+// other, and asking the C runtime for each of them costs more than reading them.
+class FileWindow {
+  public:
+    // Whether the file holds the value as a whole. At most kShortText bytes.
+    bool Fetch(const PGX_Node& node, uint8_t* out) {
+        if (node.file == nullptr) return FetchValue(node, 0, out, node.length) == node.length;
+        const bool isInside = node.file == file_ && node.fileOffset >= begin_ &&
+                              node.fileOffset - begin_ + node.length <= size_;
+        if (!isInside) Read(node);
+        if (node.fileOffset - begin_ + node.length > size_) return false;
+        std::memcpy(out, &bytes_[node.fileOffset - begin_], node.length);
+        return true;
+    }
+
+  private:
+    void Read(const PGX_Node& node) {
+        file_ = node.file;
+        begin_ = node.fileOffset;
+        size_ =
+            platform::Seek(file_, begin_) ? std::fread(bytes_.data(), 1, bytes_.size(), file_) : 0;
+    }
+
+    FILE* file_ = nullptr;
+    uint64_t begin_ = 0;
+    uint64_t size_ = 0;
+    std::array<uint8_t, 4096> bytes_;
+};
 
 // Fills the caller's buffer, and goes on counting when it is full.
 class BlockWriter {
@@ -111,7 +144,7 @@ class BlockWriter {
         }
         // Asking how long the file is costs more than reading a short text of it.
         std::array<uint8_t, kShortText> bytes;
-        if (FetchValue(node, 0, bytes.data(), node.length) < node.length) return kNotWhole;
+        if (!window_.Fetch(node, bytes.data())) return kNotWhole;
         const std::string_view text(reinterpret_cast<const char*>(bytes.data()), node.length);
         const char* const attribute = IsPlainText(text) ? nullptr : CharacterSetText();
         return pgxTextToUtf8(attribute, node.valueRep, text.data(), text.size(), At(offset),
@@ -130,8 +163,16 @@ class BlockWriter {
         const bool isShort = node.length <= kShortText;
         if (!(hasRoom && isShort) && AvailableLength(node) < node.length) return kNotWhole;
         if (!hasRoom) return node.length;
-        std::memset(&buffer_[offset], 0, size_t{node.length} + 1);
-        return ReadValueIntoZeros(node, &buffer_[offset]) < node.length ? kNotWhole : node.length;
+        uint8_t* const bytes = &buffer_[offset];
+        bytes[node.length] = 0;
+        if (node.value != nullptr || !isShort) {
+            ReadValue(node, bytes);
+        } else if (!window_.Fetch(node, bytes)) {
+            return kNotWhole;
+        } else if (!IsHostOrder(node.endian)) {
+            SwapUnits(bytes, node.length, SwapUnit(node.valueRep));
+        }
+        return node.length;
     }
 
     size_t RoomAt(size_t offset) const {
@@ -154,6 +195,7 @@ class BlockWriter {
     size_t end_;
     size_t added_ = 0;
     std::array<char, kMaxCharacterSetText + 1> attribute_ = {};
+    FileWindow window_;
 };
 
 std::span<uint8_t> BufferOf(void* buffer, size_t size) {

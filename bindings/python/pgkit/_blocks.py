@@ -101,6 +101,8 @@ def records_of(block: bytes) -> Iterator[Record]:
 
 
 _COUNT = struct.Struct("=I")
+_count_in = _COUNT.unpack_from
+_record_at = _RECORD.unpack_from
 
 
 def count_of(block: bytes) -> int:
@@ -117,16 +119,16 @@ def character_set_of(block: bytes) -> Optional[int]:
 
 def find(block: bytes, tag: int) -> Optional[Record]:
     """The first record of a tag."""
-    (count,) = _COUNT.unpack_from(block)
+    (count,) = _count_in(block)
     end = 16 + 4 * count
-    key = tag.to_bytes(4, _BYTE_ORDER)
-    at = block.find(key, 16, end)
-    while at & 3 and at > 0:  # four bytes of two tags
-        at = block.find(key, at + 1, end)
-    if at < 0:
-        return None
+    at = block.find(tag.to_bytes(4, _BYTE_ORDER), 16, end)
+    while at & 3:
+        if at < 0:
+            return None
+        # Four bytes of two tags.
+        at = block.find(tag.to_bytes(4, _BYTE_ORDER), at + 1, end)
     # A record has eight times the size of a tag.
-    return _RECORD.unpack_from(block, ((end + 7) & ~7) + (at - 16) * 8)  # type: ignore[return-value]
+    return _record_at(block, (end + 7 & ~7) + (at - 16) * 8)  # type: ignore[return-value]
 
 
 # By the code of the VR.

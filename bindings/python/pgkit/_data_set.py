@@ -8,7 +8,7 @@ import tempfile
 import weakref
 from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tuple, Union
 
-from ._blocks import SEQUENCE, count_of, records_of
+from ._blocks import SEQUENCE, count_of, records_of, value_in
 from ._copying import copy_elements, detached, equal_items, remove_element
 from ._dictionary import (UNKNOWN_VR, Tag, TagLike, attributes, find_tag, tag_number, tag_of_attribute,
                           value_representation, vr_code, vr_name)
@@ -102,14 +102,14 @@ class Item:
         values = level.values
         if tag in values:
             return values[tag]
-        value = level.only_value(tag)
-        if value is not None:
-            values[tag] = value
-            return value
         found = level.find(tag)
         if found is None:
             raise AttributeError(f"the data set has no {name}")
-        return element_of(level, *found).value
+        value = value_in(*found)
+        if value is None:
+            return element_of(level, *found).value
+        values[tag] = value
+        return value
 
     def __setattr__(self, name: str, value: Any) -> None:
         tag = tag_of_attribute(name)

@@ -16,7 +16,7 @@ import weakref
 from typing import Any, Dict, Iterator, Optional, Set, Tuple
 
 from ._blocks import (ABSENT, Record, character_set_of, find, read_level, read_values, records_of,
-                      tag_list, value_in)
+                      tag_list)
 from ._errors import ClosedError
 from ._library import lib
 
@@ -163,17 +163,6 @@ class Level:
             block = read_values(self.live, self.inherited(), tag_list([tag]))
         record = find(block, tag)
         return None if record is None or record[4] == ABSENT else (block, record)
-
-    def only_value(self, tag: int) -> Any:
-        """The value of an element that has exactly one, on the shortest way; None where it takes
-        more to say whether there is one."""
-        block = self._block
-        if block is None:
-            block = self.block()
-        elif self._stale:
-            return None
-        record = find(block, tag)
-        return None if record is None else value_in(block, record)
 
     def find_handle(self, handle: int) -> Found:
         """The element of a node that is one of this level."""
