@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any
+from typing import TYPE_CHECKING, Any, List, Tuple
 
 from ._blocks import ENCAPSULATED, SEQUENCE
 from ._library import lib
@@ -16,11 +16,20 @@ if TYPE_CHECKING:
 
 def copy_elements(source: Level, target: Level) -> None:
     """Gives a level copies of all elements of another one; those of the same tag are replaced."""
+    # Without recursion: items may be nested deeper than calls of Python.
+    pending = [(source, target)]
+    while pending:
+        pending += _copy_level(*pending.pop())
+
+
+def _copy_level(source: Level, target: Level) -> List[Tuple[Level, Level]]:
+    """Copies the elements; the items that are still to be copied."""
     from ._data_set import item_of
     from ._element import element_of
 
     block = source.block()
     replaced = set()
+    below: List[Tuple[Level, Level]] = []
     for record in list(source.records()):
         tag = record[1]
         if tag not in replaced:  # the element may occur more than once
@@ -42,8 +51,9 @@ def copy_elements(source: Level, target: Level) -> None:
             if copy is None:
                 raise MemoryError
             lib.pgKitSeqAddTail(node, copy)
-            copy_elements(item._level, item_of(target, copy)._level)
+            below.append((item._level, item_of(target, copy)._level))
         target.changed(tag)
+    return below
 
 
 def _remove_all(level: Level, tag: int) -> None:
@@ -93,19 +103,31 @@ def detached(item: Item) -> DataSet:
 
 def equal_items(one: Item, other: Item) -> bool:
     """Whether two data sets or items have the same elements with the same values."""
-    mine, others = list(one), list(other)
-    return len(mine) == len(others) and all(map(equal_elements, mine, others))
+    pending: List[Tuple[Item, Item]] = [(one, other)]
+    while pending:
+        a, b = pending.pop()
+        mine, others = list(a), list(b)
+        if len(mine) != len(others) or not all(
+                _equal(mine[i], others[i], pending) for i in range(len(mine))):
+            return False
+    return True
 
 
 def equal_elements(one: Element, other: Element) -> bool:
     """Whether tag, value representation and value are the same."""
+    pending: List[Tuple[Item, Item]] = []
+    return _equal(one, other, pending) and all(equal_items(a, b) for a, b in pending)
+
+
+def _equal(one: Element, other: Element, pending: List[Tuple[Item, Item]]) -> bool:
+    """The same, but for items, which are put to what is still to be compared."""
     if one.tag != other.tag or one.vr != other.vr:
         return False
     kinds = one._facts()[4], other._facts()[4]
     if SEQUENCE in kinds:
         mine, others = one.items, other.items
-        return (kinds[0] == kinds[1] and len(mine) == len(others)
-                and all(map(equal_items, mine, others)))
+        pending += zip(mine, others)
+        return kinds[0] == kinds[1] and len(mine) == len(others)
     if ENCAPSULATED in kinds:
         return kinds[0] == kinds[1] and (parts_of(one._level, one._live)
                                          == parts_of(other._level, other._live))

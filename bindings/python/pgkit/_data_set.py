@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import itertools
 import json
 import os
 import tempfile
@@ -155,14 +156,15 @@ class Item:
 
     def walk(self) -> Iterator[Element]:
         """All elements, those of items behind their sequence."""
-        level = self._level
-        block = level.block()
-        for record in list(records_of(block)):
-            element = element_of(level, block, record)
-            yield element
-            if record[4] == SEQUENCE and element._handle is not None:
-                for item in element.items:
-                    yield from item.walk()
+        pending = [iter(self)]
+        while pending:
+            for element in pending[-1]:
+                yield element
+                if element._record[4] == SEQUENCE and element._handle is not None:
+                    pending.append(itertools.chain.from_iterable(element.items))
+                    break
+            else:
+                pending.pop()
 
     # ---- Changes --------------------------------------------------------------------------------
 

@@ -17,19 +17,41 @@ _LONGEST_TEXT = 120
 
 def lines_of(item: Item, indent: str) -> Iterator[str]:
     """A line for each element, those of items further to the right."""
-    for element in item:
-        yield from lines_of_element(element, indent)
+    return _flat(_parts_of_item(item, indent))
 
 
 def lines_of_element(element: Element, indent: str) -> Iterator[str]:
     """The line of an element, and those of its items."""
+    return _flat(_parts_of(element, indent))
+
+
+def _flat(parts: Iterator[Any]) -> Iterator[str]:
+    # Without recursion: items may be nested deeper than calls of Python.
+    pending = [parts]
+    while pending:
+        for part in pending[-1]:
+            if not isinstance(part, str):
+                pending.append(part)
+                break
+            yield part
+        else:
+            pending.pop()
+
+
+def _parts_of_item(item: Item, indent: str) -> Iterator[Any]:
+    for element in item:
+        yield _parts_of(element, indent)
+
+
+def _parts_of(element: Element, indent: str) -> Iterator[Any]:
+    """Lines, and what gives more of them."""
     group, number = element.tag
     name = element.keyword or element.name
     yield f"{indent}({group:04X},{number:04X}) {element.vr:<4} {name}: {value_text(element)}"
     if element._facts()[4] == SEQUENCE:
         for index, item in enumerate(element.items):
             yield f"{indent}  item {index}"
-            yield from lines_of(item, indent + "    ")
+            yield _parts_of_item(item, indent + "    ")
 
 
 def value_text(element: Element) -> str:

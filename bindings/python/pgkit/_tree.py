@@ -146,9 +146,22 @@ class Level:
 
     def block(self) -> bytes:
         """All elements as they are now."""
-        if self._block is None or self._stale:
-            self._block = read_level(self.live, self.inherited())
-            self._stale.clear()
+        block = self._block
+        if block is None or self._stale:
+            # From the outside to the inside: items may be nested deeper than calls of Python.
+            missing = []
+            level = self.parent
+            while level is not None and level._block is None:
+                missing.append(level)
+                level = level.parent
+            for level in reversed(missing):
+                level._read()
+            block = self._read()
+        return block
+
+    def _read(self) -> bytes:
+        self._block = read_level(self.live, self.inherited())
+        self._stale.clear()
         return self._block
 
     def records(self) -> Iterator[Record]:

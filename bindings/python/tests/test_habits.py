@@ -443,6 +443,26 @@ class Texts(unittest.TestCase):
                 self.assertTrue(str(data_set))
 
 
+class Deep(unittest.TestCase):
+    # Python's limit of calls was reached.
+    def test_items_nested_deeper_than_calls(self):
+        depth = 1500
+        sequence = b"\x08\x00\x40\x11SQ\0\0\xff\xff\xff\xff\xfe\xff\x00\xe0\xff\xff\xff\xff"
+        end = b"\xfe\xff\x0d\xe0\0\0\0\0\xfe\xff\xdd\xe0\0\0\0\0"
+        data = (b"\0" * 128 + b"DICM\x02\0\x10\0UI\x14\0" + b"1.2.840.10008.1.2.1\0"
+                + b"\x08\0\x05\0CS\x0a\0ISO_IR 144" + sequence * depth
+                + b"\x10\0\x10\0PN\x02\0\xbb\xee" + end * depth)
+        with pgkit.open(data) as data_set, data_set.copy() as copied:
+            self.assertEqual(sum(1 for _ in data_set.walk()), depth + 3)
+            self.assertEqual(copied, data_set)
+            *_, last = copied.walk()
+            copied.PatientID = "1"
+            copied.SpecificCharacterSet = "ISO_IR 144"
+            self.assertEqual(last.value, "Лю")
+            self.assertIn("Лю", str(data_set))
+            self.assertNotEqual(copied, data_set)
+
+
 class Uids(unittest.TestCase):
     def test_generated_ones_are_valid_and_differ(self):
         for prefix in (None, "1.2.3.", "1.2.826.0.1.3680043.8.498."):

@@ -1,5 +1,6 @@
 """The package: a wheel with the library inside, and where it can be imported."""
 
+import importlib.util
 import os
 import pathlib
 import re
@@ -45,6 +46,22 @@ class Wheel(TemporaryDirectory):
     def pip(self, *arguments):
         subprocess.run([sys.executable, "-m", "pip", "--quiet", "--disable-pip-version-check",
                         *arguments], check=True, capture_output=True)
+
+
+class Types(TemporaryDirectory):
+    @unittest.skipUnless(importlib.util.find_spec("mypy"), "mypy is not installed")
+    def test_the_types_are_strict_and_those_of_users_are_found(self):
+        user = self.directory / "user.py"
+        user.write_text("import pgkit\n"
+                        "def name(path: str) -> pgkit.PersonName:\n"
+                        "    with pgkit.open(path) as ds:\n"
+                        "        return pgkit.PersonName(ds.PatientName)\n"
+                        "rows: list[pgkit.Row] = list(pgkit.scan(['x'], ['Rows'], jobs=2))\n")
+        environment = {**os.environ, "MYPYPATH": str(SOURCES)}
+        told = subprocess.run([sys.executable, "-m", "mypy", "--strict", "--cache-dir",
+                               self.directory / "cache", SOURCES / "pgkit", user],
+                              env=environment, capture_output=True, text=True, check=False)
+        self.assertEqual((told.returncode, told.stderr), (0, ""), told.stdout)
 
 
 class Imports(unittest.TestCase):
