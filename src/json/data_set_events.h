@@ -16,8 +16,8 @@
 
 namespace pgkit {
 
-// A state machine: what may come next depends on where in the JSON the last event was. Data sets are
-// in data_set_reader.cpp, elements and names in element_events.cpp.
+// A state machine: what may come next depends on where in the JSON the last event was. Data sets
+// are in data_set_reader.cpp, elements and names in element_events.cpp.
 class DataSetEvents : public JsonEvents {
   public:
     DataSetEvents(const PgxJsonReadOptions& options, PgxJsonDataSetFunction take, void* context)

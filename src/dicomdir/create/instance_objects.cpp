@@ -56,8 +56,8 @@ void ReadKindsKeys(PGX_Node& dataSet, const LeafKind& kind, Leaf& leaf) {
 }
 
 // 0 where it is unknown, or too much for the field.
-int32_t FileSizeField(PGX_Node& dataSet) {
-    const uint64_t size = dataSet.file == nullptr ? 0 : platform::StreamSize(dataSet.file);
+int32_t FileSizeField(const char* path) {
+    const uint64_t size = platform::FileSize(path).value_or(0);
     return size > UINT32_MAX ? 0 : static_cast<int32_t>(static_cast<uint32_t>(size));
 }
 
@@ -95,7 +95,7 @@ std::unique_ptr<Leaf> NewLeaf(const Candidate& candidate, const FileToAdd& file,
     CopyToField(leaf->instanceUid, candidate.instanceUid);
     CopyToField(leaf->sopClassUid, candidate.sopClassUid);
     CopyToField(leaf->transferSyntaxUid, candidate.transferSyntaxUid);
-    if (options.storeFileSize != 0) leaf->referencedDataSetSize = FileSizeField(dataSet);
+    if (options.storeFileSize != 0) leaf->referencedDataSetSize = FileSizeField(file.fullPath);
     return leaf;
 }
 

@@ -7,7 +7,10 @@
 #include "dicomdir/create/scan_fixture.h"
 #include "pgkit/pgkit.h"
 #include "support/browsed_directory.h"
+#include "support/deflated.h"
+#include "support/save_modes.h"
 #include "support/temp_dir.h"
+#include "support/tree.h"
 
 namespace {
 
@@ -152,6 +155,24 @@ TEST_F(AddFile, StoresTheFileSizeOnDemand) {
     options_.storeFileSize = 1;
     EXPECT_EQ(Add(Directory() + "\\IM1"), 0u);
     EXPECT_EQ(Leaf().referencedDataSetSize, static_cast<int32_t>(file.Data().size()));
+}
+
+// It was that of the temporary file into which the file is inflated.
+TEST_F(AddFile, StoresTheSizeOfADeflatedFileItself) {
+    Write("PLAIN", Instance(1));
+    const std::string path = Directory() + "/DEFLATED";
+    {
+        const DataSet root(pgOpenDataSetFile((Directory() + "/PLAIN").c_str(), kLoadAll));
+        root->AddOrReplaceNode(0x0002, 0x0010, kDeflatedSyntax, sizeof kDeflatedSyntax - 1);
+        const std::string text(1000, 'A');
+        root->AddOrReplaceNode(0x0010, 0x21B0, text.data(), 1000);
+        ASSERT_EQ(root->SaveDataSetAsEx(path.c_str(), kPart10Explicit), 0u);
+    }
+    const size_t size = ReadFile(path).size();
+    ASSERT_LT(size, 1000u);
+    options_.storeFileSize = 1;
+    EXPECT_EQ(Add(path), 0u);
+    EXPECT_EQ(Leaf().referencedDataSetSize, static_cast<int32_t>(size));
 }
 
 TEST_F(AddFile, KnowsADicomdirByItsNameInTheDirectoryItself) {
