@@ -12,12 +12,15 @@ packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 rapidjson-dev librapidxml-d
 packages+=(libcli11-dev zlib1g-dev libz-mingw-w64-dev)
 case ${1:-} in
     test)
+        packages+=(python3-numpy python3-build python3-setuptools python3-wheel python3-pip mypy)
+        packages+=(python3-distributed)
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
         packages+=(clang clang-format clang-tidy cppcheck lld llvm)
         ;;
     packages) packages+=(debhelper dh-python dpkg-dev fakeroot git lintian python3 debootstrap) ;;
     platforms) packages+=(googletest g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user clang) ;;
-    bench) packages+=(libbenchmark-dev libdcmtk-dev libgdcm-dev valgrind python3) ;;
+    bench) packages+=(libbenchmark-dev libdcmtk-dev libgdcm-dev valgrind python3)
+        packages+=(python3-numpy python3-pydicom) ;;
 esac
 
 missing=()

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Runs the tests of the Python module against a build of the library: run_tests.sh LIBRARY
-# The last line is "N passed, M failed".
+# The last line is "N passed, M failed". Debian's interpreter has the peers (pydicom, numpy) that some tests
+# ask; PYTHON names another one.
 set -euo pipefail
 library=$(realpath "$1")
 cd "$(dirname "$0")"
 
 export PGKIT_LIBRARY=$library PYTHONPATH=$PWD PYTHONDONTWRITEBYTECODE=1
-python3 -W error - <<'SCRIPT'
+"${PYTHON:-/usr/bin/python3}" -W error - <<'SCRIPT'
 import ctypes
 import sys
 import unittest

@@ -36,6 +36,7 @@
 
 #include "pgkit/acceptance.h"
 #include "pgkit/accessors.h"
+#include "pgkit/bulk_values.h"
 #include "pgkit/dataset.h"
 #include "pgkit/diagnostics.h"
 #include "pgkit/dicomdir_creation.h"
@@ -53,6 +54,7 @@
 #include "pgkit/paths.h"
 #include "pgkit/patient_list.h"
 #include "pgkit/profiles.h"
+#include "pgkit/rle.h"
 #include "pgkit/sopclass.h"
 #include "pgkit/streams.h"
 #include "pgkit/text.h"

@@ -157,6 +157,30 @@ static void CallTexts(PGX_Node* root) {
     EXPECT(IsTextResult(pgxSetUtf8Value(set, name, "DOE^JOHN", 8)));
 }
 
+/* A block that has room is whole, or memory has run out. */
+static int IsBlock(size_t size, const void* block) {
+    const PgxLevelHeader* const header = block;
+    return size == 0 || header->size == size;
+}
+
+static void CallBulkValues(PGX_Node* root, const HostFiles* files) {
+    static uint64_t block[8192];
+    const uint32_t tags[2] = {0x00100010, 0x00280030};
+    EXPECT(IsBlock(pgxReadLevel(root, NULL, 64, block, sizeof block), block));
+    EXPECT(IsBlock(pgxReadValues(root, NULL, tags, 2, 64, block, sizeof block), block));
+    const size_t size =
+        pgxReadFileValues(files->dataSet, 0, tags, 2, 64, block, sizeof block, NULL);
+    EXPECT(IsBlock(size, block));
+}
+
+static void CallRle(void) {
+    static uint8_t frame[66] = {1, 0, 0, 0, 64};
+    uint8_t pixels[2];
+    frame[64] = 0xFF;
+    frame[65] = 7;
+    EXPECT(pgxDecodeRle(frame, sizeof frame, 1, 1, pixels, sizeof pixels) == 1 && pixels[1] == 7);
+}
+
 /* A length, or one of the errors. */
 static int IsJsonResult(int64_t result) { return result >= PGX_JSON_SEVERAL_DATA_SETS; }
 
@@ -288,8 +312,10 @@ static void CallDataSets(const HostFiles* files) {
     PGX_Node* const root = pgOpenDataSetFileEx(files->dataSet, 0xFFFFFFFF, 0);
     CallGetters(root);
     CallTexts(root);
+    CallBulkValues(root, files);
     CallJson(root);
     CallPixelData(root);
+    CallRle();
     CallEditing(root);
     CallWriting(root, files);
     pgCloseDataSet(root);

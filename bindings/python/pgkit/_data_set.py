@@ -1,113 +1,46 @@
-"""Data sets, their elements, and the items of sequences.
-
-Every node that Python knows is known to its tree by its address, so that closing a data set, or
-removing an element, cuts the objects off from the memory that is freed: using them raises
-ClosedError.
-"""
+"""Data sets, and the items of sequences."""
 
 from __future__ import annotations
 
-import ctypes
+import itertools
+import json
 import os
 import tempfile
 import weakref
-from typing import Any, Iterator, NoReturn
+from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tuple, Union
 
-from ._dictionary import (UNKNOWN_VR, Tag, TagLike, element_name, find_tag, value_representation,
-                          vr_code, vr_name)
-from ._errors import ClosedError, PgkitError, SaveError
-from ._output import write_whole
-from ._library import StrPath, c_text, encoded_path, lib
-from ._values import Value, codec_of, decode, encode, split_text
+from ._blocks import SEQUENCE, count_of, records_of, value_in
+from ._copying import copy_elements, detached, equal_items, remove_element
+from ._dictionary import (UNKNOWN_VR, Tag, TagLike, attributes, find_tag, tag_number, tag_of_attribute,
+                          value_representation, vr_code, vr_name)
+from ._element import Element, element_of, encoded_for, tag_text
+from ._errors import PgkitError
+from ._json import text_of as json_of
+from ._library import Report, StrPath, encoded_path, lib
+from ._pixels import frames_of, pixel_array
+from ._reports import OpenReport
+from ._saving import save_to, saved_bytes
+from ._tree import Level, Tree
 
-_UNDEFINED_LENGTH = 0xFFFFFFFF
-_LOAD_BELOW = 64
-
-# In explicit VR the length of all others has 16 bits, and 65,535 is none.
-_VRS_WITH_LONG_HEADER = {"OB", "OW", "OWOB", "OF", "SQ", "UN", "UT", UNKNOWN_VR}
-_VRS_OF_SHORT_NUMBERS = {"US", "SS", "USSS", "UL", "SL", "AT", "FL", "FD"}
-_FIRST_TOO_LONG = 65535
-
-# Bits of a write mode.
-_UNDEFINED_LENGTHS = 0x01
-_PART_10 = 0x04
-_ENCODINGS = {  # the mode and the transfer syntax of what ``save`` calls an encoding
-    "explicit": (0x28, "1.2.840.10008.1.2.1"),
-    "implicit": (0x30, "1.2.840.10008.1.2"),
-    "big endian": (0x48, "1.2.840.10008.1.2.2"),
-}
+_builtin_open = open
 
 
-class _Tree:
-    """A data set's memory, and the Python objects that refer to it."""
-
-    def __init__(self, root: int, longest_value: int) -> None:
-        self.root = root
-        # No value is longer than what it can come from: the file or what was set. A length that
-        # says otherwise is a lie, and not worth its memory.
-        self.longest_value = longest_value
-        self.nodes: weakref.WeakValueDictionary[int, _Node] = weakref.WeakValueDictionary()
-        self.close = weakref.finalize(self, lib.pgKitCloseDataSet, root)
-
-    def node(self, handle: int, parent: _Node | None) -> _Node:
-        known = self.nodes.get(handle)
-        if known is None:
-            kind = Element if lib.pgKitGetNodeType(handle) == 1 else Item
-            known = self.nodes[handle] = kind(self, handle, parent)
-        return known
-
-    def cut_off(self, handle: int) -> None:
-        """Before a node is freed: no object refers to it, or to what is below it, any longer."""
-        pending = [handle]
-        while pending:
-            current = pending.pop()
-            node = self.nodes.pop(current, None)
-            if node is not None:
-                node._handle = None
-            pending += _chain(lib.pgKitGetFirst(current))
-
-
-def _chain(handle: int | None) -> Iterator[int]:
-    while handle is not None:
-        yield handle
-        handle = lib.pgKitGetNext(handle)
-
-
-class _Node:
-    """What elements and items have in common. Made by the library's operations only."""
-
-    __slots__ = ("_tree", "_handle", "_parent", "__weakref__")
-
-    def __init__(self, tree: _Tree, handle: int, parent: _Node | None) -> None:
-        self._tree = tree
-        self._handle: int | None = handle
-        self._parent = parent
-
-    def __reduce__(self) -> NoReturn:
-        raise TypeError(f"{type(self).__name__} objects cannot be copied or pickled")
-
-    @property
-    def _live(self) -> int:
-        if self._handle is None or not self._tree.close.alive:
-            raise ClosedError("the data set is closed or this part of it was removed")
-        return self._handle
-
-    def _children(self) -> list[Any]:
-        return [self._tree.node(handle, self) for handle in _chain(lib.pgKitGetFirst(self._live))]
-
-    def _remove(self, child: _Node) -> None:
-        handle = child._live
-        self._tree.cut_off(handle)
-        lib.pgKitRemoveNode(self._live, handle)
-
-
-class Item(_Node):
+class Item:
     """An item of a sequence, or a whole data set: elements by tag, in the order of the file.
 
-    Keys are tags, as ``(0x0010, 0x0010)`` or ``0x00100010``, or names of the dictionary.
+    Keys are tags, as ``(0x0010, 0x0010)`` or ``0x00100010``, or names: keywords of today
+    ("PatientName") and those of the built-in dictionary ("PatientsName"). What a name of either kind
+    stands for is an attribute, too: ``item.PatientName`` is the value, and can be set and deleted.
     """
 
-    __slots__ = ()
+    __slots__ = ("_level", "__weakref__")
+
+    _level: Level
+
+    def __init__(self) -> None:
+        raise TypeError("items are made by append_item, data sets by open, new and from_json")
+
+    # ---- Elements by key ------------------------------------------------------------------------
 
     def __getitem__(self, key: TagLike) -> Element:
         """The first element of this tag; KeyError when there is none."""
@@ -116,50 +49,141 @@ class Item(_Node):
             raise KeyError(key)
         return found
 
-    def find(self, key: TagLike) -> Element | None:
+    def find(self, key: TagLike) -> Optional[Element]:
         """The first element of this tag, or None. Sequences are not searched."""
-        handle = lib.pgKitFindNodeWithGroupElement(self._live, *find_tag(key))
-        return None if handle is None else self._element(handle)
+        level = self._level
+        found = level.find(tag_number(key))
+        return None if found is None else element_of(level, *found)
 
     def get(self, key: TagLike, default: Any = None) -> Any:
         """The value of the first element of this tag, or the default."""
-        found = self.find(key)
+        try:
+            found = self.find(key)
+        except KeyError:
+            return default
         return default if found is None else found.value
 
-    def __contains__(self, key: TagLike) -> bool:
+    def __contains__(self, key: object) -> bool:
         try:
-            return self.find(key) is not None
-        except KeyError:
+            return self._level.find(tag_number(key)) is not None  # type: ignore[arg-type]
+        except (KeyError, TypeError):
             return False
+
+    def __setitem__(self, key: TagLike, value: Any) -> None:
+        self.set(key, value.value if isinstance(value, Element) else value,
+                 value.vr if isinstance(value, Element) else None)
+
+    def __delitem__(self, key: TagLike) -> None:
+        """Removes the first element of this tag; KeyError when there is none."""
+        element = self[key]
+        remove_element(self._level, element._live, element._record[1])
+
+    def pop(self, key: TagLike, *default: Any) -> Any:
+        """Removes the first element of this tag and returns its value, or the default."""
+        found = self.find(key)
+        if found is None:
+            if default:
+                return default[0]
+            raise KeyError(key)
+        value = found.value
+        if found.is_sequence:
+            value = [detached(item) for item in found.items]
+        del self[key]
+        return value
+
+    # ---- Values as attributes -------------------------------------------------------------------
+
+    def __getattr__(self, name: str) -> Any:
+        tag = attributes.get(name)
+        if tag is None:
+            tag = tag_of_attribute(name)
+            if tag is None:
+                raise AttributeError(f"{type(self).__name__} has no attribute {name!r}")
+        level = self._level
+        values = level.values
+        if tag in values:
+            return values[tag]
+        found = level.find(tag)
+        if found is None:
+            raise AttributeError(f"the data set has no {name}")
+        value = value_in(*found)
+        if value is None:
+            return element_of(level, *found).value
+        values[tag] = value
+        return value
+
+    def __setattr__(self, name: str, value: Any) -> None:
+        tag = tag_of_attribute(name)
+        if tag is None:
+            raise AttributeError(f"no element is called {name!r}")
+        self.set(tag, value)
+
+    def __delattr__(self, name: str) -> None:
+        tag = tag_of_attribute(name)
+        if tag is None or tag not in self:
+            raise AttributeError(f"the data set has no {name}")
+        del self[tag]
+
+    def __dir__(self) -> List[str]:
+        names = [element.keyword for element in self] if self._level.is_live else []
+        return sorted({*super().__dir__(), *filter(None, names)})
+
+    # ---- All elements ---------------------------------------------------------------------------
 
     def __iter__(self) -> Iterator[Element]:
         """All elements, as they are now."""
-        return iter(self._children())
+        level = self._level
+        block = level.block()
+        return iter([element_of(level, block, record) for record in records_of(block)])
 
     def __len__(self) -> int:
-        return sum(1 for _ in _chain(lib.pgKitGetFirst(self._live)))
+        return count_of(self._level.block())
 
     def __bool__(self) -> bool:
         return True
 
-    def __setitem__(self, key: TagLike, value: Any) -> None:
-        self.set(key, value)
+    def keys(self) -> List[Tag]:
+        """The tags, in the order of the file."""
+        return [(record[1] >> 16, record[1] & 0xFFFF) for record in self._level.records()]
 
-    def set(self, key: TagLike, value: Any, vr: str | None = None) -> Element:
+    def values(self) -> List[Element]:
+        """The elements, in the order of the file."""
+        return list(self)
+
+    def items(self) -> List[Tuple[Tag, Element]]:
+        """Tags and elements, in the order of the file."""
+        return list(zip(self.keys(), self))
+
+    def walk(self) -> Iterator[Element]:
+        """All elements, those of items behind their sequence."""
+        pending = [iter(self)]
+        while pending:
+            for element in pending[-1]:
+                yield element
+                if element._record[4] == SEQUENCE and element._handle is not None:
+                    pending.append(itertools.chain.from_iterable(element.items))
+                    break
+            else:
+                pending.pop()
+
+    # ---- Changes --------------------------------------------------------------------------------
+
+    def set(self, key: TagLike, value: Any, vr: Optional[str] = None) -> Element:
         """Sets the value of an element, which is inserted in tag order when there is none.
 
         The value representation is that of the element, of the dictionary, or the given one;
-        ValueError when a new element has none at all.
+        ValueError when a new element has none at all. A sequence takes a list of items or data sets,
+        which are copied.
         """
         tag = find_tag(key)
         found = self.find(tag)
         new_vr = self._vr_to_set(tag, found, vr)
         # Everything that can be wrong, before the tree changes.
         if new_vr == "SQ":
-            raise TypeError(f"{_tag_text(tag)} has items, not a value: use insert_sequence")
+            return self._set_items(tag, found, value)
         if found is not None:
             found._refuse_parts()
-        data = self._encoded(value, new_vr)
+        data = encoded_for(self._level, value, new_vr)
         if found is None:
             found = self._insert_empty(tag)
         if vr is not None:
@@ -167,76 +191,125 @@ class Item(_Node):
         found._store(data)
         return found
 
-    def _vr_to_set(self, tag: Tag, found: Element | None, wanted: str | None) -> str:
+    def _set_items(self, tag: Tag, found: Optional[Element], value: Any) -> Element:
+        from ._sequence import copies_of
+
+        copies = copies_of(value)
+        if found is not None and not found.is_sequence:
+            found._refuse_parts()
+            found._store(b"")
+        element = self.insert_sequence(tag) if found is None else found
+        if element.vr != "SQ":
+            element._change_vr("SQ")
+        element.sequence.assign(copies)
+        return element
+
+    def _vr_to_set(self, tag: Tag, found: Optional[Element], wanted: Optional[str]) -> str:
         if wanted is not None:
             return vr_name(vr_code(wanted))
         if found is not None:
             return found.vr
         known = value_representation(tag)
         if known == UNKNOWN_VR:
-            raise ValueError(f"the dictionary does not know {_tag_text(tag)}: give its vr")
+            raise ValueError(f"the dictionary does not know {tag_text(tag)}: give its vr")
         return known
 
-    def _encoded(self, value: Any, vr: str) -> bytes:
-        data = encode(value, self._numeric_vr(vr), self._codec())
-        if len(data) >= _UNDEFINED_LENGTH:
-            raise ValueError("values are shorter than 4 GiB")
-        return data
-
     def _insert_empty(self, tag: Tag) -> Element:
-        handle = lib.pgKitInsertNodeWithGroupElement(self._live, *tag, None, 0)
+        level = self._level
+        handle = lib.pgKitInsertNodeWithGroupElement(level.live, *tag, None, 0)
         if handle is None:
-            raise PgkitError(f"{_tag_text(tag)} cannot be inserted")
-        return self._element(handle)
+            raise PgkitError(f"{tag_text(tag)} cannot be inserted")
+        number = tag_number(tag)
+        level.changed(number)
+        found = level.find(number)
+        assert found is not None and found[1][0] == handle
+        return element_of(level, *found)
 
     def insert_sequence(self, key: TagLike) -> Element:
         """A new sequence without items. ValueError when there is an element of this tag."""
         tag = find_tag(key)
         if self.find(tag) is not None:
-            raise ValueError(f"{_tag_text(tag)} is there already")
+            raise ValueError(f"{tag_text(tag)} is there already")
         known = value_representation(tag)
-        if known not in ("SQ", "??"):
-            raise TypeError(f"{_tag_text(tag)} is {known}, not a sequence")
+        if known not in ("SQ", UNKNOWN_VR):
+            raise TypeError(f"{tag_text(tag)} is {known}, not a sequence")
         element = self._insert_empty(tag)
         element._change_vr("SQ")
         return element
 
-    def __delitem__(self, key: TagLike) -> None:
-        """Removes the first element of this tag; KeyError when there is none."""
-        self._remove(self[key])
+    def update(self, other: Item) -> None:
+        """Copies all elements of another data set or item; those of the same tags are replaced."""
+        copy_elements(other._level, self._level)
 
-    def _element(self, handle: int) -> Element:
-        node = self._tree.node(handle, self)
-        assert isinstance(node, Element)
-        return node
+    # ---- JSON -----------------------------------------------------------------------------------
 
-    def _codec(self) -> str:
-        """The codec of this item's texts: its own, or inherited from the data set around it."""
-        scope: _Node | None = self
-        while scope is not None:
-            if isinstance(scope, Item):
-                found = scope.find((0x0008, 0x0005))
-                if found is not None:
-                    return codec_of(split_text(found.raw, "CS", "ascii"))
-            scope = scope._parent
-        return "ascii"
+    def to_json(self, *, bulk_limit: Optional[int] = None, source_uri: str = "") -> str:
+        """DICOM JSON. Values of more than bulk_limit bytes become a BulkDataURI, the source's URI with
+        offset and length in its file; encapsulated Pixel Data always do. None: all are inline."""
+        return json_of(self, bulk_limit, source_uri)
 
-    def _numeric_vr(self, vr: str) -> str:
-        """US or SS for what is either of them, as Pixel Representation (0028,0103) says."""
-        if vr != "USSS":
-            return vr
-        scope: _Node | None = self
-        while scope is not None:
-            found = scope.find((0x0028, 0x0103)) if isinstance(scope, Item) else None
-            if found is not None:
-                return "SS" if found.raw[:1] == b"\1" else "US"
-            scope = scope._parent
-        return "US"
+    def to_json_dict(self, *, bulk_limit: Optional[int] = None, source_uri: str = ""
+                     ) -> Dict[str, Any]:
+        """The same as a dict."""
+        found: Dict[str, Any] = json.loads(self.to_json(bulk_limit=bulk_limit,
+                                                        source_uri=source_uri))
+        return found
+
+    # ---- Copies, comparison, text ---------------------------------------------------------------
+
+    def copy(self) -> DataSet:
+        """A data set of its own with copies of all elements, in memory."""
+        return detached(self)
+
+    def __copy__(self) -> DataSet:
+        return self.copy()
+
+    def __deepcopy__(self, _memo: Any) -> DataSet:
+        return self.copy()
+
+    def __reduce__(self) -> Any:
+        return self.copy().__reduce__()
+
+    def __eq__(self, other: object) -> bool:
+        """Whether the other one has the same elements with the same values."""
+        if self is other:
+            return True
+        if not isinstance(other, Item):
+            return NotImplemented
+        return equal_items(self, other)
+
+    __hash__ = None  # type: ignore[assignment]
 
     def __repr__(self) -> str:
-        if self._handle is None or not self._tree.close.alive:
+        if not self._level.is_live:
             return f"<{type(self).__name__}: closed>"
         return f"<{type(self).__name__}: {len(self)} elements>"
+
+    def __str__(self) -> str:
+        if not self._level.is_live:
+            return repr(self)
+        from ._printing import lines_of
+
+        return "\n".join(lines_of(self, ""))
+
+
+# Assigning the attribute itself would set an element.
+_set_level: Callable[[Item, Level], None] = vars(Item)["_level"].__set__
+
+
+def item_of(parent: Level, handle: int) -> Item:
+    """The object that stands for an item of a sequence in a level."""
+    tree = parent.tree
+    reference = tree.levels.get(handle)
+    level = reference() if reference is not None else None
+    if level is None:
+        level = Level(tree, handle, parent)
+    known = level.item() if level.item is not None else None
+    if known is None:
+        known = Item.__new__(Item)
+        _set_level(known, level)
+        level.item = weakref.ref(known)
+    return known
 
 
 class DataSet(Item):
@@ -246,289 +319,116 @@ class DataSet(Item):
     still in the file, which stays open until then.
     """
 
-    __slots__ = ("_is_built",)
+    __slots__ = ("_is_built", "_report")
 
-    def __init__(self, root: int, longest_value: int, is_built: bool) -> None:
-        tree = _Tree(root, longest_value)
-        super().__init__(tree, root, None)
-        tree.nodes[root] = self
-        self._is_built = is_built
+    _is_built: bool
+    _report: Optional[Report]
+
+    # ---- Life -----------------------------------------------------------------------------------
 
     def close(self) -> None:
         """Frees the tree and closes its file. Closing twice is allowed."""
-        self._tree.close()
+        self._level.tree.close()
 
     @property
     def closed(self) -> bool:
         """Whether close was called."""
-        return not self._tree.close.alive
+        return self._level.tree.root is None
+
+    @property
+    def report(self) -> Optional[OpenReport]:
+        """What was found when the data set was opened; None for one that was built in memory."""
+        return None if self._report is None else OpenReport.of(self._report)
 
     def __enter__(self) -> DataSet:
-        self._live  # noqa: B018
+        self._level.live  # noqa: B018
         return self
 
     def __exit__(self, *_: object) -> None:
         self.close()
 
-    def save(self, path: StrPath, *, encoding: str | None = None, part10: bool = True,
-             undefined_lengths: bool = False) -> None:
+    def __copy__(self) -> DataSet:
+        return self.copy()
+
+    def copy(self) -> DataSet:
+        """A data set of its own with copies of all elements, in memory."""
+        return detached(self)
+
+    def __reduce__(self) -> Any:
+        from ._opening import from_pickle
+
+        return from_pickle, (len(self) and self.to_bytes(part10=(0x0002, 0x0010) in self),)
+
+    # ---- Saving ---------------------------------------------------------------------------------
+
+    def save(self, path: Union[StrPath, BinaryIO], *, encoding: Optional[str] = None,
+             part10: bool = True, undefined_lengths: bool = False) -> None:
         """Saves as a file, which may be the one that the data set was read from.
 
         encoding is "explicit", "implicit" (both little endian) or "big endian"; None keeps the
-        one of the file (then the other options do not count) and is "explicit" for a data set
-        built in memory. Part 10 files have the File Meta Information, which is completed when it
-        has no transfer syntax. Values of 65,535 bytes and more get the VR UN where theirs has no
-        room for such a length. The new file takes the place of the former one as a whole, when it
-        is complete. Raises SaveError; the former file is as it was then.
+        one of the file (then the other options do not count); for a data set built in memory it is
+        that of its (0002,0010), else "explicit". Part 10 files have the File Meta Information, which
+        is completed when it has no transfer syntax. Values of 65,535 bytes and more get the VR UN
+        where theirs has no room for such a length. The new file takes the place of the former one as
+        a whole, when it is complete. Raises SaveError; the former file is as it was then. What has
+        a ``write`` takes the bytes of the file.
         """
-        if encoding is None and self._is_built:
-            encoding = "explicit"
-        mode = 0
-        if encoding is not None:
-            if encoding not in _ENCODINGS:
-                raise ValueError(f"encoding is one of {sorted(_ENCODINGS)}, not {encoding!r}")
-            mode, syntax = _ENCODINGS[encoding]
-            mode |= _UNDEFINED_LENGTHS if undefined_lengths else 0
-            if part10:
-                mode |= _PART_10
-                if (0x0002, 0x0010) not in self:
-                    lib.pgKitAddPart10Elements(self._live, c_text(syntax))
-        self._make_long_values_un()
-        live = self._live
-        result = write_whole(path, lambda beside: lib.pgKitSaveDataSetAsEx(
-            live, encoded_path(beside), mode))
-        if result != 0:
-            raise SaveError(str(path), result)
+        save_to(self, path, encoding, part10, undefined_lengths)
 
-    def _make_long_values_un(self) -> None:
-        parents = [self._live]
-        while parents:
-            for handle in _chain(lib.pgKitGetFirst(parents.pop())):
-                if lib.pgKitGetFirst(handle) is not None:
-                    parents.append(handle)
-                elif _is_too_long(handle):
-                    _make_un(handle, self._tree.longest_value)
+    save_as = save
+
+    def to_bytes(self, *, encoding: Optional[str] = None, part10: bool = True,
+                 undefined_lengths: bool = False) -> bytes:
+        """The bytes of the file that ``save`` would write."""
+        return saved_bytes(self, encoding, part10, undefined_lengths)
 
     def dump(self) -> str:
-        """The text form, a line for each element."""
+        """The text form of the library, a line for each element."""
         with tempfile.TemporaryDirectory() as directory:
             path = os.path.join(directory, "dump.txt")
-            if not lib.pgKitDumpToFile(self._live, encoded_path(path)):
+            if not lib.pgKitDumpToFile(self._level.live, encoded_path(path)):
                 raise PgkitError("the data set cannot be dumped")
             with _builtin_open(path, encoding="latin-1") as file:
                 return file.read()
 
-
-def _is_too_long(handle: int) -> bool:
-    """Whether a value does not fit the 16-bit length that its VR has in explicit VR."""
-    length = lib.pgKitGetLength(handle)
-    if length < _FIRST_TOO_LONG or length == _UNDEFINED_LENGTH or not lib.pgKitGetNodeType(handle):
-        return False
-    is_long_vr = vr_name(lib.pgKitGetValueRep(handle)) in _VRS_WITH_LONG_HEADER
-    return not is_long_vr and not lib.pgKitIsEncodedPixelData(handle)
-
-
-def _make_un(handle: int, longest_value: int) -> None:
-    """Makes a value one of VR UN, whose bytes are little endian in every encoding."""
-    is_number = vr_name(lib.pgKitGetValueRep(handle)) in _VRS_OF_SHORT_NUMBERS
-    length = lib.pgKitGetLength(handle)
-    # What is longer cannot be there in full: saving will say so.
-    if is_number and length <= longest_value:
-        buffer = ctypes.create_string_buffer(length + 1)
-        if not lib.pgKitGetValue(handle, buffer):
-            raise PgkitError("a long value cannot be read")
-        lib.pgKitSetValueRep(handle, vr_code("UN"))
-        if not lib.pgKitSetValue(handle, buffer.raw[:length], length):
-            raise MemoryError
-    lib.pgKitSetValueRep(handle, vr_code("UN"))
-
-
-class Element(_Node):
-    """A data element. Its ``value`` can be read and set."""
-
-    __slots__ = ()
+    # ---- Pixels ---------------------------------------------------------------------------------
 
     @property
-    def tag(self) -> Tag:
-        """Group and element number."""
-        return lib.pgKitGetGroup(self._live), lib.pgKitGetElement(self._live)
+    def pixel_array(self) -> Any:
+        """The pixels as an array of numpy: native, or of RLE Lossless.
 
-    @property
-    def name(self) -> str:
-        """The dictionary's name, "<Unknown Tag>" when there is none."""
-        return element_name(self.tag)
-
-    @property
-    def vr(self) -> str:
-        """The value representation ("PN"); "USSS" and "OWOB" where a file leaves it open."""
-        return vr_name(lib.pgKitGetValueRep(self._live))
-
-    @property
-    def length(self) -> int | None:
-        """The length of the value in bytes, None when it is undefined."""
-        length: int = lib.pgKitGetLength(self._live)
-        return None if length == _UNDEFINED_LENGTH else length
-
-    @property
-    def is_sequence(self) -> bool:
-        """Whether the element has items."""
-        return self.vr == "SQ" or lib.pgKitGetFirst(self._live) is not None
-
-    @property
-    def is_encapsulated(self) -> bool:
-        """Whether it is Pixel Data in fragments."""
-        return bool(lib.pgKitIsEncodedPixelData(self._live))
-
-    @property
-    def items(self) -> list[Item]:
-        """The items of a sequence, as they are now; none for any other element."""
-        return self._children()
-
-    def append_item(self) -> Item:
-        """Adds an empty item to a sequence."""
-        if not self.is_sequence:
-            raise TypeError(f"{_tag_text(self.tag)} is no sequence")
-        handle = lib.pgKitAllocateDataSetNode()
-        if handle is None:
-            raise MemoryError
-        lib.pgKitSeqAddTail(self._live, handle)
-        item = self._tree.node(handle, self)
-        assert isinstance(item, Item)
-        return item
-
-    def remove_item(self, item: Item) -> None:
-        """Removes an item of this sequence."""
-        if item not in self.items:
-            raise ValueError("not an item of this sequence")
-        self._remove(item)
-
-    @property
-    def raw(self) -> bytes:
-        """The value as bytes, numbers in host byte order.
-
-        What the file does not have of a value it declares reads as zeros. PgkitError for sequences
-        and fragments, and for lengths that no value of this file can have.
+        The shape is (rows, columns), with the samples of a pixel behind and the frames in front
+        where there are several. PgkitError for other encodings and for attributes that do not fit.
         """
-        length = self.length
-        if length == 0:
-            return b""
-        if length is None or self.is_sequence or self.is_encapsulated:
-            raise PgkitError(f"{_tag_text(self.tag)} has no value of its own")
-        if length > self._tree.longest_value:
-            raise PgkitError(f"{_tag_text(self.tag)} declares {length} bytes, more than its file has")
-        buffer = ctypes.create_string_buffer(length + 1)
-        if not lib.pgKitGetValue(self._live, buffer):
-            raise PgkitError(f"the value of {_tag_text(self.tag)} cannot be read")
-        return buffer.raw[:length]
+        return pixel_array(self._level)
 
-    @property
-    def values(self) -> list[Any]:
-        """All values: str, int, float, bytes or tags; an empty one of several numbers is None."""
-        return decode(self.raw, self._effective_vr, self._codec())
+    def frames(self) -> Iterator[bytes]:
+        """The bytes of each frame of encapsulated Pixel Data, one after the other.
 
-    @property
-    def value(self) -> Value:
-        """The value; a list of them when there are several, None when there is none.
-
-        Texts are str, without padding; IS, US, SS, UL and SL are int; DS, FL and FD are float; AT
-        are tags; everything else is bytes. A sequence gives the list of its items. An IS or DS
-        that is no number raises ValueError: ``text`` has it.
-        """
-        if self.is_sequence:
-            return list(self.items)
-        values = self.values
-        return None if not values else values[0] if len(values) == 1 else values
-
-    @value.setter
-    def value(self, value: Any) -> None:
-        """Sets one value, a list of them, bytes as they are, or None for an empty value."""
-        self._refuse_parts()
-        if self.vr == "SQ":
-            raise TypeError(f"{_tag_text(self.tag)} has items, not a value")
-        assert isinstance(self._parent, Item)
-        self._store(self._parent._encoded(value, self.vr))
-
-    def _refuse_parts(self) -> None:
-        if self.is_encapsulated or lib.pgKitGetFirst(self._live) is not None:
-            raise TypeError(f"{_tag_text(self.tag)} has items or fragments, not a value")
-
-    def _store(self, data: bytes) -> None:
-        if not lib.pgKitSetValue(self._live, data, len(data)):
-            raise MemoryError
-        # An odd one is padded.
-        self._tree.longest_value = max(self._tree.longest_value, len(data) + 1)
-
-    @property
-    def text(self) -> str:
-        """The value of a text as one text, whatever it says."""
-        return "\\".join(split_text(self.raw, self.vr, self._codec()))
-
-    @property
-    def fragments(self) -> list[bytes]:
-        """Encapsulated Pixel Data as the file has it: its frames when there is an offset table, in
-        which case the item headers within a frame are part of it, else its fragments."""
-        found, index = [], 0
-        length, offset = ctypes.c_uint32(), ctypes.c_uint32()
-        while lib.pgKitGetEncodedPixelInfo(self._live, index, length, offset):
-            if length.value > self._tree.longest_value:
-                raise PgkitError(f"fragment {index} is longer than its file")
-            buffer = ctypes.create_string_buffer(length.value + 1)
-            if not lib.pgKitGetFileData(self._tree.root, buffer, offset.value, length.value):
-                raise PgkitError(f"fragment {index} cannot be read")
-            found.append(buffer.raw[: length.value])
-            index += 1
-        return found
-
-    @property
-    def _effective_vr(self) -> str:
-        assert isinstance(self._parent, Item)
-        return self._parent._numeric_vr(self.vr)
-
-    def _codec(self) -> str:
-        assert isinstance(self._parent, Item)
-        return self._parent._codec()
-
-    def _change_vr(self, vr: str) -> None:
-        lib.pgKitSetValueRep(self._live, vr_code(vr))
-
-    def __repr__(self) -> str:
-        if self._handle is None or not self._tree.close.alive:
-            return "<Element: closed>"
-        return f"<Element {_tag_text(self.tag)} {self.vr} {self.name}>"
+        PgkitError when Pixel Data are not encapsulated, or nobody can tell which fragments make a
+        frame."""
+        return frames_of(self._level)
 
 
-def _tag_text(tag: Tag) -> str:
-    return "({:04X},{:04X})".format(*tag)
+_set_is_built: Callable[[DataSet, bool], None] = vars(DataSet)["_is_built"].__set__
+_set_report: Callable[[DataSet, Optional[Report]], None] = vars(DataSet)["_report"].__set__
+
+# All values of a tree in memory are there.
+IN_MEMORY = 0xFFFFFFFE
 
 
-_builtin_open = open
+def data_set_of(root: int, longest_value: Optional[int], report: Optional[Report]) -> DataSet:
+    """The object that stands for a tree, which it owns from now on.
 
-
-def open(path: StrPath, *, load_below: int = _LOAD_BELOW, flags: int = 0) -> DataSet:  # noqa: A001
-    """Opens a DICOM file. Raises OSError when it cannot be read, PgkitError when it is not DICOM.
-
-    Values shorter than load_below bytes are loaded at once. flags are the library's PgOpenFlags.
+    longest_value is None when the file says how long values can be; the report is None for a tree
+    that was built.
     """
-    root = lib.pgOpenDataSetFileEx(encoded_path(path), load_below, flags)
-    if root is None:
-        with _builtin_open(path, "rb"):  # says what is wrong with the file itself
-            pass
-        raise PgkitError(f"{path}: not a DICOM file")
-    try:
-        size = os.stat(path).st_size
-    except OSError:  # the library also finds names in another case
-        size = _size_of_file(root)
-    return DataSet(root, size, is_built=False)
-
-
-def _size_of_file(root: int) -> int:
-    """How many bytes there are in the file that a data set was read from, up to 4 GiB."""
-    byte = ctypes.create_string_buffer(1)
-    size = 0
-    for bit in reversed(range(32)):
-        if lib.pgKitGetFileData(root, byte, size + (1 << bit) - 1, 1):
-            size += 1 << bit
-    return size
+    data_set = DataSet.__new__(DataSet)
+    level = Level(Tree(root, longest_value), root, None)
+    _set_level(data_set, level)
+    _set_is_built(data_set, report is None)
+    _set_report(data_set, report)
+    return data_set
 
 
 def new() -> DataSet:
@@ -536,4 +436,4 @@ def new() -> DataSet:
     root = lib.pgKitAllocateDataSetNode()
     if root is None:
         raise MemoryError
-    return DataSet(root, 0, is_built=True)
+    return data_set_of(root, IN_MEMORY, None)

@@ -5,6 +5,10 @@ class PgkitError(Exception):
     """The library refused an operation."""
 
 
+class TruncatedWarning(UserWarning):
+    """A file is not there as a whole, or cannot be read to its end; what precedes can be used."""
+
+
 class ClosedError(PgkitError):
     """The data set was closed, or the element was removed from it."""
 

@@ -6,11 +6,12 @@ Functions that take a ``FILE*`` are left alone: the C runtime of Python need not
 from __future__ import annotations
 
 import ctypes
+import importlib
 import os
 import pathlib
 import sys
-from ctypes import POINTER, c_char_p, c_int32, c_size_t, c_uint16, c_uint32, c_void_p
-from typing import Union
+from ctypes import POINTER, c_char_p, c_int32, c_int64, c_size_t, c_uint16, c_uint32, c_uint64, c_void_p
+from typing import Any, Union
 
 # With the version of the interface first: the plain name is there for developers only.
 _FILE_NAMES = ("pgkit.dll",) if os.name == "nt" else ("libpgkit.so.2", "libpgkit.so")
@@ -52,12 +53,53 @@ class DicomdirOptions(ctypes.Structure):
                 ("flags", c_uint32)]
 
 
+class FramePiece(ctypes.Structure):
+    """PgxFramePiece."""
+
+    _fields_ = [("frame", c_uint32), ("length", c_uint32), ("offset", c_uint64),
+                ("bytes", c_void_p)]
+
+
+class JsonWriteOptions(ctypes.Structure):
+    """PgxJsonWriteOptions."""
+
+    _fields_ = [("size", c_size_t), ("bulk_limit", c_uint64), ("source_uri", c_char_p),
+                ("uri", c_void_p), ("uri_context", c_void_p), ("character_set", c_void_p)]
+
+
+class JsonReadOptions(ctypes.Structure):
+    """PgxJsonReadOptions."""
+
+    _fields_ = [("size", c_size_t), ("depth_limit", c_uint32), ("size_limit", c_uint64),
+                ("bulk", c_void_p), ("bulk_context", c_void_p)]
+
+
+class JsonPlace(ctypes.Structure):
+    """PgxJsonPlace."""
+
+    _fields_ = [("size", c_size_t), ("error", c_int32), ("offset", c_uint64),
+                ("path", ctypes.c_char * 256)]
+
+
+class Report(ctypes.Structure):
+    """PgxOpenReport."""
+
+    _fields_ = [("size", c_uint32), ("options", c_uint32), ("result", c_int32),
+                ("notes", c_uint32), ("certainty", c_int32), ("syntax_flags", c_uint32),
+                ("elements", c_uint64), ("offset", c_uint64), ("group", c_uint16),
+                ("element", c_uint16), ("transfer_syntax", ctypes.c_char * 68)]
+
+
 BrowseCallback = ctypes.CFUNCTYPE(c_int32, POINTER(BrowseReason), c_char_p, c_void_p)
 ScanCallback = ctypes.CFUNCTYPE(c_int32, POINTER(ScanReason))
 
-_PROTOTYPES = {
+_PROTOTYPES: dict[str, Any] = {
     # Data sets.
-    "pgOpenDataSetFileEx": (c_void_p, c_char_p, c_uint32, c_uint32),
+    "pgxOpenFile": (c_void_p, c_char_p, c_uint32, c_uint32, POINTER(Report)),
+    "pgxOpenMemory": (c_void_p, c_char_p, c_size_t, c_uint32, POINTER(Report)),
+    "pgxSaveToMemory": (c_int64, c_void_p, c_int32, c_void_p, c_size_t),
+    "pgxFindFrames": (c_int64, c_void_p, POINTER(FramePiece), c_size_t, POINTER(c_int32)),
+    "pgxDecodeRle": (c_int32, c_char_p, c_size_t, c_uint32, c_uint32, c_void_p, c_size_t),
     "pgKitCloseDataSet": (None, c_void_p),
     "pgKitAllocateDataSetNode": (c_void_p,),
     "pgKitFreeNodeHierarchy": (None, c_void_p),
@@ -67,6 +109,8 @@ _PROTOTYPES = {
     "pgKitRemoveNode": (None, c_void_p, c_void_p),
     "pgKitSeqGetHead": (c_void_p, c_void_p),
     "pgKitSeqAddTail": (None, c_void_p, c_void_p),
+    "pgKitSeqAddHead": (None, c_void_p, c_void_p),
+    "pgKitSetNext": (None, c_void_p, c_void_p),
     "pgKitDumpToFile": (c_int32, c_void_p, c_char_p),
     "pgKitAddPart10Elements": (c_int32, c_void_p, c_char_p),
     "pgKitSaveDataSetAsEx": (c_uint32, c_void_p, c_char_p, c_int32),
@@ -83,9 +127,31 @@ _PROTOTYPES = {
     "pgKitSetValue": (c_int32, c_void_p, c_char_p, c_uint32),
     "pgKitGetFileData": (c_int32, c_void_p, c_void_p, c_uint32, c_uint32),
     "pgKitIsEncodedPixelData": (c_int32, c_void_p),
+    "pgKitInsertEncodedPixelDataNode": (c_void_p, c_void_p, c_uint32),
+    "pgKitSetEncodedPixelData": (c_int32, c_void_p, c_uint32, c_uint32, c_char_p),
     "pgKitGetEncodedPixelInfo": (c_int32, c_void_p, c_uint32, POINTER(c_uint32),
                                  POINTER(c_uint32)),
+    # Many values at once, and texts.
+    "pgxReadLevel": (c_size_t, c_void_p, c_void_p, c_uint32, c_void_p, c_size_t),
+    "pgxReadValues": (c_size_t, c_void_p, c_void_p, c_char_p, c_uint32, c_uint32, c_void_p,
+                      c_size_t),
+    "pgxReadFileValues": (c_size_t, c_char_p, c_uint32, c_char_p, c_uint32, c_uint32, c_void_p,
+                          c_size_t, POINTER(Report)),
+    "pgxFindCharacterSet": (c_void_p, c_void_p, c_void_p),
+    "pgxGetUtf8Value": (c_int64, c_void_p, c_void_p, c_char_p, c_size_t),
+    "pgxTextFromUtf8": (c_int64, c_char_p, c_uint32, c_char_p, c_size_t, c_char_p, c_size_t),
+    "pgxFieldToUtf8": (c_int64, c_char_p, c_uint32, c_char_p, c_char_p, c_size_t),
+    # JSON.
+    "pgxGetJson": (c_int64, c_void_p, POINTER(JsonWriteOptions), c_char_p, c_size_t),
+    "pgxParseJson": (c_void_p, c_char_p, c_size_t, POINTER(JsonReadOptions), POINTER(JsonPlace)),
+    "pgxJsonErrorText": (c_size_t, c_int32, c_char_p, c_size_t),
     # Dictionary and UIDs.
+    "pgxUseEdition": (c_int32, c_int32),
+    "pgxFindTag": (c_int32, c_char_p, POINTER(c_uint16), POINTER(c_uint16)),
+    "pgxTagKeyword": (c_size_t, c_uint16, c_uint16, c_char_p, c_size_t),
+    "pgxTagMultiplicity": (c_size_t, c_uint16, c_uint16, c_char_p, c_size_t),
+    "pgxUidName": (c_size_t, c_char_p, c_char_p, c_size_t),
+    "pgxUidKeyword": (c_size_t, c_char_p, c_char_p, c_size_t),
     "pgFindElementIdInfo": (c_uint32, c_int32, POINTER(c_uint16), POINTER(c_uint16)),
     "pgGetTagElementId": (c_uint32, c_char_p),
     "pgFindValueRepresentation": (c_uint32, c_uint16, c_uint16),
@@ -147,18 +213,34 @@ def _load() -> tuple[ctypes.CDLL, str]:
 
 def _declare(library: ctypes.CDLL) -> None:
     prototypes = dict(_PROTOTYPES)
-    for names, result in ((_RECORD_TEXTS, c_char_p), (_RECORD_NUMBERS, c_int32),
-                          (_RECORD_HANDLES, c_void_p)):
-        prototypes.update({f"pgKitDirGet{name}": (result, c_void_p) for name in names})
+    kinds: tuple[tuple[list[str], Any], ...] = (
+        (_RECORD_TEXTS, c_char_p), (_RECORD_NUMBERS, c_int32), (_RECORD_HANDLES, c_void_p))
+    for names, kind in kinds:
+        prototypes.update({f"pgKitDirGet{name}": (kind, c_void_p) for name in names})
     for name, (result, *arguments) in prototypes.items():
         function = getattr(library, name)
         function.restype = result
         function.argtypes = arguments
 
 
+def _refuse_sub_interpreters() -> None:
+    # The library has one edition for a process, and callbacks run in the main interpreter.
+    for name in ("_interpreters", "_xxsubinterpreters"):
+        try:
+            interpreters = importlib.import_module(name)
+        except ImportError:
+            continue
+        if interpreters.get_current() != interpreters.get_main():
+            raise ImportError("pgkit: only the main interpreter of a process can use the library")
+        return
+
+
+_refuse_sub_interpreters()
 lib, _path = _load()
 _declare(lib)
 lib.pgxSetVerbosity(0)
+_CURRENT_EDITION = 1
+lib.pgxUseEdition(_CURRENT_EDITION)
 _PATHS_UTF8 = 1
 lib.pgxSetPathEncoding(_PATHS_UTF8)
 

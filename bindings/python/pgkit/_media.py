@@ -9,6 +9,7 @@ import re
 import threading
 from typing import Any, Callable, Dict, Iterator, List, Optional
 
+from ._dictionary import vr_code
 from ._errors import CreateError, PgkitError, UnknownProfileError
 from ._library import (BrowseCallback, DicomdirOptions, ObjectList, ScanCallback, StrPath,
                        backslashed_path, c_text, decoded_path, lib)
@@ -140,11 +141,11 @@ _LEAF_KEYS = {  # the getters of each type, by the keys they are for
 
 
 def browse(path: StrPath, *, progress: Optional[Callable[[str], Any]] = None,
-           codec: str = "latin-1") -> List[Patient]:
+           codec: Optional[str] = None) -> List[Patient]:
     """The hierarchy of a DICOMDIR file, copied: nothing stays open.
 
-    progress is called with the path of every file that is found, as leaves have it. codec is what
-    texts are decoded with; the records of one DICOMDIR may use several. Raises OSError or
+    progress is called with the path of every file that is found, as leaves have it. Texts
+    are decoded by the character set of their record; with a codec, by that. Raises OSError or
     PgkitError for a file that is no DICOMDIR, and what progress raised, once the browse has ended.
     """
     with open(path, "rb"):
@@ -193,44 +194,75 @@ def _bytes(getter: str, handle: int) -> bytes:
     return data
 
 
-def _text(getter: str, handle: int, codec: str) -> str:
-    return _bytes(getter, handle).decode(codec, "replace").rstrip(" ")
+class _Texts:
+    """Decodes the texts of a record: with a codec, or by the record's own character set."""
+
+    def __init__(self, handle: int, record: Optional[int], codec: Optional[str]) -> None:
+        self._handle = handle
+        self._codec = codec
+        self._character_set = _character_set(record) if codec is None else b""
+
+    def __call__(self, getter: str, vr: str = "LO") -> str:
+        data = _bytes(getter, self._handle)
+        if self._codec is not None:
+            return data.decode(self._codec, "replace").rstrip(" ")
+        # No character takes more than three bytes for one of its own.
+        buffer = ctypes.create_string_buffer(3 * len(data) + 1)
+        size = lib.pgxFieldToUtf8(self._character_set, vr_code(vr), data, buffer, len(buffer))
+        if size < 0:
+            raise MemoryError
+        return buffer.raw[:size].decode("utf-8", "replace").rstrip(" ")
+
+
+def _character_set(record: Optional[int]) -> bytes:
+    element = lib.pgxFindCharacterSet(record, None) if record else None
+    length = lib.pgKitGetLength(element) if element else 0
+    if not 0 < length <= _LONGEST_FILE_ID:
+        return b""
+    buffer = ctypes.create_string_buffer(length + 1)
+    lib.pgKitGetValue(element, buffer)
+    return buffer.value
 
 
 def _leaf_path(data: bytes) -> str:
     return decoded_path(data).rstrip(" ")
 
 
-def _patient(handle: int, codec: str) -> Patient:
+def _patient(handle: int, codec: Optional[str]) -> Patient:
+    text = _Texts(handle, lib.pgKitDirGetPatientNode(handle), codec)
     return Patient(
-        *(_text("Patient" + key, handle, codec) for key in ("ID", "sName", "BirthDate", "Sex")),
-        studies=[_study(study, codec) for study in _objects(lib.pgKitDirGetStudyList(handle))])
+        text("PatientID"), text("PatientsName", "PN"), text("PatientBirthDate"), text("PatientSex"),
+        [_study(study, codec) for study in _objects(lib.pgKitDirGetStudyList(handle))])
 
 
-def _study(handle: int, codec: str) -> Study:
-    keys = ("UID", "ID", "Date", "Time", "AccessionNumber", "Desc", "Modality")
-    return Study(*(_text("Study" + key, handle, codec) for key in keys),
-                 series=[_series(series, codec)
-                         for series in _objects(lib.pgKitDirGetSeriesList(handle))])
+def _study(handle: int, codec: Optional[str]) -> Study:
+    text = _Texts(handle, lib.pgKitDirGetStudyNode(handle), codec)
+    return Study(
+        text("StudyUID"), text("StudyID"), text("StudyDate"), text("StudyTime"),
+        text("StudyAccessionNumber"), text("StudyDesc"), text("StudyModality"),
+        [_series(series, codec) for series in _objects(lib.pgKitDirGetSeriesList(handle))])
 
 
-def _series(handle: int, codec: str) -> Series:
-    keys = ("UID", "Number", "Modality", "Desc", "InstitutionName")
-    return Series(*(_text("Series" + key, handle, codec) for key in keys),
-                  leaves=[_leaf(leaf, codec) for leaf in _objects(lib.pgKitDirGetLeafList(handle))])
+def _series(handle: int, codec: Optional[str]) -> Series:
+    text = _Texts(handle, lib.pgKitDirGetSeriesNode(handle), codec)
+    return Series(
+        text("SeriesUID"), text("SeriesNumber"), text("SeriesModality"), text("SeriesDesc"),
+        text("SeriesInstitutionName"),
+        [_leaf(leaf, codec) for leaf in _objects(lib.pgKitDirGetLeafList(handle))])
 
 
-def _leaf(handle: int, codec: str) -> Leaf:
+def _leaf(handle: int, codec: Optional[str]) -> Leaf:
+    text = _Texts(handle, lib.pgKitDirGetLeafNode(handle), codec)
     kind = LeafType(lib.pgKitDirGetLeafType(handle))
     keys: Dict[str, Any] = {}
     for key, getter in _LEAF_KEYS.get(kind, {}).items():
         function = getattr(lib, "pgKitDirGet" + getter)
         is_number = function.restype is ctypes.c_int32
-        keys[key] = function(handle) if is_number else _text(getter, handle, codec)
+        keys[key] = function(handle) if is_number else text(getter, "PN" if key == "creator"
+                                                            else "LO")
     file_id = _file_id(handle)
-    return Leaf(kind, _text("LeafRecordType", handle, codec),
-                _leaf_path(_bytes("LeafFullPath", handle)),
-                _text("LeafInstanceUID", handle, codec), _text("LeafSOPClassUID", handle, codec),
+    return Leaf(kind, text("LeafRecordType"), _leaf_path(_bytes("LeafFullPath", handle)),
+                text("LeafInstanceUID"), text("LeafSOPClassUID"),
                 lib.pgKitDirGetLeafInstanceNumber(handle), keys, file_id, _leads_outside(file_id))
 
 

@@ -1,0 +1,171 @@
+"""Blocks: the elements of a data set, or some of them, as one call of the library gives them.
+
+The layout is that of bulk_values.h of the library.
+"""
+
+from __future__ import annotations
+
+import ctypes
+import struct
+import sys
+import threading
+from typing import Any, Callable, Dict, Iterator, List, Optional, Tuple
+
+from . import _values
+from ._dictionary import vr_code
+from ._library import Report, lib
+
+# Node, tag, VR code, length of the stored value, kind, offset and size of the value in the block.
+Record = Tuple[int, int, int, int, int, int, int]
+
+ABSENT, TEXT, BYTES, SEQUENCE, ENCAPSULATED, LEFT_OUT, ITEM = range(7)
+
+# Longer values are left out of blocks and fetched one by one.
+LONGEST_VALUE = 1024
+
+_HEADER = struct.Struct("=IIQ")
+_RECORD = struct.Struct("=Q6I")
+_FIRST_TAG = _HEADER.size
+_BYTE_ORDER = sys.byteorder
+
+
+class _Buffer(threading.local):
+    """Room for blocks: a thread's own, for other threads run during the calls."""
+
+    def __init__(self) -> None:
+        self.grow(0x10000)
+
+    def grow(self, size: int) -> None:
+        self.size = size
+        self.memory = ctypes.create_string_buffer(size)
+        self.address = ctypes.addressof(self.memory)
+
+
+_buffer = _Buffer()
+_string_at = ctypes.string_at
+_read_level = lib.pgxReadLevel
+_read_values = lib.pgxReadValues
+_read_file_values = lib.pgxReadFileValues
+
+
+def tag_list(tags: "list[int]") -> bytes:
+    """Tags as the library takes a list of them."""
+    return struct.pack(f"={len(tags)}I", *tags)
+
+
+def read_level(node: int, character_set: Optional[int]) -> bytes:
+    """The block of all elements of a data set, or of all items of a sequence."""
+    buffer = _buffer
+    size = _read_level(node, character_set, LONGEST_VALUE, buffer.address, buffer.size)
+    while size > buffer.size:
+        buffer.grow(size)
+        size = _read_level(node, character_set, LONGEST_VALUE, buffer.address, buffer.size)
+    if not size:
+        raise MemoryError
+    return _string_at(buffer.address, size)
+
+
+def read_values(node: int, character_set: Optional[int], tags: bytes) -> bytes:
+    """The block of the first elements of a list of tags."""
+    count = len(tags) // 4
+    buffer = _buffer
+    size = _read_values(node, character_set, tags, count, LONGEST_VALUE, buffer.address,
+                        buffer.size)
+    while size > buffer.size:
+        buffer.grow(size)
+        size = _read_values(node, character_set, tags, count, LONGEST_VALUE, buffer.address,
+                            buffer.size)
+    if not size:
+        raise MemoryError
+    return _string_at(buffer.address, size)
+
+
+def read_file_values(path: bytes, flags: int, tags: bytes, report: Report) -> Optional[bytes]:
+    """The same of a file, which is opened and closed in one call; None when it gives no tree."""
+    count = len(tags) // 4
+    buffer = _buffer
+    size = _read_file_values(path, flags, tags, count, LONGEST_VALUE, buffer.address, buffer.size,
+                             report)
+    while size > buffer.size:
+        buffer.grow(size)
+        size = _read_file_values(path, flags, tags, count, LONGEST_VALUE, buffer.address,
+                                 buffer.size, report)
+    return _string_at(buffer.address, size) if size else None
+
+
+def records_of(block: bytes) -> Iterator[Record]:
+    """All records, in their order."""
+    first = (_FIRST_TAG + 4 * count_of(block) + 7) & ~7
+    count = count_of(block)
+    return _RECORD.iter_unpack(memoryview(block)[first : first + count * _RECORD.size])  # type: ignore[return-value]
+
+
+_COUNT = struct.Struct("=I")
+_count_in = _COUNT.unpack_from
+_record_at = _RECORD.unpack_from
+
+
+def count_of(block: bytes) -> int:
+    """How many records there are."""
+    count: int = _COUNT.unpack_from(block)[0]
+    return count
+
+
+def character_set_of(block: bytes) -> Optional[int]:
+    """The element (0008,0005) that holds for the values, as a node."""
+    node: int = _HEADER.unpack_from(block)[2]
+    return node or None
+
+
+def find(block: bytes, tag: int) -> Optional[Record]:
+    """The first record of a tag."""
+    (count,) = _count_in(block)
+    end = 16 + 4 * count
+    at = block.find(tag.to_bytes(4, _BYTE_ORDER), 16, end)
+    while at & 3:
+        if at < 0:
+            return None
+        # Four bytes of two tags.
+        at = block.find(tag.to_bytes(4, _BYTE_ORDER), at + 1, end)
+    # A record has eight times the size of a tag.
+    return _record_at(block, (end + 7 & ~7) + (at - 16) * 8)  # type: ignore[return-value]
+
+
+# By the code of the VR.
+_one_text: Dict[int, Callable[[str], Any]] = {
+    vr_code(vr): decoder for vr, decoder in _values.ONE_VALUE.items()}
+_one_number: Dict[int, Tuple[int, Callable[[bytes], Any]]] = {
+    vr_code(vr): (_values.NUMBER_SIZES[vr], decoder)
+    for vr, decoder in _values.ONE_NUMBER.items()}
+_as_it_stands = frozenset(vr_code(vr) for vr in _values.LEADING_BLANKS_COUNT)
+
+
+def value_in(block: bytes, record: Record) -> Any:
+    """The value of an element that has exactly one, straight from the block; None where it takes
+    more to say what the value is."""
+    _, _, vr, _, kind, offset, size = record
+    if kind == 1:  # TEXT
+        if size:
+            text = str(block[offset : offset + size], "utf-8")
+            if "\\" not in text and "\0" not in text:
+                decode = _one_text.get(vr)
+                if decode is not None:
+                    return decode(text)
+                return text if text[0] != " " or vr in _as_it_stands else text.lstrip(" ")
+    elif kind == 2 and vr in _one_number:  # BYTES
+        unit, unpack = _one_number[vr]
+        if size == unit:
+            return unpack(block[offset : offset + size])[0]
+    return None
+
+
+def values_in(block: bytes, record: Record, vr: str) -> List[Any]:
+    """All values of an element whose value is in the block. vr is its VR, which a data set has to
+    settle for USSS. Raises ValueError for an IS or DS that is no number."""
+    _, _, _, length, kind, offset, size = record
+    if length == 0:
+        return []
+    data = block[offset : offset + size]
+    if kind == TEXT:
+        return _values.decode_text(data.decode("utf-8", "replace"), vr)
+    return _values.decode_bytes(data, vr)

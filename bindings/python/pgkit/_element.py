@@ -1,0 +1,437 @@
+"""Data elements and their values."""
+
+from __future__ import annotations
+
+import ctypes
+import datetime
+import decimal
+import weakref
+from typing import (TYPE_CHECKING, Any, Callable, Iterable, List, NoReturn, Optional, TypeVar,
+                    Union)
+
+from . import _values
+from ._blocks import BYTES, ENCAPSULATED, SEQUENCE, TEXT, Record, value_in, values_in
+from ._dictionary import Tag, element_name, keyword, vr_code, vr_name
+from ._errors import ClosedError, PgkitError
+from ._library import lib
+from ._pixels import fragments_of
+from ._times import date_of, date_time_of, time_of
+from ._tree import Found, Level, chain
+from ._values import Value, decode_bytes, decode_text, encode
+
+if TYPE_CHECKING:
+    from ._data_set import Item
+    from ._sequence import Sequence
+
+UNDEFINED_LENGTH = 0xFFFFFFFF
+
+_Moment = TypeVar("_Moment")
+
+
+class Element:
+    """A data element. Its ``value`` can be read and set."""
+
+    __slots__ = ("_level", "_handle", "_block", "_record", "__weakref__")
+
+    def __init__(self, level: Level, block: bytes, record: Record) -> None:
+        self._level = level
+        self._handle: Optional[int] = record[0]
+        self._block = block
+        self._record = record
+
+    def __reduce__(self) -> NoReturn:
+        raise TypeError("an Element belongs to its data set: it cannot be copied or pickled")
+
+    @property
+    def _live(self) -> int:
+        if self._handle is None or self._level.tree.root is None:
+            raise ClosedError("the data set is closed or this part of it was removed")
+        return self._handle
+
+    def _now(self) -> Found:
+        """What the library says of the element."""
+        level = self._level
+        if level.is_current(self._block, self._record[1]):
+            return self._block, self._record
+        handle = self._live
+        found = level.find(self._record[1])
+        if found is None or found[1][0] != handle:
+            found = level.find_handle(handle)  # not the first one of its tag
+        self._block, self._record = found
+        return found
+
+    def _facts(self) -> Record:
+        self._live  # noqa: B018
+        return self._now()[1]
+
+    # ---- What it is -----------------------------------------------------------------------------
+
+    @property
+    def tag(self) -> Tag:
+        """Group and element number."""
+        self._live  # noqa: B018
+        number = self._record[1]
+        return number >> 16, number & 0xFFFF
+
+    @property
+    def name(self) -> str:
+        """The dictionary's name, "<Unknown Tag>" when there is none."""
+        return element_name(self.tag)
+
+    @property
+    def keyword(self) -> str:
+        """The keyword of the tag in today's standard, empty when there is none."""
+        return keyword(self.tag)
+
+    @property
+    def vr(self) -> str:
+        """The value representation ("PN"); "USSS" and "OWOB" where a file leaves it open."""
+        return vr_name(self._facts()[2])
+
+    @property
+    def length(self) -> Optional[int]:
+        """The length of the value in bytes, None when it is undefined."""
+        length = self._facts()[3]
+        return None if length == UNDEFINED_LENGTH else length
+
+    @property
+    def is_sequence(self) -> bool:
+        """Whether the element has items."""
+        return self._facts()[4] == SEQUENCE
+
+    @property
+    def is_encapsulated(self) -> bool:
+        """Whether it is Pixel Data in fragments."""
+        return self._facts()[4] == ENCAPSULATED
+
+    @property
+    def is_private(self) -> bool:
+        """Whether its group is odd."""
+        return self.tag[0] % 2 == 1
+
+    # ---- Items ----------------------------------------------------------------------------------
+
+    @property
+    def items(self) -> List[Item]:
+        """The items of a sequence, as they are now; none for any other element."""
+        handles = chain(lib.pgKitGetFirst(self._live))
+        return [self._item(handle) for handle in handles]
+
+    def _item(self, handle: int) -> Item:
+        from ._data_set import item_of
+
+        return item_of(self._level, handle)
+
+    def append_item(self) -> Item:
+        """Adds an empty item to a sequence."""
+        if not self.is_sequence:
+            raise TypeError(f"{tag_text(self.tag)} is no sequence")
+        handle = lib.pgKitAllocateDataSetNode()
+        if handle is None:
+            raise MemoryError
+        lib.pgKitSeqAddTail(self._live, handle)
+        self._changed()
+        return self._item(handle)
+
+    def remove_item(self, item: Item) -> None:
+        """Removes an item of this sequence."""
+        handle = item._level.live
+        if handle not in chain(lib.pgKitGetFirst(self._live)):
+            raise ValueError("not an item of this sequence")
+        self._remove_handle(handle)
+
+    def _remove_handle(self, handle: int) -> None:
+        self._level.tree.cut_off(handle)
+        lib.pgKitRemoveNode(self._live, handle)
+        self._changed()
+
+    def _changed(self) -> None:
+        self._level.changed(self._record[1])
+
+    # ---- Values ---------------------------------------------------------------------------------
+
+    @property
+    def raw(self) -> bytes:
+        """The value as bytes, numbers in host byte order.
+
+        What the file does not have of a value it declares reads as zeros. PgkitError for sequences
+        and fragments, and for lengths that no value of this file can have.
+        """
+        self._live  # noqa: B018
+        block, record = self._now()
+        if record[4] == BYTES:
+            return block[record[5] : record[5] + record[6]]
+        length = self._length_of_value(record)
+        buffer = ctypes.create_string_buffer(length + 1)
+        self._read_into(ctypes.addressof(buffer))
+        return buffer.raw[:length]
+
+    def _length_of_value(self, record: Record) -> int:
+        length = record[3]
+        if length == 0:
+            return 0
+        if length == UNDEFINED_LENGTH or record[4] in (SEQUENCE, ENCAPSULATED):
+            raise PgkitError(f"{tag_text(self.tag)} has no value of its own")
+        if length > self._level.tree.longest_value:
+            raise PgkitError(f"{tag_text(self.tag)} declares {length} bytes, more than its file has")
+        return length
+
+    def _read_into(self, address: int) -> None:
+        """The value and a zero behind it."""
+        if self._record[3] and not lib.pgKitGetValue(self._live, address):
+            raise PgkitError(f"the value of {tag_text(self.tag)} cannot be read")
+
+    def _utf8(self, block: bytes, record: Record) -> bytes:
+        if record[4] == TEXT:
+            return block[record[5] : record[5] + record[6]]
+        self._length_of_value(record)
+        # No character takes more than three bytes for one of its own.
+        buffer = ctypes.create_string_buffer(3 * record[3] + 1)
+        size = lib.pgxGetUtf8Value(self._level.character_set(), self._live, buffer, len(buffer))
+        if size < 0:
+            raise PgkitError(f"the value of {tag_text(self.tag)} cannot be read")
+        return buffer.raw[:size]
+
+    @property
+    def values(self) -> List[Any]:
+        """All values: str, int, float, bytes or tags; an empty one of several numbers is None."""
+        self._live  # noqa: B018
+        block, record = self._now()
+        vr = vr_name(record[2])
+        if vr in _values.TEXTS and record[4] != SEQUENCE:
+            if record[3] == 0:
+                return []
+            return decode_text(self._utf8(block, record).decode("utf-8", "replace"), vr)
+        return decode_bytes(self.raw, self._level.numeric_vr(vr))
+
+    @property
+    def value(self) -> Value:
+        """The value; a list of them when there are several, None when there is none.
+
+        Texts are str, without padding, and PN a PersonName, which is one; IS, US, SS, UL, SL, UV
+        and SV are int; DS, FL and FD are float; AT are tags; everything else is bytes. Changing the
+        list changes the element. A sequence gives a Sequence of its items. An IS or DS that is no
+        number raises ValueError: ``text`` has it.
+        """
+        level, block, record = self._level, self._block, self._record
+        if block is level._block and not level._stale and self._handle is not None:
+            value = value_in(block, record)
+            if value is not None:
+                return value  # type: ignore[no-any-return]
+            if record[4] in (TEXT, BYTES):
+                values = values_in(block, record, level.numeric_vr(vr_name(record[2])))
+                if len(values) > 1:
+                    return MultiValue(self, values)
+                return values[0] if values else None
+        if self.is_sequence:
+            return self.sequence  # type: ignore[return-value]
+        values = self.values
+        if len(values) > 1:
+            return MultiValue(self, values)
+        return values[0] if values else None
+
+    @value.setter
+    def value(self, value: Any) -> None:
+        """Sets one value, a list of them, bytes as they are, or None for an empty value."""
+        if self.vr == "SQ":
+            self.sequence.assign(value)
+            return
+        self._refuse_parts()
+        self._store(self._encoded(value, self.vr))
+
+    @property
+    def sequence(self) -> Sequence:
+        """The items as a list that can be changed. TypeError for what is no sequence."""
+        from ._sequence import Sequence
+
+        if not self.is_sequence:
+            raise TypeError(f"{tag_text(self.tag)} is no sequence")
+        return Sequence(self)
+
+    def _encoded(self, value: Any, vr: str) -> bytes:
+        return encoded_for(self._level, value, vr)
+
+    def _refuse_parts(self) -> None:
+        if self.is_encapsulated or lib.pgKitGetFirst(self._live) is not None:
+            raise TypeError(f"{tag_text(self.tag)} has items or fragments, not a value")
+
+    def _store(self, data: bytes) -> None:
+        is_stored = lib.pgKitSetValue(self._live, data, len(data))
+        self._changed()
+        if not is_stored:
+            raise MemoryError
+        # An odd one is padded.
+        self._level.tree.note_length(len(data) + 1)
+
+    def _change_vr(self, vr: str) -> None:
+        lib.pgKitSetValueRep(self._live, vr_code(vr))
+        self._changed()
+
+    @property
+    def text(self) -> str:
+        """The value of a text as one text, whatever it says."""
+        self._live  # noqa: B018
+        block, record = self._now()
+        vr = vr_name(record[2])
+        if vr not in _values.TEXTS:
+            raise TypeError(f"{tag_text(self.tag)} is {vr}, no text")
+        utf8 = self._utf8(block, record)
+        return "\\".join(_values.split_text(utf8.decode("utf-8", "replace"), vr))
+
+    # ---- On request -----------------------------------------------------------------------------
+
+    @property
+    def date(self) -> Union[None, datetime.date, List[Optional[datetime.date]]]:
+        """The value of a DA as a date; a list when there are several."""
+        return self._converted("DA", date_of)
+
+    @property
+    def time(self) -> Union[None, datetime.time, List[Optional[datetime.time]]]:
+        """The value of a TM as a time; a list when there are several."""
+        return self._converted("TM", time_of)
+
+    @property
+    def datetime(self) -> Union[None, datetime.datetime, List[Optional[datetime.datetime]]]:
+        """The value of a DT as a datetime; a list when there are several."""
+        return self._converted("DT", date_time_of)
+
+    @property
+    def decimal(self) -> Union[None, decimal.Decimal, List[Optional[decimal.Decimal]]]:
+        """The value of a DS exactly as it is written; a list when there are several."""
+        return self._converted("DS", decimal.Decimal)
+
+    def _converted(self, vr: str, convert: Callable[[str], _Moment]
+                   ) -> Union[None, _Moment, List[Optional[_Moment]]]:
+        if self.vr != vr:
+            raise TypeError(f"{tag_text(self.tag)} is {self.vr}, not {vr}")
+        texts = self.text.split("\\")
+        try:
+            found = [convert(text.strip(" ")) if text.strip(" ") else None for text in texts]
+        except decimal.InvalidOperation:
+            raise ValueError(f"not DS: {self.text!r}") from None
+        return found if len(found) > 1 else found[0]
+
+    # ---- Fragments ------------------------------------------------------------------------------
+
+    @property
+    def fragments(self) -> List[bytes]:
+        """Encapsulated Pixel Data as the file has it: its frames when there is an offset table, in
+        which case the item headers within a frame are part of it, else its fragments."""
+        self._live  # noqa: B018
+        return fragments_of(self._level, self._live)
+
+    # ---- Comparison and text --------------------------------------------------------------------
+
+    def __eq__(self, other: object) -> bool:
+        """Whether tag, VR and value are the same."""
+        if self is other:
+            return True
+        if not isinstance(other, Element):
+            return NotImplemented
+        from ._copying import equal_elements
+
+        return equal_elements(self, other)
+
+    __hash__ = None  # type: ignore[assignment]
+
+    def __repr__(self) -> str:
+        if self._handle is None or self._level.tree.root is None:
+            return "<Element: closed>"
+        from ._printing import value_text
+
+        return f"<Element {tag_text(self.tag)} {self.vr} {self.keyword or self.name}: {value_text(self)}>"
+
+    def __str__(self) -> str:
+        from ._printing import lines_of_element
+
+        return "\n".join(lines_of_element(self, ""))
+
+
+class MultiValue(List[Any]):
+    """Several values of an element: a list. Changing it changes the element, or raises and leaves
+    both as they are."""
+
+    def __init__(self, element: Element, values: Iterable[Any]) -> None:
+        super().__init__(values)
+        self._element = element
+
+    def __reduce__(self) -> Any:
+        return list, (list(self),)
+
+    def _become(self, values: List[Any]) -> None:
+        self._element.value = values
+        super().__init__(values)
+
+    def _edit(self, change: Callable[[List[Any]], Any]) -> Any:
+        values = list(self)
+        result = change(values)
+        self._become(values)
+        return result
+
+    def append(self, value: Any) -> None:
+        self._edit(lambda values: values.append(value))
+
+    def extend(self, more: Iterable[Any]) -> None:
+        self._edit(lambda values: values.extend(more))
+
+    def insert(self, index: Any, value: Any) -> None:
+        self._edit(lambda values: values.insert(index, value))
+
+    def remove(self, value: Any) -> None:
+        self._edit(lambda values: values.remove(value))
+
+    def pop(self, index: Any = -1) -> Any:
+        return self._edit(lambda values: values.pop(index))
+
+    def clear(self) -> None:
+        self._become([])
+
+    def sort(self, **options: Any) -> None:
+        self._edit(lambda values: values.sort(**options))
+
+    def reverse(self) -> None:
+        self._edit(lambda values: values.reverse())
+
+    def __setitem__(self, index: Any, value: Any) -> None:
+        self._edit(lambda values: values.__setitem__(index, value))
+
+    def __delitem__(self, index: Any) -> None:
+        self._edit(lambda values: values.__delitem__(index))
+
+    def __iadd__(self, more: Iterable[Any]) -> MultiValue:  # type: ignore[misc]
+        self.extend(more)
+        return self
+
+    def __imul__(self, count: Any) -> MultiValue:  # type: ignore[misc]
+        self._become(list(self) * count)
+        return self
+
+
+def encoded_for(level: Level, value: Any, vr: str) -> bytes:
+    """The bytes of a value for an element of a level."""
+    data = encode(value, level.numeric_vr(vr), vr_code(vr) if vr in _values.TEXTS else 0,
+                  b"" if _is_ascii(value) else level.character_set_text())
+    if len(data) >= UNDEFINED_LENGTH:
+        raise ValueError("values are shorter than 4 GiB")
+    return data
+
+
+def _is_ascii(value: Any) -> bool:
+    return isinstance(value, str) and value.isascii() and "\x1b" not in value
+
+
+def element_of(level: Level, block: bytes, record: Record) -> Element:
+    """The object that stands for an element."""
+    reference = level.elements.get(record[0])
+    if reference is not None:
+        known = reference()
+        if known is not None:
+            return known  # type: ignore[no-any-return]
+    element = Element(level, block, record)
+    level.elements[record[0]] = weakref.ref(element)
+    return element
+
+
+def tag_text(tag: Tag) -> str:
+    """ "(0010,0020)"."""
+    return "({:04X},{:04X})".format(*tag)

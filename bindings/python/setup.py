@@ -1,0 +1,95 @@
+"""Makes a wheel with the library inside.
+
+The library and its companion for images are those beside the file that the environment variable
+PGKIT_LIBRARY names, or are built with CMake: from the sources that this folder lies in, or from those
+that a source distribution brings along.
+"""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+
+from setuptools import Distribution, setup
+from setuptools.command.build_py import build_py
+from setuptools.command.sdist import sdist
+from wheel.bdist_wheel import bdist_wheel
+
+HERE = pathlib.Path(__file__).resolve().parent
+BROUGHT_ALONG = HERE / "native"
+SOURCES = ["CMakeLists.txt", "LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "cmake", "data", "docs",
+           "include", "imaging", "src"]
+WINDOWS = os.name == "nt"
+LIBRARY = "pgkit.dll" if WINDOWS else "libpgkit.so.2"
+COMPANION = "pgview32.dll" if WINDOWS else "pgview32.so"
+
+
+def source_folder():
+    """Where the sources of the library are."""
+    for folder in (BROUGHT_ALONG, HERE.parent.parent):
+        if (folder / "src/pgkit.def").is_file():
+            return folder
+    raise SystemExit("pgkit: there are no sources of the library here; PGKIT_LIBRARY may name its file")
+
+
+def built_libraries(folder):
+    """Builds both libraries below a folder."""
+    subprocess.run(
+        ["cmake", "-S", str(source_folder()), "-B", str(folder), "-DCMAKE_BUILD_TYPE=RelWithDebInfo",
+         "-DPGKIT_BUILD_TOOLS=OFF", "-DPGKIT_BUILD_TESTS=OFF", "-DPGKIT_BUILD_EXAMPLES=OFF"],
+        check=True)
+    subprocess.run(["cmake", "--build", str(folder), "--parallel", str(os.cpu_count() or 1),
+                    "--target", "pgkit", "pgview32"], check=True)
+    return [folder / "bin" / name for name in (LIBRARY, COMPANION)]
+
+
+def named_libraries(name):
+    """The file that was named, and its companion, if it has one."""
+    library = pathlib.Path(name).resolve(strict=True)
+    companion = library.parent / COMPANION
+    return [library] + ([companion] if companion.is_file() else [])
+
+
+class BuildWithLibraries(build_py):
+    def run(self):
+        super().run()
+        named = os.environ.get("PGKIT_LIBRARY")
+        folder = pathlib.Path(self.get_finalized_command("build").build_temp).resolve() / "native"
+        package = pathlib.Path(self.build_lib) / "pgkit"
+        for file, name in zip(named_libraries(named) if named else built_libraries(folder),
+                              (LIBRARY, COMPANION)):
+            shutil.copyfile(file, package / name)
+            if not WINDOWS and shutil.which("strip"):
+                subprocess.run(["strip", "--strip-unneeded", str(package / name)], check=True)
+
+
+class SourcesWithLibrary(sdist):
+    def make_release_tree(self, base_dir, files):
+        super().make_release_tree(base_dir, files)
+        target = pathlib.Path(base_dir) / "native"
+        for name in SOURCES:
+            source = source_folder() / name
+            if source.is_dir():
+                shutil.copytree(source, target / name)
+            elif source.is_file():
+                target.mkdir(exist_ok=True)
+                shutil.copyfile(source, target / name)
+
+
+class WheelOfPlatform(bdist_wheel):
+    def get_tag(self):
+        # The library is loaded at run time: any Python will do, and only this platform.
+        return ("py3", "none", super().get_tag()[2])
+
+
+class WithLibraries(Distribution):
+    def has_ext_modules(self):
+        return True
+
+
+if sys.version_info < (3, 9):
+    raise SystemExit("pgkit needs Python 3.9 or later")
+setup(distclass=WithLibraries,
+      cmdclass={"build_py": BuildWithLibraries, "sdist": SourcesWithLibrary,
+                "bdist_wheel": WheelOfPlatform})
