@@ -2,7 +2,8 @@
 """Compares what the modules export with what the public headers declare and with the
 module-definition file: nothing is missing, nothing else is there, ordinals are as they are written.
 There are two families of names: the first, which is complete and keeps its ordinals, and the
-functions pgx..., which grows, from ordinal 2001 on.
+functions pgx..., which grows, from ordinal 2001 on. The list of symbols in the Debian package is held
+against the module, too.
 
     compare_exports.py SHARED_OBJECT DLL
 
@@ -21,6 +22,7 @@ from check_runner import report  # noqa: E402
 EXPORTS = pathlib.Path(__file__).resolve().parent
 DEFINITIONS = EXPORTS.parent.parent / "src/pgkit.def"
 FIRST_FAMILY = EXPORTS / "first_family.txt"
+PACKAGE_SYMBOLS = EXPORTS.parent.parent / "packaging/debian/libpgkit2.symbols"
 
 FIRST_FAMILY_SIZE = 331
 LAST_OF_FIRST_FAMILY = 1702
@@ -99,6 +101,11 @@ def check_ordinals(entries, exported):
             yield f"{name}: ordinal {exported.get(name)} instead of {ordinal}"
 
 
+def symbols_of_package():
+    """What the package of the library promises to others."""
+    return {line.split("@")[0].strip() for line in PACKAGE_SYMBOLS.read_text().splitlines()[1:]}
+
+
 def main(shared_object, dll):
     entries = defined_ordinals()
     exported = ordinals_of_dll(dll)
@@ -108,6 +115,8 @@ def main(shared_object, dll):
         f"{dll}, ordinals": check_ordinals(entries, exported),
         f"{dll}, names": differences(microsoft_symbols() | gcc_symbols(GCC_WINDOWS), set(exported)),
         shared_object: differences(gcc_symbols(GCC_LINUX), symbols_of_shared_object(shared_object)),
+        PACKAGE_SYMBOLS.name: differences(symbols_of_shared_object(shared_object),
+                                          symbols_of_package()),
     }
     return report(("exports", subject, "\n       ".join(findings) or None)
                   for subject, findings in checks.items())
