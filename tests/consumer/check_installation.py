@@ -25,8 +25,8 @@ TOOLCHAIN = ROOT / "cmake/mingw-w64-x86_64.cmake"
 RLE_IMAGE = ROOT / "tests/data/encapsulated/rtdose_rle_15frames_no_bot.dcm"
 MR_IMAGE = ROOT / "tests/data/native/mr_implicit_le.dcm"
 VERSION = "2.86e 24-mar-2o15"
-EXAMPLES = ("read_and_print", "anonymize_folder", "frames_to_raw", "read_with_classes",
-            "edit_and_save", "build_data_set", "browse_disc", "make_disc",
+EXAMPLES = ("read_and_print", "anonymize_folder", "frames_to_raw", "disc_to_json", "json_to_file",
+            "read_with_classes", "edit_and_save", "build_data_set", "browse_disc", "make_disc",
             "read_in_c")
 
 

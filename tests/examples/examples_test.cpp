@@ -188,6 +188,29 @@ TEST(Examples, FramesToRawWritesEachFrame) {
     EXPECT_THAT(none.err, HasSubstr(" has no frames\n"));
 }
 
+TEST(Examples, DiscToJsonPrintsEveryInstance) {
+    const TempDir disc;
+    disc.Write("IM1", InstanceFile().Instance("1.2.3.4.1").Data());
+    disc.Write("IM2", InstanceFile().Instance("1.2.3.4.2").Data());
+    OutputOf("make_disc", {disc.Path("")});
+    const std::string json = OutputOf("disc_to_json", {disc.Path("DICOMDIR")});
+    EXPECT_THAT(json, HasSubstr(R"("00080018":{"vr":"UI","Value":["1.2.3.4.1"]})"));
+    EXPECT_THAT(json, HasSubstr(R"("00080018":{"vr":"UI","Value":["1.2.3.4.2"]})"));
+    EXPECT_EQ(RunExample("disc_to_json", {disc.Path("IM1")}).exitStatus, 1);
+}
+
+TEST(Examples, JsonToFileMakesAFile) {
+    const TempDir directory;
+    const std::string json = R"({"00100010":{"vr":"PN","Value":[{"Alphabetic":"Schädel^Ö"}]}})";
+    const std::string path = directory.Write("json", Bytes(json.begin(), json.end()));
+    const std::string made = directory.Path("made");
+    EXPECT_EQ(OutputOf("json_to_file", {path, made}), "");
+    EXPECT_EQ(pgkit::data_set::open(made)->find("PatientName").text(), "Schädel^Ö");
+    const std::string broken = R"({"00100010":{"vr":"PN","Value":[1]}})";
+    directory.Write("json", Bytes(broken.begin(), broken.end()));
+    EXPECT_THAT(RunExample("json_to_file", {path, made}).err, HasSubstr(", PatientName: "));
+}
+
 TEST(Examples, ReadInCPrintsTheTopLevel) {
     const std::string out = OutputOf("read_in_c", {TestData("native/mr_implicit_le.dcm")});
     EXPECT_THAT(out, HasSubstr("(0010,0010) PN PatientsName, 22 bytes: CompressedSamples^MR1 \n"));
