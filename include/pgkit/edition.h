@@ -11,16 +11,15 @@
 //    everywhere:
 //      they are read, named, converted between byte orders, printed and written under their
 //      letters. In the built-in edition their letters name nothing, and their codes have no name.
-// 3. The edition is one value for the whole process. Choose it at the start: a tree that was read
-// in
-//    the current edition and is written or printed in the built-in one loses the meaning of the new
-//    value representations, though no byte of their values.
+// 3. The edition is one value for the whole process. Choose it at the start: a tree that was
+//    read in the current edition and is written or printed in the built-in one loses the meaning of
+//    the new value representations, though no byte of their values.
 // 4. Texts are written to a buffer of a given size, cut to fit and always terminated (when the size
 //    is not 0), and the length of the whole text is returned, without its terminating zero; 0 means
 //    that there is none, and the buffer is then empty. A null buffer is allowed with a size of 0.
 // 5. Any thread may call any of these functions at any time, but that edition and private
-// dictionary
-//    should not be changed while others look things up. They print nothing and allocate nothing.
+//    dictionary should not be changed while others look things up. They print nothing and allocate
+//    nothing.
 #ifndef PGKIT_EDITION_H
 #define PGKIT_EDITION_H
 

@@ -6,17 +6,15 @@
 //
 // What is written
 //
-//   Data set      One object, without blanks between its parts, elements in ascending order of
-//   their
-//                 tags. Group lengths and group 0002 are left out: the File Meta Information is not
-//                 part of a data set. So is group FFFE, which no element can have; of several
-//                 elements of one tag the first one stands. Private elements and their creators are
-//                 elements like others.
-//   Texts         In UTF-8, as (0008,0005) of their data set or item says (text.h). Every
-//   (0008,0005)
-//                 is written as ISO_IR 192, and a data set that has none, but texts beyond ASCII,
-//                 gets one. Blanks and NULs at the end of each value are padding and left out (in
-//                 ST, LT, UT and UR, at the end of the whole).
+//   Data set      One object, without blanks between its parts, elements in ascending
+//                 order of their tags. Group lengths and group 0002 are left out: the File Meta
+//                 Information is not part of a data set. So is group FFFE, which no element can
+//                 have; of several elements of one tag the first one stands. Private elements and
+//                 their creators are elements like others.
+//   Texts         In UTF-8, as (0008,0005) of their data set or item says (text.h). Each
+//                 (0008,0005) is written as ISO_IR 192, and a data set that has none, but texts
+//                 beyond ASCII, gets one. Blanks and NULs at the end of each value are padding and
+//                 left out (in ST, LT, UT and UR, at the end of the whole).
 //   Empty values  An element without value, or with blanks only, has no "Value". One of several
 //                 values that is empty is null, an empty item {}.
 //   PN            Alphabetic, Ideographic, Phonetic: those that are not empty. More than three

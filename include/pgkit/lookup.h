@@ -8,17 +8,15 @@
 //   char* name = malloc(length + 1);
 //   if (name != NULL) pgxGetUIDName(uid, name, length + 1);
 //
-// - The result counts the bytes of the text without its terminating zero, whatever the size. It is
-// 0
-//   when there is no such text; then the buffer gets the placeholder that stands with each lookup.
-//   (0 is also the length of an empty text, which an entry of the site's file may give: the buffer
-//   is empty then, too.)
+// - The result counts the bytes of the text without its terminating zero, whatever the size. It
+//   is 0 when there is no such text; then the buffer gets the placeholder that stands with each
+//   lookup. (0 is also the length of an empty text, which an entry of the site's file may give: the
+//   buffer is empty then, too.)
 // - The buffer is terminated whenever size is not 0; a text that does not fit is cut. A null buffer
 //   counts as one of size 0.
 // - A null key is one that is not found.
-// - Nothing is printed or allocated. All threads may call these functions at any time, but not
-// while
-//   one of them replaces the private dictionary.
+// - Nothing is printed or allocated. All threads may call these functions at any time, but
+//   not while one of them replaces the private dictionary.
 #ifndef PGKIT_LOOKUP_H
 #define PGKIT_LOOKUP_H
 

@@ -23,8 +23,7 @@
 //
 // In ISO_IR 13 and 14 the byte 5C is a backslash and 7E a tilde. Delimiters after which the sets of
 // the first term are active again are CR, LF, FF and TAB, "\" where a VR has several values, "^"
-// and
-// "=" in PN. The result has the same delimiters: a "\" in a UTF-8 text of a VR with several
+// and "=" in PN. The result has the same delimiters: a "\" in a UTF-8 text of a VR with several
 // values is always one between values, whatever bytes 5C were parts of characters before.
 //
 // Reading never fails for its bytes. What cannot be decoded becomes U+FFFD: one for each byte of a
