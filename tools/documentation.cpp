@@ -39,9 +39,10 @@ std::string Joined(const Arguments& words, const std::string& separator) {
 template <typename Use>
 void ForEachCommand(Use use) {
     for (const CommandGroup& group : CommandGroups()) {
-        for (const Command* command : group.commands)
+        for (const Command* command : group.commands) {
             use(*command,
                 DescriptionsOf([command](OptionSet& options) { command->define(options); }));
+        }
     }
 }
 

@@ -294,7 +294,7 @@ class Printer {
 
     std::string Name(const pgkit::element& element) const {
         if (style_.currentNames) {
-            const std::string keyword = element.tag().keyword();
+            std::string keyword = element.tag().keyword();
             if (!keyword.empty()) return keyword;
         }
         char name[128];

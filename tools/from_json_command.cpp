@@ -1,4 +1,5 @@
 // pgtool from-json: DICOM JSON as files.
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -34,7 +35,7 @@ size_t ReadFromStream(void* stream, void* bytes, size_t size) {
 int32_t TakeBulk(void* context, PGX_Node* element, const char*, const char* uri) {
     const auto& directory = *static_cast<const std::string*>(context);
     std::string name = uri;
-    name = name.substr(0, name.find_first_of("?#"));
+    name.resize(std::min(name.find_first_of("?#"), name.size()));
     const size_t separator = name.find_last_of("/\\:");
     if (separator != std::string::npos) name = name.substr(separator + 1);
     if (name.empty() || name == "." || name == "..") return 0;

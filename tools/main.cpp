@@ -1,6 +1,7 @@
 // pgtool: pgkit at the command line.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <exception>
 
 #include "command.h"
 #include "command_line.h"
@@ -95,19 +96,28 @@ int Run(const Arguments& arguments) {
     return command != nullptr ? RunCommand(*command, rest) : UnknownCommand(name);
 }
 
+int Main(int argumentCount, char** arguments) {
+    MakeStandardOutputBinary();
+    pgxSetVerbosity(0);  // names of patients are printed where a command is about them
+    pgxSetPathEncoding(PGX_PATHS_UTF8);
+    const int status = Run(CommandLine(argumentCount, arguments));
+    // A full disk or a closed pipe shows at the latest here.
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fputs("pgtool: cannot write to the standard output\n", stderr);
+        return kFailed;
+    }
+    return status;
+}
+
 }  // namespace
 
 }  // namespace pgtool
 
 int main(int argumentCount, char** arguments) {
-    pgtool::MakeStandardOutputBinary();
-    pgxSetVerbosity(0);  // names of patients are printed where a command is about them
-    pgxSetPathEncoding(PGX_PATHS_UTF8);
-    const int status = pgtool::Run(pgtool::CommandLine(argumentCount, arguments));
-    // A full disk or a closed pipe shows at the latest here.
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        std::fputs("pgtool: cannot write to the standard output\n", stderr);
+    try {
+        return pgtool::Main(argumentCount, arguments);
+    } catch (const std::exception& error) {  // memory has run out, above all
+        std::fprintf(stderr, "pgtool: %s\n", error.what());
         return pgtool::kFailed;
     }
-    return status;
 }

@@ -40,7 +40,7 @@ std::string BehindLinks(const std::string& path) {
 // even a link that leads nowhere. Empty when none can be created.
 std::string CreateNew(const std::string& beginning, unsigned mode) {
     for (int number = 0; number < kMaxNames; ++number) {
-        const std::string candidate = beginning + std::to_string(number);
+        std::string candidate = beginning + std::to_string(number);
         const int descriptor = open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL, mode);
         if (descriptor < 0 && errno == EEXIST) continue;
         if (descriptor < 0) return "";

@@ -22,7 +22,7 @@ void AddOutputs(OptionSet& options, OutputOptions& outputs) {
 }
 
 std::string ComplaintAbout(const OutputOptions& outputs, const InputOptions& inputs) {
-    const std::string complaint = ComplaintAbout(inputs);
+    std::string complaint = ComplaintAbout(inputs);
     if (!complaint.empty()) return complaint;
     if (outputs.inPlace == !outputs.output.empty()) {
         return outputs.inPlace ? "-o or --in-place, not both" : "-o OUT or --in-place is expected";
@@ -45,8 +45,7 @@ std::string Targets::For(const Input& input, std::string& complaint) {
     const bool isFolder = isFolder_ || fs::is_directory(outputs_.output, error);
     if (!isFolder) return outputs_.output;
     const std::string inner = input.path == "-" ? "stdin" : input.inner;
-    const std::string target =
-        outputs_.output + (outputs_.output.ends_with('/') ? "" : "/") + inner;
+    std::string target = outputs_.output + (outputs_.output.ends_with('/') ? "" : "/") + inner;
     const auto [former, isNew] = written_.try_emplace(target, input.path);
     if (!isNew) {
         complaint = input.path + ": " + target + " has been written from " + former->second;

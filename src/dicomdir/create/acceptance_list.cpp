@@ -39,12 +39,10 @@ std::string_view TextOf(uint32_t code) {
 
 std::string Header() {
     std::string text = ";*** DICOMDIR CODES SUMMARY ***\n;******************************\n";
-    for (size_t code = 0; code < std::size(kCodeTexts); ++code)
-        text.append("; ")
-            .append(std::to_string(code))
-            .append("\t")
-            .append(kCodeTexts[code])
-            .append("\n");
+    for (size_t code = 0; code < std::size(kCodeTexts); ++code) {
+        text.append("; ").append(std::to_string(code));
+        text.append("\t").append(kCodeTexts[code]).append("\n");
+    }
     return text + "\n";
 }
 
