@@ -1,7 +1,6 @@
 #include "support/process.h"
 
-#include <cstdlib>
-
+#include "support/command_line.h"
 #include "support/temp_dir.h"
 
 namespace pgkit_test {
@@ -22,7 +21,7 @@ std::string Quoted(const std::string& text) {
 constexpr int kNotStarted = 9009;
 constexpr int kStartAttempts = 5;
 
-// std::system gives the exit status itself on Windows, elsewhere the status word of wait(): the
+// std::system returns the exit status itself on Windows, elsewhere the status word of wait(): the
 // signal in the low seven bits, the exit status in the second byte.
 int ExitStatus(int status) {
     if (kIsWindows) return status;
@@ -53,10 +52,10 @@ Finished RunProgram(const std::string& path, const std::vector<std::string>& arg
     line += " >" + Quoted(out) + " 2>" + Quoted(err);
     // The Windows command processor takes one pair of quotation marks off the whole line.
     if (kIsWindows) line = Quoted(line);
-    int status = std::system(line.c_str());
+    int status = RunCommandLine(line);
     for (int attempt = 1; status == kNotStarted && kIsWindows && attempt < kStartAttempts;
          ++attempt)
-        status = std::system(line.c_str());
+        status = RunCommandLine(line);
     return {ExitStatus(status), BytesOf(out), TextOf(err)};
 }
 
