@@ -172,6 +172,9 @@ TEST_F(PgtoolDumpText, TakesFilesFromAList) {
 TEST_F(PgtoolDumpText, NamesInBracketsAreNames) {
     const std::string image = files_.Write("[a,b]", ReadFile(TestData("charset/utf8_chinese.dcm")));
     const std::filesystem::path former = std::filesystem::current_path();
+    if (former.root_name() != std::filesystem::path(image).root_name()) {
+        GTEST_SKIP() << "pgtool lies on another drive, and its path does not say so";
+    }
     std::filesystem::current_path(std::filesystem::path(image).parent_path());
     EXPECT_EQ(Pgtool({"dump", "[a,b]"}).exitStatus, 0);
     std::filesystem::current_path(former);
