@@ -5,12 +5,12 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <span>
 #include <string_view>
 
 #include "base/byte_order.h"
 #include "base/firewall.h"
+#include "dataset/node_ptr.h"
 #include "dataset/value_source.h"
 #include "dictionary/vr_properties.h"
 #include "pgkit/node.h"
@@ -230,10 +230,6 @@ size_t ReadValues(PGX_Node& dataSet, PGX_Node* inherited, std::span<const uint32
     return block.Finish();
 }
 
-struct CloseDataSet {
-    void operator()(PGX_Node* root) const { pgCloseDataSet(root); }
-};
-
 // The nodes are gone when the caller looks at their records.
 void ForgetNodes(std::span<uint8_t> buffer, size_t size) {
     PgxLevelHeader header = {};
@@ -248,7 +244,7 @@ void ForgetNodes(std::span<uint8_t> buffer, size_t size) {
 
 size_t ReadFileValues(PGX_Node* opened, std::span<const uint32_t> tags, uint32_t longestValue,
                       std::span<uint8_t> buffer) {
-    const std::unique_ptr<PGX_Node, CloseDataSet> root(opened);
+    const OpenedDataSet root(opened);
     if (root == nullptr) return 0;
     const size_t size = ReadValues(*root, nullptr, tags, longestValue, buffer);
     ForgetNodes(buffer, size);

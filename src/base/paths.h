@@ -10,6 +10,13 @@ constexpr std::string_view kSeparators = "\\/";
 
 constexpr bool IsSeparator(char c) { return kSeparators.find(c) != std::string_view::npos; }
 
+// Takes the first component off a path, and the separator behind it.
+constexpr std::string_view TakeComponent(std::string_view& path) {
+    const std::string_view component = path.substr(0, path.find_first_of(kSeparators));
+    path.remove_prefix(component.size() < path.size() ? component.size() + 1 : path.size());
+    return component;
+}
+
 // The part of a path in front of its last separator; all of it when it has none.
 constexpr std::string_view FolderOf(std::string_view path) {
     return path.substr(0, path.find_last_of(kSeparators));

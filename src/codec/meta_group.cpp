@@ -26,17 +26,12 @@ bool StartsWithMetaElement(StreamReader& reader) {
 }
 
 // A tag that is not consumed; nothing at the end of the stream and for (FFFF,FFFF).
-struct Tag {
-    uint16_t group;
-    uint16_t element;
-};
-
 std::optional<Tag> PeekTag(StreamReader& reader) {
     const uint8_t* bytes = reader.Peek(kTagSize);
     if (bytes == nullptr) return std::nullopt;
     const Tag tag{Load<uint16_t>(bytes, ByteOrder::Little),
                   Load<uint16_t>(bytes + 2, ByteOrder::Little)};
-    if (tag.group == 0xFFFF && tag.element == 0xFFFF) return std::nullopt;
+    if (tag == Tag{0xFFFF, 0xFFFF}) return std::nullopt;
     return tag;
 }
 

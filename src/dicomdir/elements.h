@@ -8,15 +8,11 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "dataset/find_element.h"
 #include "dictionary/tags.h"
 #include "pgkit/node.h"
 
 namespace pgkit {
-
-// The first element of a tag, null when there is none.
-inline PGX_Node* FindElement(PGX_Node& dataSet, Tag tag) {
-    return dataSet.FindNode(tag.group, tag.element);
-}
 
 // Fills a field with a text, cut to fit and to that many characters. A missing element reads as the
 // text for that; one that is there without a value reads as an empty text.

@@ -1,5 +1,4 @@
 // The file that a leaf refers to, as it is on the medium.
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,9 +24,7 @@ bool LeadsAway(std::string_view component) {
 std::string ComponentsOf(std::string_view fileId) {
     std::string names;
     while (!fileId.empty()) {
-        const size_t end = std::min(fileId.find_first_of(kSeparators), fileId.size());
-        const std::string_view component = fileId.substr(0, end);
-        fileId.remove_prefix(std::min(end + 1, fileId.size()));
+        const std::string_view component = TakeComponent(fileId);
         if (component.empty()) continue;
         if (LeadsAway(component) || component.find(':') != std::string_view::npos) return {};
         if (!names.empty()) names += '\\';

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "dataset/find_element.h"
 #include "dataset/node_memory.h"
 #include "dataset/tree_walk.h"
 #include "dictionary/tags.h"
@@ -20,7 +21,7 @@ bool IsCharacterSet(const PGX_Node& node) {
 // The element that a data set has, or that is given itself; null for null.
 PGX_Node* FindCharacterSet(PGX_Node* node) {
     if (node == nullptr || node->nodeType == NT_DataElement) return node;
-    return node->FindNode(tags::kSpecificCharacterSet.group, tags::kSpecificCharacterSet.element);
+    return FindElement(*node, tags::kSpecificCharacterSet);
 }
 
 // The first item of a list of siblings.
@@ -167,8 +168,7 @@ bool DataSetWriter::NeedsCharacterSet(PGX_Node& dataSet) {
         WalkStep Enter(PGX_Node& node, size_t depth) {
             if (node.nodeType == NT_DataSet) {
                 const bool hasOwn =
-                    depth > 0 && node.FindNode(tags::kSpecificCharacterSet.group,
-                                               tags::kSpecificCharacterSet.element) != nullptr;
+                    depth > 0 && FindElement(node, tags::kSpecificCharacterSet) != nullptr;
                 return hasOwn ? WalkStep::SkipChildren : WalkStep::Continue;
             }
             found = IsWrittenToJson(node) && values.NeedsCharacterSet(node, node.valueRep);

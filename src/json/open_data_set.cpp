@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "dataset/find_element.h"
 #include "dictionary/tags.h"
 #include "json/written_elements.h"
 
@@ -87,8 +88,7 @@ NodeTree OpenDataSet::End(bool isItem) {
     RemoveDropped();
     if (!isOrdered_) Sort();
     if (needsUtf8) {
-        PGX_Node* const own = dataSet_->FindNode(tags::kSpecificCharacterSet.group,
-                                                 tags::kSpecificCharacterSet.element);
+        PGX_Node* const own = FindElement(*dataSet_, tags::kSpecificCharacterSet);
         if (own != nullptr || !isItem) {
             SetCharacterSet(own);
             needsUtf8 = false;

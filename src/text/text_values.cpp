@@ -10,6 +10,7 @@
 
 #include "base/firewall.h"
 #include "base/text.h"
+#include "dataset/find_element.h"
 #include "dataset/value_source.h"
 #include "dictionary/tags.h"
 #include "pgkit/node.h"
@@ -59,8 +60,7 @@ bool IsElement(const PGX_Node& node) { return node.nodeType == NT_DataElement; }
 // What the argument of the functions on elements stands for; empty for null.
 std::string CharacterSetOf(PGX_Node* characterSet) {
     if (characterSet != nullptr && !IsElement(*characterSet)) {
-        characterSet = characterSet->FindNode(tags::kSpecificCharacterSet.group,
-                                              tags::kSpecificCharacterSet.element);
+        characterSet = FindElement(*characterSet, tags::kSpecificCharacterSet);
     }
     if (characterSet == nullptr || !HasValue(*characterSet)) return std::string();
     return std::string(ValueBytes(*characterSet, kMaxCharacterSetText).Text());
@@ -163,8 +163,7 @@ int64_t DecodeField(const char* attribute, uint32_t valueRep, const char* field,
 
 PGX_Node* FindCharacterSet(PGX_Node* dataSet, PGX_Node* inherited) {
     if (dataSet == nullptr) return inherited;
-    PGX_Node* const own =
-        dataSet->FindNode(tags::kSpecificCharacterSet.group, tags::kSpecificCharacterSet.element);
+    PGX_Node* const own = FindElement(*dataSet, tags::kSpecificCharacterSet);
     return own != nullptr ? own : inherited;
 }
 

@@ -1,8 +1,8 @@
 #include "dicomdir/create/file_gate.h"
 
-#include <algorithm>
 #include <string_view>
 
+#include "base/paths.h"
 #include "base/text.h"
 #include "codec/open.h"
 #include "dicomdir/create/directory_file.h"
@@ -73,9 +73,7 @@ bool IsAllowed(const Candidate& candidate, const char* profile) {
 bool IsFileId(std::string_view name) {
     if (name.empty() || name.size() >= sizeof(PGX_DicomDirLeafNode::referencedFileId)) return false;
     while (!name.empty()) {
-        const size_t end = std::min(name.find_first_of("\\/"), name.size());
-        if (name.substr(0, end) == "..") return false;
-        name.remove_prefix(std::min(end + 1, name.size()));
+        if (TakeComponent(name) == "..") return false;
     }
     return true;
 }

@@ -3,18 +3,12 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
-#include "pgkit/dataset.h"
+#include "dataset/node_ptr.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/node.h"
 
 namespace pgkit {
-
-struct CloseOpened {
-    void operator()(PGX_Node* root) const { pgCloseDataSet(root); }
-};
-using OpenedDataSet = std::unique_ptr<PGX_Node, CloseOpened>;
 
 struct FileToAdd {
     const char* referencedName;  // its path relative to the folder of the directory file
