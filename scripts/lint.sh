@@ -10,7 +10,7 @@ done
 [[ -f build/native/compile_commands.json ]] || cmake --preset native >/dev/null
 
 # A folder is one file to clang-tidy: most of its time would go into reading the same headers again.
-# Examples are programs, each by itself, and so nearly are the commands of the tool.
+# Examples are programs, each by itself.
 rm -rf build/lint
 mkdir -p build/lint
 python3 - <<'SCRIPT'
@@ -23,7 +23,7 @@ for entry in json.loads((root / "build/native/compile_commands.json").read_text(
     top = os.path.relpath(path, root).split(os.sep)[0]
     if path.suffix == ".cpp" and top in ("src", "imaging", "tools", "examples"):
         # Objects of the imaging module are compiled twice.
-        key = path if top in ("examples", "tools") else path.parent
+        key = path if top == "examples" else path.parent
         if entry["file"] not in [other["file"] for other in folders[key]]:
             folders[key].append(entry)
 commands = []

@@ -23,7 +23,7 @@ int32_t ShowProgress(PGX_DicomDirCallbackReason*, const char* message, void* pro
     return 0;
 }
 
-bool Open(PGX_DicomDir& directory, const std::string& path) {
+bool OpenDirectory(PGX_DicomDir& directory, const std::string& path) {
     const DivertedOutput messagesToStandardError;
     return directory.OpenDicomDir(LibraryPath(path).c_str(), kLoadedOnBrowse) != 0;
 }
@@ -37,7 +37,7 @@ PGX_List* BrowseOpen(PGX_DicomDir& directory) {
 int Browse(const std::string& operand, bool asJson) {
     const std::string path = DirectoryFileOf(operand);
     PGX_DicomDir directory;
-    if (!Open(directory, path)) return Fail(kBrowseCommand, CannotOpen(path));
+    if (!OpenDirectory(directory, path)) return Fail(kBrowseCommand, CannotOpen(path));
     if (directory.IsDicomDir() == 0) return Fail(kBrowseCommand, path + " is not a DICOMDIR");
     PGX_List* patients = BrowseOpen(directory);
     Medium medium(path);

@@ -34,6 +34,7 @@ struct CommandGroup {
     std::vector<const Command*> commands;
 };
 const std::vector<CommandGroup>& CommandGroups();
+Arguments CommandNames();
 // Null for a name that no command has.
 const Command* FindCommand(const std::string& name);
 

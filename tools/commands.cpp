@@ -17,6 +17,15 @@ const std::vector<CommandGroup>& CommandGroups() {
     return groups;
 }
 
+Arguments CommandNames() {
+    Arguments names;
+    for (const CommandGroup& group : CommandGroups()) {
+        for (const Command* command : group.commands)
+            names.emplace_back(command->name);
+    }
+    return names;
+}
+
 const Command* FindCommand(const std::string& name) {
     for (const CommandGroup& group : CommandGroups()) {
         for (const Command* command : group.commands) {

@@ -30,7 +30,7 @@ bool Copy(std::FILE* from, std::FILE* to) {
     return std::ferror(from) == 0;
 }
 
-pgkit::error CannotOpen(pgkit::failure kind, const std::string& path, const std::string& reason) {
+pgkit::error NotOpened(pgkit::failure kind, const std::string& path, const std::string& reason) {
     return {kind, "cannot open " + path + ": " + reason};
 }
 
@@ -82,9 +82,9 @@ std::string ReasonOf(const pgkit::error& error, const std::string& path) {
 
 // The system knows best why a file cannot be opened.
 pgkit::error WhyNotOpened(const std::string& path, int32_t result) {
-    if (path == "-") return CannotOpen(pgkit::failure::not_a_data_set, path, WhyNoTree(result));
+    if (path == "-") return NotOpened(pgkit::failure::not_a_data_set, path, WhyNoTree(result));
     const auto error = pgkit::detail::why_not_read(path, WhyNoTree(result));
-    return CannotOpen(error.kind, path, ReasonOf(error, path));
+    return NotOpened(error.kind, path, ReasonOf(error, path));
 }
 
 std::string SaveToFile(pgkit::data_set root, const std::string& path, uint32_t mode) {
@@ -131,7 +131,7 @@ pgkit::result<pgkit::data_set> Open(const std::string& path, const OpenRequest& 
     if (!opened) return WhyNotOpened(path, report.result);
     const std::string damage = DamageOf(report);
     if (damage.empty()) return opened;
-    if (request.damage == nullptr) return CannotOpen(failure::read_failed, path, damage);
+    if (request.damage == nullptr) return NotOpened(failure::read_failed, path, damage);
     *request.damage = path + ": " + damage;
     return opened;
 }

@@ -3,37 +3,15 @@
 #include <sstream>
 
 #include "help.h"
+#include "words.h"
 
 namespace pgtool {
 
 namespace {
 
 Arguments NamesOf(const OptionDescription& option) {
-    Arguments names(1);
-    for (const char c : option.names) {
-        if (c == ',') {
-            names.emplace_back();
-        } else {
-            names.back() += c;
-        }
-    }
-    return names;
-}
-
-Arguments CommandNames() {
-    Arguments names;
-    for (const CommandGroup& group : CommandGroups()) {
-        for (const Command* command : group.commands)
-            names.emplace_back(command->name);
-    }
-    return names;
-}
-
-std::string Joined(const Arguments& words, const std::string& separator) {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : separator) + word;
-    return text;
+    const auto names = Split(option.names, ',');
+    return {names.begin(), names.end()};
 }
 
 template <typename Use>

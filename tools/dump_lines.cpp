@@ -7,6 +7,7 @@
 
 #include "pgkit/lookup.h"
 #include "utf8_text.h"
+#include "value_kinds.h"
 
 namespace pgtool {
 
@@ -16,42 +17,6 @@ constexpr const char* kIndent = " | ";
 constexpr size_t kMostNumbers = 20;
 constexpr size_t kMostBytes = 16;
 constexpr size_t kMostText = 512;
-constexpr uint32_t kUndefinedLength = 0xFFFFFFFF;
-
-enum class Kind { Text, Integer, Real, Tags, Bytes, Unknown, Sequence };
-
-Kind KindOf(const pgkit::element& element) {
-    switch (element.vr()) {
-        case VR_US:
-        case VR_USSS:
-        case VR_SS:
-        case VR_UL:
-        case VR_SL:
-        case VR_UV:
-        case VR_SV:
-            return Kind::Integer;
-        case VR_FL:
-        case VR_FD:
-            return Kind::Real;
-        case VR_AT:
-            return Kind::Tags;
-        case VR_SQ:
-            return Kind::Sequence;
-        case VR_OB:
-        case VR_OW:
-        case VR_OWOB:
-        case VR_OF:
-        case VR_OD:
-        case VR_OL:
-        case VR_OV:
-            return Kind::Bytes;
-        case VR_UN:
-        case VR_Unknown:
-            return Kind::Unknown;
-        default:
-            return Kind::Text;
-    }
-}
 
 // At most count bytes of the beginning of a value; fewer when its file ends.
 std::string Beginning(const pgkit::element& element, size_t count) {
@@ -127,23 +92,8 @@ std::string Numbers(const pgkit::element& element, size_t unit, bool full, Print
     return printed < count ? text + "..." : text;
 }
 
-size_t UnitOf(uint32_t vr) {
-    switch (vr) {
-        case VR_US:
-        case VR_USSS:
-        case VR_SS:
-            return 2;
-        case VR_FD:
-        case VR_UV:
-        case VR_SV:
-            return 8;
-        default:
-            return 4;
-    }
-}
-
 std::string IntegerValue(const pgkit::element& element, bool full) {
-    const size_t unit = UnitOf(element.vr());
+    const size_t unit = SizeOfNumber(element.vr());
     if (element.vr() == VR_UV) {
         return Numbers<uint64_t>(element, unit, full,
                                  [](uint64_t number) { return std::to_string(number); });
@@ -170,18 +120,18 @@ std::string TagsValue(const pgkit::element& element, bool full) {
 }
 
 std::string ValueOf(const pgkit::element& element, bool full) {
-    switch (KindOf(element)) {
-        case Kind::Integer:
+    switch (KindOf(element.vr())) {
+        case ValueKind::Integer:
             return IntegerValue(element, full);
-        case Kind::Real:
+        case ValueKind::Real:
             return RealValue(element, full);
-        case Kind::Tags:
+        case ValueKind::Tags:
             return TagsValue(element, full);
-        case Kind::Bytes:
+        case ValueKind::Bytes:
             return HexValue(element, full);
-        case Kind::Unknown:
+        case ValueKind::Unknown:
             return UnknownValue(element, full);
-        case Kind::Sequence:
+        case ValueKind::Sequence:
             return "SEQUENCE";
         default:
             return TextValue(element, full);

@@ -9,9 +9,9 @@ namespace pgtool {
 
 namespace {
 
-class JsonPrinter {
+class HierarchyPrinter {
   public:
-    explicit JsonPrinter(Medium& medium) : medium_(medium), json_(stdout) {}
+    explicit HierarchyPrinter(Medium& medium) : medium_(medium), json_(stdout) {}
 
     void Print(PGX_List& patients) {
         json_.BeginObject();
@@ -142,6 +142,6 @@ class JsonPrinter {
 
 }  // namespace
 
-void PrintJson(PGX_List& patients, Medium& medium) { JsonPrinter(medium).Print(patients); }
+void PrintJson(PGX_List& patients, Medium& medium) { HierarchyPrinter(medium).Print(patients); }
 
 }  // namespace pgtool

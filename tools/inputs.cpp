@@ -41,7 +41,7 @@ std::vector<Entry> EntriesOf(const std::string& directory, std::error_code& erro
 }
 
 // A directory that is being walked through.
-struct Level {
+struct OpenFolder {
     std::string path;
     std::string inner;  // with a slash at its end, unless it is empty
     std::vector<Entry> entries;
@@ -54,15 +54,15 @@ class Walk {
 
     bool Directory(const std::string& path) {
         Enter(path, "");
-        while (!levels_.empty()) {
-            Level& level = levels_.back();
-            if (level.next == level.entries.size()) {
-                levels_.pop_back();
+        while (!folders_.empty()) {
+            OpenFolder& folder = folders_.back();
+            if (folder.next == folder.entries.size()) {
+                folders_.pop_back();
                 continue;
             }
-            const Entry entry = level.entries[level.next++];
-            const std::string entryPath = level.path + entry.name;
-            const std::string inner = level.inner + entry.name;
+            const Entry entry = folder.entries[folder.next++];
+            const std::string entryPath = folder.path + entry.name;
+            const std::string inner = folder.inner + entry.name;
             if (entry.isDirectory) {
                 Enter(entryPath, inner + "/");
             } else if (!visit_({entryPath, inner, true})) {
@@ -78,12 +78,12 @@ class Walk {
         std::vector<Entry> entries = EntriesOf(path, error);
         if (error) complain_("cannot read the directory " + path + ": " + error.message());
         const std::string separator = path.ends_with('/') ? "" : "/";
-        levels_.push_back({path + separator, inner, std::move(entries)});
+        folders_.push_back({path + separator, inner, std::move(entries)});
     }
 
     const Visit& visit_;
     const Complain& complain_;
-    std::vector<Level> levels_;
+    std::vector<OpenFolder> folders_;
 };
 
 bool WalkOne(const std::string& operand, bool recursive, const Visit& visit,

@@ -16,9 +16,10 @@ size_t WriteToStream(void* stream, const void* bytes, size_t size) {
     return std::fwrite(bytes, 1, size, static_cast<std::FILE*>(stream));
 }
 
-class JsonPrinter {
+class DataSetPrinter {
   public:
-    JsonPrinter(std::FILE* stream, uint64_t bulkLimit) : stream_(stream), bulkLimit_(bulkLimit) {}
+    DataSetPrinter(std::FILE* stream, uint64_t bulkLimit)
+        : stream_(stream), bulkLimit_(bulkLimit) {}
 
     // Nothing of a data set is written when its end cannot be: what was written would be no JSON.
     pgkit::error Print(const Input& input, const char* separator) {
@@ -75,7 +76,7 @@ std::string JsonErrorText(int64_t error) {
 int PrintJsonOf(const Command& command, const InputOptions& inputs, uint64_t bulkLimit,
                 std::FILE* stream) {
     const bool isArray = MayBeSeveral(inputs);
-    JsonPrinter printer(stream, bulkLimit);
+    DataSetPrinter printer(stream, bulkLimit);
     if (isArray) std::fputs("[", stream);
     const InputCounts counts = ForEachInput(
         command, inputs, [&](const Input& input) { return printer.Print(input, ",\n"); });

@@ -2,12 +2,13 @@
 
 #include <vector>
 
+#include "value_kinds.h"
+
 namespace pgtool {
 
 namespace {
 
 constexpr uint32_t kFirstTooLong = 65535;
-constexpr uint32_t kUndefinedLength = 0xFFFFFFFF;
 
 bool HasShortHeader(uint32_t valueRep) {
     switch (valueRep) {

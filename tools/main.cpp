@@ -24,15 +24,6 @@ int PrintVersion() {
     return kDone;
 }
 
-Arguments CommandNames() {
-    Arguments names;
-    for (const CommandGroup& group : CommandGroups()) {
-        for (const Command* command : group.commands)
-            names.push_back(command->name);
-    }
-    return names;
-}
-
 int UnknownCommand(const std::string& name) {
     std::fprintf(stderr, "pgtool: unknown command %s%s; pgtool --help lists them\n",
                  WithEscapes(name).c_str(), DidYouMean(name, CommandNames()).c_str());

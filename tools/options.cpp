@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "digits.h"
+#include "words.h"
 
 namespace pgtool {
 
@@ -14,13 +15,6 @@ std::optional<uint32_t> ParseNumber(const std::string& text) {
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
     return hexadecimal ? ParseDigits<uint32_t>(text.substr(2), 16)
                        : ParseDigits<uint32_t>(text, 10);
-}
-
-std::string Joined(const Arguments& words) {
-    std::string joined;
-    for (const std::string& word : words)
-        joined += (joined.empty() ? "" : "|") + word;
-    return joined;
 }
 
 // The parser takes "[a,b]" among operands for a list, which is a name of a file here. So nothing
@@ -73,10 +67,11 @@ void OptionSet::Text(const std::string& names, const std::string& argument, std:
 
 void OptionSet::Choice(const std::string& names, const Arguments& choices, std::string* value,
                        const std::string& help) {
-    Add({names, Joined(choices), help, choices}, false, [value, choices](const Arguments& texts) {
-        *value = Unguarded(texts.back());
-        return std::find(choices.begin(), choices.end(), *value) != choices.end();
-    });
+    Add({names, Joined(choices, "|"), help, choices}, false,
+        [value, choices](const Arguments& texts) {
+            *value = Unguarded(texts.back());
+            return std::find(choices.begin(), choices.end(), *value) != choices.end();
+        });
 }
 
 void OptionSet::Texts(const std::string& names, const std::string& argument, Arguments* values,

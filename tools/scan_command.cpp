@@ -11,6 +11,7 @@
 #include "inputs.h"
 #include "progress_line.h"
 #include "scan_rows.h"
+#include "system_thread.h"
 #include "text_options.h"
 #include "threads.h"
 

@@ -7,6 +7,7 @@
 #include "json_writer.h"
 #include "places.h"
 #include "utf8_text.h"
+#include "value_kinds.h"
 
 namespace pgtool {
 
@@ -32,34 +33,18 @@ bool IsPrintable(const pgkit::element& element) {
     return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-std::string ValueOf(const pgkit::element& element, bool raw) {
+std::string CellOf(const pgkit::element& element, bool raw) {
     if (element.is_sequence()) return std::to_string(element.item_count()) + " items";
-    switch (element.vr()) {
-        case VR_OB:
-        case VR_OW:
-        case VR_OWOB:
-        case VR_OF:
-        case VR_OD:
-        case VR_OL:
-        case VR_OV:
-        case VR_UN:
-        case VR_Unknown:
+    switch (KindOf(element.vr())) {
+        case ValueKind::Bytes:
+        case ValueKind::Unknown:
             if (element.vr() == VR_UN && IsPrintable(element)) return BytesOf(element);
             return element.is_encapsulated() ? "encapsulated"
                                              : std::to_string(element.length()) + " bytes";
-        case VR_US:
-        case VR_USSS:
-        case VR_SS:
-        case VR_UL:
-        case VR_SL:
-        case VR_UV:
-        case VR_SV:
-        case VR_FL:
-        case VR_FD:
-        case VR_AT:
-            return element.text();
-        default:
+        case ValueKind::Text:
             return raw ? BytesOf(element) : element.text();
+        default:
+            return element.text();
     }
 }
 
@@ -115,13 +100,6 @@ class JsonLinesPrinter : public RowPrinter {
     const std::vector<ScanColumn> columns_;
 };
 
-// Characters, not bytes; each counts as one column.
-size_t WidthOf(const std::string& utf8) {
-    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-    }));
-}
-
 // Columns are as wide as the widest of the first rows: later ones that are wider push what is
 // behind them aside.
 class TablePrinter : public RowPrinter {
@@ -155,7 +133,7 @@ class TablePrinter : public RowPrinter {
     void Widen(const std::vector<std::string>& cells) {
         widths_.resize(cells.size());
         for (size_t i = 0; i < cells.size(); ++i)
-            widths_[i] = std::min(std::max(widths_[i], WidthOf(cells[i])), kWidestColumn);
+            widths_[i] = std::min(std::max(widths_[i], CharacterCount(cells[i])), kWidestColumn);
     }
 
     void Line(const std::vector<std::string>& cells) const {
@@ -163,7 +141,7 @@ class TablePrinter : public RowPrinter {
         size_t gap = 0;
         for (size_t i = 0; i < cells.size(); ++i) {
             line += std::string(gap, ' ') + cells[i];
-            const size_t width = WidthOf(cells[i]);
+            const size_t width = CharacterCount(cells[i]);
             gap = 2 + (width < widths_[i] ? widths_[i] - width : 0);
         }
         Put(line + "\n");
@@ -206,7 +184,7 @@ pgkit::error ReadRow(const std::vector<ScanColumn>& columns, bool raw, ScanRow& 
     for (const ScanColumn& column : columns) {
         const pgkit::element element = root->find(column.place);
         row.isThere.push_back(static_cast<bool>(element));
-        row.values.push_back(element ? ValueOf(element, raw) : "");
+        row.values.push_back(element ? CellOf(element, raw) : "");
     }
     return {};
 }

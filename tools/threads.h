@@ -1,13 +1,10 @@
-// Threads, on every platform: the compiler for Windows has none in its library.
+// Work on several threads.
 #pragma once
 
 #include <cstddef>
 #include <functional>
 
 namespace pgtool {
-
-// As many as the machine runs at the same time; at least 1.
-size_t ProcessorCount();
 
 // Runs work(0) to work(count - 1), all but the first on threads of their own, and returns when all
 // have ended. Where the system has no more threads to give, those that there are do the work of the

@@ -125,6 +125,12 @@ bool IsUtf8(std::string_view text) {
     return true;
 }
 
+size_t CharacterCount(std::string_view utf8) {
+    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    }));
+}
+
 std::string WithEscapes(std::string_view utf8) {
     std::string result;
     while (!utf8.empty()) {

@@ -17,6 +17,9 @@ std::string WithoutControls(std::string_view utf8);
 
 bool IsUtf8(std::string_view text);
 
+// How many characters a text in UTF-8 has.
+size_t CharacterCount(std::string_view utf8);
+
 // A text in UTF-8 as it can be shown: control characters, and bytes that are no UTF-8, as "\n",
 // "\r", "\t" or their number, "\x1b"; what turns the direction of the text around as
 // "\u202e".

@@ -10,6 +10,8 @@
 #include "lookup.h"
 #include "pgkit/edition.h"
 #include "pgkit/value_representation.h"
+#include "utf8_text.h"
+#include "words.h"
 
 namespace pgtool {
 
@@ -17,21 +19,6 @@ namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool AreDigits(std::string_view text) { return std::all_of(text.begin(), text.end(), IsDigit); }
-
-// In characters, not in bytes.
-size_t CountOf(std::string_view utf8) {
-    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-    }));
-}
-
-std::vector<std::string_view> Split(std::string_view text, char separator) {
-    std::vector<std::string_view> parts;
-    for (size_t end = 0; (end = text.find(separator)) != text.npos; text.remove_prefix(end + 1))
-        parts.push_back(text.substr(0, end));
-    parts.push_back(text);
-    return parts;
-}
 
 int NumberOf(std::string_view digits) {
     int number = 0;
@@ -129,7 +116,8 @@ bool IsName(std::string_view text) {
     const auto groups = Split(text, '=');
     return groups.size() <= 3 &&
            std::all_of(groups.begin(), groups.end(), [](std::string_view group) {
-               return CountOf(group) <= 64 && std::count(group.begin(), group.end(), '^') <= 4;
+               return CharacterCount(group) <= 64 &&
+                      std::count(group.begin(), group.end(), '^') <= 4;
            });
 }
 
@@ -159,15 +147,15 @@ const char* WhatItShouldBe(uint32_t valueRep, std::string_view value) {
         case VR_IS:
             return IsInteger(value) ? nullptr : "an integer of 32 bits";
         case VR_LO:
-            return isLine && CountOf(value) <= 64 ? nullptr : "at most 64 characters";
+            return isLine && CharacterCount(value) <= 64 ? nullptr : "at most 64 characters";
         case VR_LT:
-            return CountOf(value) <= 10240 ? nullptr : "at most 10240 characters";
+            return CharacterCount(value) <= 10240 ? nullptr : "at most 10240 characters";
         case VR_PN:
             return isLine && IsName(value) ? nullptr : "a name of at most 64 characters";
         case VR_SH:
-            return isLine && CountOf(value) <= 16 ? nullptr : "at most 16 characters";
+            return isLine && CharacterCount(value) <= 16 ? nullptr : "at most 16 characters";
         case VR_ST:
-            return CountOf(value) <= 1024 ? nullptr : "at most 1024 characters";
+            return CharacterCount(value) <= 1024 ? nullptr : "at most 1024 characters";
         case VR_TM:
             return IsTime(value) ? nullptr : "a time, HHMMSS";
         case VR_UI:

@@ -1,4 +1,4 @@
-// Threads for tests, on every platform: the compiler for Windows has none in its library.
+// Threads for tests.
 #pragma once
 
 #include <cstddef>

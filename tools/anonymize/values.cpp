@@ -5,6 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include "value_kinds.h"
+#include "words.h"
+
 namespace pgtool {
 
 namespace {
@@ -40,43 +43,10 @@ const char* DummyText(uint32_t valueRep) {
     }
 }
 
-size_t SizeOfNumber(uint32_t valueRep) {
-    switch (valueRep) {
-        case VR_FD:
-        case VR_OD:
-        case VR_OV:
-        case VR_SV:
-        case VR_UV:
-            return 8;
-        case VR_AT:
-        case VR_FL:
-        case VR_OF:
-        case VR_OL:
-        case VR_SL:
-        case VR_UL:
-            return 4;
-        default:
-            return 2;
-    }
-}
-
-std::vector<std::string> SplitValues(const std::string& text) {
-    std::vector<std::string> values(1);
-    for (const char c : text) {
-        if (c == '\\') {
-            values.emplace_back();
-        } else {
-            values.back() += c;
-        }
-    }
-    return values;
-}
-
-std::string Joined(const std::vector<std::string>& values) {
-    std::string text;
-    for (size_t i = 0; i < values.size(); ++i)
-        text += (i == 0 ? "" : "\\") + values[i];
-    return text;
+std::vector<std::string> ValuesOf(const pgkit::element& element) {
+    const std::string text = element.text();
+    const auto values = Split(text, '\\');
+    return {values.begin(), values.end()};
 }
 
 // The first eight digits of a text, moved; empty when they are no date.
@@ -122,21 +92,21 @@ void MakeDummy(pgkit::element& element, const NewUids& uids) {
 
 void MakeNewUids(pgkit::element& element, const NewUids& uids) {
     if (element.vr() != VR_UI) return MakeEmpty(element);
-    std::vector<std::string> values = SplitValues(element.text());
+    std::vector<std::string> values = ValuesOf(element);
     for (std::string& value : values)
         value = uids.Of(value);
-    if (!element.set_text(Joined(values))) MakeEmpty(element);
+    if (!element.set_text(Joined(values, "\\"))) MakeEmpty(element);
 }
 
 bool MoveDates(pgkit::element& element, int days) {
     if (element.vr() != VR_DA && element.vr() != VR_DT) return false;
-    std::vector<std::string> values = SplitValues(element.text());
+    std::vector<std::string> values = ValuesOf(element);
     for (std::string& value : values) {
         if (value.empty()) continue;
         value = MovedDate(value, days);
         if (value.empty()) return false;
     }
-    return static_cast<bool>(element.set_text(Joined(values)));
+    return static_cast<bool>(element.set_text(Joined(values, "\\")));
 }
 
 }  // namespace pgtool

@@ -1,0 +1,22 @@
+#include "words.h"
+
+namespace pgtool {
+
+std::vector<std::string_view> Split(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    for (size_t end = 0; (end = text.find(separator)) != text.npos; text.remove_prefix(end + 1))
+        parts.push_back(text.substr(0, end));
+    parts.push_back(text);
+    return parts;
+}
+
+std::string Joined(const std::vector<std::string>& words, std::string_view separator) {
+    std::string text;
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (i > 0) text += separator;
+        text += words[i];
+    }
+    return text;
+}
+
+}  // namespace pgtool

@@ -1,0 +1,16 @@
+// Lists in texts.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pgtool {
+
+// The parts between the separators, parts of the text themselves: one more than there are
+// separators.
+std::vector<std::string_view> Split(std::string_view text, char separator);
+
+std::string Joined(const std::vector<std::string>& words, std::string_view separator);
+
+}  // namespace pgtool
