@@ -4,35 +4,82 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "pgkit/sopclass.h"
-#include "sopclass/table_file.h"
+#include "support/row_checksum.h"
 
 namespace {
 
-using pgkit_test::ReadTable;
-using pgkit_test::TableRow;
+using pgkit_test::RowChecksum;
 
 using Predicate = bool (*)(const char*);
 
-std::set<std::string> UidsOfCategory(const std::string& category) {
+struct ModalityRow {
+    const char* uid;
+    const char* mnemonic;
+    const char* size;
+};
+
+const std::vector<ModalityRow> kModalities = {
+#define PGKIT_MODALITY(uid, mnemonic, size) {uid, mnemonic, #size},
+#include "sopclass/modalities.inc"
+#undef PGKIT_MODALITY
+};
+
+struct NamedRow {
+    const char* key;
+    const char* name;
+};
+
+const std::vector<NamedRow> kModalityNames = {
+#define PGKIT_MODALITY_NAME(code, description) {code, description},
+#include "sopclass/modality_names.inc"
+#undef PGKIT_MODALITY_NAME
+};
+
+const std::vector<NamedRow> kUids = {
+#define PGKIT_UID(uid, name) {uid, name},
+#include "sopclass/uids.inc"
+#undef PGKIT_UID
+};
+
+struct CategoryRow {
+    std::string_view category;
+    const char* uid;
+};
+
+const std::vector<CategoryRow> kCategories = {
+#define PGKIT_SOP_CATEGORY(category, uid) {#category, uid},
+#include "sopclass/sop_categories.inc"
+#undef PGKIT_SOP_CATEGORY
+};
+
+std::set<std::string> StorageClasses() {
     std::set<std::string> uids;
-    for (const TableRow& row : ReadTable("sop_categories.tsv")) {
-        if (row[0] == category) uids.insert(row[2]);
+    for (const ModalityRow& row : kModalities)
+        uids.insert(row.uid);
+    return uids;
+}
+
+std::set<std::string> UidsOfCategory(std::string_view category) {
+    std::set<std::string> uids;
+    for (const CategoryRow& row : kCategories) {
+        if (row.category == category) uids.insert(row.uid);
     }
     return uids;
 }
 
 std::set<std::string> AllUids() {
     std::set<std::string> uids;
-    for (const TableRow& row : ReadTable("uids.tsv"))
-        uids.insert(row[1]);
+    for (const NamedRow& row : kUids)
+        uids.insert(row.key);
     return uids;
 }
 
-// Holds for exactly the UIDs of the category, among all UIDs that the library knows.
-void ExpectCategory(const std::string& category, size_t count, Predicate holds) {
-    const std::set<std::string> members = UidsOfCategory(category);
+// Holds for exactly these UIDs, among all that the library knows.
+void ExpectExactly(const std::set<std::string>& members, size_t count, Predicate holds) {
     EXPECT_EQ(members.size(), count);
     const std::set<std::string> all = AllUids();
     ASSERT_TRUE(std::includes(all.begin(), all.end(), members.begin(), members.end()));
@@ -41,18 +88,41 @@ void ExpectCategory(const std::string& category, size_t count, Predicate holds) 
     }
 }
 
+void ExpectCategory(std::string_view category, size_t count, Predicate holds) {
+    ExpectExactly(UidsOfCategory(category), count, holds);
+}
+
+// Hosts compare these texts. Whoever means to change a row changes the number with it.
+TEST(SopClassTables, RowsStayAsTheyAre) {
+    RowChecksum modalities;
+    for (const ModalityRow& row : kModalities)
+        modalities.Add({row.uid, row.mnemonic, row.size});
+    EXPECT_EQ(modalities.Value(), 0x008C56ADu);
+    RowChecksum modalityNames;
+    for (const NamedRow& row : kModalityNames)
+        modalityNames.Add({row.key, row.name});
+    EXPECT_EQ(modalityNames.Value(), 0xD59973A5u);
+    RowChecksum uids;
+    for (const NamedRow& row : kUids)
+        uids.Add({row.key, row.name});
+    EXPECT_EQ(uids.Value(), 0xC06B74B9u);
+    RowChecksum categories;
+    for (const CategoryRow& row : kCategories)
+        categories.Add({row.category, row.uid});
+    EXPECT_EQ(categories.Value(), 0x23302C48u);
+}
+
 TEST(SopClassTables, EveryStorageClassHasItsMnemonic) {
-    const auto rows = ReadTable("modalities.tsv");
-    ASSERT_EQ(rows.size(), 139u);
-    for (const TableRow& row : rows) {
+    ASSERT_EQ(kModalities.size(), 139u);
+    for (const ModalityRow& row : kModalities) {
         char mnemonic[6] = "";
-        EXPECT_EQ(pgGetSOPClassUIDToModality(row[1].c_str(), mnemonic), 0) << row[1];
-        EXPECT_EQ(mnemonic, row[2]) << row[1];
+        EXPECT_EQ(pgGetSOPClassUIDToModality(row.uid, mnemonic), 0) << row.uid;
+        EXPECT_STREQ(mnemonic, row.mnemonic) << row.uid;
     }
 }
 
 TEST(SopClassTables, NoOtherUidHasAMnemonic) {
-    const std::set<std::string> storage = UidsOfCategory("storage");
+    const std::set<std::string> storage = StorageClasses();
     for (const std::string& uid : AllUids()) {
         if (storage.count(uid) == 1) continue;
         char mnemonic[6] = "";
@@ -62,47 +132,45 @@ TEST(SopClassTables, NoOtherUidHasAMnemonic) {
 }
 
 TEST(SopClassTables, EveryModalityHasItsDescription) {
-    const auto rows = ReadTable("modality_names.tsv");
-    ASSERT_EQ(rows.size(), 57u);
-    for (const TableRow& row : rows) {
+    ASSERT_EQ(kModalityNames.size(), 57u);
+    for (const NamedRow& row : kModalityNames) {
         char description[51] = "";
-        EXPECT_EQ(pgGetModalityName(row[0].c_str(), description), 0) << row[0];
-        EXPECT_EQ(description, row[1]) << row[0];
+        EXPECT_EQ(pgGetModalityName(row.key, description), 0) << row.key;
+        EXPECT_STREQ(description, row.name) << row.key;
     }
 }
 
 TEST(SopClassTables, EveryUidHasItsName) {
-    const auto rows = ReadTable("uids.tsv");
-    ASSERT_EQ(rows.size(), 350u);
-    for (const TableRow& row : rows) {
+    ASSERT_EQ(kUids.size(), 350u);
+    for (const NamedRow& row : kUids) {
         char name[67] = "";
-        EXPECT_EQ(pgGetUIDName(row[1].c_str(), name), 0) << row[1];
-        EXPECT_EQ(name, row[2]) << row[1];
+        EXPECT_EQ(pgGetUIDName(row.key, name), 0) << row.key;
+        EXPECT_STREQ(name, row.name) << row.key;
     }
 }
 
-TEST(SopClassTables, Images) { ExpectCategory("image", 48, pgIsImageSOPClass); }
+TEST(SopClassTables, Images) { ExpectCategory("Image", 48, pgIsImageSOPClass); }
 
-TEST(SopClassTables, Reports) { ExpectCategory("report", 8, pgIsReportSOPClass); }
+TEST(SopClassTables, Reports) { ExpectCategory("Report", 8, pgIsReportSOPClass); }
 
-TEST(SopClassTables, Waveforms) { ExpectCategory("waveform", 9, pgIsWaveformSOPClass); }
+TEST(SopClassTables, Waveforms) { ExpectCategory("Waveform", 9, pgIsWaveformSOPClass); }
 
-TEST(SopClassTables, KeyObjects) { ExpectCategory("keyobject", 1, pgIsKeyObjectSOPClass); }
+TEST(SopClassTables, KeyObjects) { ExpectCategory("KeyObject", 1, pgIsKeyObjectSOPClass); }
 
-TEST(SopClassTables, Presentations) { ExpectCategory("presentation", 1, pgIsPresentationSOPClass); }
+TEST(SopClassTables, Presentations) { ExpectCategory("Presentation", 1, pgIsPresentationSOPClass); }
 
-TEST(SopClassTables, RadiotherapyDoses) { ExpectCategory("rtdose", 1, pgIsRTDoseSOPClass); }
+TEST(SopClassTables, RadiotherapyDoses) { ExpectCategory("RtDose", 1, pgIsRTDoseSOPClass); }
 
 TEST(SopClassTables, RadiotherapyStructureSets) {
-    ExpectCategory("rtstruct", 1, pgIsRTStructureSetSOPClass);
+    ExpectCategory("RtStructureSet", 1, pgIsRTStructureSetSOPClass);
 }
 
-TEST(SopClassTables, RadiotherapyPlans) { ExpectCategory("rtplan", 1, pgIsRTPlanSOPClass); }
+TEST(SopClassTables, RadiotherapyPlans) { ExpectCategory("RtPlan", 1, pgIsRTPlanSOPClass); }
 
 TEST(SopClassTables, RadiotherapyClasses) {
-    ExpectCategory("radiotherapy", 7, pgIsRadiotherapySOPClass);
+    ExpectCategory("Radiotherapy", 7, pgIsRadiotherapySOPClass);
 }
 
-TEST(SopClassTables, StorageClasses) { ExpectCategory("storage", 139, pgIsStorageSOPClass); }
+TEST(SopClassTables, StorageClasses) { ExpectExactly(StorageClasses(), 139, pgIsStorageSOPClass); }
 
 }  // namespace

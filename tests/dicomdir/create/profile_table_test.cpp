@@ -4,32 +4,53 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/sopclass.h"
-#include "sopclass/table_file.h"
+#include "support/row_checksum.h"
 
 namespace {
 
-using pgkit_test::ReadTable;
-using pgkit_test::TableRow;
+struct Profile {
+    const char* name;
+    std::string_view image;
+    std::string_view photometric;
+    std::string_view nonImage;
+};
 
-constexpr char kAbsent[] = "-";
+const std::vector<Profile> kProfiles = {
+#define PGKIT_PROFILE(name, image, photometric, nonImage) {name, #image, #photometric, #nonImage},
+#include "dicomdir/create/profiles.inc"
+#undef PGKIT_PROFILE
+};
 
 struct Rule {
+    std::string_view list;
     std::string match;
     std::string modality;
     std::string transferSyntax;
 };
 
-using RuleLists = std::map<std::string, std::vector<Rule>>;
+const std::vector<Rule> kRules = {
+#define PGKIT_PROFILE_RULE(list, match, modality, transferSyntax) \
+    {#list, match, modality, transferSyntax},
+#include "dicomdir/create/profile_rules.inc"
+#undef PGKIT_PROFILE_RULE
+};
 
-RuleLists ReadRules() {
-    RuleLists lists;
-    for (const TableRow& row : ReadTable("profile_rules.tsv"))
-        lists[row[0]].push_back({row[3], row[4], row[5]});
-    return lists;
+constexpr std::string_view kNoList = "None";
+
+// The rules of a list; none for kNoList.
+const std::vector<Rule>& RulesOf(std::string_view list) {
+    static const auto lists = [] {
+        std::map<std::string_view, std::vector<Rule>> rules = {{kNoList, {}}};
+        for (const Rule& rule : kRules)
+            rules[rule.list].push_back(rule);
+        return rules;
+    }();
+    return lists.at(list);
 }
 
 bool Fits(const std::string& column, const std::string& value) {
@@ -43,9 +64,9 @@ struct Values {
     std::string modality;
 };
 
-bool FitsAny(const std::vector<Rule>& rules, const Values& values, bool isImage) {
-    for (const Rule& rule : rules) {
-        const bool fitsModality = rule.modality == kAbsent || rule.modality == values.modality ||
+bool FitsAny(std::string_view list, const Values& values, bool isImage) {
+    for (const Rule& rule : RulesOf(list)) {
+        const bool fitsModality = rule.modality.empty() || rule.modality == values.modality ||
                                   (isImage && values.modality.empty());
         if (fitsModality && Fits(rule.match, values.sopClass) &&
             Fits(rule.transferSyntax, values.transferSyntax)) {
@@ -55,13 +76,12 @@ bool FitsAny(const std::vector<Rule>& rules, const Values& values, bool isImage)
     return false;
 }
 
-// What the rows of the table say.
-bool Expected(RuleLists& lists, const TableRow& profile, const Values& values) {
+// What the rows of the tables say.
+bool Expected(const Profile& profile, const Values& values) {
     const bool isImage = pgIsImageSOPClass(values.sopClass.c_str());
-    const std::string& list = profile[isImage ? 2 : 4];
-    if (list == kAbsent || !FitsAny(lists[list], values, isImage)) return false;
-    if (!isImage || profile[3] == kAbsent) return true;
-    for (const Rule& rule : lists[profile[3]]) {
+    if (!FitsAny(isImage ? profile.image : profile.nonImage, values, isImage)) return false;
+    if (!isImage || profile.photometric == kNoList) return true;
+    for (const Rule& rule : RulesOf(profile.photometric)) {
         if (Fits(rule.match, values.photometric) &&
             Fits(rule.transferSyntax, values.transferSyntax)) {
             return true;
@@ -70,54 +90,58 @@ bool Expected(RuleLists& lists, const TableRow& profile, const Values& values) {
     return false;
 }
 
-int32_t Accept(const std::string& profile, const Values& values) {
+int32_t Accept(const Profile& profile, const Values& values) {
     return pgDirAcceptDataset2(values.transferSyntax.c_str(), values.sopClass.c_str(),
-                               values.photometric.c_str(), values.modality.c_str(),
-                               profile.c_str());
+                               values.photometric.c_str(), values.modality.c_str(), profile.name);
 }
 
-TEST(ProfileTable, HasFiftySixProfilesAndFortySixRules) {
-    EXPECT_EQ(ReadTable("profiles.tsv").size(), 56u);
-    EXPECT_EQ(ReadTable("profile_rules.tsv").size(), 46u);
+// Media are made to these rules. Whoever means to change a row changes the number with it.
+TEST(ProfileTable, RowsStayAsTheyAre) {
+    EXPECT_EQ(kProfiles.size(), 56u);
+    pgkit_test::RowChecksum profiles;
+    for (const Profile& profile : kProfiles)
+        profiles.Add({profile.name, profile.image, profile.photometric, profile.nonImage});
+    EXPECT_EQ(profiles.Value(), 0x2D9CF006u);
+    EXPECT_EQ(kRules.size(), 46u);
+    pgkit_test::RowChecksum rules;
+    for (const Rule& rule : kRules)
+        rules.Add({rule.list, rule.match, rule.modality, rule.transferSyntax});
+    EXPECT_EQ(rules.Value(), 0x47D3423Fu);
 }
 
 TEST(ProfileTable, AcceptsWhatEachOfItsImageRulesNames) {
-    RuleLists lists = ReadRules();
     int tested = 0;
-    for (const TableRow& profile : ReadTable("profiles.tsv")) {
-        if (profile[2] == kAbsent) continue;
-        for (const Rule& rule : lists[profile[2]]) {
+    for (const Profile& profile : kProfiles) {
+        for (const Rule& rule : RulesOf(profile.image)) {
             Values values{rule.match, rule.transferSyntax, "MONOCHROME2", rule.modality};
             if (values.sopClass == "*") values.sopClass = "1.2.840.10008.5.1.4.1.1.2";
-            if (Expected(lists, profile, values)) ++tested;
-            EXPECT_EQ(Accept(profile[1], values), Expected(lists, profile, values) ? 1 : 0)
-                << profile[1] << ' ' << rule.match << ' ' << rule.transferSyntax;
+            if (Expected(profile, values)) ++tested;
+            EXPECT_EQ(Accept(profile, values), Expected(profile, values) ? 1 : 0)
+                << profile.name << ' ' << rule.match << ' ' << rule.transferSyntax;
         }
     }
     EXPECT_GT(tested, 100);
 }
 
 TEST(ProfileTable, HoldsInEveryCombination) {
-    RuleLists lists = ReadRules();
     std::set<std::string> sopClasses{"1.2.840.10008.5.1.4.1.1.88.11", "1.2.3"};
     std::set<std::string> modalities{"", "OT"};
     std::set<std::string> syntaxes{"1.2.840.10008.1.2", ""};
     std::set<std::string> photometrics{"MONOCHROME1", ""};
-    for (const TableRow& row : ReadTable("profile_rules.tsv")) {
-        (row[1] == "photometric" ? photometrics : sopClasses).insert(row[3]);
-        modalities.insert(row[4]);
-        syntaxes.insert(row[5]);
+    for (const Rule& rule : kRules) {
+        (rule.list.ends_with("Photometric") ? photometrics : sopClasses).insert(rule.match);
+        modalities.insert(rule.modality);
+        syntaxes.insert(rule.transferSyntax);
     }
-    for (const TableRow& profile : ReadTable("profiles.tsv"))
+    for (const Profile& profile : kProfiles)
         for (const std::string& sopClass : sopClasses)
             for (const std::string& syntax : syntaxes)
                 for (const std::string& photometric : photometrics)
                     for (const std::string& modality : modalities) {
                         const Values values{sopClass, syntax, photometric, modality};
-                        ASSERT_EQ(Accept(profile[1], values),
-                                  Expected(lists, profile, values) ? 1 : 0)
-                            << profile[1] << ' ' << sopClass << ' ' << syntax << ' ' << photometric
-                            << ' ' << modality;
+                        ASSERT_EQ(Accept(profile, values), Expected(profile, values) ? 1 : 0)
+                            << profile.name << ' ' << sopClass << ' ' << syntax << ' '
+                            << photometric << ' ' << modality;
                     }
 }
 
