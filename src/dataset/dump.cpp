@@ -1,8 +1,9 @@
-#include "dataset/dump.h"
-
+// The text dump of a node and everything below it.
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "base/byte_order.h"
 #include "base/text.h"
@@ -11,6 +12,7 @@
 #include "dataset/tree_walk.h"
 #include "dataset/value_source.h"
 #include "dictionary/vr_properties.h"
+#include "pgkit/node.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
 
@@ -58,8 +60,8 @@ std::string_view ReadText(const PGX_Node& node, uint8_t* zeros) {
 
 class Dumper {
   public:
-    Dumper(FILE* stream, std::string_view prefix, ValueAllocator allocate)
-        : output_(stream), prefix_(prefix), baseSize_(prefix.size()), allocate_(allocate) {}
+    Dumper(FILE* stream, std::string_view prefix)
+        : output_(stream), prefix_(prefix), baseSize_(prefix.size()) {}
 
     WalkStep Enter(PGX_Node& node, size_t depth) {
         Indent(depth);
@@ -109,7 +111,7 @@ class Dumper {
     // The whole length, which may be no more than a claim, is asked for but not touched.
     ValueBuffer AllocateFor(const PGX_Node& node) {
         const size_t size = node.length == kUndefinedLength ? 1 : size_t{node.length} + 2;
-        ValueBuffer buffer(allocate_(size));
+        ValueBuffer buffer(NewValueBuffer(size));
         if (buffer == nullptr) {
             output_.Text(">>>>> OUT-OF-MEMORY !!! (can't allocated ");
             output_.Number(node.length + 2);
@@ -214,23 +216,18 @@ class Dumper {
     TextOutput output_;
     std::string prefix_;
     size_t baseSize_;
-    ValueAllocator allocate_;
     bool isStartPrinted_ = true;
 };
 
 }  // namespace
 
-int32_t DumpTree(PGX_Node& node, FILE* stream, std::string_view prefix, ValueAllocator allocate) {
-    Dumper dumper(stream, prefix, allocate);
-    WalkTree(node, dumper);
-    return dumper.IsStartPrinted() ? 1 : 0;
-}
-
 }  // namespace pgkit
 
 int32_t PGX_Node::Dump(FILE* stream, const char* prefix) {
     if (stream == nullptr) return 0;
-    return pgkit::DumpTree(*this, stream, pgkit::OrEmpty(prefix), pgkit::NewValueBuffer);
+    pgkit::Dumper dumper(stream, pgkit::OrEmpty(prefix));
+    pgkit::WalkTree(*this, dumper);
+    return dumper.IsStartPrinted() ? 1 : 0;
 }
 
 int32_t PGX_Node::Dump(const char* path) {

@@ -3,23 +3,19 @@
 #include <cstdio>
 #include <string>
 
-#include "dataset/dump.h"
-#include "dataset/node_memory.h"
+#include "support/failing_new.h"
 #include "support/nodes.h"
 #include "support/temp_dir.h"
 
 namespace {
 
+using pgkit_test::LittleMemory;
 using pgkit_test::NewDataSet;
 using pgkit_test::NewElement;
 using pgkit_test::TempDir;
 using pgkit_test::Tree;
 
-constexpr size_t kMemory = 1000;
-
-uint8_t* AllocateLittle(size_t size) {
-    return size > kMemory ? nullptr : pgkit::NewValueBuffer(size);
-}
+constexpr size_t kLargestBlock = 1000;
 
 struct Dumped {
     int32_t result;
@@ -30,7 +26,12 @@ Dumped DumpWithLittleMemory(PGX_Node& node, const char* prefix) {
     const TempDir directory;
     const std::string path = directory.Path("dump");
     FILE* stream = std::fopen(path.c_str(), "wb");
-    const int32_t result = pgkit::DumpTree(node, stream, prefix, AllocateLittle);
+    std::setvbuf(stream, nullptr, _IONBF, 0);
+    int32_t result = 0;
+    {
+        const LittleMemory memory(kLargestBlock);
+        result = node.Dump(stream, prefix);
+    }
     std::fclose(stream);
     const pgkit_test::Bytes bytes = pgkit_test::ReadFile(path);
     return {result, std::string(bytes.begin(), bytes.end())};

@@ -1,5 +1,6 @@
 #include "support/failing_new.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -18,7 +19,10 @@ namespace {
 
 pgkit_test::FailurePlan plan;
 bool nextMallocFails = false;
+size_t largestBlock = SIZE_MAX;
 size_t blocksInUse = 0;
+
+bool IsRefused(size_t size) noexcept { return size > largestBlock || plan.Fails(); }
 
 void* Allocate(size_t size) noexcept {
     void* block = plan.Fails() ? nullptr : __real_malloc(size == 0 ? 1 : size);
@@ -42,15 +46,16 @@ void Release(void* block) noexcept {
 
 void* __wrap_malloc(size_t size) {
     if (std::exchange(nextMallocFails, false)) return nullptr;
-    return plan.Fails() ? nullptr : __real_malloc(size);
+    return IsRefused(size) ? nullptr : __real_malloc(size);
 }
 
 void* __wrap_calloc(size_t count, size_t size) {
-    return plan.Fails() ? nullptr : __real_calloc(count, size);
+    const size_t whole = size > 0 && count > SIZE_MAX / size ? SIZE_MAX : count * size;
+    return IsRefused(whole) ? nullptr : __real_calloc(count, size);
 }
 
 void* __wrap_realloc(void* block, size_t size) {
-    return plan.Fails() ? nullptr : __real_realloc(block, size);
+    return IsRefused(size) ? nullptr : __real_realloc(block, size);
 }
 
 void* operator new(size_t size) { return AllocateOrThrow(size); }
@@ -95,6 +100,10 @@ FailingNew::FailingNew(size_t allowed, Failures failures) {
 FailingNew::~FailingNew() { plan.Disarm(); }
 
 bool FailingNew::HasFailed() const { return plan.HasFailed(); }
+
+LittleMemory::LittleMemory(size_t largest) { largestBlock = largest; }
+
+LittleMemory::~LittleMemory() { largestBlock = SIZE_MAX; }
 
 size_t BlocksInUse() { return blocksInUse; }
 

@@ -21,6 +21,15 @@ class FailingNew {
     bool HasFailed() const;
 };
 
+// While it lives, the C library's allocation functions give nothing larger than this.
+class LittleMemory {
+  public:
+    explicit LittleMemory(size_t largest);
+    ~LittleMemory();
+    LittleMemory(const LittleMemory&) = delete;
+    LittleMemory& operator=(const LittleMemory&) = delete;
+};
+
 // Blocks that new has given and delete has not taken back.
 size_t BlocksInUse();
 
