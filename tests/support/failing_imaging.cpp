@@ -6,25 +6,9 @@
 #include <utility>
 
 #include "platform/loaded_module.h"
+#include "support/forwarded_platform.h"
 
 using pgkit::platform::ModuleFunction;
-
-// The linker sends calls of a wrapped name to __wrap_name, and those of __real_name to the function
-// itself.
-#define REAL_NAME(mangled) __asm__("__real__ZN5pgkit8platform" mangled)
-#define WRAPPED_NAME(mangled) __asm__("__wrap__ZN5pgkit8platform" mangled)
-
-void* RealOpenModule(const char* name) REAL_NAME("10OpenModuleEPKc");
-void RealCloseModule(void* module) REAL_NAME("11CloseModuleEPv");
-ModuleFunction RealFindFunction(void* module, const char* name) REAL_NAME("12FindFunctionEPvPKc");
-
-void* WrappedOpenModule(const char* name) WRAPPED_NAME("10OpenModuleEPKc");
-void WrappedCloseModule(void* module) WRAPPED_NAME("11CloseModuleEPv");
-ModuleFunction WrappedFindFunction(void* module, const char* name)
-    WRAPPED_NAME("12FindFunctionEPvPKc");
-
-#undef REAL_NAME
-#undef WRAPPED_NAME
 
 namespace {
 
@@ -54,17 +38,19 @@ ModuleFunction FindLinked(std::string_view wanted) {
 
 }  // namespace
 
-void* WrappedOpenModule(const char* name) {
-    return isLinked ? &linkedModule : RealOpenModule(name);
+namespace pgkit::platform {
+
+void* OpenModule(const char* name) { return isLinked ? &linkedModule : SystemOpenModule(name); }
+
+void CloseModule(void* module) {
+    if (module != &linkedModule) SystemCloseModule(module);
 }
 
-void WrappedCloseModule(void* module) {
-    if (module != &linkedModule) RealCloseModule(module);
+ModuleFunction FindFunction(void* module, const char* name) {
+    return module == &linkedModule ? FindLinked(name) : SystemFindFunction(module, name);
 }
 
-ModuleFunction WrappedFindFunction(void* module, const char* name) {
-    return module == &linkedModule ? FindLinked(name) : RealFindFunction(module, name);
-}
+}  // namespace pgkit::platform
 
 namespace pgkit_test {
 
