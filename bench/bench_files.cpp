@@ -7,13 +7,18 @@
 #include <random>
 #include <utility>
 
-#include "encoder.h"
+#include "support/stream_builder.h"
 
 namespace pgkit_bench {
 
 namespace {
 
 namespace fs = std::filesystem;
+
+using pgkit_test::BytesOf;
+using pgkit_test::OneItem;
+using pgkit_test::StreamBuilder;
+using pgkit_test::VrMode;
 
 constexpr const char* kCtImage = "1.2.840.10008.5.1.4.1.1.2";
 constexpr int kSmallFileCount = 1000;
@@ -46,12 +51,26 @@ const Directory& WorkDirectory() {
     return directory;
 }
 
+// A file: preamble, meta information and a data set.
+std::string Part10(const std::string& sopClass, const std::string& transferSyntax,
+                   const std::string& dataSet) {
+    StreamBuilder meta;
+    meta.PaddedElement(0x0002, 0x0001, "OB", std::string("\0\1", 2))
+        .PaddedElement(0x0002, 0x0002, "UI", sopClass)
+        .PaddedElement(0x0002, 0x0003, "UI", "1.2.826.0.1.3680043.2.1143.1")
+        .PaddedElement(0x0002, 0x0010, "UI", transferSyntax)
+        .PaddedElement(0x0002, 0x0012, "UI", "1.2.826.0.1.3680043.2.1143");
+    StreamBuilder file;
+    file.Preamble().ElementUL(0x0002, 0x0000, meta.Size()).Append(meta.Data()).Text(dataSet);
+    return BytesOf(file);
+}
+
 std::string CodeSequence() {
-    Encoder code(Encoding::kExplicit);
-    code.Element(0x0008, 0x0100, "SH", "T-D1100")
-        .Element(0x0008, 0x0102, "SH", "SRT")
-        .Element(0x0008, 0x0104, "LO", "Head");
-    return Encoder(Encoding::kExplicit).Item(code.Bytes()).Bytes();
+    StreamBuilder code;
+    code.PaddedElement(0x0008, 0x0100, "SH", "T-D1100")
+        .PaddedElement(0x0008, 0x0102, "SH", "SRT")
+        .PaddedElement(0x0008, 0x0104, "LO", "Head");
+    return OneItem(code);
 }
 
 struct CtKeys {
@@ -63,86 +82,86 @@ struct CtKeys {
 std::string CtImage(const CtKeys& keys) {
     const int number = keys.number;
     const std::string uid = "1.2.826.0.1.3680043.2.1143.107." + std::to_string(number);
-    const std::string us512("\0\2", 2);
-    Encoder image(Encoding::kExplicit);
-    image.Element(0x0008, 0x0005, "CS", "ISO_IR 100")
-        .Element(0x0008, 0x0008, "CS", "ORIGINAL\\PRIMARY\\AXIAL")
-        .Element(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.2")
-        .Element(0x0008, 0x0018, "UI", uid)
-        .Element(0x0008, 0x0020, "DA", "20200101")
-        .Element(0x0008, 0x0030, "TM", "101112")
-        .Element(0x0008, 0x0060, "CS", "CT")
-        .Element(0x0008, 0x1032, "SQ", CodeSequence())
-        .Element(0x0008, 0x1140, "SQ", CodeSequence())
-        .Element(0x0008, 0x2218, "SQ", CodeSequence())
-        .Element(0x0009, 0x0010, "LO", "BENCH CREATOR");
+    StreamBuilder image;
+    image.PaddedElement(0x0008, 0x0005, "CS", "ISO_IR 100")
+        .PaddedElement(0x0008, 0x0008, "CS", "ORIGINAL\\PRIMARY\\AXIAL")
+        .PaddedElement(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.2")
+        .PaddedElement(0x0008, 0x0018, "UI", uid)
+        .PaddedElement(0x0008, 0x0020, "DA", "20200101")
+        .PaddedElement(0x0008, 0x0030, "TM", "101112")
+        .PaddedElement(0x0008, 0x0060, "CS", "CT")
+        .PaddedElement(0x0008, 0x1032, "SQ", CodeSequence())
+        .PaddedElement(0x0008, 0x1140, "SQ", CodeSequence())
+        .PaddedElement(0x0008, 0x2218, "SQ", CodeSequence())
+        .PaddedElement(0x0009, 0x0010, "LO", "BENCH CREATOR");
     for (uint16_t i = 0; i < 15; ++i) {
-        image.Element(0x0009, static_cast<uint16_t>(0x1001 + i), "LO", "private value");
+        image.PaddedElement(0x0009, static_cast<uint16_t>(0x1001 + i), "LO", "private value");
     }
-    image.Element(0x0010, 0x0010, "PN", "Bench^Patient").Element(0x0010, 0x0020, "LO", "4711");
+    image.PaddedElement(0x0010, 0x0010, "PN", "Bench^Patient")
+        .PaddedElement(0x0010, 0x0020, "LO", "4711");
     for (uint16_t i = 0; i < 20; ++i) {
-        image.Element(0x0018, static_cast<uint16_t>(0x1100 + 16 * i), "DS", "123.456");
+        image.PaddedElement(0x0018, static_cast<uint16_t>(0x1100 + 16 * i), "DS", "123.456");
     }
-    image.Element(0x0020, 0x000D, "UI", "1.2.826.0.1.3680043.2.1143.105")
-        .Element(0x0020, 0x000E, "UI", "1.2.826.0.1.3680043.2.1143." + std::to_string(keys.series))
-        .Element(0x0020, 0x0010, "SH", "STUDY1")
-        .Element(0x0020, 0x0011, "IS", std::to_string(keys.series))
-        .Element(0x0020, 0x0013, "IS", std::to_string(number))
-        .Element(0x0020, 0x0037, "DS", "1\\0\\0\\0\\1\\0");
+    image.PaddedElement(0x0020, 0x000D, "UI", "1.2.826.0.1.3680043.2.1143.105")
+        .PaddedElement(0x0020, 0x000E, "UI",
+                       "1.2.826.0.1.3680043.2.1143." + std::to_string(keys.series))
+        .PaddedElement(0x0020, 0x0010, "SH", "STUDY1")
+        .PaddedElement(0x0020, 0x0011, "IS", std::to_string(keys.series))
+        .PaddedElement(0x0020, 0x0013, "IS", std::to_string(number))
+        .PaddedElement(0x0020, 0x0037, "DS", "1\\0\\0\\0\\1\\0");
     for (uint16_t i = 0; i < 12; ++i) {
-        image.Element(0x0028, static_cast<uint16_t>(0x0100 + i), "US", us512);
+        image.ElementUS(0x0028, static_cast<uint16_t>(0x0100 + i), 512);
     }
     for (uint16_t i = 0; i < 15; ++i) {
-        image.Element(0x0040, static_cast<uint16_t>(0x0240 + i), "LO", "Procedure step text");
+        image.PaddedElement(0x0040, static_cast<uint16_t>(0x0240 + i), "LO", "Procedure step text");
     }
-    image.Element(0x7FE0, 0x0010, "OW", std::string(keys.pixelBytes, '\x55'));
-    return image.Bytes();
+    image.PaddedElement(0x7FE0, 0x0010, "OW", std::string(keys.pixelBytes, '\x55'));
+    return BytesOf(image);
 }
 
-std::string BigDataSet(Encoding encoding) {
-    Encoder item(encoding);
+std::string BigDataSet(VrMode mode) {
+    StreamBuilder item(mode);
     for (uint16_t i = 0; i < kBigItemElements; ++i) {
-        item.Element(0x0018, static_cast<uint16_t>(0x1100 + i), "DS", "123.456");
+        item.PaddedElement(0x0018, static_cast<uint16_t>(0x1100 + i), "DS", "123.456");
     }
-    Encoder items(encoding);
+    const std::string oneItem = OneItem(item);
+    StreamBuilder items;
     for (int i = 0; i < kBigItemCount; ++i)
-        items.Item(item.Bytes());
-    Encoder image(encoding);
-    image.Element(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.2.1")
-        .Element(0x5200, 0x9230, "SQ", items.Bytes());
-    return image.Bytes();
+        items.Text(oneItem);
+    StreamBuilder image(mode);
+    image.PaddedElement(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.2.1")
+        .PaddedElement(0x5200, 0x9230, "SQ", BytesOf(items));
+    return BytesOf(image);
+}
+
+StreamBuilder NestedIn(const std::string& items) {
+    return StreamBuilder().Element(0x0040, 0xA730, "SQ", items);
 }
 
 std::string DeepDataSet() {
     constexpr int kChains = 100;
     constexpr int kDepth = 500;
-    std::string content =
-        Encoder(Encoding::kExplicit).Element(0x0040, 0xA160, "UT", "leaf").Bytes();
-    for (int depth = 0; depth < kDepth; ++depth) {
-        const std::string item = Encoder(Encoding::kExplicit).Item(content).Bytes();
-        content = Encoder(Encoding::kExplicit).Element(0x0040, 0xA730, "SQ", item).Bytes();
-    }
-    Encoder items(Encoding::kExplicit);
+    StreamBuilder content;
+    content.PaddedElement(0x0040, 0xA160, "UT", "leaf");
+    for (int depth = 0; depth < kDepth; ++depth)
+        content = NestedIn(OneItem(content));
+    const std::string chain = OneItem(content);
+    StreamBuilder chains;
     for (int i = 0; i < kChains; ++i)
-        items.Item(content);
-    return Encoder(Encoding::kExplicit).Element(0x0040, 0xA730, "SQ", items.Bytes()).Bytes();
+        chains.Text(chain);
+    return BytesOf(NestedIn(BytesOf(chains)));
 }
 
 // The pixels are written piece by piece behind a header that announces them.
 std::string WriteImage(uint32_t mebibytes) {
     constexpr uint32_t kPiece = 1 << 20;
-    Encoder image(Encoding::kExplicit);
-    image.Element(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.7")
-        .Element(0x0028, 0x0100, "US", std::string("\x10\0", 2));
-    Encoder header(Encoding::kExplicit);
-    header.Number(0x7FE0, 2);
-    header.Number(0x0010, 2);
-    header.Number(0x574F, 2);  // "OW"
-    header.Number(0, 2);
-    header.Number(kPiece * mebibytes, 4);
-    const std::string path = WorkDirectory().Write(
-        "IMAGE" + std::to_string(mebibytes),
-        Part10(kCtImage, "1.2.840.10008.1.2.1", image.Bytes() + header.Bytes()));
+    StreamBuilder image;
+    image.PaddedElement(0x0008, 0x0016, "UI", "1.2.840.10008.5.1.4.1.1.7")
+        .ElementUS(0x0028, 0x0100, 16)
+        .Header(0x7FE0, 0x0010, "OW", kPiece * mebibytes);
+    const std::string path =
+        WorkDirectory().Write("IMAGE" + std::to_string(mebibytes),
+                              Part10(kCtImage, "1.2.840.10008.1.2.1", BytesOf(image)));
     std::ofstream stream(path, std::ios::binary | std::ios::app);
     const std::string piece(kPiece, '\x55');
     for (uint32_t i = 0; i < mebibytes; ++i)
@@ -198,13 +217,13 @@ const std::vector<std::string>& SmallFiles() {
 
 const std::string& BigExplicitFile() {
     static const std::string path = WorkDirectory().Write(
-        "EXPLICIT", Part10(kCtImage, "1.2.840.10008.1.2.1", BigDataSet(Encoding::kExplicit)));
+        "EXPLICIT", Part10(kCtImage, "1.2.840.10008.1.2.1", BigDataSet(VrMode::Explicit)));
     return path;
 }
 
 const std::string& BigImplicitFile() {
     static const std::string path = WorkDirectory().Write(
-        "IMPLICIT", Part10(kCtImage, "1.2.840.10008.1.2", BigDataSet(Encoding::kImplicit)));
+        "IMPLICIT", Part10(kCtImage, "1.2.840.10008.1.2", BigDataSet(VrMode::Implicit)));
     return path;
 }
 

@@ -8,11 +8,13 @@ namespace {
 
 constexpr uint32_t kItemHeaderSize = 8;
 
+// The links stand among the keys in the order of the tags.
 StreamBuilder RecordContent(const DirectoryRecordSpec& record, uint32_t next, uint32_t lower) {
+    std::map<uint32_t, DirectoryRecordSpec::Key> keys = record.keys;
+    if (record.hasNext) keys[0x00041400] = {"UL", BytesOf(StreamBuilder().U32(next))};
+    if (record.hasLower) keys[0x00041420] = {"UL", BytesOf(StreamBuilder().U32(lower))};
     StreamBuilder content;
-    if (record.hasNext) content.ElementUL(0x0004, 0x1400, next);
-    if (record.hasLower) content.ElementUL(0x0004, 0x1420, lower);
-    for (const auto& [tag, key] : record.keys) {
+    for (const auto& [tag, key] : keys) {
         content.Element(static_cast<uint16_t>(tag >> 16), static_cast<uint16_t>(tag & 0xFFFF),
                         key.vr, key.value);
     }
@@ -21,10 +23,11 @@ StreamBuilder RecordContent(const DirectoryRecordSpec& record, uint32_t next, ui
 
 // Everything in front of the first record.
 StreamBuilder Head(const DirectoryBuilder& directory, uint32_t rootOffset) {
+    StreamBuilder meta;
+    meta.PaddedElement(0x0002, 0x0002, "UI", directory.sopClassUid)
+        .PaddedElement(0x0002, 0x0010, "UI", "1.2.840.10008.1.2.1");
     StreamBuilder stream;
-    stream.Preamble()
-        .MetaElement(0x0002, "UI", PaddedUid(directory.sopClassUid))
-        .MetaElement(0x0010, "UI", PaddedUid("1.2.840.10008.1.2.1"));
+    stream.Preamble().ElementUL(0x0002, 0x0000, meta.Size()).Append(meta.Data());
     if (directory.hasRootOffset) stream.ElementUL(0x0004, 0x1200, rootOffset);
     if (directory.hasSequence) stream.Sequence(0x0004, 0x1220);
     return stream;

@@ -78,6 +78,11 @@ StreamBuilder& StreamBuilder::Element(uint16_t group, uint16_t element, std::str
     return Header(group, element, vr, static_cast<uint32_t>(value.size())).Text(value);
 }
 
+StreamBuilder& StreamBuilder::PaddedElement(uint16_t group, uint16_t element, std::string_view vr,
+                                            std::string_view value) {
+    return Element(group, element, vr, PaddedValue(vr, value));
+}
+
 StreamBuilder& StreamBuilder::ElementUS(uint16_t group, uint16_t element, uint16_t value) {
     return Header(group, element, "US", 2).U16(value);
 }
@@ -96,10 +101,13 @@ StreamBuilder& StreamBuilder::EndItem() { return Header(0xFFFE, 0xE00D, "", 0); 
 
 StreamBuilder& StreamBuilder::EndSequence() { return Header(0xFFFE, 0xE0DD, "", 0); }
 
+std::string BytesOf(const StreamBuilder& stream) {
+    return std::string(stream.Data().begin(), stream.Data().end());
+}
+
 std::string OneItem(const StreamBuilder& content) {
     StreamBuilder item;
-    item.Item(content.Size()).Append(content.Data());
-    return std::string(item.Data().begin(), item.Data().end());
+    return BytesOf(item.Item(content.Size()).Append(content.Data()));
 }
 
 std::string PaddedValue(std::string_view vr, std::string_view value) {

@@ -47,6 +47,9 @@ class StreamBuilder {
     // A header and its value, as it stands: no padding.
     StreamBuilder& Element(uint16_t group, uint16_t element, std::string_view vr,
                            std::string_view value);
+    // The same with the byte that makes the length even.
+    StreamBuilder& PaddedElement(uint16_t group, uint16_t element, std::string_view vr,
+                                 std::string_view value);
     StreamBuilder& ElementUS(uint16_t group, uint16_t element, uint16_t value);
     StreamBuilder& ElementUL(uint16_t group, uint16_t element, uint32_t value);
 
@@ -60,6 +63,9 @@ class StreamBuilder {
     Order order_;
     Bytes bytes_;
 };
+
+// A stream so far, as a value or a content.
+std::string BytesOf(const StreamBuilder& stream);
 
 // The value of a sequence of one item with this content.
 std::string OneItem(const StreamBuilder& content);
