@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <vector>
 
 namespace pgkit_test {
 
@@ -14,14 +15,18 @@ std::string TagText(const PGX_Node& node, const char* format) {
     return text;
 }
 
-std::string DescribeChildren(const PGX_Node& node) {
-    std::string text;
-    for (const PGX_Node* child = node.first; child != nullptr; child = child->next) {
-        if (!text.empty() && child->nodeType == NT_DataElement) text += ' ';
-        text += Describe(child);
-    }
-    return text;
+bool IsLevel(const PGX_Node& node) { return node.nodeType == NT_DataSet || node.valueRep == VR_SQ; }
+
+// What stands in front of a node's children.
+std::string Head(const PGX_Node& node) {
+    if (node.nodeType == NT_DataSet) return "[";
+    char vr[5];
+    pgGetVRPrintableName(node.valueRep, vr);
+    const std::string length = node.length == kUndefined ? "-1" : std::to_string(node.length);
+    return TagText(node, "(%04X,%04X)") + vr + ":" + length + (IsLevel(node) ? "{" : "");
 }
+
+char Tail(const PGX_Node& node) { return node.nodeType == NT_DataSet ? ']' : '}'; }
 
 }  // namespace
 
@@ -29,14 +34,32 @@ OpenedStream::OpenedStream(const Bytes& bytes, uint32_t maxLoadLength, uint32_t 
     : path_(directory_.Write("stream", bytes)),
       root_(pgOpenDataSetFileEx(path_.c_str(), maxLoadLength, flags)) {}
 
+// Without recursion: trees are deep, and the stack may be small.
 std::string Describe(const PGX_Node* node) {
     if (node == nullptr) return "null";
-    if (node->nodeType == NT_DataSet) return "[" + DescribeChildren(*node) + "]";
-    char vr[5];
-    pgGetVRPrintableName(node->valueRep, vr);
-    std::string text = TagText(*node, "(%04X,%04X)") + vr + ":";
-    text += node->length == kUndefined ? "-1" : std::to_string(node->length);
-    if (node->valueRep == VR_SQ) text += "{" + DescribeChildren(*node) + "}";
+    struct Level {
+        const PGX_Node* owner;
+        const PGX_Node* next;
+    };
+    std::vector<Level> levels;
+    std::string text;
+    const auto enter = [&](const PGX_Node& entered) {
+        text += Head(entered);
+        if (IsLevel(entered)) levels.push_back({&entered, entered.first});
+    };
+    enter(*node);
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        const PGX_Node* const child = level.next;
+        if (child == nullptr) {
+            text += Tail(*level.owner);
+            levels.pop_back();
+            continue;
+        }
+        level.next = child->next;
+        if (child != level.owner->first && child->nodeType == NT_DataElement) text += ' ';
+        enter(*child);
+    }
     return text;
 }
 
