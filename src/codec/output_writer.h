@@ -35,7 +35,7 @@ class OutputWriter {
     void Commit(size_t count) { used_ += count; }
 
     // Brings out what is held.
-    bool Flush();
+    [[nodiscard]] bool Flush();
     // Flushes and gives the error, or kWriteFailed when that is what went wrong first.
     WriteResult Fail(WriteResult error) { return Flush() ? error : kWriteFailed; }
 
@@ -43,7 +43,7 @@ class OutputWriter {
     std::optional<uint64_t> Position() const;
 
   private:
-    bool Drain();
+    [[nodiscard]] bool Drain();
 
     ByteSink& sink_;
     std::unique_ptr<uint8_t[]> buffer_;

@@ -34,7 +34,7 @@ int32_t WriteInto(platform::FileHandle file, Write&& write) {
     OutputWriter out(sink);
     if (!out.HasBuffer()) return 0;
     write(out);
-    out.Flush();
+    static_cast<void>(out.Flush());
     return 1;
 }
 

@@ -12,7 +12,7 @@ namespace pgkit::platform {
 void NoteOwnDirectory();
 
 // Null when there is none, or none that can be loaded; nothing is shown to the user.
-void* OpenModule(const char* name);
+[[nodiscard]] void* OpenModule(const char* name);
 // Null is allowed.
 void CloseModule(void* module);
 

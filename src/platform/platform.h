@@ -17,23 +17,23 @@ namespace pgkit::platform {
 
 // Opens a regular file; null on failure, also for a null path, a directory, a pipe or a device. The
 // streams are unbuffered: the module reads and writes them in large pieces of its own.
-FILE* OpenForReading(const char* path);
+[[nodiscard]] FILE* OpenForReading(const char* path);
 // The same; size receives the length of the file.
-FILE* OpenForReading(const char* path, uint64_t& size);
+[[nodiscard]] FILE* OpenForReading(const char* path, uint64_t& size);
 // Also a device, but no pipe.
-FILE* OpenForUpdate(const char* path);
+[[nodiscard]] FILE* OpenForUpdate(const char* path);
 // Creates or truncates a file; null on failure, also for a pipe that nobody reads.
-FILE* CreateBinary(const char* path);
-FILE* CreateText(const char* path);
+[[nodiscard]] FILE* CreateBinary(const char* path);
+[[nodiscard]] FILE* CreateText(const char* path);
 // Opens a text file, or creates it, for writing at its end; null on failure. The stream is
 // unbuffered. Others may remove the file while it is open.
-FILE* AppendText(const char* path);
+[[nodiscard]] FILE* AppendText(const char* path);
 
 // True for anything that the path names, directories included.
 bool PathExists(const char* path);
 bool IsDirectory(const char* path);
 // The size of a regular file, nothing for any other path.
-std::optional<uint64_t> FileSize(const char* path);
+[[nodiscard]] std::optional<uint64_t> FileSize(const char* path);
 
 // What a file is, whatever path or stream leads to it. Nothing for a path that names nothing and
 // for a stream without a file of the system under it.
@@ -42,8 +42,8 @@ struct FileIdentity {
     uint64_t index;
     bool operator==(const FileIdentity&) const = default;
 };
-std::optional<FileIdentity> IdentityOf(FILE* stream);
-std::optional<FileIdentity> IdentityOf(const char* path);
+[[nodiscard]] std::optional<FileIdentity> IdentityOf(FILE* stream);
+[[nodiscard]] std::optional<FileIdentity> IdentityOf(const char* path);
 
 // What a directory holds, hidden entries too, in the byte order of their names. On POSIX a link to
 // a directory is a directory. Everything else is not, whether it can be read (files) or not (pipes,
@@ -74,28 +74,28 @@ bool CanBeReplaced(const char* path);
 // ".new" and a number behind it, which nothing had, not even a link that leads nowhere. Where there
 // is a file already, nobody but the owner can open the new one on POSIX. Null on failure, also for
 // a null path; there is no path then.
-FILE* CreateReplacement(const char* path, std::string& replacement, const char* stem);
+[[nodiscard]] FILE* CreateReplacement(const char* path, std::string& replacement, const char* stem);
 // Waits until a replacement, which is closed or unbuffered, is on the disk: a file system may put a
 // new name there before the content, and a loss of power in between would leave neither the old
 // file nor the new.
-bool FlushToDisk(const char* replacement);
+[[nodiscard]] bool FlushToDisk(const char* replacement);
 // Puts a finished file in the place of an existing one, whose permissions it takes over on POSIX,
 // or where there is none; streams that are open on the old file keep its content. On failure
 // nothing has changed. On Windows a file that is open can be replaced only when it was opened by
 // OpenForReading.
-bool ReplaceWith(const char* path, const char* replacement);
+[[nodiscard]] bool ReplaceWith(const char* path, const char* replacement);
 // Removes what CreateReplacement made for the file, or with its name as the stem, and nobody put in
 // place: regular files of such names, unless the stream that it gave is open still.
 void RemoveStrayReplacements(const char* path);
 bool RemoveFile(const char* path);
 
 // Positions are 64-bit on both platforms.
-bool Seek(FILE* stream, uint64_t position);
-bool SeekToEnd(FILE* stream);
+[[nodiscard]] bool Seek(FILE* stream, uint64_t position);
+[[nodiscard]] bool SeekToEnd(FILE* stream);
 // Nothing when the stream has no position (a pipe).
-std::optional<uint64_t> Tell(FILE* stream);
+[[nodiscard]] std::optional<uint64_t> Tell(FILE* stream);
 // Cuts the end of a file off.
-bool CutTo(FILE* stream, uint64_t size);
+[[nodiscard]] bool CutTo(FILE* stream, uint64_t size);
 // The length of what the stream reads; 0 when it cannot be told. May move the stream.
 uint64_t StreamSize(FILE* stream);
 

@@ -8,6 +8,6 @@ namespace pgkit::platform {
 // A new empty file for reading and writing, where the system has its temporary files. Nobody else
 // can open it, and it goes when it is closed or the process dies. The stream is unbuffered. Null on
 // failure.
-FILE* CreateTemporary();
+[[nodiscard]] FILE* CreateTemporary();
 
 }  // namespace pgkit::platform

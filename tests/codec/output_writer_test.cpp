@@ -48,7 +48,7 @@ TEST(OutputWriter, CommitsOnlyAPartOfWhatWasReserved) {
     std::memcpy(out.Reserve(4), "abcd", 4);
     out.Commit(2);
     out.Write("x", 1);
-    out.Flush();
+    EXPECT_TRUE(out.Flush());
     EXPECT_EQ(sink.Written(), (Bytes{'a', 'b', 'x'}));
 }
 
@@ -57,7 +57,7 @@ TEST(OutputWriter, CountsItsPositionFromThatOfTheSink) {
     OutputWriter out(sink);
     out.Write("abc", 3);
     EXPECT_EQ(out.Position(), 0x1'0000'0003);
-    out.Flush();
+    EXPECT_TRUE(out.Flush());
     EXPECT_EQ(out.Position(), 0x1'0000'0003);
     const Bytes large(OutputWriter::kCapacity);
     out.Write(large.data(), large.size());

@@ -148,7 +148,8 @@ void AcceptanceList::Append(uint32_t code, std::string_view fullPath) {
     if (lines_ == nullptr) lines_.reset(platform::AppendText(Path().c_str()));
     if (lines_ == nullptr) return;
     const uint64_t size = platform::StreamSize(lines_.get());
-    if (!WriteText(lines_.get(), line)) platform::CutTo(lines_.get(), size);
+    // A broken line that cannot be cut off either stays where it is: no file is refused for it.
+    if (!WriteText(lines_.get(), line)) static_cast<void>(platform::CutTo(lines_.get(), size));
     if (!staysOpen_) lines_ = nullptr;
 }
 
