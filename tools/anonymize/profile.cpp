@@ -18,7 +18,7 @@ struct Row {
 };
 
 // Rows of single tags come first, in ascending order.
-constexpr Row kRows[] = {
+constexpr Row kProfileRows[] = {
 #define PGTOOL_CONFIDENTIALITY(tag, mask, action, options) {tag, mask, action, options},
 #include "anonymize/confidentiality.inc"
 #undef PGTOOL_CONFIDENTIALITY
@@ -37,16 +37,16 @@ enum Option : size_t {
 
 const Row* FindRow(uint32_t tag) {
     constexpr uint32_t kSingle = 0xFFFFFFFF;
-    const Row* const patterns = std::find_if(std::begin(kRows), std::end(kRows),
+    const Row* const patterns = std::find_if(std::begin(kProfileRows), std::end(kProfileRows),
                                              [](const Row& row) { return row.mask != kSingle; });
     const Row* const row = std::lower_bound(
-        std::begin(kRows), patterns, tag,
+        std::begin(kProfileRows), patterns, tag,
         [](const Row& candidate, uint32_t wanted) { return candidate.tag < wanted; });
     if (row != patterns && row->tag == tag) return row;
-    const Row* const pattern = std::find_if(patterns, std::end(kRows), [tag](const Row& candidate) {
+    const Row* const pattern = std::find_if(patterns, std::end(kProfileRows), [tag](const Row& candidate) {
         return (tag & candidate.mask) == candidate.tag;
     });
-    return pattern == std::end(kRows) ? nullptr : pattern;
+    return pattern == std::end(kProfileRows) ? nullptr : pattern;
 }
 
 Action BasicAction(std::string_view action) {
@@ -83,6 +83,6 @@ Action ActionFor(pgkit::tag tag, const ProfileOptions& options) {
     return BasicAction(row->action);
 }
 
-size_t ProfileRowCount() { return std::size(kRows); }
+size_t ProfileRowCount() { return std::size(kProfileRows); }
 
 }  // namespace pgtool
