@@ -23,11 +23,18 @@ void Save(const std::string& path, int32_t mode) {
     pgCloseDataSet(root);
 }
 
+void OpenInCurrentEdition(const std::string& path) {
+    pgxUseEdition(PGX_EDITION_CURRENT);
+    Open(path, 64);
+}
+
 const std::map<std::string, std::function<void()>> kJobs = {
     {"open-headers", [] { Open(SmallFiles()[0], 64); }},
+    {"open-headers-current", [] { OpenInCurrentEdition(SmallFiles()[0]); }},
     {"open-all-values", [] { Open(SmallFiles()[0], 0xFFFFFFFF); }},
     {"open-million-explicit", [] { Open(BigExplicitFile(), 64); }},
     {"open-million-implicit", [] { Open(BigImplicitFile(), 64); }},
+    {"open-million-implicit-current", [] { OpenInCurrentEdition(BigImplicitFile()); }},
     {"save-small", [] { Save(SmallFiles()[0], 0); }},
     {"re-encode-million",
      [] { Save(BigImplicitFile(), PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN); }},
