@@ -1,10 +1,7 @@
 #include "output_file.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -19,10 +16,6 @@ namespace fs = std::filesystem;
 constexpr int kMaxNames = 10000;
 constexpr const char* kSuffix = ".new";
 
-// Who may do what with a new file, before the user's own mask.
-constexpr unsigned kForEverybody = 0666;
-constexpr unsigned kForUser = 0600;
-
 // The library takes a backslash for a separator everywhere.
 std::string WithSlashes(std::string path) {
     std::replace(path.begin(), path.end(), '\\', '/');
@@ -36,15 +29,14 @@ std::string BehindLinks(const std::string& path) {
     return error ? path : target.string();
 }
 
-// The path of a new, empty file: the beginning and a number. It is a name that nothing had, not
-// even a link that leads nowhere. Empty when none can be created.
-std::string CreateNew(const std::string& beginning, unsigned mode) {
+// The path of a new, empty file: the beginning and a number. Empty when none can be created.
+std::string CreateNew(const std::string& beginning, Readers readers) {
     for (int number = 0; number < kMaxNames; ++number) {
         std::string candidate = beginning + std::to_string(number);
-        const int descriptor = open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL, mode);
-        if (descriptor < 0 && errno == EEXIST) continue;
-        if (descriptor < 0) return "";
-        close(descriptor);
+        const NewFile file = CreateNewFile(candidate, readers);
+        if (file.isNameTaken) continue;
+        if (file.stream == nullptr) return "";
+        std::fclose(file.stream);
         return candidate;
     }
     return "";
@@ -53,7 +45,7 @@ std::string CreateNew(const std::string& beginning, unsigned mode) {
 }  // namespace
 
 TemporaryFile::TemporaryFile(const std::string& directory)
-    : path_(CreateNew(directory + "/pgtool.", kForUser)) {}
+    : path_(CreateNew(directory + "/pgtool.", Readers::UserAlone)) {}
 
 TemporaryFile::~TemporaryFile() {
     std::error_code error;
@@ -66,9 +58,9 @@ OutputFile::OutputFile(const std::string& path) : target_(BehindLinks(WithSlashe
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         path_ = target_;
     } else if (!fs::exists(status)) {
-        path_ = CreateNew(target_ + kSuffix, kForEverybody);
-    } else if (access(target_.c_str(), W_OK) == 0) {
-        path_ = CreateNew(target_ + kSuffix, kForUser);
+        path_ = CreateNew(target_ + kSuffix, Readers::Everybody);
+    } else if (IsWritable(target_)) {
+        path_ = CreateNew(target_ + kSuffix, Readers::UserAlone);
         fs::permissions(path_, fs::perms::owner_read | fs::perms::owner_write, error);
     }
 }

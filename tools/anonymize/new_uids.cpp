@@ -1,15 +1,12 @@
 #include "anonymize/new_uids.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <random>
 
 #include "anonymize/sha256.h"
+#include "disk.h"
 
 namespace pgtool {
 
@@ -71,9 +68,8 @@ std::string HexOf(const std::string& key) {
     return text;
 }
 
-bool WriteKey(int descriptor, const std::string& key) {
-    std::FILE* const stream = fdopen(descriptor, "wb");
-    if (stream == nullptr) return false;
+// Closes the file.
+bool WriteKey(std::FILE* stream, const std::string& key) {
     const bool isWritten = std::fputs((HexOf(key) + "\n").c_str(), stream) >= 0;
     return std::fclose(stream) == 0 && isWritten;
 }
@@ -83,9 +79,11 @@ bool WriteKey(int descriptor, const std::string& key) {
 NewUids::NewUids() : key_(NewKey()) {}
 
 std::string NewUids::UseKeyFile(const std::string& path) {
-    const int created = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
-    if (created >= 0) return WriteKey(created, key_) ? "" : path + ": the key cannot be written";
-    std::FILE* const stream = errno == EEXIST ? std::fopen(path.c_str(), "rb") : nullptr;
+    const NewFile created = CreateNewFile(path, Readers::UserAlone);
+    if (created.stream != nullptr) {
+        return WriteKey(created.stream, key_) ? "" : path + ": the key cannot be written";
+    }
+    std::FILE* const stream = created.isNameTaken ? std::fopen(path.c_str(), "rb") : nullptr;
     if (stream == nullptr) return path + ": the key can be neither read nor made";
     char text[2 * kKeySize + 2] = {};
     const size_t size = std::fread(text, 1, sizeof text - 1, stream);
