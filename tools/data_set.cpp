@@ -16,8 +16,6 @@ namespace pgtool {
 
 namespace {
 
-constexpr const char* kNoDataSet = "it is no DICOM data set";
-
 struct CloseFile {
     void operator()(std::FILE* stream) const { std::fclose(stream); }
 };
@@ -62,28 +60,14 @@ std::string DamageOf(const PgxOpenReport& report) {
     }
 }
 
-const char* WhyNoTree(int32_t result) {
-    switch (result) {
-        case PGX_OPEN_TOO_LARGE:
-            return "it inflates to more than can be believed";
-        case PGX_OPEN_NO_TEMPORARY:
-            return "there is no room to inflate it";
-        case PGX_OPEN_NO_MEMORY:
-            return "memory has run out";
-        default:
-            return kNoDataSet;
-    }
-}
-
 // "cannot read PATH: REASON" of the library.
 std::string ReasonOf(const pgkit::error& error, const std::string& path) {
     return error.message.substr(std::strlen("cannot read ") + path.size() + 2);
 }
 
-// The system knows best why a file cannot be opened.
 pgkit::error WhyNotOpened(const std::string& path, int32_t result) {
-    if (path == "-") return NotOpened(pgkit::failure::not_a_data_set, path, WhyNoTree(result));
-    const auto error = pgkit::detail::why_not_read(path, WhyNoTree(result));
+    const auto error = path == "-" ? pgkit::detail::why_no_data_set(path, result)
+                                   : pgkit::detail::why_not_opened(path, result);
     return NotOpened(error.kind, path, ReasonOf(error, path));
 }
 
@@ -119,6 +103,7 @@ pgkit::result<pgkit::data_set> Open(const std::string& path, const OpenRequest& 
     const uint32_t flags = request.flags | PG_OPEN_PAST_PIXEL_DATA;
     PgxOpenReport report = {};
     report.size = sizeof report;
+    report.result = PGX_OPEN_CANNOT_OPEN;
     pgkit::data_set opened;
     if (path == "-") {
         MakeStandardInputBinary();
@@ -137,7 +122,7 @@ pgkit::result<pgkit::data_set> Open(const std::string& path, const OpenRequest& 
 }
 
 std::string CannotOpen(const std::string& path) {
-    const auto error = pgkit::detail::why_not_read(path, kNoDataSet);
+    const auto error = pgkit::detail::why_not_opened(path, PGX_OPEN_CANNOT_OPEN);
     return "cannot open " + path + ": " + ReasonOf(error, path);
 }
 

@@ -48,6 +48,7 @@
 #ifndef PGKIT_DATA_SET_HPP
 #define PGKIT_DATA_SET_HPP
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -112,10 +113,18 @@ class data_set : public item {
     // Frees the tree and closes its file.
     ~data_set() { pgCloseDataSet(node()); }
 
-    // Opens a file: pgOpenDataSetFileEx tells what is understood. A damaged file gives the part of
-    // its tree that can be read. Errors: no_such_file, cannot_open, not_a_data_set.
+    // Opens a file: open_report.h tells what a data set is, and what the report says. Of the
+    // report, which may be null, the options are read and all else is filled in. A damaged file
+    // gives the part of its tree that can be read. Errors: no_such_file, cannot_open,
+    // not_a_data_set, read_failed, no_memory.
     [[nodiscard]] static result<data_set> open(const std::string& path,
-                                               const open_options& options = {});
+                                               const open_options& options = {},
+                                               PgxOpenReport* report = nullptr);
+
+    // The same from bytes, which may go afterwards: everything is loaded.
+    [[nodiscard]] static result<data_set> open_memory(const void* bytes, std::size_t size,
+                                                      std::uint32_t flags = 0,
+                                                      PgxOpenReport* report = nullptr);
 
     // A new data set without elements; an empty handle when memory runs out.
     [[nodiscard]] static data_set create() noexcept { return data_set(pgAllocateDataSetNode()); }
@@ -217,9 +226,21 @@ inline result<void> save_result(std::uint32_t code, const std::string& path) {
 
 }  // namespace detail
 
-inline result<data_set> data_set::open(const std::string& path, const open_options& options) {
-    data_set opened(pgOpenDataSetFileEx(path.c_str(), options.load_below, options.flags));
-    if (!opened) return detail::why_not_read(path, "it is no DICOM data set");
+inline result<data_set> data_set::open(const std::string& path, const open_options& options,
+                                       PgxOpenReport* report) {
+    PgxOpenReport told = detail::new_report(report);
+    data_set opened(pgxOpenFile(path.c_str(), options.load_below, options.flags, &told));
+    if (report != nullptr) *report = told;
+    if (!opened) return detail::why_not_opened(path, told.result);
+    return opened;
+}
+
+inline result<data_set> data_set::open_memory(const void* bytes, std::size_t size,
+                                              std::uint32_t flags, PgxOpenReport* report) {
+    PgxOpenReport told = detail::new_report(report);
+    data_set opened(pgxOpenMemory(bytes, size, flags, &told));
+    if (report != nullptr) *report = told;
+    if (!opened) return detail::why_no_data_set("the bytes", told.result);
     return opened;
 }
 

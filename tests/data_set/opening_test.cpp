@@ -48,6 +48,40 @@ TEST(DataSetFiles, ErrorsNameTheFileAndTheReason) {
     EXPECT_EQ(pgkit::data_set::open(LibraryPath(note)).error().kind, failure::not_a_data_set);
 }
 
+TEST(DataSetFiles, ReportWhereTheyEnd) {
+    const TempDir directory;
+    const Bytes whole = InstanceFile().Data();
+    PgxOpenReport report{};
+    EXPECT_TRUE(pgkit::data_set::open(directory.Write("whole", whole), {}, &report));
+    EXPECT_EQ(report.result, PGX_OPEN_COMPLETE);
+    EXPECT_EQ(report.offset, whole.size());
+
+    const auto half = std::span(whole).first(whole.size() - 1);
+    const auto opened = pgkit::data_set::open(directory.Write("half", half), {}, &report);
+    EXPECT_EQ(opened->find("PatientID").text(), "ID1");
+    EXPECT_EQ(report.result, PGX_OPEN_CUT_SHORT);
+    EXPECT_EQ(report.group, 0x0028);
+}
+
+TEST(DataSetFiles, AreNoneWithoutABeginningLikeOne) {
+    const TempDir directory;
+    const std::string letter = directory.Write("letter", "Dear colleague, this is no image.");
+    EXPECT_EQ(pgkit::data_set::open(letter).error().kind, failure::not_a_data_set);
+}
+
+TEST(DataSetFiles, CanBeInMemory) {
+    Bytes bytes = InstanceFile().Data();
+    PgxOpenReport report{};
+    const auto image = pgkit::data_set::open_memory(bytes.data(), bytes.size(), 0, &report);
+    EXPECT_EQ(report.result, PGX_OPEN_COMPLETE);
+    bytes.clear();
+    EXPECT_EQ(image->find("PatientID").text(), "ID1");
+    EXPECT_EQ(pgkit::data_set::open_memory("letter", 6).error().message,
+              "cannot read the bytes: it is no DICOM data set");
+    EXPECT_EQ(pgkit::data_set::open_memory(nullptr, 6).error().message,
+              "cannot read the bytes: it cannot be opened");
+}
+
 TEST(DataSetFiles, AreOpenedAsTheOptionsSay) {
     StreamBuilder stream(VrMode::Implicit);
     stream.Element(0x0010, 0x0010, "PN", "DOE^");
