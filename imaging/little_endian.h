@@ -8,15 +8,15 @@
 namespace pgview {
 
 inline uint16_t Load16(const uint8_t* bytes) {
-    return pgkit::Load<uint16_t>(bytes, pgkit::ByteOrder::Little);
+    return pgkit::NumberAt<uint16_t>(bytes, pgkit::ByteOrder::Little);
 }
 
 inline uint32_t Load32(const uint8_t* bytes) {
-    return pgkit::Load<uint32_t>(bytes, pgkit::ByteOrder::Little);
+    return pgkit::NumberAt<uint32_t>(bytes, pgkit::ByteOrder::Little);
 }
 
 inline void Store32(uint8_t* bytes, uint64_t n) {
-    pgkit::Store(bytes, static_cast<uint32_t>(n), pgkit::ByteOrder::Little);
+    pgkit::PutNumber(bytes, static_cast<uint32_t>(n), pgkit::ByteOrder::Little);
 }
 
 }  // namespace pgview

@@ -20,20 +20,20 @@ constexpr uint64_t SwapBytes(uint64_t n) { return __builtin_bswap64(n); }
 
 // Reads a number that stands at any address in host byte order.
 template <typename Number>
-Number LoadHost(const void* bytes) {
+Number HostNumberAt(const void* bytes) {
     Number n;
     std::memcpy(&n, bytes, sizeof n);
     return n;
 }
 
 template <typename Number>
-Number Load(const void* bytes, ByteOrder order) {
-    const Number n = LoadHost<Number>(bytes);
+Number NumberAt(const void* bytes, ByteOrder order) {
+    const Number n = HostNumberAt<Number>(bytes);
     return order == kHostByteOrder ? n : SwapBytes(n);
 }
 
 template <typename Number>
-void Store(void* bytes, Number n, ByteOrder order) {
+void PutNumber(void* bytes, Number n, ByteOrder order) {
     if (order != kHostByteOrder) n = SwapBytes(n);
     std::memcpy(bytes, &n, sizeof n);
 }
@@ -41,7 +41,7 @@ void Store(void* bytes, Number n, ByteOrder order) {
 template <typename Number>
 void SwapEach(uint8_t* bytes, size_t count) {
     for (; count >= sizeof(Number); bytes += sizeof(Number), count -= sizeof(Number)) {
-        const Number swapped = SwapBytes(LoadHost<Number>(bytes));
+        const Number swapped = SwapBytes(HostNumberAt<Number>(bytes));
         std::memcpy(bytes, &swapped, sizeof swapped);
     }
 }

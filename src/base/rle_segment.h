@@ -20,14 +20,14 @@ constexpr uint32_t kMaxRleSegments = 15;
 
 // How many segments a frame says to have; 0 when it is too short for that.
 inline uint32_t RleSegmentCount(RleSegment frame) {
-    return frame.size() < kRleHeaderSize ? 0 : Load<uint32_t>(frame.data(), ByteOrder::Little);
+    return frame.size() < kRleHeaderSize ? 0 : NumberAt<uint32_t>(frame.data(), ByteOrder::Little);
 }
 
 // One of so many segments, from where it begins to where the next one does; nothing when that is no
 // part of the frame behind its header, which is there.
 inline std::optional<RleSegment> RleSegmentAt(RleSegment frame, uint32_t index, uint32_t count) {
     const auto beginOf = [frame](uint32_t segment) -> size_t {
-        return Load<uint32_t>(&frame[(segment + 1) * sizeof(uint32_t)], ByteOrder::Little);
+        return NumberAt<uint32_t>(&frame[(segment + 1) * sizeof(uint32_t)], ByteOrder::Little);
     };
     const size_t begin = beginOf(index);
     const size_t end = index + 1 < count ? beginOf(index + 1) : frame.size();

@@ -28,9 +28,11 @@ bool IsSide(uint32_t length) { return length > 0 && length <= kLongestBitmapSide
 
 std::optional<BitmapHeader> ReadBitmapHeader(const uint8_t* bytes, size_t blockSize) {
     if (bytes == nullptr || blockSize < kBitmapHeaderSize) return std::nullopt;
-    const auto u32 = [&](size_t field) { return Load<uint32_t>(bytes + field, ByteOrder::Little); };
+    const auto u32 = [&](size_t field) {
+        return NumberAt<uint32_t>(bytes + field, ByteOrder::Little);
+    };
     BitmapHeader header{u32(0), u32(kWidth), u32(kHeight), 0, 0};
-    header.bitCount = Load<uint16_t>(bytes + kBitCount, ByteOrder::Little);
+    header.bitCount = NumberAt<uint16_t>(bytes + kBitCount, ByteOrder::Little);
     const bool isCompressed = u32(kCompression) != 0;
     if (header.size < kBitmapHeaderSize || isCompressed) return std::nullopt;
     if (!IsSide(header.width) || !IsSide(header.height)) return std::nullopt;
@@ -41,10 +43,10 @@ std::optional<BitmapHeader> ReadBitmapHeader(const uint8_t* bytes, size_t blockS
 
 void WriteBitmapHeader(const BitmapHeader& header, uint8_t* zeros) {
     const auto put32 = [zeros](size_t field, uint32_t number) {
-        Store<uint32_t>(zeros + field, number, ByteOrder::Little);
+        PutNumber<uint32_t>(zeros + field, number, ByteOrder::Little);
     };
     const auto put16 = [zeros](size_t field, uint32_t number) {
-        Store<uint16_t>(zeros + field, static_cast<uint16_t>(number), ByteOrder::Little);
+        PutNumber<uint16_t>(zeros + field, static_cast<uint16_t>(number), ByteOrder::Little);
     };
     put32(0, header.size);
     put32(kWidth, header.width);

@@ -34,7 +34,7 @@ bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
 
 }  // namespace
 
-void DataSetParser::Identity::MakeName(const char* format, unsigned number) {
+void DataSetParser::Meaning::MakeName(const char* format, unsigned number) {
     madeLength = static_cast<size_t>(std::snprintf(madeName, sizeof madeName, format, number));
 }
 
@@ -107,8 +107,8 @@ bool DataSetParser::OpenNextItem(Level& level) {
     return true;
 }
 
-void DataSetParser::OpenSequence(PGX_Node* sequence, const Identity& identity) {
-    const bool implicitVr = ItemsAreImplicit(levels_.back(), identity);
+void DataSetParser::OpenSequence(PGX_Node* sequence, const Meaning& meaning) {
+    const bool implicitVr = ItemsAreImplicit(levels_.back(), meaning);
     Level& level = levels_.emplace_back();
     level.sequence = sequence;
     level.itemLink = &sequence->first;
@@ -128,12 +128,12 @@ void DataSetParser::CloseSequence() {
 // The items of an UN element of undefined length are in implicit VR, since that is what its writer
 // had, unless the caller asks to keep the surrounding mode or to look at the first item: where a VR
 // must stand in explicit VR there are two letters.
-bool DataSetParser::ItemsAreImplicit(const Level& parent, const Identity& identity) {
-    if (!identity.isUnSequence || (flags_ & PG_OPEN_UN_AS_STREAM) != 0) return parent.implicitVr;
+bool DataSetParser::ItemsAreImplicit(const Level& parent, const Meaning& meaning) {
+    if (!meaning.isUnSequence || (flags_ & PG_OPEN_UN_AS_STREAM) != 0) return parent.implicitVr;
     if ((flags_ & PG_OPEN_UN_BY_INSPECTION) == 0) return true;
     const uint8_t* bytes = reader_.Peek(14);
     if (bytes == nullptr) return true;
-    const uint32_t itemLength = LoadHost<uint32_t>(bytes + 4);
+    const uint32_t itemLength = HostNumberAt<uint32_t>(bytes + 4);
     if (itemLength == 0 || itemLength == kUndefinedLength) return true;
     return VrFromCharacters(static_cast<char>(bytes[12]), static_cast<char>(bytes[13])) ==
            VR_Unknown;
@@ -154,21 +154,21 @@ bool DataSetParser::ReadElement() {
     }
 
     if (level.implicitVr) header.valueRep = pgFindValueRepresentation(header.group, header.element);
-    Identity identity;
-    Identify(header, level, identity);
+    Meaning meaning;
+    FindMeaning(header, level, meaning);
 
-    if (identity.valueRep == VR_SQ) {
+    if (meaning.valueRep == VR_SQ) {
         if (levels_.size() > kMaxSequenceNesting) {
             NoteEnd({EndKind::TooDeep, reader_.Position(), header.group, header.element});
             return false;
         }
-        PGX_Node& sequence = *AppendElement(header, identity);
+        PGX_Node& sequence = *AppendElement(header, meaning);
         NoteElement(sequence);
-        OpenSequence(&sequence, identity);
+        OpenSequence(&sequence, meaning);
         return true;
     }
 
-    PGX_Node& element = *AppendElement(header, identity);
+    PGX_Node& element = *AppendElement(header, meaning);
     if (IsPixelData(header.group, header.element) && header.length == kUndefinedLength) {
         level.dataSetBytes += HeaderSize(VR_OB, !level.implicitVr);
         ReadFragments(element);
@@ -180,56 +180,56 @@ bool DataSetParser::ReadElement() {
     return true;
 }
 
-void DataSetParser::Identify(const TagHeader& header, const Level& level,
-                             Identity& identity) const {
-    identity.valueRep = header.valueRep;
+void DataSetParser::FindMeaning(const TagHeader& header, const Level& level,
+                                Meaning& meaning) const {
+    meaning.valueRep = header.valueRep;
     if (header.element == 0x0000) {
-        identity.valueRep = VR_UL;
-        identity.MakeName("GroupLength%04X", header.group);
+        meaning.valueRep = VR_UL;
+        meaning.MakeName("GroupLength%04X", header.group);
     } else if (IsPrivateCreator(header.group, header.element)) {
-        if (level.implicitVr) identity.valueRep = VR_LO;
+        if (level.implicitVr) meaning.valueRep = VR_LO;
         const char* format =
-            identity.valueRep == VR_LO ? "PrivateCreator%02Xxx" : "BUGGYPrivateCreator%02Xxx";
-        identity.MakeName(format, header.element);
+            meaning.valueRep == VR_LO ? "PrivateCreator%02Xxx" : "BUGGYPrivateCreator%02Xxx";
+        meaning.MakeName(format, header.element);
     } else if (header.group == 0xFFFE) {
         return;
     } else if (level.implicitVr && header.valueRep == VR_Unknown) {
         if (header.length == kUndefinedLength) {
-            identity.valueRep = VR_SQ;
+            meaning.valueRep = VR_SQ;
         } else {
-            IdentifyByCreator(header, level, identity);
+            FindMeaningByCreator(header, level, meaning);
         }
     } else if (header.valueRep == VR_UN && decodesUnSequences_) {
-        IdentifyUnSequence(header, level, identity);
+        FindMeaningOfUn(header, level, meaning);
     }
 }
 
-void DataSetParser::IdentifyUnSequence(const TagHeader& header, const Level& level,
-                                       Identity& identity) const {
+void DataSetParser::FindMeaningOfUn(const TagHeader& header, const Level& level,
+                                    Meaning& meaning) const {
     if (header.length == kUndefinedLength) {
-        identity.valueRep = VR_SQ;
-        identity.isUnSequence = true;
+        meaning.valueRep = VR_SQ;
+        meaning.isUnSequence = true;
         return;
     }
-    IdentifyByCreator(header, level, identity);
-    if (identity.valueRep == VR_Unknown) identity.valueRep = VR_UN;
+    FindMeaningByCreator(header, level, meaning);
+    if (meaning.valueRep == VR_Unknown) meaning.valueRep = VR_UN;
 }
 
-void DataSetParser::IdentifyByCreator(const TagHeader& header, const Level& level,
-                                      Identity& identity) const {
+void DataSetParser::FindMeaningByCreator(const TagHeader& header, const Level& level,
+                                         Meaning& meaning) const {
     const PrivateDictionaryEntry* entry =
         FindPrivateElement(header.group, header.element, level.creators);
-    identity.valueRep = entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
-    identity.foundName = entry != nullptr ? std::string_view(entry->name) : unknownTagName;
+    meaning.valueRep = entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
+    meaning.foundName = entry != nullptr ? std::string_view(entry->name) : unknownTagName;
 }
 
-PGX_Node* DataSetParser::AppendElement(const TagHeader& header, const Identity& identity) {
+PGX_Node* DataSetParser::AppendElement(const TagHeader& header, const Meaning& meaning) {
     Level& level = levels_.back();
-    PGX_Node* node = builder_.NewElement(header, identity.valueRep, encoding_.byteOrder);
+    PGX_Node* node = builder_.NewElement(header, meaning.valueRep, encoding_.byteOrder);
     lastElement_ = node;
     *level.elementLink = node;
     level.elementLink = &node->next;
-    const std::string_view name = identity.Name();
+    const std::string_view name = meaning.Name();
     if (!name.empty()) node->tagName = builder_.NewTagName(name);
     return node;
 }
@@ -242,7 +242,7 @@ void DataSetParser::ReadFragments(PGX_Node& pixelData) {
     if (builder_.KeepsEverything()) return LoadFragments(pixelData);
     const bool scan = (flags_ & PG_OPEN_SKIP_FRAGMENTS) == 0;
     const uint64_t start = reader_.Position();
-    const FragmentTable table = LoadFragmentTable(reader_, pixelData, scan);
+    const FragmentTable table = BuildFragmentTable(reader_, pixelData, scan);
     if (table.result == FragmentTableResult::Built) {
         levels_.back().dataSetBytes += table.consumed;
         if (!table.hasDelimiter) NoteCutFragments(pixelData);

@@ -63,7 +63,7 @@ class DataSetParser {
     };
 
     // What is made of a header's tag and VR before its node is built.
-    struct Identity {
+    struct Meaning {
         uint32_t valueRep;
         bool isUnSequence = false;  // an UN element of undefined length, read as a sequence
         // For tagName: one that was made for this element, or one of the dictionary's; or none.
@@ -83,12 +83,14 @@ class DataSetParser {
     void CloseSequence();
 
     bool ReadElement();
-    void Identify(const TagHeader& header, const Level& level, Identity& identity) const;
-    void IdentifyUnSequence(const TagHeader& header, const Level& level, Identity& identity) const;
-    void IdentifyByCreator(const TagHeader& header, const Level& level, Identity& identity) const;
-    PGX_Node* AppendElement(const TagHeader& header, const Identity& identity);
-    void OpenSequence(PGX_Node* sequence, const Identity& identity);
-    bool ItemsAreImplicit(const Level& parent, const Identity& identity);
+    void FindMeaning(const TagHeader& header, const Level& level, Meaning& meaning) const;
+    void FindMeaningOfUn(const TagHeader& header, const Level& level,
+                             Meaning& meaning) const;
+    void FindMeaningByCreator(const TagHeader& header, const Level& level,
+                            Meaning& meaning) const;
+    PGX_Node* AppendElement(const TagHeader& header, const Meaning& meaning);
+    void OpenSequence(PGX_Node* sequence, const Meaning& meaning);
+    bool ItemsAreImplicit(const Level& parent, const Meaning& meaning);
     void ReadFragments(PGX_Node& pixelData);
     void LoadFragments(PGX_Node& pixelData);
     void PassFragments(PGX_Node& pixelData, const PixelItems& items);

@@ -27,11 +27,11 @@ class ElementHeader {
     }
 
     void Put16(uint16_t n) {
-        Store(bytes_.data() + size_, n, order_);
+        PutNumber(bytes_.data() + size_, n, order_);
         size_ += sizeof n;
     }
     void Put32(uint32_t n) {
-        Store(bytes_.data() + size_, n, order_);
+        PutNumber(bytes_.data() + size_, n, order_);
         size_ += sizeof n;
     }
     void PutVr(const char* characters) {

@@ -39,7 +39,7 @@ bool ReadOffsets(StreamReader& reader, PGX_Node& pixelData, uint32_t tableLength
         uint8_t bytes[sizeof(uint32_t)];
         reader.Read(bytes, sizeof bytes);
         // A single frame can only start at the first item, whatever its offset says.
-        const uint32_t offset = count == 1 ? 0 : Load<uint32_t>(bytes, ByteOrder::Little);
+        const uint32_t offset = count == 1 ? 0 : NumberAt<uint32_t>(bytes, ByteOrder::Little);
         entries[i].offset = firstValue + offset;
         if (i > 0) {
             entries[i - 1].length = entries[i].offset - entries[i - 1].offset - kItemHeaderSize;
@@ -62,8 +62,8 @@ bool ReadLastFrame(StreamReader& reader, FragmentEntry& last) {
     return ReadItemHeader(reader, header) && header.IsSequenceDelimitation();
 }
 
-FragmentTableResult LoadFromOffsetTable(StreamReader& reader, PGX_Node& pixelData,
-                                        uint32_t tableLength, FragmentTable& table) {
+FragmentTableResult BuildFromOffsetTable(StreamReader& reader, PGX_Node& pixelData,
+                                         uint32_t tableLength, FragmentTable& table) {
     if (!ReadOffsets(reader, pixelData, tableLength)) return FragmentTableResult::Failed;
     table.consumed += tableLength;
     FragmentEntry* entries = pixelData.fragments;
@@ -76,8 +76,8 @@ FragmentTableResult LoadFromOffsetTable(StreamReader& reader, PGX_Node& pixelDat
     return FragmentTableResult::Built;
 }
 
-FragmentTableResult LoadByScanning(StreamReader& reader, PGX_Node& pixelData,
-                                   FragmentTable& table) {
+FragmentTableResult BuildByScanning(StreamReader& reader, PGX_Node& pixelData,
+                                    FragmentTable& table) {
     std::vector<FragmentEntry> found;
     TagHeader header{};
     while (ReadItemHeader(reader, header)) {
@@ -97,25 +97,25 @@ FragmentTableResult LoadByScanning(StreamReader& reader, PGX_Node& pixelData,
     return FragmentTableResult::Built;
 }
 
-FragmentTableResult Load(StreamReader& reader, PGX_Node& pixelData, bool scan,
-                         FragmentTable& table) {
+FragmentTableResult Build(StreamReader& reader, PGX_Node& pixelData, bool scan,
+                          FragmentTable& table) {
     if (pixelData.fileOffset == kUnreadablePosition) return FragmentTableResult::Failed;
     reader.Seek(pixelData.fileOffset);
     TagHeader header;
     if (!ReadItemHeader(reader, header)) return FragmentTableResult::Failed;
     table.consumed = kItemHeaderSize;
     if (!header.IsItem()) return FragmentTableResult::Failed;
-    if (header.length > 0) return LoadFromOffsetTable(reader, pixelData, header.length, table);
+    if (header.length > 0) return BuildFromOffsetTable(reader, pixelData, header.length, table);
     if (!scan) return FragmentTableResult::NotScanned;
-    return LoadByScanning(reader, pixelData, table);
+    return BuildByScanning(reader, pixelData, table);
 }
 
 }  // namespace
 
-FragmentTable LoadFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan) {
+FragmentTable BuildFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan) {
     FreeFragmentTable(pixelData);
     FragmentTable table;
-    table.result = Load(reader, pixelData, scan, table);
+    table.result = Build(reader, pixelData, scan, table);
     if (table.result != FragmentTableResult::Built) FreeFragmentTable(pixelData);
     return table;
 }
@@ -127,7 +127,7 @@ int32_t PGX_Node::LoadEncodedPixelTable(FILE* stream, PGX_Node* node, int32_t sc
     pgkit::FragmentTable table;
     if (stream != nullptr && node != nullptr) {
         pgkit::StreamReader reader(stream);
-        table = pgkit::LoadFragmentTable(reader, *node, scan != 0);
+        table = pgkit::BuildFragmentTable(reader, *node, scan != 0);
         reader.RestorePosition();
     }
     if (consumed != nullptr) *consumed = table.consumed;

@@ -23,6 +23,7 @@ struct FragmentTable {
 // Builds the table of pixelData, whose items start at its fileOffset, and leaves the reader behind
 // its sequence delimitation item. Without a result of Built the node has no table, and the reader
 // stands anywhere. Throws std::bad_alloc.
-[[nodiscard]] FragmentTable LoadFragmentTable(StreamReader& reader, PGX_Node& pixelData, bool scan);
+[[nodiscard]] FragmentTable BuildFragmentTable(StreamReader& reader, PGX_Node& pixelData,
+                                               bool scan);
 
 }  // namespace pgkit

@@ -29,8 +29,8 @@ bool StartsWithMetaElement(StreamReader& reader) {
 std::optional<Tag> PeekTag(StreamReader& reader) {
     const uint8_t* bytes = reader.Peek(kTagSize);
     if (bytes == nullptr) return std::nullopt;
-    const Tag tag{Load<uint16_t>(bytes, ByteOrder::Little),
-                  Load<uint16_t>(bytes + 2, ByteOrder::Little)};
+    const Tag tag{NumberAt<uint16_t>(bytes, ByteOrder::Little),
+                  NumberAt<uint16_t>(bytes + 2, ByteOrder::Little)};
     if (tag == Tag{0xFFFF, 0xFFFF}) return std::nullopt;
     return tag;
 }

@@ -56,7 +56,7 @@ WriteResult PutOffset(std::optional<uint32_t> offset, std::optional<uint64_t> va
                       const Put& put, ByteOrder order) {
     if (!offset || !valuePosition) return kWriteFailed;
     BytePatch patch{*valuePosition, {}};
-    Store(patch.bytes.data(), *offset, order);
+    PutNumber(patch.bytes.data(), *offset, order);
     return put(patch) ? kWritten : kWriteFailed;
 }
 

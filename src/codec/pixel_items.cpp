@@ -23,7 +23,7 @@ void ReadOffsets(StreamReader& reader, uint32_t length, std::vector<uint64_t>& o
     for (uint64_t& offset : offsets) {
         uint8_t bytes[sizeof(uint32_t)] = {};
         reader.Read(bytes, sizeof bytes);
-        offset = Load<uint32_t>(bytes, ByteOrder::Little);
+        offset = NumberAt<uint32_t>(bytes, ByteOrder::Little);
     }
 }
 
@@ -37,7 +37,7 @@ std::vector<uint64_t> LongNumbers(PGX_Node& dataSet, uint16_t number) {
     if (FetchValue(*element, 0, reinterpret_cast<uint8_t*>(numbers.data()), size) < size) return {};
     const ByteOrder order = element->endian == ET_BigEndian ? ByteOrder::Big : ByteOrder::Little;
     for (uint64_t& n : numbers)
-        n = Load<uint64_t>(&n, order);
+        n = NumberAt<uint64_t>(&n, order);
     return numbers;
 }
 
@@ -99,7 +99,8 @@ bool FromBasicOffsets(std::optional<size_t> count, const PixelItems& items, Fram
 }
 
 // Appends fragments that stand behind each other to a buffer that has room for them.
-void Load(StreamReader& reader, std::span<const PixelItems::Fragment> fragments, uint8_t* out) {
+void ReadFragments(StreamReader& reader, std::span<const PixelItems::Fragment> fragments,
+                   uint8_t* out) {
     for (const PixelItems::Fragment& fragment : fragments) {
         reader.Seek(fragment.position);
         const size_t got = reader.Read(out, fragment.length);
@@ -141,7 +142,7 @@ void LoadEntries(StreamReader& reader, const FrameStarts& entries, const PixelIt
         if (entry.bytes == nullptr) throw std::bad_alloc();
         entry.length = static_cast<uint32_t>(size);
         const size_t end = EndOfFrame(entries, i, items);
-        Load(reader, std::span(items.fragments).subspan(first, end - first), entry.bytes);
+        ReadFragments(reader, std::span(items.fragments).subspan(first, end - first), entry.bytes);
     }
 }
 

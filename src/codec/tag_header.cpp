@@ -33,21 +33,21 @@ bool HasNoVrField(const TagHeader& header) {
 bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHeader& header) {
     const uint8_t* bytes = reader.Peek(kShortHeaderSize);
     if (bytes == nullptr) return FailAtEnd(reader);
-    header.group = Load<uint16_t>(bytes, order);
-    header.element = Load<uint16_t>(bytes + 2, order);
+    header.group = NumberAt<uint16_t>(bytes, order);
+    header.element = NumberAt<uint16_t>(bytes + 2, order);
     header.valueRep = VR_Unknown;
     if (header.group == 0xFFFF && header.element == 0xFFFF)
         return FailAfter(reader, kDelimiterTagSize);
 
     if (implicitVr || HasNoVrField(header)) {
-        header.length = Load<uint32_t>(bytes + 4, order);
+        header.length = NumberAt<uint32_t>(bytes + 4, order);
         reader.Skip(kShortHeaderSize);
         return true;
     }
 
     header.valueRep = VrFromCharacters(static_cast<char>(bytes[4]), static_cast<char>(bytes[5]));
     if (!HasLongHeader(header.valueRep) || IsPlaceholderVr(bytes + 4)) {
-        header.length = Load<uint16_t>(bytes + 6, order);
+        header.length = NumberAt<uint16_t>(bytes + 6, order);
         reader.Skip(kShortHeaderSize);
         return true;
     }
@@ -56,7 +56,7 @@ bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHe
     if (header.valueRep == VR_UT && !reservedIsZero) return FailAfter(reader, kShortHeaderSize);
     bytes = reader.Peek(kLongHeaderSize);
     if (bytes == nullptr) return FailAtEnd(reader);
-    header.length = Load<uint32_t>(bytes + 8, order);
+    header.length = NumberAt<uint32_t>(bytes + 8, order);
     reader.Skip(kLongHeaderSize);
     return true;
 }

@@ -202,7 +202,7 @@ class Dumper {
         const size_t printed = std::min(count, kMaxPrintedNumbers);
         ReadValuePrefix(node, zeros, printed * sizeof(Number));
         for (size_t i = 0; i < printed; ++i) {
-            const Number number = LoadHost<Number>(zeros + i * sizeof(Number));
+            const Number number = HostNumberAt<Number>(zeros + i * sizeof(Number));
             if (count == 1) {
                 printLone(number);
             } else {

@@ -27,7 +27,7 @@ Number FirstNumber(const PGX_Node& node) {
     // Enough for the first unit of any VR, which is swapped as a whole.
     uint8_t bytes[8] = {};
     if (!ReadValuePrefix(node, bytes, std::min<size_t>(node.length, sizeof bytes))) return 0;
-    return LoadHost<Number>(bytes);
+    return HostNumberAt<Number>(bytes);
 }
 
 // Of null it is 0, too.

@@ -71,7 +71,7 @@ std::vector<uint8_t> ReadFrame(PGX_Node& pixelData, const PixelLayout& pixels) {
 
 uint32_t SampleAt(const uint8_t* bytes, uint32_t size) {
     if (size == 1) return *bytes;
-    return size == 2 ? LoadHost<uint16_t>(bytes) : LoadHost<uint32_t>(bytes);
+    return size == 2 ? HostNumberAt<uint16_t>(bytes) : HostNumberAt<uint32_t>(bytes);
 }
 
 // The eight bits from the high bit down.

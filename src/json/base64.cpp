@@ -57,7 +57,7 @@ void EncodeRest(const uint8_t* bytes, size_t count, char* characters) {
 void EncodeBase64(const uint8_t* bytes, size_t count, char* characters) {
     // Six bytes at a time, of eight that are read.
     for (; count >= 8; count -= 6, bytes += 6, characters += 8) {
-        const auto bits = Load<uint64_t>(bytes, ByteOrder::Big);
+        const auto bits = NumberAt<uint64_t>(bytes, ByteOrder::Big);
         PutPair(bits >> 52, characters);
         PutPair(bits >> 40, characters + 2);
         PutPair(bits >> 28, characters + 4);

@@ -33,9 +33,9 @@ bool ReadItemHeader(FILE* file, uint64_t position, ItemHeader& header) {
     uint8_t bytes[kItemHeader];
     if (!platform::Seek(file, position)) return false;
     if (std::fread(bytes, 1, sizeof bytes, file) != sizeof bytes) return false;
-    header.tag = TagKey(Load<uint16_t>(bytes, ByteOrder::Little),
-                        Load<uint16_t>(bytes + 2, ByteOrder::Little));
-    header.length = Load<uint32_t>(bytes + 4, ByteOrder::Little);
+    header.tag = TagKey(NumberAt<uint16_t>(bytes, ByteOrder::Little),
+                        NumberAt<uint16_t>(bytes + 2, ByteOrder::Little));
+    header.length = NumberAt<uint32_t>(bytes + 4, ByteOrder::Little);
     return true;
 }
 

@@ -87,8 +87,8 @@ struct BitsOf<8> {
 };
 
 template <typename Number>
-Number LoadNumber(const uint8_t* bytes, ByteOrder order) {
-    return std::bit_cast<Number>(Load<typename BitsOf<sizeof(Number)>::Type>(bytes, order));
+Number AnyNumberAt(const uint8_t* bytes, ByteOrder order) {
+    return std::bit_cast<Number>(NumberAt<typename BitsOf<sizeof(Number)>::Type>(bytes, order));
 }
 
 // What no JSON number can be.
@@ -290,7 +290,7 @@ void ElementWriter::WriteNumbers(const PGX_Node& element, uint32_t valueRep) {
 template <typename Integer>
 void ElementWriter::WriteIntegers(const PGX_Node& element) {
     WriteNumbers<Integer>(element, [this](const uint8_t* bytes, ByteOrder order) {
-        const auto number = LoadNumber<Integer>(bytes, order);
+        const auto number = AnyNumberAt<Integer>(bytes, order);
         const NumberText digits = NumberText::Of(number);
         if (IsExactInJson(number)) return output_.Number(digits.View());
         output_.String(digits.View());
@@ -300,7 +300,7 @@ void ElementWriter::WriteIntegers(const PGX_Node& element) {
 template <typename Float>
 void ElementWriter::WriteFloats(const PGX_Node& element) {
     WriteNumbers<Float>(element, [this](const uint8_t* bytes, ByteOrder order) {
-        const auto number = LoadNumber<Float>(bytes, order);
+        const auto number = AnyNumberAt<Float>(bytes, order);
         const std::string_view name = NameOfNoNumber(number);
         if (!name.empty()) return output_.String(name);
         output_.Number(NumberText::Of(static_cast<double>(number)).View());
@@ -310,7 +310,7 @@ void ElementWriter::WriteFloats(const PGX_Node& element) {
 void ElementWriter::WriteTags(const PGX_Node& element) {
     WriteNumbers<uint32_t>(element, [this](const uint8_t* bytes, ByteOrder order) {
         const TagDigits tag =
-            DigitsOfTag(Load<uint16_t>(bytes, order), Load<uint16_t>(bytes + 2, order));
+            DigitsOfTag(NumberAt<uint16_t>(bytes, order), NumberAt<uint16_t>(bytes + 2, order));
         output_.String({tag.text, sizeof tag.text});
     });
 }

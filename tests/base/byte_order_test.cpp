@@ -16,15 +16,15 @@ Block Swapped(Block bytes, size_t unit) {
 
 TEST(ByteOrder, LoadsAndStoresBothOrdersAtAnyAddress) {
     const uint8_t bytes[] = {0xFF, 0x01, 0x02, 0x03, 0x04};
-    EXPECT_EQ(pgkit::Load<uint16_t>(bytes + 1, ByteOrder::Little), 0x0201);
-    EXPECT_EQ(pgkit::Load<uint16_t>(bytes + 1, ByteOrder::Big), 0x0102);
-    EXPECT_EQ(pgkit::Load<uint32_t>(bytes + 1, ByteOrder::Little), 0x04030201u);
-    EXPECT_EQ(pgkit::Load<uint32_t>(bytes + 1, ByteOrder::Big), 0x01020304u);
+    EXPECT_EQ(pgkit::NumberAt<uint16_t>(bytes + 1, ByteOrder::Little), 0x0201);
+    EXPECT_EQ(pgkit::NumberAt<uint16_t>(bytes + 1, ByteOrder::Big), 0x0102);
+    EXPECT_EQ(pgkit::NumberAt<uint32_t>(bytes + 1, ByteOrder::Little), 0x04030201u);
+    EXPECT_EQ(pgkit::NumberAt<uint32_t>(bytes + 1, ByteOrder::Big), 0x01020304u);
 
     uint8_t out[5] = {};
-    pgkit::Store(out + 1, uint32_t{0x01020304}, ByteOrder::Big);
+    pgkit::PutNumber(out + 1, uint32_t{0x01020304}, ByteOrder::Big);
     EXPECT_EQ(Block(out, out + 5), (Block{0, 1, 2, 3, 4}));
-    pgkit::Store(out + 1, uint16_t{0x0102}, ByteOrder::Little);
+    pgkit::PutNumber(out + 1, uint16_t{0x0102}, ByteOrder::Little);
     EXPECT_EQ(Block(out, out + 5), (Block{0, 2, 1, 3, 4}));
 }
 

@@ -60,10 +60,10 @@ class Bitmap {
 
     bool Exists() const { return handle_ != nullptr; }
     uint32_t U32(size_t offset) const {
-        return pgkit::Load<uint32_t>(bytes_ + offset, ByteOrder::Little);
+        return pgkit::NumberAt<uint32_t>(bytes_ + offset, ByteOrder::Little);
     }
     uint16_t U16(size_t offset) const {
-        return pgkit::Load<uint16_t>(bytes_ + offset, ByteOrder::Little);
+        return pgkit::NumberAt<uint16_t>(bytes_ + offset, ByteOrder::Little);
     }
     Bytes Part(size_t offset, size_t size) const {
         return Bytes(bytes_ + offset, bytes_ + offset + size);

@@ -43,13 +43,13 @@ struct BitmapBytes {
     Bytes Build() const {
         Bytes bytes(std::max<size_t>(headerSize, 40));
         const auto put = [&](size_t offset, uint32_t n) {
-            pgkit::Store<uint32_t>(&bytes[offset], n, ByteOrder::Little);
+            pgkit::PutNumber<uint32_t>(&bytes[offset], n, ByteOrder::Little);
         };
         put(0, headerSize);
         put(4, width);
         put(8, height);
         bytes[12] = 1;
-        pgkit::Store<uint16_t>(&bytes[14], bitCount, ByteOrder::Little);
+        pgkit::PutNumber<uint16_t>(&bytes[14], bitCount, ByteOrder::Little);
         put(16, compression);
         put(32, coloursUsed);
         for (const Colour& colour : colours)
