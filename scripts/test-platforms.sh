@@ -61,17 +61,23 @@ mkdir -p "$results"
 scripts/install-packages.sh
 scripts/install-packages.sh platforms
 for preset in "${presets[@]}"; do
-    scripts/build.sh "$preset"
     launcher=()
     filter='*'
     case $preset in
-        linux-arm64) launcher=(qemu-aarch64 -L /usr/aarch64-linux-gnu) filter=$slow ;;
-        linux-s390x) launcher=(qemu-s390x -L /usr/s390x-linux-gnu) filter=$slow ;;
-        windows-x64-msvcrt)
-            check "$preset" smoke_old_runtime
-            continue
-            ;;
+        linux-arm64) triplet=aarch64-linux-gnu ;;
+        linux-s390x) triplet=s390x-linux-gnu ;;
+        *) triplet= ;;
     esac
+    if [[ -n $triplet ]]; then
+        scripts/fetch-cross-libraries.sh "$triplet"
+        launcher=("qemu-${triplet%%-*}" -L "/usr/$triplet")
+        filter=$slow
+    fi
+    scripts/build.sh "$preset"
+    if [[ $preset == windows-x64-msvcrt ]]; then
+        check "$preset" smoke_old_runtime
+        continue
+    fi
     for program in pgkit_tests pgkit_unit_tests pgkit_imaging_tests; do
         run_gtest "$preset" "$program" ${launcher[@]+"${launcher[@]}"}
     done

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Builds and runs the tests: test.sh [--quick]
+# Builds and runs the tests: test.sh [--quick | --platforms]
 #
 # Without an option everything: natively, with sanitizers and, for Windows, under Wine, and those with
 # threads with the thread sanitizer; then the comparison with independent readers, the static analysis
 # and more (docs/testing.md). With --quick what the native build shows by itself: the run for work.
+# With --platforms, which is no part of the complete run, other processors, compilers and runtimes.
 #
 # Lines with the time tell where it is; the last line sums all runs up: "N passed, M failed". The
 # processor time of each part is in build/results/seconds.txt. When PGKIT_SAMPLES names a directory of
@@ -18,8 +19,9 @@ failed=0
 quick=false
 case ${1:-} in
     --quick) quick=true ;;
+    --platforms) exec scripts/test-platforms.sh ;;
     '') ;;
-    *) echo "test.sh [--quick]" >&2; exit 2 ;;
+    *) echo "test.sh [--quick | --platforms]" >&2; exit 2 ;;
 esac
 
 finish() {
