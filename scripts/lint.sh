@@ -14,26 +14,36 @@ done
 rm -rf build/lint
 mkdir -p build/lint
 python3 - <<'SCRIPT'
-import collections, json, os, pathlib
+import collections, json, os, pathlib, re
 
 root = pathlib.Path.cwd()
-folders = collections.defaultdict(list)
+folders = collections.defaultdict(dict)  # by source file the command that compiles it
+
+
+def sources(file):
+    """Some are compiled several at a time, by a file that includes them."""
+    if "Unity" not in pathlib.Path(file).parts:
+        return [file]
+    return re.findall(r'#include "(.*)"', pathlib.Path(file).read_text())
+
+
 for entry in json.loads((root / "build/native/compile_commands.json").read_text()):
-    path = pathlib.Path(entry["file"])
-    top = os.path.relpath(path, root).split(os.sep)[0]
-    if path.suffix == ".cpp" and top in ("src", "imaging", "tools", "examples"):
-        # Objects of the imaging module are compiled twice.
-        key = path if top == "examples" else path.parent
-        if entry["file"] not in [other["file"] for other in folders[key]]:
-            folders[key].append(entry)
+    for source in sources(entry["file"]):
+        path = pathlib.Path(source)
+        top = os.path.relpath(path, root).split(os.sep)[0]
+        if path.suffix == ".cpp" and top in ("src", "imaging", "tools", "examples"):
+            # Objects of the imaging module are compiled twice.
+            folders[path if top == "examples" else path.parent].setdefault(source, entry)
+missing = {"src", "imaging", "tools"} - {key.relative_to(root).parts[0] for key in folders}
+assert not missing, f"no commands for {missing}"
 commands = []
 for key, entries in folders.items():
     made = root / "build/lint" / (str(key.relative_to(root)).replace(os.sep, "_") + ".cc")
-    made.write_text("".join(f'#include "{entry["file"]}"\n' for entry in entries))
-    command = entries[0]["command"].replace(entries[0]["file"], str(made))
+    made.write_text("".join(f'#include "{source}"\n' for source in entries))
+    entry = next(iter(entries.values()))
     # clang knows all options of the build but one.
-    command = command.replace(" -fno-lifetime-dse", "")
-    commands.append(dict(entries[0], file=str(made), command=command))
+    command = entry["command"].replace(entry["file"], str(made)).replace(" -fno-lifetime-dse", "")
+    commands.append(dict(entry, file=str(made), command=command))
 (root / "build/lint/compile_commands.json").write_text(json.dumps(commands))
 SCRIPT
 status=0
