@@ -231,7 +231,7 @@ for preset in "${presets[@]}"; do
     done
 done
 count_status format
-for name in python debugger documents firewall; do
+for name in python tool debugger documents firewall; do
     count_summary "$name"
 done
 if ! $quick; then

@@ -1,12 +1,14 @@
 """The elements of a DICOM file as pydicom reads them, with their values as raw bytes."""
 
 import io
+import zlib
 
 import pydicom
 from pydicom import filereader
 from pydicom.datadict import dictionary_VR
 
 UNDEFINED = 0xFFFFFFFF
+DEFLATED = "1.2.840.10008.1.2.1.99"
 
 
 class Element:
@@ -69,10 +71,16 @@ def convert(data_set):
     return [convert_element(raw) for raw in data_set.values()]
 
 
+def syntax_of(meta):
+    if 0x00020010 not in meta:
+        return None
+    return meta.get_item(0x00020010).value.decode().rstrip("\0 ")
+
+
 def encoding_of(stream, meta):
     """(implicit VR, big endian) of the data set at the stream's position."""
-    if 0x00020010 in meta:
-        syntax = meta.get_item(0x00020010).value.decode().rstrip("\0 ")
+    syntax = syntax_of(meta)
+    if syntax is not None:
         # GE's private syntax is implicit VR little endian, apart from the pixels.
         return syntax in ("1.2.840.10008.1.2", "1.2.840.113619.5.2"), syntax == "1.2.840.10008.1.2.2"
     start = stream.read(6)
@@ -95,6 +103,8 @@ def read_head(stream):
 def read_raw(path):
     with open(path, "rb") as stream:
         meta, is_implicit, is_big_endian = read_head(stream)
+        if syntax_of(meta) == DEFLATED:
+            stream = io.BytesIO(zlib.decompress(stream.read(), -zlib.MAX_WBITS))
         elements = convert(meta)
         elements += convert(filereader.read_dataset(stream, is_implicit, not is_big_endian))
         return DataSet(elements, len(meta) == 0, is_implicit, is_big_endian)
