@@ -23,14 +23,6 @@ bool AnyElement(PGX_Node& root, Predicate predicate) {
     });
 }
 
-bool IsAmbiguousWithoutVrs(PGX_Node& root) {
-    return AnyElement(root, [](const PGX_Node& element) {
-        const uint32_t known = pgFindValueRepresentation(element.group, element.element);
-        return (known != VR_Unknown && (known == VR_SQ) != (element.valueRep == VR_SQ)) ||
-               (known == VR_UI) != (element.valueRep == VR_UI);
-    });
-}
-
 // A bare data set passes for a file with a preamble when its bytes fall that way.
 bool LooksLikePart10(const std::string& path) {
     const pgkit_test::Bytes bytes = pgkit_test::ReadFile(path);
@@ -94,6 +86,15 @@ bool HasMissingValue(PGX_Node& root) {
     });
 }
 
+bool IsAmbiguous(PGX_Node& original, const PGX_Node& reread) {
+    if ((reread.syntaxFlags & PG_EXPLICIT_VR) != 0) return false;
+    return AnyElement(original, [](const PGX_Node& element) {
+        const uint32_t known = pgFindValueRepresentation(element.group, element.element);
+        return (known != VR_Unknown && (known == VR_SQ) != (element.valueRep == VR_SQ)) ||
+               (known == VR_UI) != (element.valueRep == VR_UI);
+    });
+}
+
 pgkit_test::DataSet RequireReadsBack(PGX_Node& original, const std::string& path, int32_t mode,
                                      uint32_t limit) {
     // A bare data set does not say how it is encoded.
@@ -103,8 +104,7 @@ pgkit_test::DataSet RequireReadsBack(PGX_Node& original, const std::string& path
     pgkit_test::DataSet reread(pgOpenDataSetFileEx(path.c_str(), limit, flags));
     Require(reread != nullptr, "what was saved can be read");
     if (IsUndeclared(original, mode)) return reread;
-    const bool isExplicit = (reread->syntaxFlags & PG_EXPLICIT_VR) != 0;
-    if (!isExplicit && IsAmbiguousWithoutVrs(original)) return reread;
+    if (IsAmbiguous(original, *reread)) return reread;
     const std::string difference = pgkit_test::FirstDifference(original, *reread);
     Require(difference.empty(), difference);
     return reread;

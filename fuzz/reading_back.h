@@ -29,10 +29,13 @@ bool HasUnindexedFragments(PGX_Node& root);
 // An element that is written as a header alone: its length says more than any source has.
 bool HasMissingValue(PGX_Node& root);
 
+// Whether what was read lacks the VRs by which the original had elements that are sequences to the
+// dictionary and not in the tree, or the other way round, or other UIDs than it knows.
+bool IsAmbiguous(PGX_Node& original, const PGX_Node& reread);
+
 // Opens the file that a tree with content was saved to, with result 0 in this mode, and throws a
-// Violation when it differs. Not compared is what cannot be the same without VRs: elements that are
-// sequences to the dictionary and not in the tree, or the other way round, and the padding of UIDs;
-// and all of an undeclared encoding. Null for a bare data set that happens to have "DICM" where a
+// Violation when it differs. Not compared is what is ambiguous, and all of an undeclared encoding.
+// Null for a bare data set that happens to have "DICM" where a
 // file with a preamble has it.
 pgkit_test::DataSet RequireReadsBack(PGX_Node& original, const std::string& path, int32_t mode,
                                      uint32_t limit);

@@ -268,7 +268,8 @@ class PGX_Node {
     //
     // Results: 0 success, 1 the file cannot be created, 2 a value has no source stream, 3 writing
     // failed, 4 reading a value failed, 5 out of memory, 6 a value is too long for a 16-bit length
-    // field, 7 the file cannot be reopened.
+    // field, or a sequence of the File Meta Information holds what has no length, 7 the file cannot
+    // be reopened.
 
     // Writes this node and everything below it to a binary stream, in the encoding that mode (a set
     // of PgSyntaxFlags) says: implicit VR without PG_EXPLICIT_VR, big endian without

@@ -132,6 +132,8 @@ class Encoder {
             CollectDelimitedContainers(node, mode_, delimitedContainers_);
         }
         const bool delimited = IsDelimited(node, form);
+        // What stands behind it in the File Meta Information could not be found.
+        if (delimited && form.isMeta && wishes_.hasLengths) return out_.Fail(kValueTooLong);
         ElementHeader header(form.order, node.group, node.element);
         if (form.explicitVr) {
             header.PutVr("SQ");

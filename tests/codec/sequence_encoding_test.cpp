@@ -85,6 +85,18 @@ TEST_F(EncodedSequence, OfTheFileMetaInformationHaveNoDelimiters) {
     EXPECT_EQ(FirstDifference(*root_, *reread), "");
 }
 
+// Such files were saved with result 0 and could not be opened, either.
+TEST_F(EncodedSequence, OfTheFileMetaInformationThatCannotBeCountedFail) {
+    const TempDir directory;
+    root_->AddPart10Elements(nullptr);
+    PGX_Node* const sequence = root_->InsertNode(0x0002, 0xFF00, nullptr, 0);
+    sequence->valueRep = VR_SQ;
+    sequence->SeqAddTail(pgAllocateDataSetNode());
+    sequence->first->InsertEncodedPixelDataNode(1)->SetEncodedPixelData(0, 2, "ab");
+    EXPECT_EQ(root_->SaveDataSetAsEx(directory.Path("file").c_str(), kPart10Explicit),
+              kValueTooLong);
+}
+
 TEST_F(EncodedSequence, AreDelimitedWhereverALengthIsUndefined) {
     sequence_->length = kUndefined;
     sequence_->first->length = kUndefined;
