@@ -9,7 +9,8 @@ import tempfile
 import weakref
 from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tuple, Union
 
-from ._blocks import SEQUENCE, count_of, records_of, value_in
+from . import _element
+from ._blocks import FIRST_TAG, SEQUENCE, count_of, record_at, records_of, value_in
 from ._copying import copy_elements, detached, equal_items, remove_element
 from ._dictionary import (UNKNOWN_VR, Tag, TagLike, attributes, find_tag, tag_number, tag_of_attribute,
                           value_representation, vr_code, vr_name)
@@ -94,23 +95,34 @@ class Item:
     # ---- Values as attributes -------------------------------------------------------------------
 
     def __getattr__(self, name: str) -> Any:
-        tag = attributes.get(name)
-        if tag is None:
-            tag = tag_of_attribute(name)
-            if tag is None:
-                raise AttributeError(f"{type(self).__name__} has no attribute {name!r}")
         level = self._level
-        values = level.values
-        if tag in values:
-            return values[tag]
+        value = level.values.get(name)
+        if value is not None:
+            return value
+        if name in attributes:
+            block = level._block or level.block()
+            at = block.find(attributes[name], FIRST_TAG, level.tags_end)
+            if level._stale is not None:
+                pass
+            elif at < 0:
+                raise AttributeError(f"the data set has no {name}")
+            elif not at & 3:  # else it is four bytes of two tags
+                value = value_in(block, record_at(block, 8 * at + level.records_behind))
+                if value is not None:
+                    level.values[name] = value
+                    return value
+        return self._value_of(name)
+
+    def _value_of(self, name: str) -> Any:
+        """The same, where it takes more than to look at the block."""
+        tag = tag_of_attribute(name)
+        if tag is None:
+            raise AttributeError(f"{type(self).__name__} has no attribute {name!r}")
+        level = self._level
         found = level.find(tag)
         if found is None:
             raise AttributeError(f"the data set has no {name}")
-        value = value_in(*found)
-        if value is None:
-            return element_of(level, *found).value
-        values[tag] = value
-        return value
+        return element_of(level, *found).value
 
     def __setattr__(self, name: str, value: Any) -> None:
         tag = tag_of_attribute(name)
@@ -134,7 +146,7 @@ class Item:
         """All elements, as they are now."""
         level = self._level
         block = level.block()
-        return iter([element_of(level, block, record) for record in records_of(block)])
+        return iter([Element(level, block, record) for record in records_of(block)])
 
     def __len__(self) -> int:
         return count_of(self._level.block())
@@ -160,7 +172,7 @@ class Item:
         while pending:
             for element in pending[-1]:
                 yield element
-                if element._record[4] == SEQUENCE and element._handle is not None:
+                if element._record[4] == SEQUENCE and element._is_live:
                     pending.append(itertools.chain.from_iterable(element.items))
                     break
             else:
@@ -312,6 +324,9 @@ def item_of(parent: Level, handle: int) -> Item:
     return known
 
 
+_element.item_of = item_of
+
+
 class DataSet(Item):
     """A data set: the root of a tree, read from a file or built in memory.
 
@@ -319,15 +334,19 @@ class DataSet(Item):
     still in the file, which stays open until then.
     """
 
-    __slots__ = ("_is_built", "_report")
+    __slots__ = ("_report",)
 
-    _is_built: bool
     _report: Optional[Report]
+
+    @property
+    def _is_built(self) -> bool:
+        return self._report is None
 
     # ---- Life -----------------------------------------------------------------------------------
 
     def close(self) -> None:
         """Frees the tree and closes its file. Closing twice is allowed."""
+        self._level.forget()
         self._level.tree.close()
 
     @property
@@ -410,7 +429,6 @@ class DataSet(Item):
         return frames_of(self._level)
 
 
-_set_is_built: Callable[[DataSet, bool], None] = vars(DataSet)["_is_built"].__set__
 _set_report: Callable[[DataSet, Optional[Report]], None] = vars(DataSet)["_report"].__set__
 
 # All values of a tree in memory are there.
@@ -426,7 +444,6 @@ def data_set_of(root: int, longest_value: Optional[int], report: Optional[Report
     data_set = DataSet.__new__(DataSet)
     level = Level(Tree(root, longest_value), root, None)
     _set_level(data_set, level)
-    _set_is_built(data_set, report is None)
     _set_report(data_set, report)
     return data_set
 

@@ -5,7 +5,7 @@ from __future__ import annotations
 import ctypes
 import os
 import warnings
-from typing import Any, BinaryIO, NoReturn, Union
+from typing import Any, BinaryIO, NoReturn, Optional, Union
 
 from ._data_set import IN_MEMORY, DataSet, data_set_of, new
 from ._errors import PgkitError, TruncatedWarning
@@ -38,9 +38,11 @@ def open(source: Source, *, load_below: int = _LOAD_BELOW, flags: int = 0) -> Da
     for. flags are the library's PgOpenFlags.
     """
     report = Report(_report_size)
+    longest_value: Optional[int] = None
     if isinstance(source, (str, os.PathLike)):
         root = _open_file(encoded_path(source), load_below, flags | PAST_PIXEL_DATA, report)
-        longest_value = None
+        if not report.result:
+            longest_value = report.offset  # all values lie in front of the end
     else:
         data = _bytes_of(source)
         root = lib.pgxOpenMemory(data, len(data), flags | PAST_PIXEL_DATA, report)
