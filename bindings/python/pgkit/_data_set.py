@@ -10,9 +10,10 @@ import weakref
 from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tuple, Union
 
 from . import _element
-from ._blocks import FIRST_TAG, SEQUENCE, count_of, record_at, records_of, value_in
+from ._bases import ItemBase
+from ._blocks import SEQUENCE, count_of, records_of
 from ._copying import copy_elements, detached, equal_items, remove_element
-from ._dictionary import (UNKNOWN_VR, Tag, TagLike, attributes, find_tag, tag_number, tag_of_attribute,
+from ._dictionary import (UNKNOWN_VR, Tag, TagLike, find_tag, tag_number, tag_of_attribute,
                           value_representation, vr_code, vr_name)
 from ._element import Element, element_of, encoded_for, tag_text
 from ._errors import PgkitError
@@ -26,7 +27,7 @@ from ._tree import Level, Tree
 _builtin_open = open
 
 
-class Item:
+class Item(ItemBase):
     """An item of a sequence, or a whole data set: elements by tag, in the order of the file.
 
     Keys are tags, as ``(0x0010, 0x0010)`` or ``0x00100010``, or names: keywords of today
@@ -34,7 +35,7 @@ class Item:
     stands for is an attribute, too: ``item.PatientName`` is the value, and can be set and deleted.
     """
 
-    __slots__ = ("_level", "__weakref__")
+    __slots__ = ("__weakref__",)
 
     _level: Level
 
@@ -94,27 +95,8 @@ class Item:
 
     # ---- Values as attributes -------------------------------------------------------------------
 
-    def __getattr__(self, name: str) -> Any:
-        level = self._level
-        value = level.values.get(name)
-        if value is not None:
-            return value
-        if name in attributes:
-            block = level._block or level.block()
-            at = block.find(attributes[name], FIRST_TAG, level.tags_end)
-            if level._stale is not None:
-                pass
-            elif at < 0:
-                raise AttributeError(f"the data set has no {name}")
-            elif not at & 3:  # else it is four bytes of two tags
-                value = value_in(block, record_at(block, 8 * at + level.records_behind))
-                if value is not None:
-                    level.values[name] = value
-                    return value
-        return self._value_of(name)
-
     def _value_of(self, name: str) -> Any:
-        """The same, where it takes more than to look at the block."""
+        """The value of an attribute, where it takes more than to look at the block."""
         tag = tag_of_attribute(name)
         if tag is None:
             raise AttributeError(f"{type(self).__name__} has no attribute {name!r}")
@@ -306,7 +288,7 @@ class Item:
 
 
 # Assigning the attribute itself would set an element.
-_set_level: Callable[[Item, Level], None] = vars(Item)["_level"].__set__
+_set_level: Callable[[Item, Level], None] = vars(ItemBase)["_level"].__set__
 
 
 def item_of(parent: Level, handle: int) -> Item:

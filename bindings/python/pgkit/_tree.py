@@ -13,10 +13,11 @@ from __future__ import annotations
 
 import ctypes
 import weakref
-from typing import Any, Dict, Iterator, Optional, Set, Tuple
+from typing import Any, Dict, Iterator, Optional, Tuple
 
-from ._blocks import (ABSENT, Record, character_set_of, find, places_in, read_level, read_values,
-                      records_of, tag_list)
+from ._bases import LevelBase
+from ._blocks import (ABSENT, Record, character_set_of, find, read_level, read_values, records_of,
+                      tag_list)
 from ._errors import ClosedError
 from ._library import lib
 
@@ -102,22 +103,16 @@ def _size_of_file(root: int) -> int:
     return size
 
 
-class Level:
+class Level(LevelBase):
     """A data set or an item, as the library sees it."""
 
-    __slots__ = ("tree", "handle", "parent", "values", "elements", "item", "removals", "_removed",
-                 "_block", "_stale", "tags_end", "records_behind", "__weakref__")
-
-    # Where the tags of the block end, and where the records are.
-    tags_end: int
-    records_behind: int
+    __slots__ = ("tree", "handle", "parent", "elements", "item", "removals", "_removed", "__weakref__")
 
     def __init__(self, tree: Tree, handle: int, parent: Optional[Level]) -> None:
         self.tree = tree
         self.handle: Optional[int] = handle
         self.parent = parent
-        # Decoded values by name; none that could be changed.
-        self.values: Dict[str, Any] = {}
+        self.values = {}
         # The objects that stand for elements asked for by key, and for this level, while somebody
         # has them.
         self.elements: Optional[Dict[int, weakref.ref[Any]]] = None
@@ -126,9 +121,8 @@ class Level:
         # what is inserted later may have the same.
         self.removals = 0
         self._removed: Optional[Dict[int, int]] = None
-        self._block: Optional[bytes] = None
-        # Tags whose elements were changed since the block was read.
-        self._stale: Optional[Set[int]] = None
+        self._block = None
+        self._stale = None
         if parent is not None:
             tree.levels[handle] = weakref.ref(self)
 
@@ -170,7 +164,6 @@ class Level:
                 self._read_enclosing()
             block = self._block = read_level(self.live, self.inherited())
             self._stale = None
-            self.tags_end, self.records_behind = places_in(block)
         return block
 
     def _read_enclosing(self) -> None:
