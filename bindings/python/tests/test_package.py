@@ -22,6 +22,7 @@ try:
     import wheel
 except ImportError:
     pip = wheel = None
+build = importlib.util.find_spec("build") and shutil.which("cmake")
 
 
 class Wheel(TemporaryDirectory):
@@ -29,7 +30,7 @@ class Wheel(TemporaryDirectory):
     def test_an_installed_wheel_finds_the_library_in_itself(self):
         copied = self.directory / "sources"
         shutil.copytree(SOURCES, copied, ignore=shutil.ignore_patterns("__pycache__", "build"))
-        self.pip("wheel", copied, "--no-build-isolation", "--no-deps", "-w", self.directory)
+        self.pip("wheel", copied, "--no-deps", "-w", self.directory)
         (made,) = self.directory.glob("*.whl")
         self.assertRegex(made.name, r"^pgkit-%s-py3-none-\w+\.whl$" % re.escape(pgkit.__version__))
         self.assertNotIn("-any", made.name)
@@ -44,9 +45,26 @@ class Wheel(TemporaryDirectory):
         self.assertEqual(pathlib.Path(told[0]).parent, root / "pgkit")
         self.assertEqual(told[1:], ["64", str(SPEED.is_file())])
 
+    @unittest.skipUnless(pip and wheel and build, "build is not installed")
+    def test_a_source_distribution_has_what_the_library_is_built_of(self):
+        self.addCleanup(shutil.rmtree, SOURCES / "pgkit.egg-info", ignore_errors=True)
+        self.run_module("build", "--sdist", "--outdir", self.directory, SOURCES)
+        (made,) = self.directory.glob("*.tar.gz")
+        shutil.unpack_archive(made, self.directory)
+        unpacked = self.directory / made.name[: -len(".tar.gz")]
+        self.pip("wheel", unpacked, "--no-deps", "-w", self.directory)
+        # Every file that is compiled is looked for.
+        subprocess.run(["cmake", "-S", unpacked / "native", "-B", self.directory / "build",
+                        "-DPGKIT_BUILD_TOOLS=OFF", "-DPGKIT_BUILD_EXAMPLES=OFF"],
+                       check=True, capture_output=True)
+
     def pip(self, *arguments):
-        subprocess.run([sys.executable, "-m", "pip", "--quiet", "--disable-pip-version-check",
-                        *arguments], check=True, capture_output=True)
+        self.run_module("pip", "--quiet", "--disable-pip-version-check", *arguments)
+
+    def run_module(self, *arguments):
+        # Nobody asks an index for the tools: the system's do.
+        subprocess.run([sys.executable, "-m", *arguments], check=True, capture_output=True,
+                       env={**os.environ, "PIP_NO_INDEX": "1"})
 
 
 class Types(TemporaryDirectory):
