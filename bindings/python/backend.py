@@ -31,16 +31,11 @@ def get_requires_for_build_wheel(config_settings=None):
     return _missing()
 
 
-get_requires_for_build_sdist = get_requires_for_build_wheel
+get_requires_for_build_sdist = get_requires_for_build_editable = get_requires_for_build_wheel
 
 
-def build_wheel(*arguments, **named):
+def __getattr__(name):
+    """All other functions of a backend, those of setuptools."""
     from setuptools import build_meta
 
-    return build_meta.build_wheel(*arguments, **named)
-
-
-def build_sdist(*arguments, **named):
-    from setuptools import build_meta
-
-    return build_meta.build_sdist(*arguments, **named)
+    return getattr(build_meta, name)
