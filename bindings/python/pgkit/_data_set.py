@@ -12,7 +12,7 @@ from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tupl
 from . import _element
 from ._bases import ItemBase
 from ._blocks import SEQUENCE, count_of, records_of
-from ._copying import copy_elements, detached, equal_items, remove_element
+from ._copying import copy_elements, detached, equal_items, from_state, remove_element, state_of
 from ._dictionary import (UNKNOWN_VR, Tag, TagLike, find_tag, tag_number, tag_of_attribute,
                           value_representation, vr_code, vr_name)
 from ._element import Element, element_of, encoded_for, tag_text
@@ -22,7 +22,7 @@ from ._library import Report, StrPath, encoded_path, lib
 from ._pixels import frames_of, pixel_array
 from ._reports import OpenReport
 from ._saving import save_to, saved_bytes
-from ._tree import Level, Tree
+from ._tree import Level, Tree, level_of
 
 _builtin_open = open
 
@@ -293,11 +293,7 @@ _set_level: Callable[[Item, Level], None] = vars(ItemBase)["_level"].__set__
 
 def item_of(parent: Level, handle: int) -> Item:
     """The object that stands for an item of a sequence in a level."""
-    tree = parent.tree
-    reference = tree.levels.get(handle)
-    level = reference() if reference is not None else None
-    if level is None:
-        level = Level(tree, handle, parent)
+    level = level_of(parent, handle)
     known = level.item() if level.item is not None else None
     if known is None:
         known = Item.__new__(Item)
@@ -356,9 +352,7 @@ class DataSet(Item):
         return detached(self)
 
     def __reduce__(self) -> Any:
-        from ._opening import from_pickle
-
-        return from_pickle, (len(self) and self.to_bytes(part10=(0x0002, 0x0010) in self),)
+        return from_state, (state_of(self),)
 
     # ---- Saving ---------------------------------------------------------------------------------
 

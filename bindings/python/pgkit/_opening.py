@@ -7,13 +7,12 @@ import os
 import warnings
 from typing import Any, BinaryIO, NoReturn, Optional, Union
 
-from ._data_set import IN_MEMORY, DataSet, data_set_of, new
+from ._data_set import IN_MEMORY, DataSet, data_set_of
 from ._errors import PgkitError, TruncatedWarning
 from ._library import Report, StrPath, encoded_path, lib
 from ._reports import REASONS, OpenResult
 
 _LOAD_BELOW = 64
-_FORCE_EXPLICIT_LITTLE_ENDIAN = 0x08 | 0x20
 PAST_PIXEL_DATA = 0x800
 _PREAMBLE = 128
 
@@ -76,13 +75,6 @@ def _raise_for(source: Any, report: Report) -> NoReturn:
         with _builtin_open(source, "rb"):  # says what is wrong with the file itself
             pass
     raise PgkitError(f"{_name_of(source)}: {REASONS.get(result, result.name)}")
-
-
-def from_pickle(data: Any) -> DataSet:
-    """What a pickled data set becomes."""
-    if not data:
-        return new()
-    return open(data, flags=_FORCE_EXPLICIT_LITTLE_ENDIAN)
 
 
 def is_dicom(path: StrPath) -> bool:

@@ -249,3 +249,10 @@ class Level(LevelBase):
             self._stale = set()
         self._stale.add(tag)
         self.values.clear()
+
+
+def level_of(parent: Level, handle: int) -> Level:
+    """The level of an item of a sequence in a level."""
+    reference = parent.tree.levels.get(handle)
+    known = reference() if reference is not None else None
+    return Level(parent.tree, handle, parent) if known is None else known
