@@ -8,6 +8,9 @@ import os
 import pathlib
 import pickle
 import random
+import subprocess
+import sys
+import tempfile
 import unittest
 import warnings
 
@@ -236,6 +239,29 @@ class Pixels(unittest.TestCase):
         size = frames * 24 * samples_per_pixel * bits // 8
         other.PixelData = bytes(generator.randrange(256) for _ in range(size + size % 2))
         return other
+
+    @unittest.skipUnless(os.path.exists("/proc/self/status"), "only Linux tells the largest size of a process")
+    def test_native_pixels_take_their_own_memory_and_no_more(self):
+        size = 64 << 20
+        with tempfile.TemporaryDirectory() as directory, pgkit.new() as data_set:
+            path = os.path.join(directory, "large.dcm")
+            data_set.SamplesPerPixel, data_set.PhotometricInterpretation = 1, "MONOCHROME2"
+            data_set.Rows = data_set.Columns = 4096
+            data_set.NumberOfFrames, data_set.BitsAllocated, data_set.PixelRepresentation = 2, 16, 0
+            data_set.PixelData = bytes(range(256)) * (size // 256)
+            data_set.save(path)
+            code = ("import sys, numpy, pgkit\n"
+                    "def largest():\n"
+                    "    with open('/proc/self/status') as status:\n"
+                    "        return next(int(line.split()[1]) for line in status if 'VmHWM' in line)\n"
+                    "before = largest()\n"
+                    "pixels = pgkit.open(sys.argv[1]).pixel_array\n"
+                    "assert pixels.shape == (2, 4096, 4096) and pixels[1, 4095, 4095] == 0xFFFE\n"
+                    "print(largest() - before)\n")
+            told = subprocess.run([sys.executable, "-c", code, path], capture_output=True, text=True,
+                                  check=True).stdout
+        self.assertLess(int(told), 1.25 * size / 1024)
+        self.assertGreater(int(told), 0.75 * size / 1024)
 
     def test_frames_are_those_of_the_file(self):
         from pydicom.encaps import generate_pixel_data_frame
