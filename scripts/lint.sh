@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Static analysis of the module, the imaging module, the tool and the examples; silent when nothing
-# is found. Needs clang-tidy and cppcheck, and a native build for its compile commands.
+# Static analysis of the module, the imaging module, the tool, the examples and the Python module; silent
+# when nothing is found. Needs clang-tidy and cppcheck, and a native build for its compile commands.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -21,7 +21,7 @@ folders = collections.defaultdict(list)
 for entry in json.loads((root / "build/native/compile_commands.json").read_text()):
     path = pathlib.Path(entry["file"])
     top = os.path.relpath(path, root).split(os.sep)[0]
-    if path.suffix == ".cpp" and top in ("src", "imaging", "tools", "examples"):
+    if path.suffix == ".cpp" and top in ("src", "imaging", "tools", "examples", "bindings"):
         # Objects of the imaging module are compiled twice.
         key = path if top == "examples" else path.parent
         if entry["file"] not in [other["file"] for other in folders[key]]:
@@ -55,5 +55,5 @@ cppcheck -j "$(nproc)" --quiet --error-exitcode=1 --std=c++20 --language=c++ -I 
     --suppress=uninitMemberVar --suppress=uninitvar --suppress=legacyUninitvar \
     --suppress=CastIntegerToAddressAtReturn --suppress=returnDanglingLifetime \
     --suppress=invalidContainer \
-    src imaging tools || status=1
+    src imaging tools bindings || status=1
 exit $status

@@ -11,7 +11,7 @@ from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tupl
 
 from . import _element
 from ._bases import ItemBase
-from ._blocks import SEQUENCE, count_of, records_of
+from ._blocks import SEQUENCE, count_of, records_of, value_in
 from ._copying import copy_elements, detached, equal_items, from_state, remove_element, state_of
 from ._dictionary import (UNKNOWN_VR, Tag, TagLike, find_tag, tag_number, tag_of_attribute,
                           value_representation, vr_code, vr_name)
@@ -104,7 +104,11 @@ class Item(ItemBase):
         found = level.find(tag)
         if found is None:
             raise AttributeError(f"the data set has no {name}")
-        return element_of(level, *found).value
+        value = value_in(*found)
+        if value is None:
+            return element_of(level, *found).value
+        level.values[name] = value
+        return value
 
     def __setattr__(self, name: str, value: Any) -> None:
         tag = tag_of_attribute(name)

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #include "pgkit/bulk_values.h"
 
@@ -21,13 +22,13 @@ namespace {
 constexpr long kInterface = 1;
 
 // What the module told. Only the main interpreter imports it.
-PyObject* g_tags = nullptr;         // dict of the names of attributes: tags as blocks have them
-PyObject* g_person_name = nullptr;  // the class
-PyObject* g_block = nullptr;        // "block"
-PyObject* g_value_of = nullptr;     // "_value_of"
-PyTypeObject* g_level_type = nullptr;
+PyObject* tagsOfNames = nullptr;  // dict of the names of attributes: tags as blocks have them
+PyObject* personName = nullptr;   // the class
+PyObject* blockText = nullptr;    // "block"
+PyObject* valueOfText = nullptr;  // "_value_of"
+PyTypeObject* levelType = nullptr;
 // What the values of a VR are, by its code: see set_up.
-char g_kinds[256] = {};
+char kindsOfVrs[256] = {};
 
 struct Level {
     PyObject_HEAD PyObject* values;
@@ -49,6 +50,8 @@ T Load(const char* bytes) {
 // ---- Values -------------------------------------------------------------------------------------
 
 PyObject* ValueOfText(const char* text, Py_ssize_t size, char kind) {
+    constexpr std::string_view kKinds = "twnZR";
+    if (kKinds.find(kind) == std::string_view::npos) return nullptr;
     const auto length = static_cast<size_t>(size);
     if (std::memchr(text, '\\', length) != nullptr || std::memchr(text, 0, length) != nullptr) {
         return nullptr;
@@ -59,7 +62,7 @@ PyObject* ValueOfText(const char* text, Py_ssize_t size, char kind) {
     }
     PyObject* const whole = PyUnicode_DecodeUTF8(text, size, nullptr);
     if (whole == nullptr || kind == 't' || kind == 'w') return whole;
-    PyObject* const type = kind == 'n'   ? g_person_name
+    PyObject* const type = kind == 'n'   ? personName
                            : kind == 'Z' ? reinterpret_cast<PyObject*>(&PyLong_Type)
                                          : reinterpret_cast<PyObject*>(&PyFloat_Type);
     PyObject* const value = PyObject_CallFunctionObjArgs(type, whole, nullptr);
@@ -99,9 +102,9 @@ PyObject* ValueOfNumber(const char* bytes, Py_ssize_t size, char kind) {
 // The value of an element that has exactly one; null without an error where it takes more to say
 // what the value is.
 PyObject* OneValue(const char* block, Py_ssize_t size, const PgxElementRecord& record) {
-    if (record.size == 0 || record.valueRep >= sizeof g_kinds) return nullptr;
+    if (record.size == 0 || record.valueRep >= sizeof kindsOfVrs) return nullptr;
     if (record.offset > size || record.size > size - record.offset) return nullptr;
-    const char kind = g_kinds[record.valueRep];
+    const char kind = kindsOfVrs[record.valueRep];
     const char* const bytes = block + record.offset;
     if (record.kind == PGX_VALUE_TEXT) return ValueOfText(bytes, record.size, kind);
     return record.kind == PGX_VALUE_BYTES ? ValueOfNumber(bytes, record.size, kind) : nullptr;
@@ -124,7 +127,7 @@ bool FindRecord(const char* block, Py_ssize_t size, uint32_t tag, PgxElementReco
 
 // The value of an attribute; null without an error where Python has to look closer. A new
 // reference.
-PyObject* ValueInBlock(Level& level, PyObject* name, PyObject* tag) {
+PyObject* ValueInBlock(Level& level, PyObject* name, uint32_t tag) {
     if (level.values == nullptr || PyDict_Check(level.values) == 0) return nullptr;
     PyObject* const known = PyDict_GetItemWithError(level.values, name);
     if (known != nullptr || PyErr_Occurred() != nullptr) {
@@ -134,7 +137,7 @@ PyObject* ValueInBlock(Level& level, PyObject* name, PyObject* tag) {
     if (level.stale != nullptr && level.stale != Py_None) return nullptr;
     if (level.block == nullptr || level.block == Py_None) {
         auto* const self = reinterpret_cast<PyObject*>(&level);
-        PyObject* const read = PyObject_CallMethodObjArgs(self, g_block, nullptr);
+        PyObject* const read = PyObject_CallMethodObjArgs(self, blockText, nullptr);
         if (read == nullptr) return nullptr;
         Py_DECREF(read);
     }
@@ -144,7 +147,7 @@ PyObject* ValueInBlock(Level& level, PyObject* name, PyObject* tag) {
         return nullptr;
     PgxElementRecord record;
     if (size < static_cast<Py_ssize_t>(sizeof(PgxLevelHeader))) return nullptr;
-    if (!FindRecord(block, size, Load<uint32_t>(PyBytes_AsString(tag)), record)) {
+    if (!FindRecord(block, size, tag, record)) {
         return PyErr_Format(PyExc_AttributeError, "the data set has no %U", name);
     }
     PyObject* const value = OneValue(block, size, record);
@@ -156,11 +159,14 @@ PyObject* ValueInBlock(Level& level, PyObject* name, PyObject* tag) {
 }
 
 PyObject* GetAttribute(PyObject* self, PyObject* name) {
-    PyObject* const tag = PyDict_GetItemWithError(g_tags, name);
+    PyObject* const tag = PyDict_GetItemWithError(tagsOfNames, name);
     if (tag != nullptr) {
         PyObject* const level = reinterpret_cast<Item*>(self)->level;
-        if (level != nullptr && PyObject_TypeCheck(level, g_level_type)) {
-            PyObject* const value = ValueInBlock(*reinterpret_cast<Level*>(level), name, tag);
+        const char* const bytes = PyBytes_AsString(tag);
+        if (bytes == nullptr) return nullptr;
+        if (level != nullptr && PyObject_TypeCheck(level, levelType)) {
+            auto& known = *reinterpret_cast<Level*>(level);
+            PyObject* const value = ValueInBlock(known, name, Load<uint32_t>(bytes));
             if (value != nullptr || PyErr_Occurred() != nullptr) return value;
         }
     } else {
@@ -169,7 +175,7 @@ PyObject* GetAttribute(PyObject* self, PyObject* name) {
         if (found != nullptr || PyErr_ExceptionMatches(PyExc_AttributeError) == 0) return found;
         PyErr_Clear();
     }
-    return PyObject_CallMethodObjArgs(self, g_value_of, name, nullptr);
+    return PyObject_CallMethodObjArgs(self, valueOfText, name, nullptr);
 }
 
 // ---- Types --------------------------------------------------------------------------------------
@@ -193,34 +199,34 @@ void FreeItem(PyObject* self) {
     Free(self);
 }
 
-PyMemberDef g_level_members[] = {
+PyMemberDef levelMembers[] = {
     {"values", T_OBJECT_EX, offsetof(Level, values), 0, nullptr},
     {"_block", T_OBJECT_EX, offsetof(Level, block), 0, nullptr},
     {"_stale", T_OBJECT_EX, offsetof(Level, stale), 0, nullptr},
     {nullptr, 0, 0, 0, nullptr},
 };
 
-PyMemberDef g_item_members[] = {
+PyMemberDef itemMembers[] = {
     {"_level", T_OBJECT_EX, offsetof(Item, level), 0, nullptr},
     {nullptr, 0, 0, 0, nullptr},
 };
 
-PyType_Slot g_level_slots[] = {
-    {Py_tp_members, g_level_members},
+PyType_Slot levelSlots[] = {
+    {Py_tp_members, levelMembers},
     {Py_tp_dealloc, reinterpret_cast<void*>(&FreeLevel)},
     {0, nullptr},
 };
 
-PyType_Slot g_item_slots[] = {
-    {Py_tp_members, g_item_members},
+PyType_Slot itemSlots[] = {
+    {Py_tp_members, itemMembers},
     {Py_tp_dealloc, reinterpret_cast<void*>(&FreeItem)},
     {Py_tp_getattro, reinterpret_cast<void*>(&GetAttribute)},
     {0, nullptr},
 };
 
 constexpr unsigned kTypeFlags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE;
-PyType_Spec g_level_spec = {"pgkit._speed.LevelBase", sizeof(Level), 0, kTypeFlags, g_level_slots};
-PyType_Spec g_item_spec = {"pgkit._speed.ItemBase", sizeof(Item), 0, kTypeFlags, g_item_slots};
+PyType_Spec levelSpec = {"pgkit._speed.LevelBase", sizeof(Level), 0, kTypeFlags, levelSlots};
+PyType_Spec itemSpec = {"pgkit._speed.ItemBase", sizeof(Item), 0, kTypeFlags, itemSlots};
 
 // ---- The module ---------------------------------------------------------------------------------
 
@@ -235,17 +241,17 @@ PyObject* SetUp(PyObject*, PyObject* arguments) {
     const char* kinds = nullptr;
     Py_ssize_t size = 0;
     PyObject* tags = nullptr;
-    PyObject* personName = nullptr;
-    if (PyArg_ParseTuple(arguments, "O!Oy#", &PyDict_Type, &tags, &personName, &kinds, &size) == 0)
+    PyObject* nameClass = nullptr;
+    if (PyArg_ParseTuple(arguments, "O!Oy#", &PyDict_Type, &tags, &nameClass, &kinds, &size) == 0)
         return nullptr;
-    if (size != sizeof g_kinds) return PyErr_Format(PyExc_ValueError, "kinds are 256 bytes");
-    std::memcpy(g_kinds, kinds, sizeof g_kinds);
-    Replace(g_tags, tags);
-    Replace(g_person_name, personName);
+    if (size != sizeof kindsOfVrs) return PyErr_Format(PyExc_ValueError, "kinds are 256 bytes");
+    std::memcpy(kindsOfVrs, kinds, sizeof kindsOfVrs);
+    Replace(tagsOfNames, tags);
+    Replace(personName, nameClass);
     Py_RETURN_NONE;
 }
 
-PyMethodDef g_functions[] = {
+PyMethodDef functions[] = {
     {"set_up", &SetUp, METH_VARARGS,
      "set_up(tags, person_name, kinds): the names of attributes with their tags as bytes, a dict "
      "that\n"
@@ -257,12 +263,12 @@ PyMethodDef g_functions[] = {
     {nullptr, nullptr, 0, nullptr},
 };
 
-PyModuleDef g_module = {
+PyModuleDef moduleDefinition = {
     PyModuleDef_HEAD_INIT,
     "pgkit._speed",
     "Values as attributes.",
     -1,
-    g_functions,
+    functions,
     nullptr,
     nullptr,
     nullptr,
@@ -281,23 +287,26 @@ PyObject* AddType(PyObject* module, const char* name, PyType_Spec& spec) {
 }
 
 bool Fill(PyObject* module) {
-    g_tags = PyDict_New();
-    g_block = PyUnicode_InternFromString("block");
-    g_value_of = PyUnicode_InternFromString("_value_of");
-    if (g_tags == nullptr || g_block == nullptr || g_value_of == nullptr) return false;
+    tagsOfNames = PyDict_New();
+    blockText = PyUnicode_InternFromString("block");
+    valueOfText = PyUnicode_InternFromString("_value_of");
+    if (tagsOfNames == nullptr || blockText == nullptr || valueOfText == nullptr) return false;
     if (PyModule_AddIntConstant(module, "INTERFACE", kInterface) != 0) return false;
-    PyObject* const level = AddType(module, "LevelBase", g_level_spec);
-    g_level_type = reinterpret_cast<PyTypeObject*>(level);
-    return level != nullptr && AddType(module, "ItemBase", g_item_spec) != nullptr;
+    PyObject* const level = AddType(module, "LevelBase", levelSpec);
+    levelType = reinterpret_cast<PyTypeObject*>(level);
+    return level != nullptr && AddType(module, "ItemBase", itemSpec) != nullptr;
 }
 
 }  // namespace
 
+// Python makes the name of that of the module.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 PyMODINIT_FUNC PyInit__speed();
 
 PyMODINIT_FUNC PyInit__speed() {
-    PyObject* const module = PyModule_Create(&g_module);
+    PyObject* const module = PyModule_Create(&moduleDefinition);
     if (module == nullptr || Fill(module)) return module;
     Py_DECREF(module);
     return nullptr;
 }
+// NOLINTEND(bugprone-reserved-identifier)
