@@ -61,7 +61,10 @@ class ItemBase:
                 if at < 0:
                     raise AttributeError(f"the data set has no {name}")
                 if not at & 3:  # else it is four bytes of two tags
-                    value = value_in(block, record_at(block, (end + 7 & ~7) + 8 * (at - FIRST_TAG)))
+                    try:
+                        value = value_in(block, record_at(block, (end + 7 & ~7) + 8 * (at - FIRST_TAG)))
+                    except ValueError:
+                        pass
                     if value is not None:
                         level.values[name] = value
                         return value

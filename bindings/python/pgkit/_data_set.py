@@ -104,7 +104,10 @@ class Item(ItemBase):
         found = level.find(tag)
         if found is None:
             raise AttributeError(f"the data set has no {name}")
-        value = value_in(*found)
+        try:
+            value = value_in(*found)
+        except ValueError:  # the element tells where
+            value = None
         if value is None:
             return element_of(level, *found).value
         level.values[name] = value
@@ -181,7 +184,7 @@ class Item(ItemBase):
             return self._set_items(tag, found, value)
         if found is not None:
             found._refuse_parts()
-        data = encoded_for(self._level, value, new_vr)
+        data = encoded_for(self._level, tag, value, new_vr)
         if found is None:
             found = self._insert_empty(tag)
         if vr is not None:

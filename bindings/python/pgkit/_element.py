@@ -207,7 +207,11 @@ class Element:
         if vr in _values.TEXTS and record[4] != SEQUENCE:
             if record[3] == 0:
                 return []
-            return decode_text(self._utf8(block, record).decode("utf-8", "replace"), vr)
+            text = self._utf8(block, record).decode("utf-8", "replace")
+            try:
+                return decode_text(text, vr)
+            except ValueError:
+                raise self._no_number() from None
         return decode_bytes(self.raw, self._level.numeric_vr(vr))
 
     @property
@@ -221,11 +225,15 @@ class Element:
         """
         level, block, record = self._level, self._block, self._record
         if block is level._block and level._stale is None:  # nothing has changed
-            value = value_in(block, record)
-            if value is not None:
-                return value  # type: ignore[no-any-return]
-            if record[4] in (TEXT, BYTES):
-                values = values_in(block, record, level.numeric_vr(vr_name(record[2])))
+            try:
+                value = value_in(block, record)
+                if value is not None:
+                    return value  # type: ignore[no-any-return]
+                values = (values_in(block, record, level.numeric_vr(vr_name(record[2])))
+                          if record[4] in (TEXT, BYTES) else None)
+            except ValueError:
+                raise self._no_number() from None
+            if values is not None:
                 if len(values) > 1:
                     return MultiValue(self, values)
                 return values[0] if values else None
@@ -245,7 +253,7 @@ class Element:
             self.sequence.assign(value)
             return
         self._refuse_parts()
-        self._store(self._encoded(value, self.vr))
+        self._store(encoded_for(self._level, self.tag, value, self.vr))
 
     @property
     def sequence(self) -> Sequence:
@@ -254,8 +262,8 @@ class Element:
             raise TypeError(f"{tag_text(self.tag)} is no sequence")
         return sequence_of(self)
 
-    def _encoded(self, value: Any, vr: str) -> bytes:
-        return encoded_for(self._level, value, vr)
+    def _no_number(self) -> ValueError:
+        return ValueError(f"{tag_text(self.tag)} is not {self.vr}: {self.text!r}")
 
     def _refuse_parts(self) -> None:
         if self.is_encapsulated or lib.pgKitGetFirst(self._live) is not None:
@@ -413,10 +421,16 @@ class MultiValue(List[Any]):
         return self
 
 
-def encoded_for(level: Level, value: Any, vr: str) -> bytes:
+def encoded_for(level: Level, tag: Tag, value: Any, vr: str) -> bytes:
     """The bytes of a value for an element of a level."""
-    data = encode(value, level.numeric_vr(vr), vr_code(vr) if vr in _values.TEXTS else 0,
-                  b"" if _is_ascii(value) else level.character_set_text())
+    try:
+        data = encode(value, level.numeric_vr(vr), vr_code(vr) if vr in _values.TEXTS else 0,
+                      b"" if _is_ascii(value) else level.character_set_text())
+    except UnicodeEncodeError as error:
+        raise UnicodeEncodeError(error.encoding, error.object, error.start, error.end,
+                                 f"{tag_text(tag)}: {error.reason}") from None
+    except (TypeError, ValueError) as error:
+        raise type(error)(f"{tag_text(tag)}: {error}") from None
     if len(data) >= UNDEFINED_LENGTH:
         raise ValueError("values are shorter than 4 GiB")
     return data

@@ -67,6 +67,8 @@ PyObject* ValueOfText(const char* text, Py_ssize_t size, char kind) {
                                          : reinterpret_cast<PyObject*>(&PyFloat_Type);
     PyObject* const value = PyObject_CallFunctionObjArgs(type, whole, nullptr);
     Py_DECREF(whole);
+    // Python tells where the text is that is no number.
+    if (value == nullptr && PyErr_ExceptionMatches(PyExc_ValueError) != 0) PyErr_Clear();
     return value;
 }
 

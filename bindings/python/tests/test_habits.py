@@ -396,6 +396,77 @@ class Sources(TemporaryDirectory):
             pgkit.is_dicom(self.directory / "missing")
 
 
+class Errors(TemporaryDirectory):
+    def assert_told(self, kind, call, *parts):
+        with self.assertRaises(kind) as caught:
+            call()
+        for part in parts:
+            self.assertIn(part, str(caught.exception))
+
+    def test_say_what_and_where(self):
+        text = self.directory / "notes.txt"
+        text.write_text("Dear colleague, this is no image. " * 20)
+        self.assert_told(pgkit.PgkitError, lambda: pgkit.open(text), str(text), "not a DICOM data set")
+        self.assert_told(pgkit.PgkitError, lambda: pgkit.read_values(text, ["Rows"]), str(text),
+                         "not a DICOM data set")
+        missing = self.directory / "missing.dcm"
+        self.assert_told(FileNotFoundError, lambda: pgkit.open(missing), str(missing))
+        self.assert_told(pgkit.PgkitError, lambda: pgkit.open(b"x" * 500), "the bytes")
+        with pgkit.new() as data_set:
+            data_set.NumberOfFrames = b"1A"
+            self.assert_told(ValueError, lambda: data_set.NumberOfFrames, "(0028,0008)", "IS", "1A")
+            self.assert_told(ValueError, lambda: data_set["NumberOfFrames"].values, "(0028,0008)", "IS", "1A")
+            self.assertEqual(data_set["NumberOfFrames"].text, "1A")
+        with pgkit.open(MR) as data_set:
+            nowhere = self.directory / "no/such/folder"
+            self.assert_told(pgkit.SaveError, lambda: data_set.save(nowhere), str(nowhere))
+            self.assert_told(KeyError, lambda: data_set["PatientComments"], "PatientComments")
+            self.assert_told(AttributeError, lambda: data_set.PatientComments, "PatientComments")
+            self.assert_told(AttributeError, lambda: setattr(data_set, "PatientNames", "X"), "PatientNames")
+            self.assert_told(ValueError, lambda: data_set.set((0x0099, 0x1001), 1), "(0099,1001)", "vr")
+            self.assert_told(ValueError, lambda: data_set.set("Rows", 70000), "(0028,0010)", "US", "70000")
+            self.assert_told(TypeError, lambda: data_set.set("Modality", 5), "(0008,0060)", "CS", "int")
+            self.assert_told(TypeError, lambda: data_set["Rows"].date, "(0028,0010)", "US", "DA")
+            self.assert_told(TypeError, lambda: data_set["Rows"].append_item(), "(0028,0010)")
+            self.assert_told(UnicodeEncodeError, lambda: data_set.set("PatientName", "山"),
+                             "(0010,0010)", "u5c71")
+            self.assert_told(pgkit.PgkitError, lambda: next(data_set.frames()), "encapsulated")
+        self.assert_told(pgkit.ClosedError, lambda: data_set.Rows, "closed")
+        with pgkit.open(self.jpeg()) as data_set:
+            self.assert_told(pgkit.PgkitError, lambda: data_set.pixel_array, data_set.TransferSyntaxUID,
+                             "frames()")
+
+    @staticmethod
+    def jpeg():
+        """A sample whose pixels are in JPEG."""
+        for path in sorted((DATA / "encapsulated").iterdir()):
+            with pgkit.open(path) as data_set:
+                syntax = data_set.get("TransferSyntaxUID", "")
+                if syntax.startswith("1.2.840.10008.1.2.4") and "Rows" in data_set:
+                    return path
+        raise AssertionError("there is no sample in JPEG")
+
+
+class DiscToDisc(TemporaryDirectory):
+    def test_pixels_of_a_file_arrive_as_they_were(self):
+        compared = 0
+        for path in [MR, *sorted((DATA / "encapsulated").iterdir())]:
+            with pgkit.open(path) as data_set:
+                if "PixelData" not in data_set:
+                    continue
+                data_set.PatientComments = "new"
+                with self.saved(data_set) as found:
+                    self.assertEqual(found.PatientComments, "new")
+            data, saved = path.read_bytes(), (self.directory / "saved.dcm").read_bytes()
+            # The header has a VR in explicit VR; what follows it is the same to the end.
+            at = data.rindex(b"\xe0\x7f\x10\x00")
+            pixels = data[at + (12 if data[at + 4 : at + 6] in (b"OB", b"OW") else 8) :]
+            with self.subTest(path=path.name):
+                self.assertIn(pixels[: 1 << 20], saved)
+                compared += 1
+        self.assertGreater(compared, 2)
+
+
 class Json(unittest.TestCase):
     def test_json_goes_both_ways(self):
         for path in (MR, PLAN, SR, DATA / "charset/japanese_ir87.dcm"):
