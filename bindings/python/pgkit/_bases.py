@@ -88,6 +88,7 @@ def _native() -> Any:
         try:
             assert spec is not None
             module: Any = importlib.util.module_from_spec(spec)
+            loader.exec_module(module)
         except ImportError:  # a Python without the stable interface, or one of another kind
             continue
         if module.INTERFACE == _INTERFACE:
