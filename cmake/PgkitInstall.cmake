@@ -85,6 +85,10 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python
   DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit
   FILES_MATCHING PATTERN "*.py" PATTERN "*.toml" PATTERN "*.md" PATTERN "py.typed"
   PATTERN "__pycache__" EXCLUDE)
+if(TARGET pgkit_python_speed)
+  install(TARGETS pgkit_python_speed
+    LIBRARY DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit/python/pgkit)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/tools/debugger DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit
   FILES_MATCHING PATTERN "*.py" PATTERN "*.natvis"
   PATTERN "__pycache__" EXCLUDE)

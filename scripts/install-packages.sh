@@ -13,14 +13,14 @@ packages+=(libcli11-dev zlib1g-dev libz-mingw-w64-dev)
 case ${1:-} in
     test)
         packages+=(python3-numpy python3-build python3-setuptools python3-wheel python3-pip mypy)
-        packages+=(python3-distributed)
+        packages+=(python3-distributed libpython3-dev)
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
         packages+=(clang clang-format clang-tidy cppcheck lld llvm)
         ;;
-    packages) packages+=(debhelper dh-python dpkg-dev fakeroot git lintian python3 debootstrap) ;;
+    packages) packages+=(debhelper dh-python dpkg-dev fakeroot git libpython3-dev lintian python3 debootstrap) ;;
     platforms) packages+=(googletest g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user clang) ;;
     bench) packages+=(libbenchmark-dev libdcmtk-dev libgdcm-dev valgrind python3)
-        packages+=(python3-numpy python3-pydicom) ;;
+        packages+=(python3-numpy python3-pydicom libpython3-dev) ;;
 esac
 
 missing=()

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Static analysis of the module, the imaging module, the tool and the examples; silent when nothing
-# is found. Needs clang-tidy and cppcheck, and a native build for its compile commands.
+# Static analysis of the module, the imaging module, the tool, the examples and the Python module; silent
+# when nothing is found. Needs clang-tidy and cppcheck, and a native build for its compile commands.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -31,7 +31,7 @@ for entry in json.loads((root / "build/native/compile_commands.json").read_text(
     for source in sources(entry["file"]):
         path = pathlib.Path(source)
         top = os.path.relpath(path, root).split(os.sep)[0]
-        if path.suffix == ".cpp" and top in ("src", "imaging", "tools", "examples"):
+        if path.suffix == ".cpp" and top in ("src", "imaging", "tools", "examples", "bindings"):
             # Objects of the imaging module are compiled twice.
             folders[path if top == "examples" else path.parent].setdefault(source, entry)
 missing = {"src", "imaging", "tools"} - {key.relative_to(root).parts[0] for key in folders}
@@ -65,5 +65,5 @@ cppcheck -j "$(nproc)" --quiet --error-exitcode=1 --std=c++20 --language=c++ -I 
     --suppress=uninitMemberVar --suppress=uninitvar --suppress=legacyUninitvar \
     --suppress=CastIntegerToAddressAtReturn --suppress=returnDanglingLifetime \
     --suppress=invalidContainer \
-    src imaging tools || status=1
+    src imaging tools bindings || status=1
 exit $status

@@ -132,7 +132,9 @@ def page():
 def main(arguments):
     if len(arguments) != 1:
         sys.exit(__doc__)
-    pathlib.Path(arguments[0]).write_text(page(), encoding="utf-8")
+    made = pathlib.Path(arguments[0])
+    made.parent.mkdir(parents=True, exist_ok=True)  # make, unlike ninja, makes no folders
+    made.write_text(page(), encoding="utf-8")
 
 
 if __name__ == "__main__":

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Times this module beside pydicom, in one run: beside_pydicom.py [FILE...]
 
-PGKIT_LIBRARY names the library, PYTHONPATH the folder of the module. Prints a Markdown table; each
+PGKIT_LIBRARY names the library, PYTHONPATH the folder of the module; PGKIT_PURE_PYTHON leaves out its
+part in C++. Prints a Markdown table; each
 time is the best of many, both in turns. Without files: those of tests/data named below, and 200 MiB of
 pixels in a temporary file.
 """
@@ -36,8 +37,12 @@ def best(*functions, seconds=1.5, rounds=5):
     return times
 
 
+def micros(seconds):
+    return f"{seconds * 1e6:,.{2 if seconds < 1e-6 else 1}f} us"
+
+
 def line(job, mine, others):
-    print(f"| {job} | {mine * 1e6:,.1f} us | {others * 1e6:,.1f} us | {others / mine:.1f} |")
+    print(f"| {job} | {micros(mine)} | {micros(others)} | {others / mine:.1f} |")
 
 
 def eight_values(opened):

@@ -19,10 +19,12 @@ from wheel.bdist_wheel import bdist_wheel
 HERE = pathlib.Path(__file__).resolve().parent
 BROUGHT_ALONG = HERE / "native"
 SOURCES = ["CMakeLists.txt", "LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "cmake", "data", "docs",
-           "include", "imaging", "src"]
+           "include", "imaging", "src", "bindings/python/speed"]
 WINDOWS = os.name == "nt"
 LIBRARY = "pgkit.dll" if WINDOWS else "libpgkit.so.2"
-COMPANION = "pgview32.dll" if WINDOWS else "pgview32.so"
+# What goes into the package if it is beside the library: its companion, and the part of this module in
+# C++, which is for every Python.
+COMPANIONS = ("pgview32.dll", "_speed.pyd") if WINDOWS else ("pgview32.so", "_speed.abi3.so")
 
 
 def source_folder():
@@ -33,22 +35,15 @@ def source_folder():
     raise SystemExit("pgkit: there are no sources of the library here; PGKIT_LIBRARY may name its file")
 
 
-def built_libraries(folder):
-    """Builds both libraries below a folder."""
+def built_library(folder):
+    """Builds the libraries below a folder."""
     subprocess.run(
         ["cmake", "-S", str(source_folder()), "-B", str(folder), "-DCMAKE_BUILD_TYPE=RelWithDebInfo",
          "-DPGKIT_BUILD_TOOLS=OFF", "-DPGKIT_BUILD_TESTS=OFF", "-DPGKIT_BUILD_EXAMPLES=OFF"],
         check=True)
     subprocess.run(["cmake", "--build", str(folder), "--parallel", str(os.cpu_count() or 1),
-                    "--target", "pgkit", "pgview32"], check=True)
-    return [folder / "bin" / name for name in (LIBRARY, COMPANION)]
-
-
-def named_libraries(name):
-    """The file that was named, and its companion, if it has one."""
-    library = pathlib.Path(name).resolve(strict=True)
-    companion = library.parent / COMPANION
-    return [library] + ([companion] if companion.is_file() else [])
+                    "--target", "pgkit_python"], check=True)
+    return folder / "bin" / LIBRARY
 
 
 class BuildWithLibraries(build_py):
@@ -57,11 +52,17 @@ class BuildWithLibraries(build_py):
         named = os.environ.get("PGKIT_LIBRARY")
         folder = pathlib.Path(self.get_finalized_command("build").build_temp).resolve() / "native"
         package = pathlib.Path(self.build_lib) / "pgkit"
-        for file, name in zip(named_libraries(named) if named else built_libraries(folder),
-                              (LIBRARY, COMPANION)):
-            shutil.copyfile(file, package / name)
-            if not WINDOWS and shutil.which("strip"):
-                subprocess.run(["strip", "--strip-unneeded", str(package / name)], check=True)
+        library = pathlib.Path(named).resolve(strict=True) if named else built_library(folder)
+        self.put(library, package / LIBRARY)
+        for name in COMPANIONS:
+            if (library.parent / name).is_file():
+                self.put(library.parent / name, package / name)
+
+    @staticmethod
+    def put(file, place):
+        shutil.copyfile(file, place)
+        if not WINDOWS and shutil.which("strip"):
+            subprocess.run(["strip", "--strip-unneeded", str(place)], check=True)
 
 
 class SourcesWithLibrary(sdist):
@@ -70,10 +71,10 @@ class SourcesWithLibrary(sdist):
         target = pathlib.Path(base_dir) / "native"
         for name in SOURCES:
             source = source_folder() / name
+            (target / name).parent.mkdir(parents=True, exist_ok=True)
             if source.is_dir():
                 shutil.copytree(source, target / name)
             elif source.is_file():
-                target.mkdir(exist_ok=True)
                 shutil.copyfile(source, target / name)
 
 

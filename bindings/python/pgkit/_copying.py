@@ -2,12 +2,12 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, List, Tuple
+from typing import TYPE_CHECKING, Any, Iterator, List, Optional, Tuple, Union
 
 from ._blocks import ENCAPSULATED, SEQUENCE
 from ._library import lib
 from ._pixels import parts_of
-from ._tree import Level
+from ._tree import Level, level_of
 
 if TYPE_CHECKING:
     from ._data_set import DataSet, Item
@@ -24,7 +24,6 @@ def copy_elements(source: Level, target: Level) -> None:
 
 def _copy_level(source: Level, target: Level) -> List[Tuple[Level, Level]]:
     """Copies the elements; the items that are still to be copied."""
-    from ._data_set import item_of
     from ._element import element_of
 
     block = source.block()
@@ -36,24 +35,55 @@ def _copy_level(source: Level, target: Level) -> List[Tuple[Level, Level]]:
             replaced.add(tag)
             _remove_all(target, tag)
         element = element_of(source, block, record)
-        if record[4] == ENCAPSULATED:
-            _copy_fragments(element, target)
-            continue
-        data = b"" if record[4] == SEQUENCE else element.raw
-        node = lib.pgKitInsertNodeWithGroupElement(target.live, tag >> 16, tag & 0xFFFF, data,
-                                                   len(data))
-        if node is None:
-            raise MemoryError
-        lib.pgKitSetValueRep(node, record[2])
-        target.tree.note_length(len(data) + 1)
-        for item in element.items if record[4] == SEQUENCE else ():
-            copy = lib.pgKitAllocateDataSetNode()
-            if copy is None:
-                raise MemoryError
-            lib.pgKitSeqAddTail(node, copy)
-            below.append((item._level, item_of(target, copy)._level))
-        target.changed(tag)
+        made = insert(target, tag, record[2], value_of(element))
+        below += zip([item._level for item in element.items], made)
     return below
+
+
+# What a value is for a copy: bytes, how many items there are, or the fragments.
+Stored = Union[bytes, int, List[bytes]]
+
+
+def value_of(element: Element) -> Stored:
+    """The value of an element, that of a sequence without its items."""
+    kind = element._facts()[4]
+    if kind == SEQUENCE:
+        return len(element.items)
+    if kind == ENCAPSULATED:
+        return parts_of(element._level, element._live)
+    return element.raw
+
+
+def insert(level: Level, tag: int, vr: int, value: Stored) -> List[Level]:
+    """Inserts an element beside those of the same tag; the items of a sequence, which are empty."""
+    if isinstance(value, list):
+        node = _insert_fragments(level, value)
+    else:
+        data = b"" if isinstance(value, int) else value
+        node = lib.pgKitInsertNodeWithGroupElement(level.live, tag >> 16, tag & 0xFFFF, data, len(data))
+        level.tree.note_length(len(data) + 1)
+    if node is None:
+        raise MemoryError
+    lib.pgKitSetValueRep(node, vr)
+    handles = [_append_item(node) for _ in range(value)] if isinstance(value, int) else []
+    level.changed(tag)
+    return [level_of(level, handle) for handle in handles]
+
+
+def _append_item(node: int) -> int:
+    handle: Optional[int] = lib.pgKitAllocateDataSetNode()
+    if handle is None:
+        raise MemoryError
+    lib.pgKitSeqAddTail(node, handle)
+    return handle
+
+
+def _insert_fragments(level: Level, fragments: List[bytes]) -> Optional[int]:
+    node: Optional[int] = lib.pgKitInsertEncodedPixelDataNode(level.live, len(fragments))
+    for index, fragment in enumerate(fragments if node is not None else ()):
+        if not lib.pgKitSetEncodedPixelData(node, index, len(fragment), fragment):
+            raise MemoryError
+    return node
 
 
 def _remove_all(level: Level, tag: int) -> None:
@@ -69,18 +99,6 @@ def remove_element(level: Level, handle: int, tag: int) -> None:
     level.cut_off_element(handle)
     lib.pgKitRemoveNode(level.live, handle)
     level.changed(tag)
-
-
-def _copy_fragments(element: Any, target: Level) -> None:
-    fragments = parts_of(element._level, element._live)
-    node = lib.pgKitInsertEncodedPixelDataNode(target.live, len(fragments))
-    if node is None:
-        raise MemoryError
-    for index, fragment in enumerate(fragments):
-        if not lib.pgKitSetEncodedPixelData(node, index, len(fragment), fragment):
-            raise MemoryError
-    lib.pgKitSetValueRep(node, element._record[2])
-    target.changed(element._record[1])
 
 
 def detached(item: Item) -> DataSet:
@@ -99,6 +117,42 @@ def detached(item: Item) -> DataSet:
         copy.close()
         raise
     return copy
+
+
+# ---- Pickles ----------------------------------------------------------------------------------------
+
+
+def state_of(data_set: Item) -> List[Any]:
+    """A data set as a flat list: for each item the number of its elements, then tag, VR and value of each
+    of them; the items of its sequences follow, in their order."""
+    # Flat, and without recursion: items may be nested deeper than calls of Python.
+    state: List[Any] = []
+    pending = [data_set]
+    while pending:
+        elements = list(pending.pop())
+        state.append(len(elements))
+        below: List[Item] = []
+        for element in elements:
+            state.append((element._record[1], element._facts()[2], value_of(element)))
+            below += element.items
+        pending += reversed(below)
+    return state
+
+
+def from_state(state: List[Any]) -> DataSet:
+    """What a pickled data set becomes."""
+    from ._data_set import new
+
+    data_set = new()
+    parts: Iterator[Any] = iter(state)
+    pending = [data_set._level]
+    while pending:
+        level = pending.pop()
+        below: List[Level] = []
+        for _ in range(next(parts)):
+            below += insert(level, *next(parts))
+        pending += reversed(below)
+    return data_set
 
 
 def equal_items(one: Item, other: Item) -> bool:

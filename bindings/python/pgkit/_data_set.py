@@ -9,9 +9,11 @@ import tempfile
 import weakref
 from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tuple, Union
 
+from . import _element
+from ._bases import ItemBase
 from ._blocks import SEQUENCE, count_of, records_of, value_in
-from ._copying import copy_elements, detached, equal_items, remove_element
-from ._dictionary import (UNKNOWN_VR, Tag, TagLike, attributes, find_tag, tag_number, tag_of_attribute,
+from ._copying import copy_elements, detached, equal_items, from_state, remove_element, state_of
+from ._dictionary import (UNKNOWN_VR, Tag, TagLike, find_tag, tag_number, tag_of_attribute,
                           value_representation, vr_code, vr_name)
 from ._element import Element, element_of, encoded_for, tag_text
 from ._errors import PgkitError
@@ -20,12 +22,12 @@ from ._library import Report, StrPath, encoded_path, lib
 from ._pixels import frames_of, pixel_array
 from ._reports import OpenReport
 from ._saving import save_to, saved_bytes
-from ._tree import Level, Tree
+from ._tree import Level, Tree, level_of
 
 _builtin_open = open
 
 
-class Item:
+class Item(ItemBase):
     """An item of a sequence, or a whole data set: elements by tag, in the order of the file.
 
     Keys are tags, as ``(0x0010, 0x0010)`` or ``0x00100010``, or names: keywords of today
@@ -33,7 +35,7 @@ class Item:
     stands for is an attribute, too: ``item.PatientName`` is the value, and can be set and deleted.
     """
 
-    __slots__ = ("_level", "__weakref__")
+    __slots__ = ("__weakref__",)
 
     _level: Level
 
@@ -93,23 +95,22 @@ class Item:
 
     # ---- Values as attributes -------------------------------------------------------------------
 
-    def __getattr__(self, name: str) -> Any:
-        tag = attributes.get(name)
+    def _value_of(self, name: str) -> Any:
+        """The value of an attribute, where it takes more than to look at the block."""
+        tag = tag_of_attribute(name)
         if tag is None:
-            tag = tag_of_attribute(name)
-            if tag is None:
-                raise AttributeError(f"{type(self).__name__} has no attribute {name!r}")
+            raise AttributeError(f"{type(self).__name__} has no attribute {name!r}")
         level = self._level
-        values = level.values
-        if tag in values:
-            return values[tag]
         found = level.find(tag)
         if found is None:
             raise AttributeError(f"the data set has no {name}")
-        value = value_in(*found)
+        try:
+            value = value_in(*found)
+        except ValueError:  # the element tells where
+            value = None
         if value is None:
             return element_of(level, *found).value
-        values[tag] = value
+        level.values[name] = value
         return value
 
     def __setattr__(self, name: str, value: Any) -> None:
@@ -134,7 +135,7 @@ class Item:
         """All elements, as they are now."""
         level = self._level
         block = level.block()
-        return iter([element_of(level, block, record) for record in records_of(block)])
+        return iter([Element(level, block, record) for record in records_of(block)])
 
     def __len__(self) -> int:
         return count_of(self._level.block())
@@ -160,7 +161,7 @@ class Item:
         while pending:
             for element in pending[-1]:
                 yield element
-                if element._record[4] == SEQUENCE and element._handle is not None:
+                if element._record[4] == SEQUENCE and element._is_live:
                     pending.append(itertools.chain.from_iterable(element.items))
                     break
             else:
@@ -183,7 +184,7 @@ class Item:
             return self._set_items(tag, found, value)
         if found is not None:
             found._refuse_parts()
-        data = encoded_for(self._level, value, new_vr)
+        data = encoded_for(self._level, tag, value, new_vr)
         if found is None:
             found = self._insert_empty(tag)
         if vr is not None:
@@ -294,22 +295,21 @@ class Item:
 
 
 # Assigning the attribute itself would set an element.
-_set_level: Callable[[Item, Level], None] = vars(Item)["_level"].__set__
+_set_level: Callable[[Item, Level], None] = vars(ItemBase)["_level"].__set__
 
 
 def item_of(parent: Level, handle: int) -> Item:
     """The object that stands for an item of a sequence in a level."""
-    tree = parent.tree
-    reference = tree.levels.get(handle)
-    level = reference() if reference is not None else None
-    if level is None:
-        level = Level(tree, handle, parent)
+    level = level_of(parent, handle)
     known = level.item() if level.item is not None else None
     if known is None:
         known = Item.__new__(Item)
         _set_level(known, level)
         level.item = weakref.ref(known)
     return known
+
+
+_element.item_of = item_of
 
 
 class DataSet(Item):
@@ -319,15 +319,19 @@ class DataSet(Item):
     still in the file, which stays open until then.
     """
 
-    __slots__ = ("_is_built", "_report")
+    __slots__ = ("_report",)
 
-    _is_built: bool
     _report: Optional[Report]
+
+    @property
+    def _is_built(self) -> bool:
+        return self._report is None
 
     # ---- Life -----------------------------------------------------------------------------------
 
     def close(self) -> None:
         """Frees the tree and closes its file. Closing twice is allowed."""
+        self._level.forget()
         self._level.tree.close()
 
     @property
@@ -355,9 +359,7 @@ class DataSet(Item):
         return detached(self)
 
     def __reduce__(self) -> Any:
-        from ._opening import from_pickle
-
-        return from_pickle, (len(self) and self.to_bytes(part10=(0x0002, 0x0010) in self),)
+        return from_state, (state_of(self),)
 
     # ---- Saving ---------------------------------------------------------------------------------
 
@@ -410,7 +412,6 @@ class DataSet(Item):
         return frames_of(self._level)
 
 
-_set_is_built: Callable[[DataSet, bool], None] = vars(DataSet)["_is_built"].__set__
 _set_report: Callable[[DataSet, Optional[Report]], None] = vars(DataSet)["_report"].__set__
 
 # All values of a tree in memory are there.
@@ -426,7 +427,6 @@ def data_set_of(root: int, longest_value: Optional[int], report: Optional[Report
     data_set = DataSet.__new__(DataSet)
     level = Level(Tree(root, longest_value), root, None)
     _set_level(data_set, level)
-    _set_is_built(data_set, report is None)
     _set_report(data_set, report)
     return data_set
 

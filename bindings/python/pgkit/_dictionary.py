@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import ctypes
 import secrets
+import sys
 from typing import Any, Callable, Dict, Optional, Tuple, Union
 
 from ._library import c_text, lib
@@ -17,7 +18,8 @@ UNKNOWN_VR = "??"
 
 # Names that were looked up once; there are no more of them than the dictionary has.
 _tags: Dict[str, int] = {}
-attributes: Dict[str, int] = {}
+# Those that are attributes, with their tags as blocks have them.
+attributes: Dict[str, bytes] = {}
 
 
 def find_tag(key: TagLike) -> Tag:
@@ -61,9 +63,8 @@ def _number_of_name(name: str) -> int:
 
 def tag_of_attribute(name: str) -> Optional[int]:
     """The tag of a keyword or a built-in name as it is written; None for anything else."""
-    known = attributes.get(name)
-    if known is not None:
-        return known
+    if name in attributes:
+        return _tags[name]
     if not name[:1].isalpha():
         return None
     try:
@@ -72,7 +73,7 @@ def tag_of_attribute(name: str) -> Optional[int]:
         return None
     if name not in _tags:  # in another case, or digits
         return None
-    attributes[name] = number
+    attributes[name] = number.to_bytes(4, sys.byteorder)
     return number
 
 

@@ -27,26 +27,37 @@ UNDEFINED_LENGTH = 0xFFFFFFFF
 
 _Moment = TypeVar("_Moment")
 
+_first_of = lib.pgKitGetFirst
+
+# The modules of items and sequences, which need this one, put them here.
+item_of: Callable[[Level, int], Item]
+sequence_of: Callable[[Element], Sequence]
+
 
 class Element:
     """A data element. Its ``value`` can be read and set."""
 
-    __slots__ = ("_level", "_handle", "_block", "_record", "__weakref__")
+    __slots__ = ("_level", "_block", "_record", "_removals", "__weakref__")
 
     def __init__(self, level: Level, block: bytes, record: Record) -> None:
         self._level = level
-        self._handle: Optional[int] = record[0]
         self._block = block
         self._record = record
+        self._removals = level.removals
 
     def __reduce__(self) -> NoReturn:
         raise TypeError("an Element belongs to its data set: it cannot be copied or pickled")
 
     @property
+    def _is_live(self) -> bool:
+        level = self._level
+        return level.is_live and not level.was_removed(self._record[0], self._removals)
+
+    @property
     def _live(self) -> int:
-        if self._handle is None or self._level.tree.root is None:
+        if not self._is_live:
             raise ClosedError("the data set is closed or this part of it was removed")
-        return self._handle
+        return self._record[0]
 
     def _now(self) -> Found:
         """What the library says of the element."""
@@ -114,13 +125,8 @@ class Element:
     @property
     def items(self) -> List[Item]:
         """The items of a sequence, as they are now; none for any other element."""
-        handles = chain(lib.pgKitGetFirst(self._live))
-        return [self._item(handle) for handle in handles]
-
-    def _item(self, handle: int) -> Item:
-        from ._data_set import item_of
-
-        return item_of(self._level, handle)
+        level = self._level
+        return [item_of(level, handle) for handle in chain(_first_of(self._live))]
 
     def append_item(self) -> Item:
         """Adds an empty item to a sequence."""
@@ -131,7 +137,7 @@ class Element:
             raise MemoryError
         lib.pgKitSeqAddTail(self._live, handle)
         self._changed()
-        return self._item(handle)
+        return item_of(self._level, handle)
 
     def remove_item(self, item: Item) -> None:
         """Removes an item of this sequence."""
@@ -201,7 +207,11 @@ class Element:
         if vr in _values.TEXTS and record[4] != SEQUENCE:
             if record[3] == 0:
                 return []
-            return decode_text(self._utf8(block, record).decode("utf-8", "replace"), vr)
+            text = self._utf8(block, record).decode("utf-8", "replace")
+            try:
+                return decode_text(text, vr)
+            except ValueError:
+                raise self._no_number() from None
         return decode_bytes(self.raw, self._level.numeric_vr(vr))
 
     @property
@@ -214,15 +224,21 @@ class Element:
         number raises ValueError: ``text`` has it.
         """
         level, block, record = self._level, self._block, self._record
-        if block is level._block and not level._stale and self._handle is not None:
-            value = value_in(block, record)
-            if value is not None:
-                return value  # type: ignore[no-any-return]
-            if record[4] in (TEXT, BYTES):
-                values = values_in(block, record, level.numeric_vr(vr_name(record[2])))
+        if block is level._block and level._stale is None:  # nothing has changed
+            try:
+                value = value_in(block, record)
+                if value is not None:
+                    return value  # type: ignore[no-any-return]
+                values = (values_in(block, record, level.numeric_vr(vr_name(record[2])))
+                          if record[4] in (TEXT, BYTES) else None)
+            except ValueError:
+                raise self._no_number() from None
+            if values is not None:
                 if len(values) > 1:
                     return MultiValue(self, values)
                 return values[0] if values else None
+            if record[4] == SEQUENCE:
+                return sequence_of(self)  # type: ignore[return-value]
         if self.is_sequence:
             return self.sequence  # type: ignore[return-value]
         values = self.values
@@ -237,19 +253,17 @@ class Element:
             self.sequence.assign(value)
             return
         self._refuse_parts()
-        self._store(self._encoded(value, self.vr))
+        self._store(encoded_for(self._level, self.tag, value, self.vr))
 
     @property
     def sequence(self) -> Sequence:
         """The items as a list that can be changed. TypeError for what is no sequence."""
-        from ._sequence import Sequence
-
         if not self.is_sequence:
             raise TypeError(f"{tag_text(self.tag)} is no sequence")
-        return Sequence(self)
+        return sequence_of(self)
 
-    def _encoded(self, value: Any, vr: str) -> bytes:
-        return encoded_for(self._level, value, vr)
+    def _no_number(self) -> ValueError:
+        return ValueError(f"{tag_text(self.tag)} is not {self.vr}: {self.text!r}")
 
     def _refuse_parts(self) -> None:
         if self.is_encapsulated or lib.pgKitGetFirst(self._live) is not None:
@@ -335,7 +349,7 @@ class Element:
     __hash__ = None  # type: ignore[assignment]
 
     def __repr__(self) -> str:
-        if self._handle is None or self._level.tree.root is None:
+        if not self._is_live:
             return "<Element: closed>"
         from ._printing import value_text
 
@@ -407,10 +421,16 @@ class MultiValue(List[Any]):
         return self
 
 
-def encoded_for(level: Level, value: Any, vr: str) -> bytes:
+def encoded_for(level: Level, tag: Tag, value: Any, vr: str) -> bytes:
     """The bytes of a value for an element of a level."""
-    data = encode(value, level.numeric_vr(vr), vr_code(vr) if vr in _values.TEXTS else 0,
-                  b"" if _is_ascii(value) else level.character_set_text())
+    try:
+        data = encode(value, level.numeric_vr(vr), vr_code(vr) if vr in _values.TEXTS else 0,
+                      b"" if _is_ascii(value) else level.character_set_text())
+    except UnicodeEncodeError as error:
+        raise UnicodeEncodeError(error.encoding, error.object, error.start, error.end,
+                                 f"{tag_text(tag)}: {error.reason}") from None
+    except (TypeError, ValueError) as error:
+        raise type(error)(f"{tag_text(tag)}: {error}") from None
     if len(data) >= UNDEFINED_LENGTH:
         raise ValueError("values are shorter than 4 GiB")
     return data
@@ -421,7 +441,9 @@ def _is_ascii(value: Any) -> bool:
 
 
 def element_of(level: Level, block: bytes, record: Record) -> Element:
-    """The object that stands for an element."""
+    """The object that stands for an element: the same while somebody has it."""
+    if level.elements is None:
+        level.elements = {}
     reference = level.elements.get(record[0])
     if reference is not None:
         known = reference()

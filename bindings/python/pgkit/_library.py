@@ -257,11 +257,16 @@ def library_version() -> str:
     return buffer.value.decode("ascii")
 
 
+_PATH_ENCODING = ("utf-8", "strict") if os.name == "nt" else (
+    sys.getfilesystemencoding(), "surrogateescape")
+
+
 def encoded_path(path: StrPath) -> bytes:
     """A path as the library takes it."""
-    encoding = "utf-8" if os.name == "nt" else sys.getfilesystemencoding()
-    errors = "strict" if os.name == "nt" else "surrogateescape"
-    return c_text(os.fspath(path), encoding, errors)
+    encoded = os.fspath(path).encode(*_PATH_ENCODING)
+    if b"\0" in encoded:
+        raise ValueError("texts for the library must not contain NUL")
+    return encoded
 
 
 def backslashed_path(path: StrPath) -> bytes:

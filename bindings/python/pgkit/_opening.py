@@ -5,15 +5,14 @@ from __future__ import annotations
 import ctypes
 import os
 import warnings
-from typing import Any, BinaryIO, NoReturn, Union
+from typing import Any, BinaryIO, NoReturn, Optional, Union
 
-from ._data_set import IN_MEMORY, DataSet, data_set_of, new
+from ._data_set import IN_MEMORY, DataSet, data_set_of
 from ._errors import PgkitError, TruncatedWarning
 from ._library import Report, StrPath, encoded_path, lib
 from ._reports import REASONS, OpenResult
 
 _LOAD_BELOW = 64
-_FORCE_EXPLICIT_LITTLE_ENDIAN = 0x08 | 0x20
 PAST_PIXEL_DATA = 0x800
 _PREAMBLE = 128
 
@@ -38,9 +37,11 @@ def open(source: Source, *, load_below: int = _LOAD_BELOW, flags: int = 0) -> Da
     for. flags are the library's PgOpenFlags.
     """
     report = Report(_report_size)
+    longest_value: Optional[int] = None
     if isinstance(source, (str, os.PathLike)):
         root = _open_file(encoded_path(source), load_below, flags | PAST_PIXEL_DATA, report)
-        longest_value = None
+        if not report.result:
+            longest_value = report.offset  # all values lie in front of the end
     else:
         data = _bytes_of(source)
         root = lib.pgxOpenMemory(data, len(data), flags | PAST_PIXEL_DATA, report)
@@ -74,13 +75,6 @@ def _raise_for(source: Any, report: Report) -> NoReturn:
         with _builtin_open(source, "rb"):  # says what is wrong with the file itself
             pass
     raise PgkitError(f"{_name_of(source)}: {REASONS.get(result, result.name)}")
-
-
-def from_pickle(data: Any) -> DataSet:
-    """What a pickled data set becomes."""
-    if not data:
-        return new()
-    return open(data, flags=_FORCE_EXPLICIT_LITTLE_ENDIAN)
 
 
 def is_dicom(path: StrPath) -> bool:

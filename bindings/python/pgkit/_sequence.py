@@ -5,6 +5,7 @@ from __future__ import annotations
 from collections.abc import MutableSequence
 from typing import Any, Iterable, List, Union, overload
 
+from . import _element
 from ._copying import copy_elements, detached
 from ._data_set import Item, item_of
 from ._element import Element
@@ -104,6 +105,9 @@ class Sequence(MutableSequence):  # type: ignore[type-arg]
 
     def __repr__(self) -> str:
         return f"<Sequence: {len(self)} items>"
+
+
+_element.sequence_of = Sequence
 
 
 def _check(item: Any) -> None:

@@ -1,9 +1,9 @@
 """The memory of a data set, and what Python knows of its levels.
 
 A level is a data set or an item: the elements that stand beside each other. What the library says of
-a level comes as one block and is kept until something changes it; every object that refers to a
-level or an element is known to its level or tree by address, so that closing the data set, or
-removing a part, cuts the objects off from the memory that is freed: using them raises ClosedError.
+a level comes as one block and is kept until something changes it. Closing the data set, or removing a
+part, cuts objects off from the memory that is freed: using them raises ClosedError. The levels of
+items are known to their tree by address; a level knows which of its elements were removed, and when.
 
 Objects refer to what encloses them, never to what is below: there are no cycles, and a data set that
 nobody refers to closes its file at once.
@@ -13,8 +13,9 @@ from __future__ import annotations
 
 import ctypes
 import weakref
-from typing import Any, Dict, Iterator, Optional, Set, Tuple
+from typing import Any, Dict, Iterator, Optional, Tuple
 
+from ._bases import LevelBase
 from ._blocks import (ABSENT, Record, character_set_of, find, read_level, read_values, records_of,
                       tag_list)
 from ._errors import ClosedError
@@ -26,6 +27,8 @@ _PIXEL_REPRESENTATION = 0x00280103
 # What saving adds to group 0002 is no longer.
 _LONGEST_OF_META = 1024
 
+_next_of = lib.pgKitGetNext
+
 Found = Tuple[bytes, Record]
 
 
@@ -33,32 +36,33 @@ def chain(handle: Optional[int]) -> Iterator[int]:
     """A node and its following siblings."""
     while handle is not None:
         yield handle
-        handle = lib.pgKitGetNext(handle)
+        handle = _next_of(handle)
 
 
 class Tree:
     """A data set's memory, which is freed when it is closed or nobody refers to it."""
 
-    __slots__ = ("root", "levels", "_longest_value", "_close")
+    __slots__ = ("root", "levels", "_longest_value")
 
     def __init__(self, root: int, longest_value: Optional[int]) -> None:
         self.root: Optional[int] = root
+        # Those of items; the root belongs to its data set.
         self.levels: Dict[int, weakref.ref[Level]] = {}
         self._longest_value = longest_value
-        self._close = lib.pgKitCloseDataSet
 
     def close(self) -> None:
         root, self.root = self.root, None
         if root is not None:
             self.forget()
-            self._close(root)
+            lib.pgKitCloseDataSet(root)
 
-    def __del__(self) -> None:
+    # Modules may be gone before the last data set is.
+    def __del__(self, close: Any = lib.pgKitCloseDataSet) -> None:
         if self.root is not None:
-            self._close(self.root)
+            close(self.root)
 
     def forget(self) -> None:
-        """What was read is no longer so."""
+        """What was read of items is no longer so."""
         for reference in list(self.levels.values()):
             level = reference()
             if level is not None:
@@ -70,8 +74,8 @@ class Tree:
         says otherwise is a lie, and not worth its memory."""
         if self._longest_value is None:
             assert self.root is not None
-            self._longest_value = max(_size_of_file(self.root), _LONGEST_OF_META)
-        return self._longest_value
+            self._longest_value = _size_of_file(self.root)
+        return max(self._longest_value, _LONGEST_OF_META)
 
     def note_length(self, length: int) -> None:
         """A value of this length was set."""
@@ -99,25 +103,28 @@ def _size_of_file(root: int) -> int:
     return size
 
 
-class Level:
+class Level(LevelBase):
     """A data set or an item, as the library sees it."""
 
-    __slots__ = ("tree", "handle", "parent", "values", "elements", "item", "_block", "_stale",
-                 "__weakref__")
+    __slots__ = ("tree", "handle", "parent", "elements", "item", "removals", "_removed", "__weakref__")
 
     def __init__(self, tree: Tree, handle: int, parent: Optional[Level]) -> None:
         self.tree = tree
         self.handle: Optional[int] = handle
         self.parent = parent
-        # Decoded values by tag; none that could be changed.
-        self.values: Dict[int, Any] = {}
-        # The objects that stand for elements and for this level, while somebody has them.
-        self.elements: Dict[int, weakref.ref[Any]] = {}
+        self.values = {}
+        # The objects that stand for elements asked for by key, and for this level, while somebody
+        # has them.
+        self.elements: Optional[Dict[int, weakref.ref[Any]]] = None
         self.item: Optional[weakref.ref[Any]] = None
-        self._block: Optional[bytes] = None
-        # Tags whose elements were changed since the block was read.
-        self._stale: Set[int] = set()
-        tree.levels[handle] = weakref.ref(self)
+        # How many elements were removed, and how many had been before each of them, by address:
+        # what is inserted later may have the same.
+        self.removals = 0
+        self._removed: Optional[Dict[int, int]] = None
+        self._block = None
+        self._stale = None
+        if parent is not None:
+            tree.levels[handle] = weakref.ref(self)
 
     @property
     def live(self) -> int:
@@ -133,14 +140,19 @@ class Level:
     def cut_off(self) -> None:
         self.forget()
         self.handle = None
-        for handle in list(self.elements):
-            self.cut_off_element(handle)
 
     def cut_off_element(self, handle: int) -> None:
-        reference = self.elements.pop(handle, None)
-        element = reference() if reference is not None else None
-        if element is not None:
-            element._handle = None
+        if self.elements is not None:
+            self.elements.pop(handle, None)
+        if self._removed is None:
+            self._removed = {}
+        self._removed[handle] = self.removals
+        self.removals += 1
+
+    def was_removed(self, handle: int, removals: int) -> bool:
+        """Whether an element was removed since there had been so many removals."""
+        return (self.removals != removals and self._removed is not None
+                and self._removed.get(handle, -1) >= removals)
 
     # ---- What the library says ------------------------------------------------------------------
 
@@ -148,21 +160,21 @@ class Level:
         """All elements as they are now."""
         block = self._block
         if block is None or self._stale:
-            # From the outside to the inside: items may be nested deeper than calls of Python.
-            missing = []
-            level = self.parent
-            while level is not None and level._block is None:
-                missing.append(level)
-                level = level.parent
-            for level in reversed(missing):
-                level._read()
-            block = self._read()
+            if self.parent is not None and self.parent._block is None:
+                self._read_enclosing()
+            block = self._block = read_level(self.live, self.inherited())
+            self._stale = None
         return block
 
-    def _read(self) -> bytes:
-        self._block = read_level(self.live, self.inherited())
-        self._stale.clear()
-        return self._block
+    def _read_enclosing(self) -> None:
+        # From the outside to the inside: items may be nested deeper than calls of Python.
+        missing = []
+        level = self.parent
+        while level is not None and level._block is None:
+            missing.append(level)
+            level = level.parent
+        for level in reversed(missing):
+            level.block()
 
     def records(self) -> Iterator[Record]:
         return records_of(self.block())
@@ -187,7 +199,7 @@ class Level:
 
     def is_current(self, block: bytes, tag: int) -> bool:
         """Whether what a block says of a tag is still so."""
-        return block is self._block and tag not in self._stale
+        return block is self._block and (self._stale is None or tag not in self._stale)
 
     def character_set(self) -> Optional[int]:
         """The element (0008,0005) that holds for texts here: its own, or an inherited one."""
@@ -224,13 +236,23 @@ class Level:
 
     def forget(self) -> None:
         self._block = None
-        self._stale.clear()
+        self._stale = None
         self.values.clear()
 
     def changed(self, tag: int) -> None:
         """Elements of this tag were set, inserted or removed."""
         if tag in (_SPECIFIC_CHARACTER_SET, _PIXEL_REPRESENTATION):
+            self.forget()
             self.tree.forget()  # items inherit them
-        else:
-            self._stale.add(tag)
-            self.values.clear()
+            return
+        if self._stale is None:
+            self._stale = set()
+        self._stale.add(tag)
+        self.values.clear()
+
+
+def level_of(parent: Level, handle: int) -> Level:
+    """The level of an item of a sequence in a level."""
+    reference = parent.tree.levels.get(handle)
+    known = reference() if reference is not None else None
+    return Level(parent.tree, handle, parent) if known is None else known

@@ -70,8 +70,8 @@ _TEXT_DECODERS.update(IS=_numbers_of(int), DS=_numbers_of(float), PN=_names)
 ONE_VALUE: Dict[str, Any] = {"IS": int, "DS": float, "PN": PersonName}
 # Texts that are the value as they stand, but for blanks in front of some.
 LEADING_BLANKS_COUNT = _LEADING_BLANKS_COUNT
-ONE_NUMBER: Dict[str, Callable[[bytes], Any]] = {
-    vr: struct.Struct("=" + kind).unpack for vr, kind in NUMBERS.items()}
+ONE_NUMBER: Dict[str, Callable[[bytes, int], Any]] = {
+    vr: struct.Struct("=" + kind).unpack_from for vr, kind in NUMBERS.items()}
 NUMBER_SIZES: Dict[str, int] = {vr: struct.calcsize("=" + kind) for vr, kind in NUMBERS.items()}
 
 

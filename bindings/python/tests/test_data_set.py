@@ -367,6 +367,25 @@ class Lifetime(unittest.TestCase):
             self.assertNotIn(tag, data_set)
             self.assertIsNotNone(data_set["PatientsName"].value)
 
+    def test_what_takes_the_place_of_a_removed_element_is_another_one(self):
+        # Its memory is likely to be that of the former one.
+        with pgkit.new() as data_set:
+            former = []
+            for number in range(50):
+                data_set.PatientID = f"{number}"
+                by_key, (by_iteration,) = data_set["PatientID"], list(data_set)
+                self.assertEqual((by_key.value, by_iteration.value), (f"{number}", f"{number}"))
+                del data_set.PatientID
+                former += [by_key, by_iteration]
+            data_set.PatientID = "last"
+            for element in former:
+                for use in (lambda: element.value, lambda: element.tag, lambda: element.raw,
+                            lambda: setattr(element, "value", "X")):
+                    with self.assertRaises(pgkit.ClosedError):
+                        use()
+                self.assertEqual(repr(element), "<Element: closed>")
+            self.assertEqual([element.value for element in data_set], ["last"])
+
     def test_items_of_another_tree_cannot_be_removed(self):
         with pgkit.new() as first, pgkit.new() as second:
             item = first.insert_sequence("ReferencedImageSequence").append_item()

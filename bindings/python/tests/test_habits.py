@@ -304,7 +304,7 @@ class Copies(TemporaryDirectory):
             with pgkit.open(path) as data_set:
                 copies = [copy.copy(data_set), copy.deepcopy(data_set), data_set.copy(),
                           pickle.loads(pickle.dumps(data_set))]
-                for made in copies[:3]:
+                for made in copies:
                     self.assertEqual(made, data_set, path)
                 self.same_but_for_meta(copies[3], data_set)
             copies[0].set("PatientName", "X", vr="PN")
@@ -324,6 +324,17 @@ class Copies(TemporaryDirectory):
             self.assertEqual(pickle.loads(pickle.dumps(data_set)), data_set)
             item = data_set.ReferencedImageSequence[0]
             self.assertEqual(pickle.loads(pickle.dumps(item)), item)
+
+    # A pickle was a file: in implicit VR it had no VR of what no dictionary knows.
+    def test_pickles_keep_every_vr(self):
+        with pgkit.open(MR) as data_set:
+            self.assertEqual(data_set.TransferSyntaxUID, "1.2.840.10008.1.2")
+            data_set.set((0x0099, 0x1001), [1.5, -2.0], vr="FD")
+            with pickle.loads(pickle.dumps(data_set)) as found:
+                self.assertEqual((found[0x0099, 0x1001].vr, found[0x0099, 0x1001].value), ("FD", [1.5, -2.0]))
+                self.assertEqual(found["PixelData"].vr, data_set["PixelData"].vr)
+                found.PatientID = "7"
+                self.assertNotEqual(found, data_set)
 
     def test_a_built_data_set_is_saved_in_the_transfer_syntax_it_names(self):
         for syntax in ("1.2.840.10008.1.2", "1.2.840.10008.1.2.1", "1.2.840.10008.1.2.2"):
@@ -383,6 +394,77 @@ class Sources(TemporaryDirectory):
         self.assertFalse(pgkit.is_dicom(__file__))
         with self.assertRaises(FileNotFoundError):
             pgkit.is_dicom(self.directory / "missing")
+
+
+class Errors(TemporaryDirectory):
+    def assert_told(self, kind, call, *parts):
+        with self.assertRaises(kind) as caught:
+            call()
+        for part in parts:
+            self.assertIn(part, str(caught.exception))
+
+    def test_say_what_and_where(self):
+        text = self.directory / "notes.txt"
+        text.write_text("Dear colleague, this is no image. " * 20)
+        self.assert_told(pgkit.PgkitError, lambda: pgkit.open(text), str(text), "not a DICOM data set")
+        self.assert_told(pgkit.PgkitError, lambda: pgkit.read_values(text, ["Rows"]), str(text),
+                         "not a DICOM data set")
+        missing = self.directory / "missing.dcm"
+        self.assert_told(FileNotFoundError, lambda: pgkit.open(missing), str(missing))
+        self.assert_told(pgkit.PgkitError, lambda: pgkit.open(b"x" * 500), "the bytes")
+        with pgkit.new() as data_set:
+            data_set.NumberOfFrames = b"1A"
+            self.assert_told(ValueError, lambda: data_set.NumberOfFrames, "(0028,0008)", "IS", "1A")
+            self.assert_told(ValueError, lambda: data_set["NumberOfFrames"].values, "(0028,0008)", "IS", "1A")
+            self.assertEqual(data_set["NumberOfFrames"].text, "1A")
+        with pgkit.open(MR) as data_set:
+            nowhere = self.directory / "no/such/folder"
+            self.assert_told(pgkit.SaveError, lambda: data_set.save(nowhere), str(nowhere))
+            self.assert_told(KeyError, lambda: data_set["PatientComments"], "PatientComments")
+            self.assert_told(AttributeError, lambda: data_set.PatientComments, "PatientComments")
+            self.assert_told(AttributeError, lambda: setattr(data_set, "PatientNames", "X"), "PatientNames")
+            self.assert_told(ValueError, lambda: data_set.set((0x0099, 0x1001), 1), "(0099,1001)", "vr")
+            self.assert_told(ValueError, lambda: data_set.set("Rows", 70000), "(0028,0010)", "US", "70000")
+            self.assert_told(TypeError, lambda: data_set.set("Modality", 5), "(0008,0060)", "CS", "int")
+            self.assert_told(TypeError, lambda: data_set["Rows"].date, "(0028,0010)", "US", "DA")
+            self.assert_told(TypeError, lambda: data_set["Rows"].append_item(), "(0028,0010)")
+            self.assert_told(UnicodeEncodeError, lambda: data_set.set("PatientName", "山"),
+                             "(0010,0010)", "u5c71")
+            self.assert_told(pgkit.PgkitError, lambda: next(data_set.frames()), "encapsulated")
+        self.assert_told(pgkit.ClosedError, lambda: data_set.Rows, "closed")
+        with pgkit.open(self.jpeg()) as data_set:
+            self.assert_told(pgkit.PgkitError, lambda: data_set.pixel_array, data_set.TransferSyntaxUID,
+                             "frames()")
+
+    @staticmethod
+    def jpeg():
+        """A sample whose pixels are in JPEG."""
+        for path in sorted((DATA / "encapsulated").iterdir()):
+            with pgkit.open(path) as data_set:
+                syntax = data_set.get("TransferSyntaxUID", "")
+                if syntax.startswith("1.2.840.10008.1.2.4") and "Rows" in data_set:
+                    return path
+        raise AssertionError("there is no sample in JPEG")
+
+
+class DiscToDisc(TemporaryDirectory):
+    def test_pixels_of_a_file_arrive_as_they_were(self):
+        compared = 0
+        for path in [MR, *sorted((DATA / "encapsulated").iterdir())]:
+            with pgkit.open(path) as data_set:
+                if "PixelData" not in data_set:
+                    continue
+                data_set.PatientComments = "new"
+                with self.saved(data_set) as found:
+                    self.assertEqual(found.PatientComments, "new")
+            data, saved = path.read_bytes(), (self.directory / "saved.dcm").read_bytes()
+            # The header has a VR in explicit VR; what follows it is the same to the end.
+            at = data.rindex(b"\xe0\x7f\x10\x00")
+            pixels = data[at + (12 if data[at + 4 : at + 6] in (b"OB", b"OW") else 8) :]
+            with self.subTest(path=path.name):
+                self.assertIn(pixels[: 1 << 20], saved)
+                compared += 1
+        self.assertGreater(compared, 2)
 
 
 class Json(unittest.TestCase):
@@ -453,6 +535,7 @@ class Deep(unittest.TestCase):
                 + b"\x08\0\x05\0CS\x0a\0ISO_IR 144" + sequence * depth
                 + b"\x10\0\x10\0PN\x02\0\xbb\xee" + end * depth)
         with pgkit.open(data) as data_set, data_set.copy() as copied:
+            self.assertEqual(pickle.loads(pickle.dumps(data_set)), data_set)
             self.assertEqual(sum(1 for _ in data_set.walk()), depth + 3)
             self.assertEqual(copied, data_set)
             *_, last = copied.walk()
