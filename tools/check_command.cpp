@@ -8,8 +8,9 @@
 #include "library_path.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/patient_list.h"
-#include "pgkit/profiles.h"
+#include "profile_names.h"
 #include "standard_streams.h"
+#include "utf8_text.h"
 
 namespace pgtool {
 
@@ -39,15 +40,14 @@ class JudgedFiles {
 };
 
 int Check(const Arguments& files, const std::string& profile) {
-    if (!profile.empty() && pgxIsProfile(profile.c_str()) == 0) {
-        return Misuse(kCheckCommand, "unknown profile: " + profile);
-    }
+    const std::string complaint = ComplaintAboutProfile(profile);
+    if (!complaint.empty()) return Misuse(kCheckCommand, complaint);
 
     JudgedFiles judged(profile);
     int status = kDone;
     for (const std::string& file : files) {
         const uint32_t code = judged.Add(file);
-        std::printf("%s: %s\n", file.c_str(), DescribeAcceptance(code).c_str());
+        std::printf("%s: %s\n", WithEscapes(file).c_str(), DescribeAcceptance(code).c_str());
         if (code != PG_ACCEPTED) status = kFailed;
     }
     return status;

@@ -141,6 +141,11 @@ std::string CannotOpen(const std::string& path) {
     return "cannot open " + path + ": " + ReasonOf(error, path);
 }
 
+std::string BytesOf(const pgkit::element& element) {
+    const std::vector<uint8_t> bytes = element.bytes();
+    return std::string(bytes.begin(), bytes.end());
+}
+
 std::string SaveWhole(pgkit::data_set root, const std::string& path, uint32_t mode) {
     if (!MakeLongValuesUn(*root.node())) return "a long value cannot be read";
     return path == "-" ? SaveToStandardOutput(std::move(root), mode)

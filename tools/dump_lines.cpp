@@ -249,7 +249,7 @@ class Printer {
         }
         char name[128];
         element.node()->GetTagName(name);
-        return WithEscapes(ToUtf8(name, ""));
+        return WithEscapes(AnyToUtf8(name));
     }
 
     const DumpStyle& style_;

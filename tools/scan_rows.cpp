@@ -21,11 +21,6 @@ bool IsHalfTag(const std::string& text) {
     return text.size() == 4 && text.find_first_not_of("0123456789abcdefABCDEF") == text.npos;
 }
 
-std::string BytesOf(const pgkit::element& element) {
-    const std::vector<uint8_t> bytes = element.bytes();
-    return std::string(bytes.begin(), bytes.end());
-}
-
 // Texts whose value representation got lost on the way.
 bool IsPrintable(const pgkit::element& element) {
     if (element.length() > kLoadedOnScan) return false;
@@ -86,11 +81,11 @@ class JsonLinesPrinter : public RowPrinter {
             JsonWriter json(stdout);
             json.BeginObject();
             json.Key("path");
-            json.Text(ToUtf8(row.path, "ISO_IR 192"));
+            json.Text(WellFormedUtf8(row.path));
             for (size_t i = 0; i < columns_.size(); ++i) {
                 if (!row.isThere[i]) continue;
                 json.Key(columns_[i].name);
-                json.Text(ToUtf8(row.values[i], "ISO_IR 192"));
+                json.Text(WellFormedUtf8(row.values[i]));
             }
             json.EndObject();
         }

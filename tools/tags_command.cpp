@@ -9,6 +9,7 @@
 #include "suggestion.h"
 #include "tag.h"
 #include "text_options.h"
+#include "words.h"
 
 namespace pgtool {
 
@@ -40,19 +41,14 @@ bool PrintTag(pgkit::tag tag, bool withKeyword) {
     return true;
 }
 
-std::string Lower(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return text;
-}
-
 // All elements with a text in one of their names.
 bool PrintMatches(const std::string& text, bool isCurrent) {
-    const std::string part = Lower(text);
+    const std::string part = LowerAscii(text);
     bool isFound = false;
     for (const pgkit::tag tag : KnownTags()) {
-        const bool matches = Lower(BuiltInName(tag)).find(part) != std::string::npos ||
-                             (isCurrent && Lower(tag.keyword()).find(part) != std::string::npos);
+        const bool matches =
+            LowerAscii(BuiltInName(tag)).find(part) != std::string::npos ||
+            (isCurrent && LowerAscii(tag.keyword()).find(part) != std::string::npos);
         if (matches && PrintTag(tag, isCurrent)) isFound = true;
     }
     return isFound;

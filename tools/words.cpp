@@ -10,6 +10,13 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
     return parts;
 }
 
+std::string LowerAscii(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return lower;
+}
+
 std::string Joined(const std::vector<std::string>& words, std::string_view separator) {
     std::string text;
     for (size_t i = 0; i < words.size(); ++i) {

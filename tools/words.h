@@ -1,4 +1,4 @@
-// Lists in texts.
+// Lists in texts, and letters.
 #pragma once
 
 #include <string>
@@ -10,6 +10,9 @@ namespace pgtool {
 // The parts between the separators, parts of the text themselves: one more than there are
 // separators.
 std::vector<std::string_view> Split(std::string_view text, char separator);
+
+// With a to z for A to Z.
+std::string LowerAscii(std::string_view text);
 
 std::string Joined(const std::vector<std::string>& words, std::string_view separator);
 

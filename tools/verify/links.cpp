@@ -1,0 +1,172 @@
+#include "verify/links.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace pgtool {
+
+namespace {
+
+constexpr pgkit::tag kFirstRecord = {0x0004, 0x1200};
+constexpr pgkit::tag kLastRecord = {0x0004, 0x1202};
+constexpr pgkit::tag kNextRecord = {0x0004, 0x1400};
+constexpr pgkit::tag kLowerRecord = {0x0004, 0x1420};
+constexpr pgkit::tag kSharedRecord = {0x0004, 0x1504};  // retired: of a file that several refer to
+constexpr pgkit::tag kInUseFlag = {0x0004, 0x1410};
+
+// In the order in which they are followed: what is below a record belongs to it.
+constexpr std::array<pgkit::tag, 3> kLinks = {kLowerRecord, kNextRecord, kSharedRecord};
+
+// Where a link stands: in a record, by its index, or in the head of the directory.
+struct Source {
+    size_t record = kNoRecord;
+    pgkit::tag tag;
+};
+
+class LinkWalk {
+  public:
+    LinkWalk(Directory& directory, Findings& findings)
+        : directory_(directory), findings_(findings), isOpen_(directory.Records().size()) {}
+
+    void Run() {
+        const std::optional<size_t> first =
+            Target({kNoRecord, kFirstRecord}, OffsetIn(kFirstRecord));
+        if (first) Walk(*first);
+        CheckLast(first);
+        for (size_t i = 0; i < directory_.Records().size(); ++i) {
+            const DirectoryRecord& record = directory_.Records()[i];
+            if (!record.isReached && record.isInUse) {
+                Note({i, {}}, FindingKind::Unreached, "no link leads to it");
+            }
+            CheckFlag(i);
+        }
+    }
+
+  private:
+    // A record whose links are followed one after the other. It is open until all behind it is
+    // done: whatever leads to an open record closes a circle.
+    struct Visit {
+        size_t record;
+        size_t nextLink;
+    };
+
+    void Walk(size_t first) {
+        std::vector<Visit> visits;
+        Enter(visits, first, kNoRecord);
+        while (!visits.empty()) {
+            Visit& visit = visits.back();
+            if (visit.nextLink == kLinks.size()) {
+                isOpen_[visit.record] = false;
+                visits.pop_back();
+                continue;
+            }
+            const pgkit::tag link = kLinks[visit.nextLink++];
+            const size_t record = visit.record;
+            const std::optional<size_t> target = Target({record, link}, OffsetIn(record, link));
+            if (!target) continue;
+            const bool isBelow = link == kLowerRecord;
+            Enter(visits, *target, isBelow ? record : directory_.Records()[record].parent);
+        }
+    }
+
+    void Enter(std::vector<Visit>& visits, size_t record, size_t parent) {
+        directory_.Records()[record].isReached = true;
+        directory_.Records()[record].parent = parent;
+        isOpen_[record] = true;
+        visits.push_back({record, 0});
+    }
+
+    uint32_t OffsetIn(pgkit::tag tag) const {
+        return directory_.Root().find(tag).number<uint32_t>().value_or(0);
+    }
+    uint32_t OffsetIn(size_t record, pgkit::tag tag) const {
+        const pgkit::element element = directory_.Records()[record].item.find(tag);
+        return element.number<uint32_t>().value_or(0);
+    }
+
+    // The record that a link leads to, when it is one that nothing has led to before.
+    std::optional<size_t> Target(const Source& source, uint32_t offset) {
+        if (offset == 0) return std::nullopt;
+        const size_t target = directory_.FindOffset(offset);
+        if (target == kNoRecord) {
+            Note(source, FindingKind::Link,
+                 NameOf(source.tag) + " is " + std::to_string(offset) + Where(offset));
+            return std::nullopt;
+        }
+        if (!directory_.Records()[target].isReached) return target;
+        // Records of files that several refer to are there to be shared.
+        if (source.tag == kSharedRecord) return std::nullopt;
+        const std::string leads =
+            NameOf(source.tag) + " leads to record " + std::to_string(target + 1);
+        if (isOpen_[target]) {
+            Note(source, FindingKind::Circle, leads + ", from which it comes");
+        } else {
+            Note(source, FindingKind::SharedRecord, leads + ", to which another one leads, too");
+        }
+        return std::nullopt;
+    }
+
+    std::string Where(uint32_t offset) const {
+        const auto& records = directory_.Records();
+        const uint64_t last = records.empty() ? 0 : records.back().offset;
+        return offset > last ? ", behind the last record" : ", where no record begins";
+    }
+
+    // The last record of the root, unless its chain breaks off.
+    std::optional<size_t> LastOfRoot(std::optional<size_t> record) const {
+        size_t left = directory_.Records().size();
+        while (record && left-- > 0) {
+            const uint32_t offset = OffsetIn(*record, kNextRecord);
+            if (offset == 0) return record;
+            const size_t next = directory_.FindOffset(offset);
+            if (next == kNoRecord) return std::nullopt;
+            record = next;
+        }
+        return std::nullopt;
+    }
+
+    void CheckLast(const std::optional<size_t>& first) {
+        const uint32_t offset = OffsetIn(kLastRecord);
+        const Source source = {kNoRecord, kLastRecord};
+        const std::string name = NameOf(kLastRecord);
+        const size_t target = directory_.FindOffset(offset);
+        if (offset != 0 && target == kNoRecord) {
+            Note(source, FindingKind::Link, name + " is " + std::to_string(offset) + Where(offset));
+            return;
+        }
+        const std::optional<size_t> last = LastOfRoot(first);
+        if (!last || target == *last) return;
+        const std::string leads =
+            offset == 0 ? " leads nowhere" : " leads to record " + std::to_string(target + 1);
+        Note(
+            source, FindingKind::LastRecord,
+            name + leads + ", but the last one of the root is record " + std::to_string(*last + 1));
+    }
+
+    // Missing flags are found with the other keys.
+    void CheckFlag(size_t record) {
+        const auto flag = directory_.Records()[record].item.find(kInUseFlag).number<uint32_t>();
+        if (!flag || *flag == 0 || *flag == 0xFFFF) return;
+        Note({record, kInUseFlag}, FindingKind::InUseFlag,
+             NameOf(kInUseFlag) + " is " + std::to_string(*flag) + ", neither 0 nor 65535");
+    }
+
+    void Note(const Source& source, FindingKind kind, std::string message) {
+        findings_.Add(source.record == kNoRecord
+                          ? AboutDirectory(kind, std::move(message))
+                          : directory_.About(source.record, kind, std::move(message)));
+    }
+
+    Directory& directory_;
+    Findings& findings_;
+    std::vector<bool> isOpen_;
+};
+
+}  // namespace
+
+void CheckLinks(Directory& directory, Findings& findings) { LinkWalk(directory, findings).Run(); }
+
+}  // namespace pgtool
