@@ -76,7 +76,7 @@ int Print(PGX_List& patients, Medium& medium, const BrowseRequest& request) {
     if (request.json) {
         PrintJson(patients, medium);
     } else if (request.files) {
-        PrintFiles(patients, medium, request.texts.raw,
+        PrintFiles(patients, medium, request.texts,
                    [&](const std::string& reason) { status = Fail(kBrowseCommand, reason); });
     } else {
         PrintTree(patients, medium, request.texts.raw);
@@ -85,12 +85,10 @@ int Print(PGX_List& patients, Medium& medium, const BrowseRequest& request) {
 }
 
 int Browse(const BrowseRequest& request) {
-    std::string complaint = UseTextOptions(request.texts);
+    std::string complaint =
+        request.json ? UseTextOptionsForJson(request.texts) : UseTextOptions(request.texts);
     if (complaint.empty() && request.json && request.files)
         complaint = "--json or --files, not both";
-    if (complaint.empty() && request.json && request.texts.raw) {
-        complaint = "--json prints UTF-8: no --raw";
-    }
     if (!complaint.empty()) return Misuse(kBrowseCommand, complaint);
 
     const std::string path = DirectoryFileOf(request.paths[0]);

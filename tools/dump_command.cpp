@@ -9,6 +9,7 @@
 #include "json_output.h"
 #include "pgkit/json.h"
 #include "places.h"
+#include "private_elements.h"
 #include "text_options.h"
 #include "utf8_text.h"
 
@@ -62,6 +63,7 @@ int Dump(DumpRequest& request) {
         complaint = "--json prints whole data sets in UTF-8: neither -t nor --raw";
     }
     if (!complaint.empty()) return Misuse(kDumpCommand, complaint);
+    UsePrivateElements(request.texts);
     if (request.json) {
         return PrintJsonOf(kDumpCommand, request.inputs, PGX_JSON_ALL_INLINE, stdout);
     }

@@ -20,13 +20,13 @@ void ForEachLeaf(PGX_List& patients, Use use) {
 
 }  // namespace
 
-void PrintFiles(PGX_List& patients, Medium& medium, bool raw,
+void PrintFiles(PGX_List& patients, Medium& medium, const TextOptions& texts,
                 const std::function<void(const std::string&)>& complain) {
     ForEachLeaf(patients, [&](PGX_DicomDirLeafNode& leaf) {
         const FileOfLeaf file = FileOf(leaf, medium);
         const std::string fileId = AnyToUtf8(leaf.referencedFileId);
         if (file.state == LeafFile::Present) {
-            std::printf("%s\n", (raw ? file.path : WithEscapes(file.path)).c_str());
+            std::printf("%s\n", Shown(file.path, texts).c_str());
         } else if (file.state == LeafFile::Missing) {
             complain("missing: " + fileId);
         } else if (file.state == LeafFile::Outside) {

@@ -7,6 +7,7 @@
 
 #include "medium.h"
 #include "pgkit/pgkit.h"
+#include "text_options.h"
 
 namespace pgtool {
 
@@ -42,7 +43,7 @@ const char* NameOfType(const PGX_DicomDirLeafNode& leaf);
 void PrintTree(PGX_List& patients, Medium& medium, bool raw);
 void PrintJson(PGX_List& patients, Medium& medium);
 // The paths of the files that are there. Calls complain for each one that is not.
-void PrintFiles(PGX_List& patients, Medium& medium, bool raw,
+void PrintFiles(PGX_List& patients, Medium& medium, const TextOptions& texts,
                 const std::function<void(const std::string&)>& complain);
 
 template <typename Object, typename Use>

@@ -51,17 +51,28 @@ def named_libraries(name):
     return [library] + ([companion] if companion.is_file() else [])
 
 
+def copy_private_elements(library, package):
+    """The list of private elements, from the sources or from where the library lies."""
+    for folder in (BROUGHT_ALONG / "data", HERE.parent.parent / "data", library.parent,
+                   library.parent.parent / "share/pgkit", library.parent.parent.parent / "share/pgkit"):
+        if (folder / "private.dic").is_file():
+            shutil.copyfile(folder / "private.dic", package / "private.dic")
+            return
+    print("pgkit: there is no private.dic: the wheel will know no private elements", file=sys.stderr)
+
+
 class BuildWithLibraries(build_py):
     def run(self):
         super().run()
         named = os.environ.get("PGKIT_LIBRARY")
         folder = pathlib.Path(self.get_finalized_command("build").build_temp).resolve() / "native"
         package = pathlib.Path(self.build_lib) / "pgkit"
-        for file, name in zip(named_libraries(named) if named else built_libraries(folder),
-                              (LIBRARY, COMPANION)):
+        libraries = named_libraries(named) if named else built_libraries(folder)
+        for file, name in zip(libraries, (LIBRARY, COMPANION)):
             shutil.copyfile(file, package / name)
             if not WINDOWS and shutil.which("strip"):
                 subprocess.run(["strip", "--strip-unneeded", str(package / name)], check=True)
+        copy_private_elements(libraries[0], package)
 
 
 class SourcesWithLibrary(sdist):

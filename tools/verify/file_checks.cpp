@@ -115,11 +115,12 @@ class FileChecks {
     void CheckClaims(const pgkit::data_set& opened, const std::string& file) {
         // A directory file has its UIDs in the File Meta Information only.
         const bool isDirectory = IsDirectoryFile(opened);
-        Claim(opened, kFileClass, isDirectory ? kMediaStorageClass : kSopClass,
+        const pgkit::item& record = About().item;
+        Claim(opened, isDirectory ? kMediaStorageClass : kSopClass, record.find(kFileClass),
               FindingKind::SopClass, file);
-        Claim(opened, kFileInstance, isDirectory ? kMediaStorageInstance : kSopInstance,
-              FindingKind::SopInstance, file);
-        Claim(opened, kFileSyntax, kTransferSyntax, FindingKind::TransferSyntax, file);
+        Claim(opened, isDirectory ? kMediaStorageInstance : kSopInstance,
+              record.find(kFileInstance), FindingKind::SopInstance, file);
+        Claim(opened, kTransferSyntax, record.find(kFileSyntax), FindingKind::TransferSyntax, file);
         if (isDirectory) return;
         // The File Meta Information is what importers believe first.
         Compare(opened, kMediaStorageClass, opened.find(kSopClass), FindingKind::SopClass, file);
@@ -128,10 +129,10 @@ class FileChecks {
         CheckAncestors(opened, file);
     }
 
-    void Claim(const pgkit::data_set& opened, pgkit::tag inRecord, pgkit::tag inFile,
+    // What a record lacks has been found there.
+    void Claim(const pgkit::data_set& opened, pgkit::tag tag, const pgkit::element& claimed,
                FindingKind kind, const std::string& file) {
-        const pgkit::element claimed = About().item.find(inRecord);
-        if (!TextOfKey(claimed).empty()) Compare(opened, inFile, claimed, kind, file);
+        if (!TextOfKey(claimed).empty()) Compare(opened, tag, claimed, kind, file);
     }
 
     void CheckAncestors(const pgkit::data_set& opened, const std::string& file) {
@@ -139,13 +140,11 @@ class FileChecks {
         for (size_t above = About().parent; above != kNoRecord && steps < kLevels; ++steps) {
             const DirectoryRecord& record = directory_.Records()[above];
             if (record.type == kSeriesRecord) {
-                Compare(opened, kSeriesUid, record.item.find(kSeriesUid), FindingKind::Series,
-                        file);
+                Claim(opened, kSeriesUid, record.item.find(kSeriesUid), FindingKind::Series, file);
             } else if (record.type == kStudyRecord) {
-                Compare(opened, kStudyUid, StudyUidOf(record), FindingKind::Study, file);
+                Claim(opened, kStudyUid, StudyUidOf(record), FindingKind::Study, file);
             } else if (record.type == kPatientRecord) {
-                Compare(opened, kPatientId, record.item.find(kPatientId), FindingKind::Patient,
-                        file);
+                Claim(opened, kPatientId, record.item.find(kPatientId), FindingKind::Patient, file);
             }
             above = record.parent;
         }

@@ -137,6 +137,8 @@ class LinkWalk {
             Note(source, FindingKind::Link, name + " is " + std::to_string(offset) + Where(offset));
             return;
         }
+        // Many writers mean the last record of all, and nobody is misled by that.
+        if (target + 1 == directory_.Records().size()) return;
         const std::optional<size_t> last = LastOfRoot(first);
         if (!last || target == *last) return;
         const std::string leads =

@@ -43,12 +43,10 @@ void SumUp(const Verification& result) {
                  count == 0 ? "no findings" : Count(count, "finding", "findings").c_str());
 }
 
-void PrintLines(const Findings& findings, bool raw) {
+void PrintLines(const Findings& findings, const TextOptions& texts) {
     const std::vector<Finding> sorted = findings.Sorted();
-    for (const Finding& finding : sorted) {
-        const std::string line = LineOf(finding);
-        std::printf("%s\n", (raw ? line : WithEscapes(line)).c_str());
-    }
+    for (const Finding& finding : sorted)
+        std::printf("%s\n", Shown(LineOf(finding), texts).c_str());
     if (sorted.size() < findings.Count()) {
         std::printf("and %zu more\n", findings.Count() - sorted.size());
     }
@@ -141,10 +139,8 @@ Repaired RepairMedium(const VerifyRequest& request, const Verification& before) 
 }
 
 int RunVerify(VerifyRequest& request) {
-    std::string complaint = UseTextOptions(request.texts);
-    if (complaint.empty() && request.json && request.texts.raw) {
-        complaint = "--json prints UTF-8: no --raw";
-    }
+    std::string complaint =
+        request.json ? UseTextOptionsForJson(request.texts) : UseTextOptions(request.texts);
     if (complaint.empty()) complaint = ComplaintAboutProfile(request.options.profile);
     if (!complaint.empty()) return Misuse(kVerifyCommand, complaint);
 
@@ -153,7 +149,7 @@ int RunVerify(VerifyRequest& request) {
     const std::string reason = Verify(request.operands[0], request.options, before);
     if (!reason.empty()) return Fail(kVerifyCommand, reason);
     const bool isSound = before.findings.IsEmpty();
-    if (!request.json) PrintLines(before.findings, request.texts.raw);
+    if (!request.json) PrintLines(before.findings, request.texts);
     SumUp(before);
     Repaired repaired;
     if (request.repair && !isSound) repaired = RepairMedium(request, before);
@@ -162,7 +158,7 @@ int RunVerify(VerifyRequest& request) {
 
     if (!request.json) {
         repaired.summary.Print();
-        if (repaired.failure.empty()) PrintLines(repaired.after.findings, request.texts.raw);
+        if (repaired.failure.empty()) PrintLines(repaired.after.findings, request.texts);
     }
     if (!repaired.failure.empty()) return Fail(kVerifyCommand, repaired.failure);
     std::fputs("pgtool verify: a new DICOMDIR is in place\n", stderr);
