@@ -449,7 +449,9 @@ TEST_F(PgtoolVerify, ProfilesAreKept) {
 TEST_F(PgtoolVerify, FilesWithoutARecordAreFound) {
     files_.Write("M/OTHER", Image(3).Data());
     files_.Write("M/TEXT", "this is no DICOM file");
-    files_.Write("M/IMG/DICOMDIR", directory_.Build());  // of another medium, which was copied
+    Bytes other = directory_.Build();  // of another medium, which was copied, but not to its end
+    other.resize(other.size() - 30);
+    files_.Write("M/IMG/DICOMDIR", other);
     EXPECT_EQ(Found(), "OTHER: no record refers to it\n");
 }
 

@@ -37,6 +37,16 @@ bool IsUsed(const MediumFiles& files, const std::string& folder) {
     });
 }
 
+// Also one that is cut short.
+bool IsOtherDirectory(const MediumFiles& files, const std::string& file) {
+    // The library would take the backslash for a separator, and read another file.
+    if (file.find('\\') != std::string::npos) return false;
+    std::string damage;
+    const OpenRequest request = {kLoadedOfFile, PG_OPEN_SKIP_FRAGMENTS, false, &damage};
+    const auto opened = Open(files.PathOf(file), request);
+    return opened && IsDirectoryFile(*opened);
+}
+
 }  // namespace
 
 Companions::Companions(const std::vector<std::string>& all, const MediumFiles& files)
@@ -67,12 +77,8 @@ void CheckOtherFiles(const std::vector<std::string>& all, const MediumFiles& fil
     const Companions companions(all, files);
     for (const std::string& file : all) {
         if (files.used.contains(file) || companions.Contains(file)) continue;
-        const std::string path = files.PathOf(file);
-        if (!IsDicomFile(path)) continue;
-        if (file.find('\\') == std::string::npos) {
-            const auto opened = Open(path, {kLoadedOfFile, PG_OPEN_SKIP_FRAGMENTS});
-            if (opened && IsDirectoryFile(*opened)) continue;
-        }
+        if (!IsDicomFile(files.PathOf(file))) continue;
+        if (IsOtherDirectory(files, file)) continue;
         findings.Add(AboutFile(file, FindingKind::Orphan, "no record refers to it"));
     }
 }
