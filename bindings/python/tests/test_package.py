@@ -42,6 +42,7 @@ class Wheel(TemporaryDirectory):
                               capture_output=True, text=True, check=True).stdout.split()
         self.assertEqual(pathlib.Path(told[0]).parent, root / "pgkit")
         self.assertEqual(told[1], "64")
+        self.assertGreater((root / "pgkit/private.dic").stat().st_size, 500000)
 
     def pip(self, *arguments):
         subprocess.run([sys.executable, "-m", "pip", "--quiet", "--disable-pip-version-check",

@@ -1,0 +1,13 @@
+// The links between the records of a DICOMDIR that is written again.
+#pragma once
+
+#include "pgkit/data_set.hpp"
+
+namespace pgtool {
+
+// Links are positions in the file. Ties those of a DICOMDIR that was read to the records that they
+// lead to, so that a save writes the new positions. Other data sets, and links that lead to no
+// record, are left as they are.
+void TieDirectoryLinks(const pgkit::data_set& root);
+
+}  // namespace pgtool
