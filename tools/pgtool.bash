@@ -35,7 +35,7 @@ _pgtool() {
                 from-json) words='--help --output --bulk-dir --edition --utf8 --raw' ;;
                 browse) words='--help --json --files --edition --utf8 --raw' ;;
                 mkdir) words='--help --profile --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
-                check) words='--help --profile' ;;
+                check) words='--help --recursive --files-from --profile' ;;
                 verify) words='--help --profile --json --repair --edition --utf8 --raw' ;;
                 tags) words='--help --find --edition --utf8 --raw' ;;
                 uid) words='--help --edition --utf8 --raw' ;;

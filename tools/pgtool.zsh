@@ -182,6 +182,9 @@ case $words[1] in
     ;;
   check)
     _arguments \
+      '*-r[work on the files in directories, too]' \
+      '*--recursive[work on the files in directories, too]' \
+      '*--files-from[work on the files that a file names, one on each line; - is the standard input]:LIST:_files' \
       '*--profile[the media application profile, such as STD-GEN-CD; without one every DICOM file with the identifiers of a DICOMDIR is accepted]:NAME:_files' \
       '--help[explain the command]' \
       '*:file:_files'

@@ -122,6 +122,30 @@ def check_colours(tool, arguments, environment, wanted):
     return complaint_about(done, 0)
 
 
+def check_closed_medium(tool, user):
+    """A file of a medium that may not be read is a finding; a folder that may not be written to keeps
+    its DICOMDIR."""
+    options = {"user": NOBODY, "group": NOBODY} if user else {}
+    with workplace() as place:
+        medium = place / "medium"
+        medium.mkdir()
+        shutil.copyfile(IMAGE, medium / "A")
+        run(tool, place, ["mkdir", "medium", "--no-list"])
+        former = (medium / "DICOMDIR").read_bytes()
+        (medium / "A").chmod(0o000)
+        done = run(tool, place, ["verify", "medium"], **options)
+        (medium / "A").chmod(0o644)
+        if b"A cannot be read\n" not in done.stdout:
+            return f"printed {done.stdout}"
+        shutil.copyfile(IMAGE, medium / "lowercase")
+        medium.chmod(0o555)
+        done = run(tool, place, ["verify", "medium", "--repair"], **options)
+        medium.chmod(0o755)
+        if (medium / "DICOMDIR").read_bytes() != former:
+            return "the DICOMDIR is another"
+        return complaint_about(done, 1, ["DICOMDIR: the file cannot be created"])
+
+
 def check_no_permission(tool, arguments, closed, user):
     """A file that may not be read, or a folder that may not be written to."""
     with workplace() as place:
@@ -146,15 +170,15 @@ def checks_of_inputs(tool):
         yield "bad", name, check, (tool, [name, "bad", *rest], status, both)
         inner = ["OUT/good"] if out else []
         yield "mixed", name, check, (tool, [name, "bad", "good", *rest], status, both, inner)
-        if name == "check":
-            continue
         yield "missing", name, check, (tool, [name, "no", "good", *rest], 1,
                                        ["cannot open no: no such file"], inner)
         below = ["OUT/a", "OUT/sub/b"] if out else []
-        yield "folder", name, check, (tool, [name, "-r", "dir", *rest], 0, [], below)
+        twice = 1 if name == "check" else 0  # the folder has the same instance twice
+        yield "folder", name, check, (tool, [name, "-r", "dir", *rest], twice, [], below)
         if name != "scan":
             yield "folder", f"{name} without -r", check, (tool, [name, "dir", *rest], 1,
                                                           ["dir is a directory"])
+        if name not in ("check", "scan"):
             yield "stdin", name, check_standard_input, (tool, [name, "-", *rest])
     for name, rest in SINGLE.items():
         yield "nothing", name, check, (tool, [name, *rest], 2, [f"usage: pgtool {name}"])
@@ -204,6 +228,7 @@ def checks(tool):
             continue
         arguments = [name, "good", *("locked/out" if word == "OUT" else word for word in rest)]
         yield "locked", name, check_no_permission, (tool, arguments, "locked", root)
+    yield "locked", "verify", check_closed_medium, (tool, root)
     for name in ("dump", "json", "scan", "set"):
         arguments = [name, "good", *WRITERS.get(name, [])]
         yield "locked", f"{name}: source", check_no_permission, (tool, arguments, "good", root)

@@ -59,7 +59,8 @@ class FileChecks {
     std::optional<std::string> FileOf(std::string id) {
         while (id.ends_with(' ') || id.ends_with('\0'))
             id.pop_back();
-        const FoundFile found = medium_.Find(id);
+        // As a browse does: one backslash in front means nothing.
+        const FoundFile found = medium_.Find(std::string_view(id).substr(id.starts_with('\\')));
         const auto real = found.state == FileState::Present ? RealPath(found.path) : std::nullopt;
         if (found.state == FileState::Outside) {
             Note(FindingKind::Outside, "its file " + id + " leads out of the medium");
