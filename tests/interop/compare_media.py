@@ -84,16 +84,15 @@ def difference(what, ours, theirs):
 def check_reached(tool, path):
     findings = verify(tool, path)
     head, records = records_of(path)
-    reached, lost, waiting = set(), 0, [number(head, ROOT)]
+    reached, waiting = set(), [number(head, ROOT)]
     while waiting:
         offset = waiting.pop()
-        if offset == 0 or offset in reached:
-            continue
-        if offset not in records:
-            lost += 1
-            continue
-        reached.add(offset)
-        waiting += [number(records[offset], NEXT), number(records[offset], LOWER)]
+        if offset in records and offset not in reached:
+            reached.add(offset)
+            waiting += [number(records[offset], NEXT), number(records[offset], LOWER)]
+    offsets = [number(head, ROOT)] + [number(record, link) for record in records.values()
+                                      for link in (NEXT, LOWER) if is_in_use(record)]
+    lost = sum(offset != 0 and offset not in records for offset in offsets)
     unreached = {offset for offset, record in records.items()
                  if offset not in reached and is_in_use(record)}
     found = difference("unreached", {finding["offset"] for finding in of_kind(findings, "unreached-record")},

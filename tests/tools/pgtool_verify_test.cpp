@@ -202,6 +202,22 @@ TEST_F(PgtoolVerify, EachRecordIsReachedOnce) {
     EXPECT_EQ(Found(), At(kImage2) + "no link leads to it\n");
 }
 
+// What nothing leads to may be led to once the directory is mended.
+TEST_F(PgtoolVerify, LinksOfRecordsThatNothingLeadsToAreFollowed) {
+    directory_.rootOffset = 0;
+    directory_.lastRootOffset = 0;
+    directory_[kImage1].lowerOffset = 5;
+    directory_[kImage2].next = kImage2;
+    const std::string found = Found();
+    EXPECT_EQ(std::count(found.begin(), found.end(), '\n'), 7) << found;
+    EXPECT_THAT(found, HasSubstr(At(kSeries, "SERIES") + "no link leads to it\n"));
+    EXPECT_THAT(found, HasSubstr(" is 5, where no record begins\n"));
+    EXPECT_THAT(found, HasSubstr(" leads to record 5, from which it comes\n"));
+    // The records above are known: the files are held against them.
+    files_.Write("M/IMG/X2", Image(2).Study("1.9").Data());
+    EXPECT_THAT(Found(), HasSubstr("StudyInstanceUID 1.9, not 1.2.3\n"));
+}
+
 // A browse of such a directory visits each record a thousand times.
 TEST_F(PgtoolVerify, ManySharedAndCircularLinksTakeNoTime) {
     for (int i = 0; i < 3000; ++i) {

@@ -15,8 +15,8 @@ struct DirectoryRecord {
     std::string type;  // (0004,1430) in UTF-8
     uint32_t offset;   // where the item begins in the file
     bool isInUse;
-    bool isReached = false;
-    size_t parent = kNoRecord;  // the index of the record above, once it is reached
+    bool isReached = false;     // from the root
+    size_t parent = kNoRecord;  // the index of the record above, when a link leads here
 };
 
 // Record Type values with a meaning of their own.

@@ -29,7 +29,10 @@ struct Source {
 class LinkWalk {
   public:
     LinkWalk(Directory& directory, Findings& findings)
-        : directory_(directory), findings_(findings), isOpen_(directory.Records().size()) {}
+        : directory_(directory),
+          findings_(findings),
+          isVisited_(directory.Records().size()),
+          isOpen_(directory.Records().size()) {}
 
     void Run() {
         const std::optional<size_t> first =
@@ -37,12 +40,14 @@ class LinkWalk {
         if (first) Walk(*first);
         CheckLast(first);
         for (size_t i = 0; i < directory_.Records().size(); ++i) {
-            const DirectoryRecord& record = directory_.Records()[i];
+            DirectoryRecord& record = directory_.Records()[i];
+            record.isReached = isVisited_[i];
             if (!record.isReached && record.isInUse) {
                 Note({i, {}}, FindingKind::Unreached, "no link leads to it");
             }
             CheckFlag(i);
         }
+        WalkOthers();
     }
 
   private:
@@ -73,10 +78,29 @@ class LinkWalk {
     }
 
     void Enter(std::vector<Visit>& visits, size_t record, size_t parent) {
-        directory_.Records()[record].isReached = true;
+        isVisited_[record] = true;
         directory_.Records()[record].parent = parent;
         isOpen_[record] = true;
         visits.push_back({record, 0});
+    }
+
+    // The links among the records that nothing leads to from the root: first from those that none
+    // of the others leads to either, then around the circles that are left.
+    void WalkOthers() {
+        const std::vector<DirectoryRecord>& records = directory_.Records();
+        const auto isOther = [&](size_t i) { return !isVisited_[i] && records[i].isInUse; };
+        std::vector<bool> isLedTo(records.size());
+        for (size_t i = 0; i < records.size(); ++i) {
+            if (!isOther(i)) continue;
+            for (const pgkit::tag link : kLinks) {
+                const size_t target = directory_.FindOffset(OffsetIn(i, link));
+                if (target != kNoRecord) isLedTo[target] = true;
+            }
+        }
+        for (size_t i = 0; i < records.size(); ++i)
+            if (isOther(i) && !isLedTo[i]) Walk(i);
+        for (size_t i = 0; i < records.size(); ++i)
+            if (isOther(i)) Walk(i);
     }
 
     uint32_t OffsetIn(pgkit::tag tag) const {
@@ -96,7 +120,7 @@ class LinkWalk {
                  NameOf(source.tag) + " is " + std::to_string(offset) + Where(offset));
             return std::nullopt;
         }
-        if (!directory_.Records()[target].isReached) return target;
+        if (!isVisited_[target]) return target;
         // Records of files that several refer to are there to be shared.
         if (source.tag == kSharedRecord) return std::nullopt;
         const std::string leads =
@@ -164,6 +188,7 @@ class LinkWalk {
 
     Directory& directory_;
     Findings& findings_;
+    std::vector<bool> isVisited_;
     std::vector<bool> isOpen_;
 };
 
