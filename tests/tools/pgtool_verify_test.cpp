@@ -9,6 +9,7 @@
 
 #include "support/directory_builder.h"
 #include "support/instance_file.h"
+#include "support/mutation.h"
 #include "support/process.h"
 #include "support/temp_dir.h"
 
@@ -237,6 +238,17 @@ TEST_F(PgtoolVerify, DeeplyNestedRecordsTakeNoStack) {
         directory_[above].Set(0x0004, 0x1410, "US", "\xFF\xFF").Set(0x0004, 0x1432, "UI", "1.2.9");
     }
     EXPECT_EQ(Found(), "");
+}
+
+TEST_F(PgtoolVerify, BrokenDirectoriesEndInFindings) {
+    const Bytes sound = directory_.Build();
+    Mutator mutator(1);
+    for (int i = 0; i < 40; ++i) {
+        files_.Write("M/DICOMDIR", mutator.Mutate(sound));
+        const Finished run = Run();
+        EXPECT_EQ(run.exitStatus, run.out.empty() ? 0 : 1) << i << ": " << run.err;
+        EXPECT_THAT(run.err, StartsWith("pgtool verify: ")) << i;
+    }
 }
 
 TEST_F(PgtoolVerify, InUseFlagsAreOneOrTheOther) {

@@ -258,6 +258,16 @@ def library_version() -> str:
     return buffer.value.decode("ascii")
 
 
+# PGX_Node::tagName: the layout of the class is part of the interface.
+_TAG_NAME_OFFSET = 112
+
+
+def private_name(handle: int) -> str:
+    """The name that an element has by its private creator; empty when there is none."""
+    name = c_char_p.from_address(handle + _TAG_NAME_OFFSET).value or b""
+    return "" if name == b"<unknown tag>" else name.decode("utf-8", "replace")
+
+
 def encoded_path(path: StrPath) -> bytes:
     """A path as the library takes it."""
     encoding = "utf-8" if os.name == "nt" else sys.getfilesystemencoding()
