@@ -6,8 +6,7 @@ namespace pgtool {
 
 namespace {
 
-constexpr uint32_t kItemHeaderSize = 8;
-constexpr pgkit::tag kRecordSequence = {0x0004, 0x1220};
+constexpr pgkit::tag kDirectoryRecords = {0x0004, 0x1220};
 constexpr pgkit::tag kHeadLinks[] = {{0x0004, 0x1200}, {0x0004, 0x1202}};
 constexpr pgkit::tag kRecordLinks[] = {{0x0004, 0x1400}, {0x0004, 0x1420}};
 
@@ -23,7 +22,7 @@ void Tie(const pgkit::element& link, const RecordsByOffset& records) {
 }  // namespace
 
 void TieDirectoryLinks(const pgkit::data_set& root) {
-    const pgkit::element sequence = root.find(kRecordSequence);
+    const pgkit::element sequence = root.find(kDirectoryRecords);
     RecordsByOffset records;
     for (const pgkit::item record : sequence.items())
         records.try_emplace(record.node()->fileOffset - kItemHeaderSize, record.node());

@@ -3,6 +3,7 @@
 
 #include "hierarchy_output.h"
 #include "utf8_text.h"
+#include "words.h"
 
 namespace pgtool {
 
@@ -97,10 +98,6 @@ class TreePrinter {
     HierarchyCounts counts_;
 };
 
-std::string Count(size_t count, const char* one, const char* several) {
-    return std::to_string(count) + " " + (count == 1 ? one : several);
-}
-
 }  // namespace
 
 void PrintTree(PGX_List& patients, Medium& medium, bool raw) {
@@ -109,13 +106,13 @@ void PrintTree(PGX_List& patients, Medium& medium, bool raw) {
     const HierarchyCounts& counts = printer.Counts();
     std::string outside;
     if (counts.outsideFiles != 0) {
-        outside = ", " + Count(counts.outsideFiles, "file", "files") + " outside";
+        outside = ", " + Counted(counts.outsideFiles, "file", "files") + " outside";
     }
     std::printf(
-        "%s, %s, %zu series, %s, %s%s\n", Count(counts.patients, "patient", "patients").c_str(),
-        Count(counts.studies, "study", "studies").c_str(), counts.series,
-        Count(counts.instances, "instance", "instances").c_str(),
-        Count(counts.missingFiles, "missing file", "missing files").c_str(), outside.c_str());
+        "%s, %s, %zu series, %s, %s%s\n", Counted(counts.patients, "patient", "patients").c_str(),
+        Counted(counts.studies, "study", "studies").c_str(), counts.series,
+        Counted(counts.instances, "instance", "instances").c_str(),
+        Counted(counts.missingFiles, "missing file", "missing files").c_str(), outside.c_str());
 }
 
 }  // namespace pgtool

@@ -17,6 +17,10 @@ std::string LowerAscii(std::string_view text) {
     return lower;
 }
 
+std::string Counted(size_t count, const char* one, const char* several) {
+    return std::to_string(count) + " " + (count == 1 ? one : several);
+}
+
 std::string Joined(const std::vector<std::string>& words, std::string_view separator) {
     std::string text;
     for (size_t i = 0; i < words.size(); ++i) {

@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "data_set.h"
+#include "directory_links.h"
+#include "verify/tags.h"
 
 namespace pgtool {
 
@@ -12,19 +14,11 @@ namespace {
 constexpr const char* kDirectoryClass = "1.2.840.10008.1.3.10";
 constexpr const char* kExplicitLittleEndian = "1.2.840.10008.1.2.1";
 constexpr uint32_t kLoadedToVerify = 0x20000;
-constexpr uint32_t kItemHeaderSize = 8;
 // No key that anybody compares is longer.
 constexpr uint32_t kLongestKey = 0x2000;
 
-constexpr pgkit::tag kMediaStorageClass = {0x0002, 0x0002};
-constexpr pgkit::tag kTransferSyntax = {0x0002, 0x0010};
-constexpr pgkit::tag kConsistencyFlag = {0x0004, 0x1212};
-constexpr pgkit::tag kRecordSequence = {0x0004, 0x1220};
-constexpr pgkit::tag kInUseFlag = {0x0004, 0x1410};
-constexpr pgkit::tag kRecordType = {0x0004, 0x1430};
-
 // Of the file-set itself, type 1.
-constexpr pgkit::tag kHeadKeys[] = {{0x0004, 0x1200}, {0x0004, 0x1202}, kConsistencyFlag};
+constexpr pgkit::tag kHeadKeys[] = {{0x0004, 0x1200}, {0x0004, 0x1202}, tags::kConsistencyFlag};
 
 std::string Trimmed(const std::string& text) {
     const size_t begin = text.find_first_not_of(' ');
@@ -52,17 +46,17 @@ Directory::Directory(const std::string& path, Findings& findings) {
 }
 
 void Directory::ReadRecords() {
-    for (const pgkit::item item : root_.find(kRecordSequence).items()) {
+    for (const pgkit::item item : root_.find(tags::kRecordSequence).items()) {
         const uint32_t offset = item.node()->fileOffset - kItemHeaderSize;
-        const auto flag = item.find(kInUseFlag).number<uint32_t>();
+        const auto flag = item.find(tags::kInUseFlag).number<uint32_t>();
         byOffset_.emplace_back(offset, records_.size());
-        records_.push_back({item, KeyOf(item, kRecordType), offset, !(flag && *flag == 0)});
+        records_.push_back({item, KeyText(item, tags::kRecordType), offset, !(flag && *flag == 0)});
     }
     std::stable_sort(byOffset_.begin(), byOffset_.end());
 }
 
 void Directory::CheckHead(Findings& findings) const {
-    const std::string syntax = KeyOf(root_, kTransferSyntax);
+    const std::string syntax = KeyText(root_, tags::kTransferSyntax);
     if (syntax != kExplicitLittleEndian) {
         findings.Add(AboutDirectory(FindingKind::TransferSyntax,
                                     "its transfer syntax is " +
@@ -73,10 +67,10 @@ void Directory::CheckHead(Findings& findings) const {
         if (root_.find(tag).number<uint32_t>()) continue;
         findings.Add(AboutDirectory(FindingKind::MissingKey, NameOf(tag) + " is missing"));
     }
-    const auto flag = root_.find(kConsistencyFlag).number<uint32_t>();
+    const auto flag = root_.find(tags::kConsistencyFlag).number<uint32_t>();
     if (flag && *flag != 0) {
-        findings.Add(AboutDirectory(FindingKind::Consistency,
-                                    NameOf(kConsistencyFlag) + " says that something is wrong"));
+        findings.Add(AboutDirectory(FindingKind::Consistency, NameOf(tags::kConsistencyFlag) +
+                                                                  " says that something is wrong"));
     }
 }
 
@@ -93,10 +87,10 @@ Finding Directory::About(size_t record, FindingKind kind, std::string message,
 }
 
 bool IsDirectoryFile(const pgkit::item& root) {
-    return KeyOf(root, kMediaStorageClass) == kDirectoryClass;
+    return KeyText(root, tags::kMediaStorageClass) == kDirectoryClass;
 }
 
-std::string KeyOf(const pgkit::item& item, pgkit::tag tag) { return TextOfKey(item.find(tag)); }
+std::string KeyText(const pgkit::item& item, pgkit::tag tag) { return TextOfKey(item.find(tag)); }
 
 std::string TextOfKey(const pgkit::element& element) {
     return !element || element.length() > kLongestKey ? "" : Trimmed(element.text());

@@ -56,7 +56,7 @@ bool IsDirectoryFile(const pgkit::item& root);
 
 // The text of a key in UTF-8, without blanks around it; empty where there is none. An element of a
 // long value is none.
-std::string KeyOf(const pgkit::item& item, pgkit::tag tag);
+std::string KeyText(const pgkit::item& item, pgkit::tag tag);
 std::string TextOfKey(const pgkit::element& element);
 
 // "(0008,0060) Modality".

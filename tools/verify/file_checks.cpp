@@ -10,25 +10,11 @@
 #include "progress_line.h"
 #include "real_path.h"
 #include "verify/record_checks.h"
+#include "verify/tags.h"
 
 namespace pgtool {
 
 namespace {
-
-constexpr pgkit::tag kFileId = {0x0004, 0x1500};
-constexpr pgkit::tag kFileClass = {0x0004, 0x1510};
-constexpr pgkit::tag kFileInstance = {0x0004, 0x1511};
-constexpr pgkit::tag kFileSyntax = {0x0004, 0x1512};
-constexpr pgkit::tag kTransferSyntax = {0x0002, 0x0010};
-constexpr pgkit::tag kSopClass = {0x0008, 0x0016};
-constexpr pgkit::tag kSopInstance = {0x0008, 0x0018};
-constexpr pgkit::tag kModality = {0x0008, 0x0060};
-constexpr pgkit::tag kPatientId = {0x0010, 0x0020};
-constexpr pgkit::tag kStudyUid = {0x0020, 0x000D};
-constexpr pgkit::tag kSeriesUid = {0x0020, 0x000E};
-constexpr pgkit::tag kPhotometric = {0x0028, 0x0004};
-constexpr pgkit::tag kMediaStorageClass = {0x0002, 0x0002};
-constexpr pgkit::tag kMediaStorageInstance = {0x0002, 0x0003};
 
 class FileChecks {
   public:
@@ -42,7 +28,7 @@ class FileChecks {
 
     void Check(size_t record) {
         record_ = record;
-        const pgkit::element fileId = About().item.find(kFileId);
+        const pgkit::element fileId = About().item.find(tags::kFileId);
         const std::string id = BytesOf(fileId);
         if (id.find_first_not_of(std::string_view(" \\\0", 3)) == std::string::npos) return;
         if (const std::optional<std::string> file = FileOf(id)) CheckFile(*file);
@@ -117,16 +103,18 @@ class FileChecks {
         // A directory file has its UIDs in the File Meta Information only.
         const bool isDirectory = IsDirectoryFile(opened);
         const pgkit::item& record = About().item;
-        Claim(opened, isDirectory ? kMediaStorageClass : kSopClass, record.find(kFileClass),
-              FindingKind::SopClass, file);
-        Claim(opened, isDirectory ? kMediaStorageInstance : kSopInstance,
-              record.find(kFileInstance), FindingKind::SopInstance, file);
-        Claim(opened, kTransferSyntax, record.find(kFileSyntax), FindingKind::TransferSyntax, file);
+        Claim(opened, isDirectory ? tags::kMediaStorageClass : tags::kSopClass,
+              record.find(tags::kFileClass), FindingKind::SopClass, file);
+        Claim(opened, isDirectory ? tags::kMediaStorageInstance : tags::kSopInstance,
+              record.find(tags::kFileInstance), FindingKind::SopInstance, file);
+        Claim(opened, tags::kTransferSyntax, record.find(tags::kFileSyntax),
+              FindingKind::TransferSyntax, file);
         if (isDirectory) return;
         // The File Meta Information is what importers believe first.
-        Compare(opened, kMediaStorageClass, opened.find(kSopClass), FindingKind::SopClass, file);
-        Compare(opened, kMediaStorageInstance, opened.find(kSopInstance), FindingKind::SopInstance,
-                file);
+        Compare(opened, tags::kMediaStorageClass, opened.find(tags::kSopClass),
+                FindingKind::SopClass, file);
+        Compare(opened, tags::kMediaStorageInstance, opened.find(tags::kSopInstance),
+                FindingKind::SopInstance, file);
         CheckAncestors(opened, file);
     }
 
@@ -141,11 +129,13 @@ class FileChecks {
         for (size_t above = About().parent; above != kNoRecord && steps < kLevels; ++steps) {
             const DirectoryRecord& record = directory_.Records()[above];
             if (record.type == kSeriesRecord) {
-                Claim(opened, kSeriesUid, record.item.find(kSeriesUid), FindingKind::Series, file);
+                Claim(opened, tags::kSeriesUid, record.item.find(tags::kSeriesUid),
+                      FindingKind::Series, file);
             } else if (record.type == kStudyRecord) {
-                Claim(opened, kStudyUid, StudyUidOf(record), FindingKind::Study, file);
+                Claim(opened, tags::kStudyUid, StudyUidOf(record), FindingKind::Study, file);
             } else if (record.type == kPatientRecord) {
-                Claim(opened, kPatientId, record.item.find(kPatientId), FindingKind::Patient, file);
+                Claim(opened, tags::kPatientId, record.item.find(tags::kPatientId),
+                      FindingKind::Patient, file);
             }
             above = record.parent;
         }
@@ -192,12 +182,12 @@ void CheckFiles(const Directory& directory, const VerifyOptions& options, Medium
 
 bool IsAllowed(const pgkit::data_set& file, const std::string& profile) {
     if (profile.empty()) return true;
-    const std::string photometric = KeyOf(file, kPhotometric);
-    const std::string inMeta = KeyOf(file, kMediaStorageClass);
-    const std::string sopClass = inMeta.empty() ? KeyOf(file, kSopClass) : inMeta;
-    return pgDirAcceptDataset2(KeyOf(file, kTransferSyntax).c_str(), sopClass.c_str(),
+    const std::string photometric = KeyText(file, tags::kPhotometric);
+    const std::string inMeta = KeyText(file, tags::kMediaStorageClass);
+    const std::string sopClass = inMeta.empty() ? KeyText(file, tags::kSopClass) : inMeta;
+    return pgDirAcceptDataset2(KeyText(file, tags::kTransferSyntax).c_str(), sopClass.c_str(),
                                photometric.empty() ? "no Photo. info" : photometric.c_str(),
-                               KeyOf(file, kModality).c_str(), profile.c_str()) != 0;
+                               KeyText(file, tags::kModality).c_str(), profile.c_str()) != 0;
 }
 
 }  // namespace pgtool

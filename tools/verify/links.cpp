@@ -6,19 +6,15 @@
 #include <utility>
 #include <vector>
 
+#include "verify/tags.h"
+
 namespace pgtool {
 
 namespace {
 
-constexpr pgkit::tag kFirstRecord = {0x0004, 0x1200};
-constexpr pgkit::tag kLastRecord = {0x0004, 0x1202};
-constexpr pgkit::tag kNextRecord = {0x0004, 0x1400};
-constexpr pgkit::tag kLowerRecord = {0x0004, 0x1420};
-constexpr pgkit::tag kSharedRecord = {0x0004, 0x1504};  // retired: of a file that several refer to
-constexpr pgkit::tag kInUseFlag = {0x0004, 0x1410};
-
 // In the order in which they are followed: what is below a record belongs to it.
-constexpr std::array<pgkit::tag, 3> kLinks = {kLowerRecord, kNextRecord, kSharedRecord};
+constexpr std::array<pgkit::tag, 3> kLinks = {tags::kLowerRecord, tags::kNextRecord,
+                                              tags::kSharedRecord};
 
 // Where a link stands: in a record, by its index, or in the head of the directory.
 struct Source {
@@ -36,7 +32,7 @@ class LinkWalk {
 
     void Run() {
         const std::optional<size_t> first =
-            Target({kNoRecord, kFirstRecord}, OffsetIn(kFirstRecord));
+            Target({kNoRecord, tags::kFirstRecord}, OffsetIn(tags::kFirstRecord));
         if (first) Walk(*first);
         CheckLast(first);
         for (size_t i = 0; i < directory_.Records().size(); ++i) {
@@ -72,7 +68,7 @@ class LinkWalk {
             const size_t record = visit.record;
             const std::optional<size_t> target = Target({record, link}, OffsetIn(record, link));
             if (!target) continue;
-            const bool isBelow = link == kLowerRecord;
+            const bool isBelow = link == tags::kLowerRecord;
             Enter(visits, *target, isBelow ? record : directory_.Records()[record].parent);
         }
     }
@@ -122,7 +118,7 @@ class LinkWalk {
         }
         if (!isVisited_[target]) return target;
         // Records of files that several refer to are there to be shared.
-        if (source.tag == kSharedRecord) return std::nullopt;
+        if (source.tag == tags::kSharedRecord) return std::nullopt;
         const std::string leads =
             NameOf(source.tag) + " leads to record " + std::to_string(target + 1);
         if (isOpen_[target]) {
@@ -143,7 +139,7 @@ class LinkWalk {
     std::optional<size_t> LastOfRoot(std::optional<size_t> record) const {
         size_t left = directory_.Records().size();
         while (record && left-- > 0) {
-            const uint32_t offset = OffsetIn(*record, kNextRecord);
+            const uint32_t offset = OffsetIn(*record, tags::kNextRecord);
             if (offset == 0) return record;
             const size_t next = directory_.FindOffset(offset);
             if (next == kNoRecord) return std::nullopt;
@@ -153,9 +149,9 @@ class LinkWalk {
     }
 
     void CheckLast(const std::optional<size_t>& first) {
-        const uint32_t offset = OffsetIn(kLastRecord);
-        const Source source = {kNoRecord, kLastRecord};
-        const std::string name = NameOf(kLastRecord);
+        const uint32_t offset = OffsetIn(tags::kLastRecord);
+        const Source source = {kNoRecord, tags::kLastRecord};
+        const std::string name = NameOf(tags::kLastRecord);
         const size_t target = directory_.FindOffset(offset);
         if (offset != 0 && target == kNoRecord) {
             Note(source, FindingKind::Link, name + " is " + std::to_string(offset) + Where(offset));
@@ -174,10 +170,11 @@ class LinkWalk {
 
     // Missing flags are found with the other keys.
     void CheckFlag(size_t record) {
-        const auto flag = directory_.Records()[record].item.find(kInUseFlag).number<uint32_t>();
+        const auto flag =
+            directory_.Records()[record].item.find(tags::kInUseFlag).number<uint32_t>();
         if (!flag || *flag == 0 || *flag == 0xFFFF) return;
-        Note({record, kInUseFlag}, FindingKind::InUseFlag,
-             NameOf(kInUseFlag) + " is " + std::to_string(*flag) + ", neither 0 nor 65535");
+        Note({record, tags::kInUseFlag}, FindingKind::InUseFlag,
+             NameOf(tags::kInUseFlag) + " is " + std::to_string(*flag) + ", neither 0 nor 65535");
     }
 
     void Note(const Source& source, FindingKind kind, std::string message) {

@@ -8,27 +8,16 @@
 #include "value_kinds.h"
 #include "verify/file_id_rules.h"
 #include "verify/record_rules.h"
+#include "verify/tags.h"
 
 namespace pgtool {
 
 namespace {
 
-constexpr pgkit::tag kNextRecord = {0x0004, 0x1400};
-constexpr pgkit::tag kInUseFlag = {0x0004, 0x1410};
-constexpr pgkit::tag kLowerRecord = {0x0004, 0x1420};
-constexpr pgkit::tag kRecordType = {0x0004, 0x1430};
-constexpr pgkit::tag kFileId = {0x0004, 0x1500};
-constexpr pgkit::tag kFileClass = {0x0004, 0x1510};
-constexpr pgkit::tag kFileInstance = {0x0004, 0x1511};
-constexpr pgkit::tag kFileSyntax = {0x0004, 0x1512};
-constexpr pgkit::tag kPatientId = {0x0010, 0x0020};
-constexpr pgkit::tag kPatientName = {0x0010, 0x0010};
-constexpr pgkit::tag kStudyUid = {0x0020, 0x000D};
-constexpr pgkit::tag kSeriesUid = {0x0020, 0x000E};
-
 // Of every record, and of every one that refers to a file.
-constexpr pgkit::tag kRecordKeys[] = {kNextRecord, kInUseFlag, kLowerRecord, kRecordType};
-constexpr pgkit::tag kFileKeys[] = {kFileClass, kFileInstance, kFileSyntax};
+constexpr pgkit::tag kRecordKeys[] = {tags::kNextRecord, tags::kInUseFlag, tags::kLowerRecord,
+                                      tags::kRecordType};
+constexpr pgkit::tag kFileKeys[] = {tags::kFileClass, tags::kFileInstance, tags::kFileSyntax};
 
 // Blanks fill nothing.
 bool IsFilled(const pgkit::item& record, pgkit::tag tag) {
@@ -104,14 +93,15 @@ class RecordChecks {
 
     void CheckFileReference(const RecordRule* rule) {
         const pgkit::item& item = About().item;
-        if (!IsFilled(item, kFileId)) {
+        if (!IsFilled(item, tags::kFileId)) {
             if (rule != nullptr && rule->refersToFile)
-                Note(FindingKind::MissingKey, NameOf(kFileId) + " is missing: it has no file");
+                Note(FindingKind::MissingKey,
+                     NameOf(tags::kFileId) + " is missing: it has no file");
             return;
         }
         for (const pgkit::tag tag : kFileKeys)
             Require(tag);
-        const std::string complaint = ComplaintAboutFileId(BytesOf(item.find(kFileId)));
+        const std::string complaint = ComplaintAboutFileId(BytesOf(item.find(tags::kFileId)));
         if (!complaint.empty()) Note(FindingKind::FileId, complaint);
     }
 
@@ -119,14 +109,14 @@ class RecordChecks {
     void CheckIdentity() {
         const DirectoryRecord& record = About();
         if (record.type == kPatientRecord) {
-            CheckIsFirst("patient",
-                         KeyOf(record.item, kPatientId) + "\n" + KeyOf(record.item, kPatientName));
+            CheckIsFirst("patient", KeyText(record.item, tags::kPatientId) + "\n" +
+                                        KeyText(record.item, tags::kPatientName));
         } else if (record.type == kStudyRecord) {
             CheckIsFirst("study", TextOfKey(StudyUidOf(record)));
         } else if (record.type == kSeriesRecord) {
-            CheckIsFirst("series", KeyOf(record.item, kSeriesUid));
+            CheckIsFirst("series", KeyText(record.item, tags::kSeriesUid));
         } else {
-            CheckIsFirst("instance", KeyOf(record.item, kFileInstance));
+            CheckIsFirst("instance", KeyText(record.item, tags::kFileInstance));
         }
     }
 
@@ -155,8 +145,8 @@ void CheckRecords(const Directory& directory, Findings& findings) {
 }
 
 pgkit::element StudyUidOf(const DirectoryRecord& study) {
-    const pgkit::element uid = study.item.find(kFileInstance);
-    return TextOfKey(uid).empty() ? study.item.find(kStudyUid) : uid;
+    const pgkit::element uid = study.item.find(tags::kFileInstance);
+    return TextOfKey(uid).empty() ? study.item.find(tags::kStudyUid) : uid;
 }
 
 }  // namespace pgtool

@@ -2,19 +2,16 @@
 
 #include <algorithm>
 
+#include "verify/tags.h"
+
 namespace pgtool {
 
 namespace {
 
-constexpr pgkit::tag kInstanceNumber = {0x0020, 0x0013};
-constexpr pgkit::tag kContentDate = {0x0008, 0x0023};
-constexpr pgkit::tag kContentTime = {0x0008, 0x0033};
-constexpr pgkit::tag kContentLabel = {0x0070, 0x0080};
-constexpr pgkit::tag kConceptName = {0x0040, 0xA043};
-
 // Retired types are known, their keys are not looked at.
 const std::vector<RecordRule>& Rules() {
     using enum RecordPlace;
+    using namespace tags;
     const std::vector<pgkit::tag> content = {kContentDate, kContentTime};
     const std::vector<pgkit::tag> identified = {kContentDate, kContentTime, kInstanceNumber,
                                                 kContentLabel};

@@ -14,6 +14,7 @@
 #include "verify/medium_walk.h"
 #include "verify/other_files.h"
 #include "verify/record_checks.h"
+#include "verify/tags.h"
 
 namespace pgtool {
 
@@ -23,11 +24,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kDirectoryName = "DICOMDIR";
 constexpr uint32_t kLargestIcon = 256;
-
-constexpr pgkit::tag kFileSetId = {0x0004, 0x1130};
-constexpr pgkit::tag kIcon = {0x0088, 0x0200};
-constexpr pgkit::tag kRows = {0x0028, 0x0010};
-constexpr pgkit::tag kColumns = {0x0028, 0x0011};
 
 // Where the medium is, and its DICOMDIR, by real paths.
 std::string Locate(const std::string& operand, Verification& result) {
@@ -53,8 +49,8 @@ std::string Locate(const std::string& operand, Verification& result) {
 uint32_t LargestIcon(const Directory& directory) {
     uint32_t largest = 0;
     for (const DirectoryRecord& record : directory.Records()) {
-        const pgkit::item icon = record.item.find(kIcon)[0];
-        for (const pgkit::tag tag : {kRows, kColumns})
+        const pgkit::item icon = record.item.find(tags::kIcon)[0];
+        for (const pgkit::tag tag : {tags::kRows, tags::kColumns})
             largest = std::max(largest, icon.find(tag).number<uint32_t>().value_or(0));
     }
     return std::min(largest, kLargestIcon);
@@ -64,7 +60,7 @@ void CheckDirectory(const VerifyOptions& options, Verification& result) {
     Directory directory(result.files.directoryFile, result.findings);
     if (!directory.IsOpen()) return;
     result.records = directory.Records().size();
-    const std::string fileSetId = KeyOf(directory.Root(), kFileSetId);
+    const std::string fileSetId = KeyText(directory.Root(), tags::kFileSetId);
     if (fileSetId.size() <= 16) result.former.fileSetId = fileSetId;
     result.former.iconSize = LargestIcon(directory);
     CheckLinks(directory, result.findings);

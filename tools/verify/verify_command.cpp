@@ -8,6 +8,7 @@
 #include "text_options.h"
 #include "utf8_text.h"
 #include "verify/verification.h"
+#include "words.h"
 
 namespace pgtool {
 
@@ -29,18 +30,14 @@ struct Repaired {
     Verification after;
 };
 
-std::string Count(size_t count, const char* one, const char* several) {
-    return std::to_string(count) + " " + (count == 1 ? one : several);
-}
-
 // What scripts do not want among the findings.
 void SumUp(const Verification& result) {
     const size_t count = result.findings.Count();
     std::fflush(stdout);
     std::fprintf(stderr, "pgtool verify: %s, %s: %s\n",
-                 Count(result.records, "record", "records").c_str(),
-                 Count(result.files.used.size(), "file", "files").c_str(),
-                 count == 0 ? "no findings" : Count(count, "finding", "findings").c_str());
+                 Counted(result.records, "record", "records").c_str(),
+                 Counted(result.files.used.size(), "file", "files").c_str(),
+                 count == 0 ? "no findings" : Counted(count, "finding", "findings").c_str());
 }
 
 void PrintLines(const Findings& findings, const TextOptions& texts) {
