@@ -19,6 +19,14 @@ install(TARGETS ${modules} EXPORT pgkitTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# The private elements that pgtool and the Python module know: beside the tool on Windows, where
+# everything of a program lies in its folder.
+if(WIN32)
+  set(private_elements_dir ${CMAKE_INSTALL_BINDIR})
+else()
+  set(private_elements_dir ${CMAKE_INSTALL_DATADIR}/pgkit)
+endif()
+install(FILES ${PROJECT_SOURCE_DIR}/data/private.dic DESTINATION ${private_elements_dir})
 if(TARGET pgtool)
   install(TARGETS pgtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   if(NOT WIN32)

@@ -51,6 +51,8 @@ check pkg-config within 'cd /first && g++ -std=c++17 consumer.cpp -o by_pkg_conf
 check c within 'cd /first && gcc -std=c11 consumer_in_c.c -o in_c $(pkg-config --cflags --libs pgkit) &&
     ./in_c | grep "PixelData OWOB"'
 check tool within 'cd /first && pgtool dump image.dcm | grep DATASET'
+check private-elements within 'cmp /usr/share/pgkit/private.dic \
+    /usr/lib/python3/dist-packages/pgkit/private.dic'
 check python within 'cd / && python3 -c "import pgkit; print(pgkit.library_version())" | grep 2.86e'
 echo "$passed passed, $failed failed"
 [[ $failed -eq 0 ]]

@@ -162,6 +162,7 @@ both_lane() {
     start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
     start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" "$wine" \
         "$root/build/windows-x64/bin/pgtool.exe"
+    start verdicts tests/interop/compare_media.py "$root/build/native/bin/pgtool"
     start icons tests/interop/compare_icons.py build/native/bin/creation_probe "$wine" \
         "$root/build/windows-x64/bin/creation_probe.exe"
     start compilers tests/compilers/check_compilers.py build/native build/windows-x64 "$wine"

@@ -6,10 +6,15 @@
 
 namespace pgtool {
 
-std::string DescribeAcceptance(uint32_t code) {
-    const std::string number = std::to_string(code);
+std::string TextOfAcceptance(uint32_t code) {
     char text[128];
-    return pgxAcceptanceText(code, text, sizeof text) > 0 ? number + " " + text : number;
+    pgxAcceptanceText(code, text, sizeof text);
+    return text;
+}
+
+std::string DescribeAcceptance(uint32_t code) {
+    const std::string text = TextOfAcceptance(code);
+    return std::to_string(code) + (text.empty() ? "" : " ") + text;
 }
 
 void AcceptanceSummary::Count(uint32_t code) {

@@ -10,6 +10,8 @@
 #include "pgkit/pgkit.h"
 #include "progress_line.h"
 #include "standard_streams.h"
+#include "text_options.h"
+#include "verify/links.h"
 
 namespace pgtool {
 
@@ -34,47 +36,96 @@ PGX_List* BrowseOpen(PGX_DicomDir& directory) {
     return directory.Browse(ShowProgress, &progress);
 }
 
-int Browse(const std::string& operand, bool asJson) {
-    const std::string path = DirectoryFileOf(operand);
-    PGX_DicomDir directory;
-    if (!OpenDirectory(directory, path)) return Fail(kBrowseCommand, CannotOpen(path));
-    if (directory.IsDicomDir() == 0) return Fail(kBrowseCommand, path + " is not a DICOMDIR");
-    PGX_List* patients = BrowseOpen(directory);
-    Medium medium(path);
-    if (asJson) {
-        PrintJson(*patients, medium);
-    } else {
-        PrintTree(*patients, medium);
+// What of a damaged directory cannot be read: kinds of findings that cost records.
+bool LosesRecords(FindingKind kind) {
+    switch (kind) {
+        case FindingKind::CutShort:
+        case FindingKind::Link:
+        case FindingKind::Circle:
+        case FindingKind::Unreached:
+            return true;
+        default:
+            return false;
     }
-    return kDone;
+}
+
+// False when something cannot be read, which is told.
+bool TellDamage(const std::string& path) {
+    Findings findings;
+    Directory directory(path, findings);
+    CheckLinks(directory, findings);
+    bool isSound = true;
+    for (const Finding& finding : findings.Sorted()) {
+        if (!LosesRecords(finding.kind)) continue;
+        isSound = false;
+        Fail(kBrowseCommand, finding.kind == FindingKind::CutShort ? finding.message
+                                                                   : path + ": " + LineOf(finding));
+    }
+    return isSound;
 }
 
 struct BrowseRequest {
     Arguments paths;
-    bool asJson = false;
+    TextOptions texts;
+    bool json = false;
+    bool files = false;
 };
+
+int Print(PGX_List& patients, Medium& medium, const BrowseRequest& request) {
+    int status = kDone;
+    if (request.json) {
+        PrintJson(patients, medium);
+    } else if (request.files) {
+        PrintFiles(patients, medium, request.texts,
+                   [&](const std::string& reason) { status = Fail(kBrowseCommand, reason); });
+    } else {
+        PrintTree(patients, medium, request.texts.raw);
+    }
+    return status;
+}
+
+int Browse(const BrowseRequest& request) {
+    std::string complaint =
+        request.json ? UseTextOptionsForJson(request.texts) : UseTextOptions(request.texts);
+    if (complaint.empty() && request.json && request.files)
+        complaint = "--json or --files, not both";
+    if (!complaint.empty()) return Misuse(kBrowseCommand, complaint);
+
+    const std::string path = DirectoryFileOf(request.paths[0]);
+    PGX_DicomDir directory;
+    if (!OpenDirectory(directory, path)) return Fail(kBrowseCommand, CannotOpen(path));
+    if (directory.IsDicomDir() == 0) return Fail(kBrowseCommand, path + " is not a DICOMDIR");
+    PGX_List* const patients = BrowseOpen(directory);
+    Medium medium(path);
+    const int status = Print(*patients, medium, request);
+    return TellDamage(path) ? status : kFailed;
+}
 
 Work DefineBrowse(OptionSet& options) {
     const auto request = std::make_shared<BrowseRequest>();
     options.Operands(&request->paths, 1, 1, "exactly one DICOMDIR is expected");
-    options.Switch(
-        "--json", &request->asJson,
-        "print the same as JSON in UTF-8: the members are named as the fields of the "
-        "library's objects; texts of the character set ISO_IR 192 are taken as UTF-8, of "
-        "all others as ISO 8859-1, byte for byte");
-    return [request] { return Browse(request->paths[0], request->asJson); };
+    options.Switch("--json", &request->json,
+                   "print the same as JSON in UTF-8: the members are named as the fields of the "
+                   "library's objects; fullPath is a path that opens where the file is there");
+    options.Switch("--files", &request->files,
+                   "print only the paths of the files, one on each line; those that are missing or "
+                   "outside are errors");
+    AddTextOptions(options, request->texts);
+    return [request] { return Browse(*request); };
 }
 
 }  // namespace
 
 const Command kBrowseCommand = {
-    "browse", "browse DICOMDIR|DIRECTORY [--json]", "list what a DICOMDIR refers to",
+    "browse", "browse DICOMDIR|DIRECTORY [--json | --files]", "list what a DICOMDIR refers to",
     "Prints the patients, studies, series and instances that a DICOMDIR, or the one in a\n"
-    "directory, refers to, as a tree with their numbers at the end. A file is missing when\n"
-    "the directory of the DICOMDIR has none of that name; case does not matter, nor do\n"
+    "directory, refers to, as a tree with their numbers at the end. Texts are shown in UTF-8,\n"
+    "by the character set of each record, control characters as escapes. A file is missing\n"
+    "when the directory of the DICOMDIR has none of that name; case does not matter, nor do\n"
     "blanks around the name. An ID that leads outside of that directory is called so and not\n"
-    "looked up. What the library reports about the DICOMDIR goes to the\n"
-    "standard error stream. Missing files and damaged directories do not fail the command.\n",
+    "looked up. Of a damaged DICOMDIR the part is printed that can be read; what the library\n"
+    "reports, and what cannot be read, goes to the standard error stream, and the exit status\n"
+    "is 1. Missing files do not fail the command.\n",
     DefineBrowse};
 
 }  // namespace pgtool

@@ -5,11 +5,14 @@
 
 #include "acceptance.h"
 #include "commands.h"
+#include "data_set.h"
+#include "inputs.h"
 #include "library_path.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/patient_list.h"
-#include "pgkit/profiles.h"
+#include "profile_names.h"
 #include "standard_streams.h"
+#include "utf8_text.h"
 
 namespace pgtool {
 
@@ -38,42 +41,78 @@ class JudgedFiles {
     PGX_List patients_;
 };
 
-int Check(const Arguments& files, const std::string& profile) {
-    if (!profile.empty() && pgxIsProfile(profile.c_str()) == 0) {
-        return Misuse(kCheckCommand, "unknown profile: " + profile);
-    }
-
-    JudgedFiles judged(profile);
-    int status = kDone;
-    for (const std::string& file : files) {
-        const uint32_t code = judged.Add(file);
-        std::printf("%s: %s\n", file.c_str(), DescribeAcceptance(code).c_str());
-        if (code != PG_ACCEPTED) status = kFailed;
-    }
-    return status;
-}
-
 struct CheckRequest {
-    Arguments files;
+    InputOptions inputs;
     std::string profile;
 };
 
+class CheckedFiles {
+  public:
+    explicit CheckedFiles(const std::string& profile) : judged_(profile) {}
+
+    void Add(const Input& input) {
+        const uint32_t code = judged_.Add(input.path);
+        if (input.isFound && code == PG_NOT_DICOM_PART_10) {
+            ++others_;
+            return;
+        }
+        std::printf("%s: %s\n", WithEscapes(input.path).c_str(), DescribeAcceptance(code).c_str());
+        if (code != PG_ACCEPTED) hasFailed_ = true;
+        if (code == PG_NOT_DICOM_PART_10 && !CanBeOpened(input.path)) {
+            Complain(CannotOpen(input.path));
+        }
+    }
+
+    void Complain(const std::string& reason) {
+        hasFailed_ = true;
+        Fail(kCheckCommand, reason);
+    }
+
+    int SumUp() const {
+        if (others_ != 0) std::fprintf(stderr, "pgtool check: %zu other files\n", others_);
+        return hasFailed_ ? kFailed : kDone;
+    }
+
+  private:
+    static bool CanBeOpened(const std::string& path) {
+        return pgkit::detail::why_not_read(path, "").kind == pgkit::failure::not_a_data_set;
+    }
+
+    JudgedFiles judged_;
+    bool hasFailed_ = false;
+    size_t others_ = 0;
+};
+
+int Check(const CheckRequest& request) {
+    std::string complaint = ComplaintAbout(request.inputs);
+    if (complaint.empty()) complaint = ComplaintAboutProfile(request.profile);
+    if (!complaint.empty()) return Misuse(kCheckCommand, complaint);
+    CheckedFiles files(request.profile);
+    const auto visit = [&](const Input& input) {
+        files.Add(input);
+        return std::ferror(stdout) == 0;
+    };
+    WalkInputs(request.inputs, visit, [&](const std::string& reason) { files.Complain(reason); });
+    return files.SumUp();
+}
+
 Work DefineCheck(OptionSet& options) {
     const auto request = std::make_shared<CheckRequest>();
-    options.Operands(&request->files, 1, kAnyNumber, "a file is expected");
+    AddInputs(options, request->inputs);
     options.Text("--profile", "NAME", &request->profile,
                  "the media application profile, such as STD-GEN-CD; without one every DICOM file "
                  "with the identifiers of a DICOMDIR is accepted");
-    return [request] { return Check(request->files, request->profile); };
+    return [request] { return Check(*request); };
 }
 
 }  // namespace
 
 const Command kCheckCommand = {
-    "check", "check FILE... [--profile NAME]", "tell whether files may be on a medium",
+    "check", "check FILE... [-r] [--profile NAME]", "tell whether files may be on a medium",
     "Prints a line for each: the file, its acceptance code, and what that means. The files\n"
     "are judged together, as those of one medium: an instance that came before is refused.\n"
-    "Exit status 0 means that all files are accepted.\n",
+    "Exit status 0 means that all files are accepted. Files in directories that are no DICOM\n"
+    "files are only counted, on the standard error stream.\n",
     DefineCheck};
 
 }  // namespace pgtool

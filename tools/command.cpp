@@ -19,7 +19,7 @@ int Misuse(const Command& command, const std::string& reason) {
 }
 
 int AnswerEach(const Command& command, const Arguments& operands,
-               bool (*print)(const std::string& operand)) {
+               const std::function<bool(const std::string& operand)>& print) {
     int status = kDone;
     for (const std::string& operand : operands) {
         if (!print(operand)) status = Fail(command, "unknown: " + operand);

@@ -45,6 +45,6 @@ int Misuse(const Command& command, const std::string& reason);
 // Answers one question about each operand. print gives false when it has no answer, which fails the
 // command but does not end it.
 int AnswerEach(const Command& command, const Arguments& operands,
-               bool (*print)(const std::string& operand));
+               const std::function<bool(const std::string& operand)>& print);
 
 }  // namespace pgtool

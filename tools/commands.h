@@ -22,5 +22,6 @@ extern const Command kScanCommand;
 extern const Command kSetCommand;
 extern const Command kTagsCommand;
 extern const Command kUidCommand;
+extern const Command kVerifyCommand;
 
 }  // namespace pgtool

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "directory_links.h"
 #include "long_values.h"
 #include "output_file.h"
 #include "pgkit/open_report.h"
@@ -126,7 +127,13 @@ std::string CannotOpen(const std::string& path) {
     return "cannot open " + path + ": " + ReasonOf(error, path);
 }
 
+std::string BytesOf(const pgkit::element& element) {
+    const std::vector<uint8_t> bytes = element.bytes();
+    return std::string(bytes.begin(), bytes.end());
+}
+
 std::string SaveWhole(pgkit::data_set root, const std::string& path, uint32_t mode) {
+    TieDirectoryLinks(root);
     if (!MakeLongValuesUn(*root.node())) return "a long value cannot be read";
     return path == "-" ? SaveToStandardOutput(std::move(root), mode)
                        : SaveToFile(std::move(root), path, mode);

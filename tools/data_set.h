@@ -28,6 +28,9 @@ pgkit::result<pgkit::data_set> Open(const std::string& path, const OpenRequest& 
 // Why a path gave no data set, or no DICOMDIR: "cannot open PATH: REASON".
 std::string CannotOpen(const std::string& path);
 
+// A value as it stands in the file, but for the byte order.
+std::string BytesOf(const pgkit::element& element);
+
 // Saves a data set, and closes it, through an OutputFile, or to the standard output for "-". mode
 // is that of SaveDataSetAsEx. Values too long for their VR become UN. Gives the reason why not,
 // with which the former file is as it was, or an empty text.

@@ -1,5 +1,6 @@
 // pgtool dump: data sets as text.
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "commands.h"
@@ -9,6 +10,8 @@
 #include "json_output.h"
 #include "pgkit/json.h"
 #include "places.h"
+#include "private_elements.h"
+#include "standard_streams.h"
 #include "text_options.h"
 #include "utf8_text.h"
 
@@ -27,7 +30,14 @@ struct DumpRequest {
     bool json = false;
     uint32_t loadLimit = kDefaultLoadLimit;
     uint32_t flags = 0;
+    bool coloured = false;
 };
+
+// no-color.org: a variable of any content but none.
+bool WantsColours() {
+    const char* const refused = std::getenv("NO_COLOR");
+    return StandardOutputTakesColours() && (refused == nullptr || refused[0] == '\0');
+}
 
 pgkit::error DumpOne(const DumpRequest& request, const Input& input) {
     std::string damage;
@@ -39,7 +49,7 @@ pgkit::error DumpOne(const DumpRequest& request, const Input& input) {
         opened->node()->Dump(stdout, "");
         return {};
     }
-    const DumpStyle style = {IsCurrent(request.texts), request.full};
+    const DumpStyle style = {IsCurrent(request.texts), request.full, request.coloured};
     if (request.places.empty()) {
         PrintDataSet(*opened, style);
     } else {
@@ -62,9 +72,11 @@ int Dump(DumpRequest& request) {
         complaint = "--json prints whole data sets in UTF-8: neither -t nor --raw";
     }
     if (!complaint.empty()) return Misuse(kDumpCommand, complaint);
+    UsePrivateElements(request.texts);
     if (request.json) {
         return PrintJsonOf(kDumpCommand, request.inputs, PGX_JSON_ALL_INLINE, stdout);
     }
+    request.coloured = WantsColours();
     const InputCounts counts = ForEachInput(
         kDumpCommand, request.inputs, [&](const Input& input) { return DumpOne(request, input); });
     return counts.failed == 0 ? kDone : kFailed;
@@ -98,11 +110,12 @@ const Command kDumpCommand = {
     "print data sets as text, a line per element",
     "Prints a line for each element: tag, value representation, length, name and value, the\n"
     "elements of sequences behind a line. Texts are shown in UTF-8, control characters as\n"
-    "escapes, long values only in part with their length. TAG is a name (PatientName), a tag\n"
-    "(0010,0010) or a path (ReferencedSeriesSequence[0].SeriesInstanceUID). FILE may be - for\n"
-    "the standard input. --raw prints what the library itself prints, byte for byte, by the\n"
-    "built-in tables unless --edition says otherwise. Numbers are decimal, or hexadecimal\n"
-    "behind 0x.\n",
+    "escapes, long values only in part with their length; there are colours on a terminal,\n"
+    "unless NO_COLOR is set. TAG is a name (PatientName), a tag (0010,0010) or a path\n"
+    "(ReferencedSeriesSequence[0].SeriesInstanceUID). FILE may be - for the standard input.\n"
+    "Private elements that private.dic lists have their names and value representations.\n"
+    "--raw prints what the library itself prints, byte for byte, by the built-in tables unless\n"
+    "--edition says otherwise. Numbers are decimal, or hexadecimal behind 0x.\n",
     DefineDump};
 
 }  // namespace pgtool

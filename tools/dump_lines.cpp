@@ -14,6 +14,9 @@ namespace pgtool {
 namespace {
 
 constexpr const char* kIndent = " | ";
+constexpr const char* kCyan = "\x1B[36m";
+constexpr const char* kBold = "\x1B[1m";
+constexpr const char* kNone = "\x1B[m";
 constexpr size_t kMostNumbers = 20;
 constexpr size_t kMostBytes = 16;
 constexpr size_t kMostText = 512;
@@ -89,7 +92,7 @@ std::string Numbers(const pgkit::element& element, size_t unit, bool full, Print
         if (!number) break;
         text += print(*number) + (count == 1 ? "" : " ");
     }
-    return printed < count ? text + "..." : text;
+    return printed < count ? text + LengthNote(element) : text;
 }
 
 std::string IntegerValue(const pgkit::element& element, bool full) {
@@ -233,14 +236,17 @@ class Printer {
         Indent();
         const pgkit::tag tag = element.tag();
         const int length = static_cast<int>(element.length());  // -1 for an undefined one
-        std::printf("(%04X,%04X) : %-4s Len: ", tag.group, tag.element, element.vr_name().c_str());
+        std::printf("%s(%04X,%04X)%s : %-4s Len: ", Colour(kCyan), tag.group, tag.element,
+                    Colour(kNone), element.vr_name().c_str());
         if (length == -1) {
             std::printf("%-6d", length);
         } else {
             std::printf("%-6u", element.length());
         }
-        std::printf(" %-30s Value: [", Name(element).c_str());
+        std::printf(" %s%-30s%s Value: [", Colour(kBold), Name(element).c_str(), Colour(kNone));
     }
+
+    const char* Colour(const char* sequence) const { return style_.coloured ? sequence : ""; }
 
     std::string Name(const pgkit::element& element) const {
         if (style_.currentNames) {
@@ -249,7 +255,7 @@ class Printer {
         }
         char name[128];
         element.node()->GetTagName(name);
-        return WithEscapes(ToUtf8(name, ""));
+        return WithEscapes(AnyToUtf8(name));
     }
 
     const DumpStyle& style_;

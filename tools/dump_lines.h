@@ -13,6 +13,7 @@ namespace pgtool {
 struct DumpStyle {
     bool currentNames = true;  // else everything but texts is as the library prints it
     bool full = false;         // long values, too
+    bool coloured = false;     // tags and names stand out on a terminal
 };
 
 // The whole data set, between "DATASET" and "END-OF-DATASET".

@@ -19,6 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 struct FromJsonRequest {
+    TextOptions texts;
     Arguments inputs;
     std::string output;
     std::string bulkDirectory;
@@ -110,7 +111,8 @@ std::string Describe(const PgxJsonPlace& place, int64_t result) {
 
 int FromJson(FromJsonRequest& request) {
     if (request.output.empty()) return Misuse(kFromJsonCommand, "-o OUT is expected");
-    (void)UseTextOptions({});
+    const std::string complaint = UseTextOptionsForJson(request.texts);
+    if (!complaint.empty()) return Misuse(kFromJsonCommand, complaint);
     const std::string& path = request.inputs[0];
     const bool isStandardInput = path == "-";
     if (isStandardInput) MakeStandardInputBinary();
@@ -140,6 +142,7 @@ Work DefineFromJson(OptionSet& options) {
     options.Text("--bulk-dir", "DIR", &request->bulkDirectory,
                  "where the data of a BulkDataURI are, in a file of the URI's last part; no other "
                  "file is ever read");
+    AddTextOptions(options, request->texts);
     return [request] { return FromJson(*request); };
 }
 

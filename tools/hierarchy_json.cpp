@@ -36,39 +36,39 @@ class HierarchyPrinter {
 
     void PrintMembers(PGX_DicomDirPatientNode& patient) {
         ++counts_.patients;
-        Text("patientId", patient.patientId);
-        Text("patientsName", patient.patientsName);
-        Text("birthDate", patient.birthDate);
-        Text("sex", patient.sex);
-        Text("specificCharacterSet", patient.specificCharacterSet);
+        Field("patientId", patient.patientId, VR_LO);
+        Field("patientsName", patient.patientsName, VR_PN);
+        Field("birthDate", patient.birthDate, VR_DA);
+        Field("sex", patient.sex, VR_CS);
+        Field("specificCharacterSet", patient.specificCharacterSet, VR_CS);
         PrintChildren<PGX_DicomDirStudyNode>("studies", patient.studies);
     }
 
     void PrintMembers(PGX_DicomDirStudyNode& study) {
         ++counts_.studies;
-        Text("studyInstanceUid", study.studyInstanceUid);
-        Text("studyId", study.studyId);
-        Text("studyDate", study.studyDate);
-        Text("studyTime", study.studyTime);
-        Text("accessionNumber", study.accessionNumber);
-        Text("studyDescription", study.studyDescription);
-        Text("manufacturer", study.manufacturer);
-        Text("referringPhysiciansName", study.referringPhysiciansName);
-        Text("modality", study.modality);
-        Text("specificCharacterSet", study.specificCharacterSet);
+        Field("studyInstanceUid", study.studyInstanceUid, VR_UI);
+        Field("studyId", study.studyId, VR_SH);
+        Field("studyDate", study.studyDate, VR_DA);
+        Field("studyTime", study.studyTime, VR_TM);
+        Field("accessionNumber", study.accessionNumber, VR_SH);
+        Field("studyDescription", study.studyDescription, VR_LO);
+        Field("manufacturer", study.manufacturer, VR_LO);
+        Field("referringPhysiciansName", study.referringPhysiciansName, VR_PN);
+        Field("modality", study.modality, VR_CS);
+        Field("specificCharacterSet", study.specificCharacterSet, VR_CS);
         PrintChildren<PGX_DicomDirSeriesNode>("series", study.series);
     }
 
     void PrintMembers(PGX_DicomDirSeriesNode& series) {
         ++counts_.series;
-        Text("seriesInstanceUid", series.seriesInstanceUid);
-        Text("seriesDescription", series.seriesDescription);
-        Text("seriesNumber", series.seriesNumber);
-        Text("modality", series.modality);
-        Text("institutionName", series.institutionName);
-        Text("institutionAddress", series.institutionAddress);
-        Text("performingPhysiciansName", series.performingPhysiciansName);
-        Text("specificCharacterSet", series.specificCharacterSet);
+        Field("seriesInstanceUid", series.seriesInstanceUid, VR_UI);
+        Field("seriesDescription", series.seriesDescription, VR_LO);
+        Field("seriesNumber", series.seriesNumber, VR_IS);
+        Field("modality", series.modality, VR_CS);
+        Field("institutionName", series.institutionName, VR_LO);
+        Field("institutionAddress", series.institutionAddress, VR_ST);
+        Field("performingPhysiciansName", series.performingPhysiciansName, VR_PN);
+        Field("specificCharacterSet", series.specificCharacterSet, VR_CS);
         Boolean("hasIcon", series.icon != nullptr);
         Boolean("isKeyImages", (series.flags & PG_SERIES_KEY_IMAGES) != 0);
         PrintChildren<PGX_DicomDirLeafNode>("leaves", series.leaves);
@@ -77,33 +77,30 @@ class HierarchyPrinter {
     void PrintMembers(PGX_DicomDirLeafNode& leaf) {
         ++counts_.instances;
         Text("type", NameOfType(leaf));
-        Text("recordType", leaf.recordType);
-        Text("fullPath", leaf.fullPath);
-        Text("referencedFileId", leaf.referencedFileId);
-        Text("instanceUid", leaf.instanceUid);
-        Text("sopClassUid", leaf.sopClassUid);
-        Text("transferSyntaxUid", leaf.transferSyntaxUid);
+        Field("recordType", leaf.recordType, VR_CS);
+        const FileOfLeaf file = FileOf(leaf, medium_);
+        counts_.Count(file.state);
+        const bool isPresent = file.state == LeafFile::Present;
+        Text("fullPath", isPresent ? WellFormedUtf8(file.path) : AnyToUtf8(leaf.fullPath));
+        Text("referencedFileId", AnyToUtf8(leaf.referencedFileId));
+        Field("instanceUid", leaf.instanceUid, VR_UI);
+        Field("sopClassUid", leaf.sopClassUid, VR_UI);
+        Field("transferSyntaxUid", leaf.transferSyntaxUid, VR_UI);
         Number("instanceNumber", leaf.instanceNumber);
-        Text("specificCharacterSet", leaf.specificCharacterSet);
+        Field("specificCharacterSet", leaf.specificCharacterSet, VR_CS);
         Number("referencedDataSetSize", leaf.referencedDataSetSize);
         Boolean("isMarked", (leaf.flags & PG_LEAF_MARKED) != 0);
-        PrintFile(leaf);
-        if (leaf.leafType == PG_LEAF_IMAGE) PrintImage(static_cast<PGX_DicomDirImageNode&>(leaf));
-    }
-
-    void PrintFile(PGX_DicomDirLeafNode& leaf) {
-        const LeafFile file = FileOf(leaf, medium_);
-        counts_.Count(file);
         constexpr std::array<const char*, 4> kNames = {"present", "missing", "outside", "none"};
-        Text("file", kNames[static_cast<size_t>(file)]);
+        Text("file", kNames[static_cast<size_t>(file.state)]);
+        if (leaf.leafType == PG_LEAF_IMAGE) PrintImage(static_cast<PGX_DicomDirImageNode&>(leaf));
     }
 
     void PrintImage(PGX_DicomDirImageNode& image) {
         Number("rows", image.rows);
         Number("columns", image.columns);
         Number("numberOfFrames", image.numberOfFrames);
-        Text("photometricInterpretation", image.photometricInterpretation);
-        Text("imageType", image.imageType);
+        Field("photometricInterpretation", image.photometricInterpretation, VR_CS);
+        Field("imageType", image.imageType, VR_CS);
         Boolean("hasIcon", image.icon != nullptr);
     }
 
@@ -121,9 +118,12 @@ class HierarchyPrinter {
         json_.EndObject();
     }
 
-    void Text(const char* key, const char* text) {
+    void Field(const char* key, const char* field, uint32_t valueRep) {
+        Text(key, FieldToUtf8(field, valueRep, characterSet_.c_str()));
+    }
+    void Text(const char* key, const std::string& utf8) {
         json_.Key(key);
-        json_.Text(ToUtf8(text, characterSet_));
+        json_.Text(utf8);
     }
     void Number(const char* key, int64_t number) {
         json_.Key(key);

@@ -4,18 +4,19 @@
 
 namespace pgtool {
 
-LeafFile FileOf(const PGX_DicomDirLeafNode& leaf, Medium& medium) {
+FileOfLeaf FileOf(const PGX_DicomDirLeafNode& leaf, Medium& medium) {
     const bool names =
         leaf.record->FindNode(0x0004, 0x1500) != nullptr &&
         std::string(leaf.referencedFileId).find_first_not_of("\\ ") != std::string::npos;
-    if (!names) return LeafFile::None;
-    switch (medium.Find(leaf.referencedFileId)) {
+    if (!names) return {LeafFile::None, ""};
+    const FoundFile found = medium.Find(leaf.referencedFileId);
+    switch (found.state) {
         case FileState::Present:
-            return LeafFile::Present;
+            return {LeafFile::Present, found.path};
         case FileState::Missing:
-            return LeafFile::Missing;
+            return {LeafFile::Missing, ""};
         default:
-            return LeafFile::Outside;
+            return {LeafFile::Outside, ""};
     }
 }
 

@@ -1,10 +1,13 @@
-// A browsed hierarchy on the standard output, as a tree for people or as JSON for programs.
+// A browsed hierarchy on the standard output, as a tree for people, as JSON or as a
+// list of files for programs.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "medium.h"
 #include "pgkit/pgkit.h"
+#include "text_options.h"
 
 namespace pgtool {
 
@@ -25,14 +28,23 @@ struct HierarchyCounts {
     }
 };
 
+struct FileOfLeaf {
+    LeafFile state;
+    std::string path;  // one that opens; empty unless present
+};
+
 // The hierarchy must have its records still.
-LeafFile FileOf(const PGX_DicomDirLeafNode& leaf, Medium& medium);
+FileOfLeaf FileOf(const PGX_DicomDirLeafNode& leaf, Medium& medium);
 
 // "image", "report", ...
 const char* NameOfType(const PGX_DicomDirLeafNode& leaf);
 
-void PrintTree(PGX_List& patients, Medium& medium);
+// With raw texts are the bytes of the records, as they stand.
+void PrintTree(PGX_List& patients, Medium& medium, bool raw);
 void PrintJson(PGX_List& patients, Medium& medium);
+// The paths of the files that are there. Calls complain for each one that is not.
+void PrintFiles(PGX_List& patients, Medium& medium, const TextOptions& texts,
+                const std::function<void(const std::string&)>& complain);
 
 template <typename Object, typename Use>
 void ForEach(PGX_List& list, Use use) {

@@ -6,6 +6,7 @@
 #include "data_set.h"
 #include "json_output.h"
 #include "output_file.h"
+#include "private_elements.h"
 
 namespace pgtool {
 
@@ -13,6 +14,7 @@ namespace {
 
 struct JsonRequest {
     InputOptions inputs;
+    TextOptions texts;
     std::string output = "-";
     std::string bulk;
 };
@@ -35,10 +37,12 @@ int WriteJson(const JsonRequest& request, uint64_t bulkLimit) {
 
 int Json(const JsonRequest& request) {
     std::string complaint = ComplaintAbout(request.inputs);
-    if (complaint.empty()) complaint = UseTextOptions({});
+    if (complaint.empty()) complaint = UseTextOptionsForJson(request.texts);
     uint64_t bulkLimit = 0;
     if (complaint.empty()) complaint = ReadBulkLimit(request.bulk, bulkLimit);
-    return complaint.empty() ? WriteJson(request, bulkLimit) : Misuse(kJsonCommand, complaint);
+    if (!complaint.empty()) return Misuse(kJsonCommand, complaint);
+    UsePrivateElements(request.texts);
+    return WriteJson(request, bulkLimit);
 }
 
 Work DefineJson(OptionSet& options) {
@@ -47,6 +51,7 @@ Work DefineJson(OptionSet& options) {
     options.Text("-o,--output", "OUT", &request->output,
                  "the file to write (default: the standard output)");
     AddBulkLimit(options, request->bulk);
+    AddTextOptions(options, request->texts);
     return [request] { return Json(*request); };
 }
 

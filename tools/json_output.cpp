@@ -26,7 +26,7 @@ class DataSetPrinter {
         std::string damage;
         const auto root = Open(input.path, {kLoadedForJson, 0, false, &damage});
         if (!root) return root.error();
-        const std::string source = ToUtf8(input.path, "ISO_IR 192");
+        const std::string source = WellFormedUtf8(input.path);
         PgxJsonWriteOptions options = PGX_JSON_WRITE_OPTIONS;
         options.bulkLimit = bulkLimit_;
         options.sourceUri = source.c_str();

@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 
 #include "file_id.h"
+#include "real_path.h"
+#include "words.h"
 
 namespace pgtool {
 
@@ -28,15 +31,6 @@ bool IsFile(const std::string& path) {
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-// ASCII only, as names on media are.
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return lower;
-}
-
 }  // namespace
 
 std::string DirectoryFileOf(const std::string& path) {
@@ -45,23 +39,30 @@ std::string DirectoryFileOf(const std::string& path) {
     return IsDirectory(bare) ? bare + "/DICOMDIR" : path;
 }
 
-Medium::Medium(const std::string& directoryFile) {
+Medium::Medium(const std::string& directoryFile, Links links)
+    : staysInside_(links == Links::Inside) {
     const size_t end = directoryFile.find_last_of(kSeparators);
-    directory_ = end == std::string::npos ? "." : directoryFile.substr(0, end + 1);
+    directory_ = end == std::string::npos ? "./" : directoryFile.substr(0, end + 1);
     std::replace(directory_.begin(), directory_.end(), '\\', '/');
+    if (staysInside_) realRoot_ = RealPath(directory_);
 }
 
-FileState Medium::Find(std::string_view referencedFileId) {
+FoundFile Medium::Find(std::string_view referencedFileId) {
     const auto components = PathOnMedium(referencedFileId);
-    if (!components) return FileState::Outside;
+    if (!components) return {FileState::Outside, ""};
     std::string path = directory_;
     for (const std::string_view component : *components) {
         const Names& names = NamesIn(path);
-        const auto found = names.find(Lower(component));
-        if (found == names.end()) return FileState::Missing;
-        path += "/" + found->second;
+        const auto [first, last] = names.equal_range(LowerAscii(component));
+        if (first == last) return {FileState::Missing, ""};
+        const auto exact =
+            std::find_if(first, last, [&](const auto& name) { return name.second == component; });
+        if (!path.ends_with('/')) path += '/';
+        path += (exact == last ? first : exact)->second;
+        if (LeadsOut(path)) return {FileState::Outside, ""};
     }
-    return IsFile(path) ? FileState::Present : FileState::Missing;
+    if (!IsFile(path)) return {FileState::Missing, ""};
+    return {FileState::Present, path};
 }
 
 const Medium::Names& Medium::NamesIn(const std::string& directory) {
@@ -69,9 +70,19 @@ const Medium::Names& Medium::NamesIn(const std::string& directory) {
     if (!isNew) return listing->second;
     const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
     if (stream == nullptr) return listing->second;
+    std::set<std::string> names;
     while (const dirent* entry = readdir(stream.get()))
-        listing->second.try_emplace(Lower(entry->d_name), entry->d_name);
+        names.insert(entry->d_name);
+    for (const std::string& name : names)
+        listing->second.emplace(LowerAscii(name), name);
     return listing->second;
+}
+
+// A link that leads nowhere leads to no place outside either.
+bool Medium::LeadsOut(const std::string& path) const {
+    if (!staysInside_) return false;
+    const auto real = RealPath(path);
+    return real && !(realRoot_ && IsBelow(*real, *realRoot_));
 }
 
 }  // namespace pgtool

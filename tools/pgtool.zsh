@@ -14,6 +14,7 @@ commands=(
   'browse:list what a DICOMDIR refers to'
   'mkdir:make the DICOMDIR of a directory'
   'check:tell whether files may be on a medium'
+  'verify:check a medium\: its DICOMDIR, and its files against it'
   'tags:look elements up in the dictionary'
   'uid:look UIDs up'
   'modality:explain modalities'
@@ -52,6 +53,9 @@ case $words[1] in
       '*-o[the file to write (default\: the standard output)]:OUT:_files' \
       '*--output[the file to write (default\: the standard output)]:OUT:_files' \
       '*--bulk[values of more than N stored bytes become a BulkDataURI, the file with their offset and length (0\: every value that may)]:N:_files' \
+      '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
+      '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
+      '*--raw[texts are the bytes of the file, as they stand]' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;
@@ -145,12 +149,19 @@ case $words[1] in
       '*-o[the file to write; for several data sets the folder for 000001.dcm and so on]:OUT:_files' \
       '*--output[the file to write; for several data sets the folder for 000001.dcm and so on]:OUT:_files' \
       '*--bulk-dir[where the data of a BulkDataURI are, in a file of the URI'\''s last part; no other file is ever read]:DIR:_files' \
+      '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
+      '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
+      '*--raw[texts are the bytes of the file, as they stand]' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;
   browse)
     _arguments \
-      '*--json[print the same as JSON in UTF-8\: the members are named as the fields of the library'\''s objects; texts of the character set ISO_IR 192 are taken as UTF-8, of all others as ISO 8859-1, byte for byte]' \
+      '*--json[print the same as JSON in UTF-8\: the members are named as the fields of the library'\''s objects; fullPath is a path that opens where the file is there]' \
+      '*--files[print only the paths of the files, one on each line; those that are missing or outside are errors]' \
+      '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
+      '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
+      '*--raw[texts are the bytes of the file, as they stand]' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;
@@ -171,7 +182,21 @@ case $words[1] in
     ;;
   check)
     _arguments \
+      '*-r[work on the files in directories, too]' \
+      '*--recursive[work on the files in directories, too]' \
+      '*--files-from[work on the files that a file names, one on each line; - is the standard input]:LIST:_files' \
       '*--profile[the media application profile, such as STD-GEN-CD; without one every DICOM file with the identifiers of a DICOMDIR is accepted]:NAME:_files' \
+      '--help[explain the command]' \
+      '*:file:_files'
+    ;;
+  verify)
+    _arguments \
+      '*--profile[files must be such as this media application profile allows]:NAME:_files' \
+      '*--json[print the findings as JSON in UTF-8]' \
+      '*--repair[when there are findings, make a new DICOMDIR of the files, in the place of the former one]' \
+      '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
+      '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
+      '*--raw[texts are the bytes of the file, as they stand]' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;
@@ -180,17 +205,24 @@ case $words[1] in
       '*-f[list every element with this text in its name]' \
       '*--find[list every element with this text in its name]' \
       '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
+      '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
+      '*--raw[texts are the bytes of the file, as they stand]' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;
   uid)
     _arguments \
       '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
+      '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
+      '*--raw[texts are the bytes of the file, as they stand]' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;
   modality)
     _arguments \
+      '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
+      '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
+      '*--raw[texts are the bytes of the file, as they stand]' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;

@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "data_set.h"
 #include "inputs.h"
+#include "private_elements.h"
 #include "progress_line.h"
 #include "scan_rows.h"
 #include "system_thread.h"
@@ -42,7 +43,7 @@ class Scan {
         : columns_(std::move(columns)),
           raw_(request.texts.raw),
           threads_(request.jobs == 0 ? ProcessorCount() : request.jobs),
-          printer_(MakeRowPrinter(request.format, columns_)) {}
+          printer_(MakeRowPrinter(request.format, columns_, request.texts)) {}
 
     bool Add(const std::string& path) {
         rows_.push_back({path, {}, {}, {}});
@@ -112,7 +113,8 @@ class Scan {
 int RunScan(ScanRequest& request) {
     constexpr uint32_t kMostThreads = 256;
     request.inputs.recursive = true;
-    std::string complaint = UseTextOptions(request.texts);
+    std::string complaint = request.format == "jsonl" ? UseTextOptionsForJson(request.texts)
+                                                      : UseTextOptions(request.texts);
     if (complaint.empty()) complaint = ComplaintAbout(request.inputs);
     if (complaint.empty() && request.jobs > kMostThreads) complaint = "-j: at most 256";
     for (const std::string& tag : request.moreTags)
@@ -120,6 +122,7 @@ int RunScan(ScanRequest& request) {
     const std::vector<ScanColumn> columns =
         complaint.empty() ? ColumnsOf(request.tags, complaint) : std::vector<ScanColumn>();
     if (!complaint.empty()) return Misuse(kScanCommand, complaint);
+    UsePrivateElements(request.texts);
     Scan scan(columns, request);
     WalkInputs(
         request.inputs, [&](const Input& input) { return scan.Add(input.path); },
@@ -157,7 +160,8 @@ const Command kScanCommand = {
     "files only headers and these values are read. Rows stand in the byte order of the paths in\n"
     "each directory, however many files are read at the same time. Files that are no DICOM files\n"
     "are no failure: their number is told on the standard error stream. Of a sequence the row has\n"
-    "the number of items, of binary values that of bytes. Control characters are escapes.\n",
+    "the number of items, of binary values that of bytes. Control characters are escapes,\n"
+    "but for --raw.\n",
     DefineScan};
 
 }  // namespace pgtool

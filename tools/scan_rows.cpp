@@ -21,11 +21,6 @@ bool IsHalfTag(const std::string& text) {
     return text.size() == 4 && text.find_first_not_of("0123456789abcdefABCDEF") == text.npos;
 }
 
-std::string BytesOf(const pgkit::element& element) {
-    const std::vector<uint8_t> bytes = element.bytes();
-    return std::string(bytes.begin(), bytes.end());
-}
-
 // Texts whose value representation got lost on the way.
 bool IsPrintable(const pgkit::element& element) {
     if (element.length() > kLoadedOnScan) return false;
@@ -51,8 +46,8 @@ std::string CellOf(const pgkit::element& element, bool raw) {
 void Put(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
 std::string Quoted(const std::string& text) {
-    if (text.find_first_of(",\"") == text.npos && !text.starts_with(' ') && !text.ends_with(' '))
-        return text;
+    const bool isPlain = text.find_first_of(",\"\r\n") == text.npos;
+    if (isPlain && !text.starts_with(' ') && !text.ends_with(' ')) return text;
     std::string quoted = "\"";
     for (const char c : text)
         quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
@@ -61,7 +56,7 @@ std::string Quoted(const std::string& text) {
 
 class CsvPrinter : public RowPrinter {
   public:
-    explicit CsvPrinter(const std::vector<ScanColumn>& columns) {
+    CsvPrinter(const std::vector<ScanColumn>& columns, const TextOptions& texts) : texts_(texts) {
         Put("path");
         for (const ScanColumn& column : columns)
             Put("," + Quoted(column.name));
@@ -69,12 +64,15 @@ class CsvPrinter : public RowPrinter {
     }
     void Print(const std::vector<ScanRow>& rows) override {
         for (const ScanRow& row : rows) {
-            std::string line = Quoted(WithEscapes(row.path));
+            std::string line = Quoted(Shown(row.path, texts_));
             for (const std::string& value : row.values)
-                line += "," + Quoted(WithEscapes(value));
+                line += "," + Quoted(Shown(value, texts_));
             Put(line + "\n");
         }
     }
+
+  private:
+    const TextOptions texts_;
 };
 
 // A member for each element that is there.
@@ -86,11 +84,11 @@ class JsonLinesPrinter : public RowPrinter {
             JsonWriter json(stdout);
             json.BeginObject();
             json.Key("path");
-            json.Text(ToUtf8(row.path, "ISO_IR 192"));
+            json.Text(WellFormedUtf8(row.path));
             for (size_t i = 0; i < columns_.size(); ++i) {
                 if (!row.isThere[i]) continue;
                 json.Key(columns_[i].name);
-                json.Text(ToUtf8(row.values[i], "ISO_IR 192"));
+                json.Text(WellFormedUtf8(row.values[i]));
             }
             json.EndObject();
         }
@@ -104,7 +102,7 @@ class JsonLinesPrinter : public RowPrinter {
 // behind them aside.
 class TablePrinter : public RowPrinter {
   public:
-    explicit TablePrinter(const std::vector<ScanColumn>& columns) {
+    TablePrinter(const std::vector<ScanColumn>& columns, const TextOptions& texts) : texts_(texts) {
         head_.push_back("path");
         for (const ScanColumn& column : columns)
             head_.push_back(column.name);
@@ -116,10 +114,10 @@ class TablePrinter : public RowPrinter {
     }
 
   private:
-    static std::vector<std::string> CellsOf(const ScanRow& row) {
-        std::vector<std::string> cells = {WithEscapes(row.path)};
+    std::vector<std::string> CellsOf(const ScanRow& row) const {
+        std::vector<std::string> cells = {Shown(row.path, texts_)};
         for (const std::string& value : row.values)
-            cells.push_back(WithEscapes(value));
+            cells.push_back(Shown(value, texts_));
         return cells;
     }
 
@@ -147,6 +145,7 @@ class TablePrinter : public RowPrinter {
         Put(line + "\n");
     }
 
+    const TextOptions texts_;
     std::vector<std::string> head_;
     std::vector<size_t> widths_;
 };
@@ -190,10 +189,11 @@ pgkit::error ReadRow(const std::vector<ScanColumn>& columns, bool raw, ScanRow& 
 }
 
 std::unique_ptr<RowPrinter> MakeRowPrinter(const std::string& format,
-                                           const std::vector<ScanColumn>& columns) {
+                                           const std::vector<ScanColumn>& columns,
+                                           const TextOptions& texts) {
     if (format == "jsonl") return std::make_unique<JsonLinesPrinter>(columns);
-    if (format == "table") return std::make_unique<TablePrinter>(columns);
-    return std::make_unique<CsvPrinter>(columns);
+    if (format == "table") return std::make_unique<TablePrinter>(columns, texts);
+    return std::make_unique<CsvPrinter>(columns, texts);
 }
 
 }  // namespace pgtool

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "pgkit/cpp/result.hpp"
+#include "text_options.h"
 
 namespace pgtool {
 
@@ -39,6 +40,7 @@ class RowPrinter {
 
 // "csv", "jsonl" or "table".
 std::unique_ptr<RowPrinter> MakeRowPrinter(const std::string& format,
-                                           const std::vector<ScanColumn>& columns);
+                                           const std::vector<ScanColumn>& columns,
+                                           const TextOptions& texts);
 
 }  // namespace pgtool

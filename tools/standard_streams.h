@@ -8,7 +8,8 @@ void MakeStandardOutputBinary();
 void MakeStandardInputBinary();
 
 bool StandardErrorIsTerminal();
-bool StandardOutputIsTerminal();
+// Whether the standard output is a terminal that takes escape sequences for colours.
+bool StandardOutputTakesColours();
 
 // While it lives, what anybody in the process prints to the standard output goes to the standard
 // error stream: the library reports on the one, where the results of a command belong.

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <string_view>
 
 namespace pgtool {
 
@@ -11,7 +13,12 @@ void MakeStandardOutputBinary() {}
 void MakeStandardInputBinary() {}
 
 bool StandardErrorIsTerminal() { return isatty(STDERR_FILENO) != 0; }
-bool StandardOutputIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
+
+bool StandardOutputTakesColours() {
+    const char* const terminal = std::getenv("TERM");
+    return isatty(STDOUT_FILENO) != 0 && terminal != nullptr &&
+           std::string_view(terminal) != "dumb";
+}
 
 DivertedOutput::DivertedOutput() {
     std::fflush(stdout);

@@ -26,7 +26,15 @@ static bool IsTerminal(DWORD stream) {
 }
 
 bool StandardErrorIsTerminal() { return IsTerminal(STD_ERROR_HANDLE); }
-bool StandardOutputIsTerminal() { return IsTerminal(STD_OUTPUT_HANDLE); }
+
+// Older consoles do not know the mode.
+bool StandardOutputTakesColours() {
+    constexpr DWORD kTakesSequences = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
+    const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode;
+    return GetConsoleMode(console, &mode) != 0 &&
+           SetConsoleMode(console, mode | kTakesSequences) != 0;
+}
 
 DivertedOutput::DivertedOutput() {
     std::fflush(stdout);

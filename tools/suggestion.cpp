@@ -1,7 +1,9 @@
 #include "suggestion.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <utility>
+
+#include "words.h"
 
 namespace pgtool {
 
@@ -32,23 +34,30 @@ size_t Distance(const std::string& a, const std::string& b) {
 
 }  // namespace
 
-std::string Nearest(const std::string& typed, const std::vector<std::string>& words) {
+std::vector<std::string> NearestFew(const std::string& typed, const std::vector<std::string>& words,
+                                    size_t most) {
     constexpr size_t kLongest = 64;
-    if (typed.size() > kLongest) return "";
-    size_t best = std::max<size_t>(typed.size() / 3, 1) + 1;
-    std::string nearest;
-    for (const std::string& word : words) {
-        const size_t distance = Distance(typed, word);
-        if (distance >= best) continue;
-        best = distance;
-        nearest = word;
+    if (typed.size() > kLongest) return {};
+    const size_t furthest = std::max<size_t>(typed.size() / 3, 1);
+    std::vector<std::pair<size_t, size_t>> found;  // distance, index
+    for (size_t i = 0; i < words.size(); ++i) {
+        const size_t distance = Distance(typed, words[i]);
+        if (distance <= furthest) found.emplace_back(distance, i);
     }
+    std::sort(found.begin(), found.end());
+    std::vector<std::string> nearest;
+    for (size_t i = 0; i < std::min(found.size(), most); ++i)
+        nearest.push_back(words[found[i].second]);
     return nearest;
 }
 
-std::string DidYouMean(const std::string& typed, const std::vector<std::string>& words) {
-    const std::string nearest = Nearest(typed, words);
-    return nearest.empty() ? "" : "; did you mean " + nearest + "?";
+std::string DidYouMean(const std::string& typed, const std::vector<std::string>& words,
+                       size_t most) {
+    std::vector<std::string> nearest = NearestFew(typed, words, most);
+    if (nearest.empty()) return "";
+    const std::string last = nearest.back();
+    nearest.pop_back();
+    return "; did you mean " + Joined(nearest, ", ") + (nearest.empty() ? "" : " or ") + last + "?";
 }
 
 }  // namespace pgtool

@@ -9,6 +9,7 @@
 #include "suggestion.h"
 #include "tag.h"
 #include "text_options.h"
+#include "words.h"
 
 namespace pgtool {
 
@@ -23,7 +24,7 @@ struct TagsRequest {
 // One line: tag, value representation, name and, for a tag with a row of its own, the element
 // identifier; behind it today's keyword, where that is another. False when the dictionary knows
 // nothing.
-bool PrintTag(pgkit::tag tag, bool withKeyword) {
+bool PrintTag(pgkit::tag tag, const TextOptions& texts) {
     char name[128];
     char valueRep[5];
     const bool isNamed = pgGetTagPrintableName(tag.group, tag.element, name) != 0;
@@ -32,28 +33,25 @@ bool PrintTag(pgkit::tag tag, bool withKeyword) {
     if (!isNamed && !hasValueRep) return false;
 
     const uint32_t identifier = pgFindElementIdType(tag.group, tag.element);
-    std::printf("(%04X,%04X) %-4s %s", tag.group, tag.element, valueRep, name);
+    std::printf("(%04X,%04X) %-4s %s", tag.group, tag.element, valueRep,
+                ShownAny(name, texts).c_str());
     if (identifier != kNoIdentifier) std::printf(" %u", identifier);
     const std::string keyword = tag.keyword();
-    if (withKeyword && !keyword.empty() && keyword != name) std::printf(" %s", keyword.c_str());
+    if (IsCurrent(texts) && !keyword.empty() && keyword != name)
+        std::printf(" %s", keyword.c_str());
     std::printf("\n");
     return true;
 }
 
-std::string Lower(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return text;
-}
-
 // All elements with a text in one of their names.
-bool PrintMatches(const std::string& text, bool isCurrent) {
-    const std::string part = Lower(text);
+bool PrintMatches(const std::string& text, const TextOptions& texts) {
+    const std::string part = LowerAscii(text);
     bool isFound = false;
     for (const pgkit::tag tag : KnownTags()) {
-        const bool matches = Lower(BuiltInName(tag)).find(part) != std::string::npos ||
-                             (isCurrent && Lower(tag.keyword()).find(part) != std::string::npos);
-        if (matches && PrintTag(tag, isCurrent)) isFound = true;
+        const bool matches =
+            LowerAscii(BuiltInName(tag)).find(part) != std::string::npos ||
+            (IsCurrent(texts) && LowerAscii(tag.keyword()).find(part) != std::string::npos);
+        if (matches && PrintTag(tag, texts)) isFound = true;
     }
     return isFound;
 }
@@ -74,7 +72,8 @@ int Tags(const TagsRequest& request) {
     for (const std::string& text : request.texts) {
         const bool isTag = text.find(',') != std::string::npos;
         if (request.finds && !isTag) {
-            if (!PrintMatches(text, isCurrent)) status = Fail(kTagsCommand, "unknown: " + text);
+            if (!PrintMatches(text, request.options))
+                status = Fail(kTagsCommand, "unknown: " + text);
             continue;
         }
         std::optional<pgkit::tag> tag;
@@ -85,7 +84,7 @@ int Tags(const TagsRequest& request) {
         } else {
             tag = FindName(text, isCurrent);
         }
-        if (tag && PrintTag(*tag, isCurrent)) continue;
+        if (tag && PrintTag(*tag, request.options)) continue;
         const std::string hint = isTag ? "" : DidYouMean(text, ElementNames());
         status = Fail(kTagsCommand, "unknown: " + text + hint);
     }
@@ -96,7 +95,7 @@ Work DefineTags(OptionSet& options) {
     const auto request = std::make_shared<TagsRequest>();
     options.Operands(&request->texts, 1, kAnyNumber, "a name or a tag is expected");
     options.Switch("-f,--find", &request->finds, "list every element with this text in its name");
-    AddEdition(options, request->options);
+    AddTextOptions(options, request->options);
     return [request] { return Tags(*request); };
 }
 

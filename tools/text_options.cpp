@@ -1,6 +1,7 @@
 #include "text_options.h"
 
 #include "pgkit/edition.h"
+#include "utf8_text.h"
 
 namespace pgtool {
 
@@ -23,6 +24,19 @@ std::string UseTextOptions(const TextOptions& texts) {
     if (texts.raw && texts.utf8) return "--raw or --utf8, not both";
     pgxUseEdition(IsCurrent(texts) ? PGX_EDITION_CURRENT : PGX_EDITION_BUILT_IN);
     return "";
+}
+
+std::string UseTextOptionsForJson(const TextOptions& texts) {
+    const std::string complaint = UseTextOptions(texts);
+    return complaint.empty() && texts.raw ? "JSON is UTF-8: no --raw" : complaint;
+}
+
+std::string Shown(const std::string& text, const TextOptions& texts) {
+    return texts.raw ? text : WithEscapes(text);
+}
+
+std::string ShownAny(const std::string& text, const TextOptions& texts) {
+    return texts.raw ? text : WithEscapes(AnyToUtf8(text));
 }
 
 }  // namespace pgtool

@@ -23,5 +23,12 @@ bool IsCurrent(const TextOptions& texts);
 
 // Makes the library answer by the edition. Gives the complaint about the options, or an empty text.
 [[nodiscard]] std::string UseTextOptions(const TextOptions& texts);
+// The same where JSON is printed or taken, which is UTF-8.
+[[nodiscard]] std::string UseTextOptionsForJson(const TextOptions& texts);
+
+// A text as it is printed: with escapes (WithEscapes), but for --raw.
+std::string Shown(const std::string& text, const TextOptions& texts);
+// The same of a text that nobody says the character set of (AnyToUtf8).
+std::string ShownAny(const std::string& text, const TextOptions& texts);
 
 }  // namespace pgtool

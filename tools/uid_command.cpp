@@ -31,19 +31,17 @@ constexpr Category kCategories[] = {
     {"rt-plan", pgIsRTPlanSOPClass},
 };
 
-bool usesCurrentNames = true;
-
 // One line: UID, name, and for a SOP class its modality mnemonic and categories. False when the
 // tables know nothing.
-bool PrintUid(const std::string& uid) {
+bool PrintUid(const std::string& uid, const TextOptions& texts) {
     auto name = Lookup(pgxGetUIDName, uid);
-    if (!name && usesCurrentNames) name = Lookup(pgxUidKeyword, uid);
+    if (!name && IsCurrent(texts)) name = Lookup(pgxUidKeyword, uid);
     if (name && name->empty()) name.reset();
     const auto mnemonic = Lookup(pgxGetSOPClassUIDToModality, uid);
     if (!name && !mnemonic) return false;
 
-    std::printf("%s %s", uid.c_str(), name.value_or("").c_str());
-    if (mnemonic) std::printf(" %s", mnemonic->c_str());
+    std::printf("%s %s", Shown(uid, texts).c_str(), ShownAny(name.value_or(""), texts).c_str());
+    if (mnemonic) std::printf(" %s", ShownAny(*mnemonic, texts).c_str());
     for (const Category& category : kCategories) {
         if (category.contains(uid.c_str())) std::printf(" %s", category.name);
     }
@@ -59,10 +57,13 @@ struct UidRequest {
 Work DefineUid(OptionSet& options) {
     const auto request = std::make_shared<UidRequest>();
     options.Operands(&request->uids, 1, kAnyNumber, "a UID is expected");
-    AddEdition(options, request->texts);
+    AddTextOptions(options, request->texts);
     return [request] {
-        usesCurrentNames = IsCurrent(request->texts);
-        return AnswerEach(kUidCommand, request->uids, PrintUid);
+        const TextOptions& texts = request->texts;
+        const std::string complaint = UseTextOptions(texts);
+        if (!complaint.empty()) return Misuse(kUidCommand, complaint);
+        return AnswerEach(kUidCommand, request->uids,
+                          [&](const std::string& uid) { return PrintUid(uid, texts); });
     };
 }
 

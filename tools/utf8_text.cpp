@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "pgkit/text.h"
+#include "pgkit/value_representation.h"
+
 namespace pgtool {
 
 namespace {
@@ -38,30 +41,6 @@ size_t WellFormedLength(std::string_view text) {
         if ((ByteAt(text, i) & 0xC0) != 0x80) return 0;
     }
     return length;
-}
-
-std::string Repaired(std::string_view text) {
-    std::string result;
-    while (!text.empty()) {
-        const size_t length = WellFormedLength(text);
-        result += length == 0 ? kReplacement : text.substr(0, length);
-        text.remove_prefix(std::max<size_t>(length, 1));
-    }
-    return result;
-}
-
-std::string FromLatin1(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        const uint8_t byte = static_cast<uint8_t>(c);
-        if (byte < 0x80) {
-            result += c;
-        } else {
-            result += static_cast<char>(0xC0 | byte >> 6);
-            result += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
-    return result;
 }
 
 // One character. Those behind ASCII that are escaped are U+0080 to U+009F, U+202A to U+202E and
@@ -99,19 +78,29 @@ std::string Escaped(std::string_view character) {
 
 }  // namespace
 
-std::string ToUtf8(std::string_view text, std::string_view characterSet) {
-    const bool isUtf8 = characterSet.find("ISO_IR 192") != std::string_view::npos;
-    return isUtf8 ? Repaired(text) : FromLatin1(text);
+std::string FieldToUtf8(const char* field, uint32_t valueRep, const char* characterSet) {
+    std::string text(256, '\0');
+    const auto convert = [&] {
+        return pgxFieldToUtf8(characterSet, valueRep, field, text.data(), text.size());
+    };
+    int64_t size = convert();
+    if (size >= static_cast<int64_t>(text.size())) {
+        text.resize(static_cast<size_t>(size) + 1);
+        size = convert();
+    }
+    text.resize(size < 0 ? 0 : static_cast<size_t>(size));
+    return text;
 }
 
-// Those behind ASCII are U+0080 to U+009F, two bytes each.
-std::string WithoutControls(std::string_view utf8) {
+// UT is the one text in which nothing is a delimiter or padding in front.
+std::string AnyToUtf8(const std::string& text) { return FieldToUtf8(text.c_str(), VR_UT, nullptr); }
+
+std::string WellFormedUtf8(std::string_view text) {
     std::string result;
-    for (size_t i = 0; i < utf8.size(); ++i) {
-        const uint8_t byte = ByteAt(utf8, i);
-        const bool isPair = byte == 0xC2 && i + 1 < utf8.size() && ByteAt(utf8, i + 1) < 0xA0;
-        if (isPair) ++i;
-        result += isPair || byte < 0x20 || byte == 0x7F ? '?' : utf8[i];
+    while (!text.empty()) {
+        const size_t length = WellFormedLength(text);
+        result += length == 0 ? kReplacement : text.substr(0, length);
+        text.remove_prefix(std::max<size_t>(length, 1));
     }
     return result;
 }

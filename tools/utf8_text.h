@@ -1,19 +1,21 @@
 // Texts of data sets in UTF-8, for terminals and other programs.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace pgtool {
 
-// With the character set ISO_IR 192 the text is UTF-8 already; what is not well-formed in it
-// becomes U+FFFD. With any other, each byte becomes the character of its number, as in ISO 8859-1:
-// nothing is lost, and whoever knows the character set can have the bytes back.
-std::string ToUtf8(std::string_view text, std::string_view characterSet);
+// A field of a directory record of a value representation, under the record's own character set
+// (pgxFieldToUtf8).
+std::string FieldToUtf8(const char* field, uint32_t valueRep, const char* characterSet);
 
-// A text in UTF-8 with question marks for the control characters, which could move the cursor of a
-// terminal or break a line.
-std::string WithoutControls(std::string_view utf8);
+// The same of a text that nobody says the character set of: UTF-8 if it can be, else ISO 8859-1.
+std::string AnyToUtf8(const std::string& text);
+
+// With U+FFFD for what is no UTF-8.
+std::string WellFormedUtf8(std::string_view text);
 
 bool IsUtf8(std::string_view text);
 

@@ -10,6 +10,17 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
     return parts;
 }
 
+std::string LowerAscii(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return lower;
+}
+
+std::string Counted(size_t count, const char* one, const char* several) {
+    return std::to_string(count) + " " + (count == 1 ? one : several);
+}
+
 std::string Joined(const std::vector<std::string>& words, std::string_view separator) {
     std::string text;
     for (size_t i = 0; i < words.size(); ++i) {

@@ -46,6 +46,16 @@ def built_library(folder):
     return folder / "bin" / LIBRARY
 
 
+def copy_private_elements(library, package):
+    """The list of private elements, from the sources or from where the library lies."""
+    for folder in (BROUGHT_ALONG / "data", HERE.parent.parent / "data", library.parent,
+                   library.parent.parent / "share/pgkit", library.parent.parent.parent / "share/pgkit"):
+        if (folder / "private.dic").is_file():
+            shutil.copyfile(folder / "private.dic", package / "private.dic")
+            return
+    print("pgkit: there is no private.dic: the wheel will know no private elements", file=sys.stderr)
+
+
 class BuildWithLibraries(build_py):
     def run(self):
         super().run()
@@ -57,6 +67,7 @@ class BuildWithLibraries(build_py):
         for name in COMPANIONS:
             if (library.parent / name).is_file():
                 self.put(library.parent / name, package / name)
+        copy_private_elements(library, package)
 
     @staticmethod
     def put(file, place):

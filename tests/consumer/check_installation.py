@@ -147,8 +147,9 @@ def check_names_path():
 def check_content(kit):
     """What a developer expects is there, nothing else is beside it, and no file tells whence."""
     modules = (["bin/pgkit.dll", "bin/pgview32.dll", "bin/pgtool.exe", "lib/libpgkit.dll.a",
-                "lib/libpgview32.dll.a", "lib/pgkit.def", "lib/pgview32.def"] if kit.wine else
-               ["bin/pgtool", "lib/libpgkit.so", "lib/libpgkit.so.2", "lib/pgview32.so"])
+                "lib/libpgview32.dll.a", "lib/pgkit.def", "lib/pgview32.def", "bin/private.dic"]
+               if kit.wine else
+               ["share/pgkit/private.dic", "bin/pgtool", "lib/libpgkit.so", "lib/libpgkit.so.2", "lib/pgview32.so"])
     documents = ["LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "SECURITY.md", "docs/api.md",
                  "docs/files.md", "docs/ownership.md", "docs/architecture.md",
                  "examples/CMakeLists.txt"]

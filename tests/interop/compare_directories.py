@@ -39,7 +39,7 @@ OWN_MODALITIES = ("SR", "KO", "PR")
 def browse(command, path):
     run = subprocess.run(command + ["browse", str(path), "--json"], capture_output=True,
                          timeout=SECONDS, check=False)
-    if run.returncode != 0:
+    if run.returncode not in (0, 1) or not run.stdout:  # 1: not all of it can be read
         raise RuntimeError(f"exit status {run.returncode}: {run.stderr.decode(errors='replace')}")
     return run.stdout
 
@@ -99,6 +99,8 @@ def check_browse(tool, path):
     if printed["counts"]["instances"] != len(leaves):
         return f"counts {printed['counts']['instances']} instances, prints {len(leaves)}"
     for leaf in leaves:
+        if leaf["file"] == "present" and not os.path.isfile(leaf["fullPath"]):
+            return f"{leaf['fullPath']} does not open"
         file_id = leaf["referencedFileId"]
         is_there = file_id != "No.ReferencedFileID" and has_file(path, file_id)
         if (leaf["file"] == "present") != is_there:

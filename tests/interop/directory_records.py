@@ -14,18 +14,21 @@ written here a second time, as short as it can be said:
             to other DICOMDIRs among the leaves.
   order     leaves stand in ascending order of their instance numbers. One with a number that is there
             already goes behind those at the end of the list, in front of those further in.
-  texts     are cut to the size of their field; where pgkit says so blanks around them are dropped.
+  texts     are cut to the size of their field; where pgkit says so blanks around them are dropped,
+            those at the end always. They are in the character set of the record, names of files in
+            UTF-8 if they can be.
 """
 
 import io
 import re
 
-from pydicom import filereader
+from pydicom import charset, filereader
 
 from raw_elements import read_head
 
 ROOT, NEXT, LOWER = 0x00041200, 0x00041400, 0x00041420
 RECORDS, RECORD_TYPE = 0x00041220, 0x00041430
+FILE_ID = 0x00041500
 INSTANCE_UID, SOP_CLASS_UID = 0x00041511, 0x00041510
 CHARACTER_SET, INSTANCE_NUMBER = 0x00080005, 0x00200013
 DIRECTORY_CLASS = "1.2.840.10008.1.3.10"
@@ -60,7 +63,7 @@ SERIES = {
 }
 LEAF = {
     "recordType": (RECORD_TYPE, 16, True, ""),
-    "referencedFileId": (0x00041500, 259, False, "No.ReferencedFileID"),
+    "referencedFileId": (FILE_ID, 259, False, "No.ReferencedFileID"),
     "instanceUid": (INSTANCE_UID, 64, True, ""),
     "sopClassUid": (SOP_CLASS_UID, 64, False, "No.SOPClass.UID"),
     "transferSyntaxUid": (0x00041512, 64, False, "No.TransferSyntax.UID"),
@@ -101,11 +104,20 @@ def read_text(record, tag, size, is_trimmed, missing):
     value = raw_value(record, tag)
     if value is None:
         return missing
-    character_set = raw_value(record, CHARACTER_SET) or b""
-    text = value.split(b"\0")[0][:size]
+    text = value.split(b"\0")[0][:size].rstrip(b" ")
     if is_trimmed:
         text = text.strip(b" ")
-    return text.decode("utf-8" if b"ISO_IR 192" in character_set else "latin-1", "replace")
+    return decoded(text, b"" if tag == FILE_ID else raw_value(record, CHARACTER_SET) or b"")
+
+
+def decoded(text, character_set):
+    terms = [term.strip() for term in character_set.decode("ascii", "replace").rstrip("\0").split("\\")]
+    if terms == [""]:
+        try:
+            return text.decode("utf-8")
+        except UnicodeDecodeError:
+            return text.decode("latin-1")
+    return charset.decode_bytes(text, charset.convert_encodings(terms), {"\\", "^", "="})
 
 
 def read_keys(record, keys):

@@ -22,13 +22,17 @@ StreamBuilder RecordContent(const DirectoryRecordSpec& record, uint32_t next, ui
 }
 
 // Everything in front of the first record.
-StreamBuilder Head(const DirectoryBuilder& directory, uint32_t rootOffset) {
+StreamBuilder Head(const DirectoryBuilder& directory, uint32_t rootOffset, uint32_t lastOffset) {
     StreamBuilder meta;
     meta.PaddedElement(0x0002, 0x0002, "UI", directory.sopClassUid)
         .PaddedElement(0x0002, 0x0010, "UI", "1.2.840.10008.1.2.1");
     StreamBuilder stream;
     stream.Preamble().ElementUL(0x0002, 0x0000, meta.Size()).Append(meta.Data());
     if (directory.hasRootOffset) stream.ElementUL(0x0004, 0x1200, rootOffset);
+    if (directory.hasAllHeadKeys) {
+        stream.ElementUL(0x0004, 0x1202, lastOffset)
+            .ElementUS(0x0004, 0x1212, directory.consistencyFlag);
+    }
     if (directory.hasSequence) stream.Sequence(0x0004, 0x1220);
     return stream;
 }
@@ -93,12 +97,17 @@ uint32_t DirectoryBuilder::OffsetOf(size_t record) const { return Offsets()[reco
 
 std::vector<uint32_t> DirectoryBuilder::Offsets() const {
     std::vector<uint32_t> offsets(records_.size());
-    uint32_t position = Head(*this, 0).Size();
+    uint32_t position = Head(*this, 0, 0).Size();
     for (const size_t record : fileOrder) {
         offsets[record] = position;
         position += kItemHeaderSize + RecordContent(records_[record], 0, 0).Size();
     }
     return offsets;
+}
+
+std::optional<size_t> DirectoryBuilder::LastOfRoot() const {
+    const auto last = lastChildren_.find(std::nullopt);
+    return last == lastChildren_.end() ? std::nullopt : std::optional<size_t>(last->second);
 }
 
 Bytes DirectoryBuilder::Build() const {
@@ -108,7 +117,8 @@ Bytes DirectoryBuilder::Build() const {
         return record ? offsets[*record] : 0;
     };
     StreamBuilder stream =
-        Head(*this, target(rootOffset, records_.empty() ? std::nullopt : std::optional<size_t>(0)));
+        Head(*this, target(rootOffset, records_.empty() ? std::nullopt : std::optional<size_t>(0)),
+             target(lastRootOffset, LastOfRoot()));
     if (!hasSequence) return stream.Data();
     for (const size_t number : fileOrder) {
         const DirectoryRecordSpec& record = records_[number];

@@ -61,6 +61,11 @@ class DirectoryBuilder {
     std::optional<uint32_t> rootOffset;
     bool hasRootOffset = true;
     bool hasSequence = true;
+    // The other keys of type 1 in front of the records, which readers do without: the offset of the
+    // last record of the root, and the File-set Consistency Flag.
+    bool hasAllHeadKeys = false;
+    std::optional<uint32_t> lastRootOffset;
+    uint16_t consistencyFlag = 0;
     std::string sopClassUid = "1.2.840.10008.1.3.10";
 
     Bytes Build() const;
@@ -69,6 +74,7 @@ class DirectoryBuilder {
 
   private:
     std::vector<uint32_t> Offsets() const;
+    std::optional<size_t> LastOfRoot() const;
 
     std::vector<DirectoryRecordSpec> records_;
     std::map<std::optional<size_t>, size_t> lastChildren_;

@@ -32,7 +32,8 @@ SINGLE = {"image": ["-o", "OUT"], "save": ["OUT"]}
 ANSWERS = {"tags": "PatientName", "uid": "1.2.840.10008.1.2", "modality": "CT"}
 PRINTERS = {**{name: [word] for name, word in ANSWERS.items()}, "profiles": [],
             "documentation": ["man"], "dump": ["good"], "json": ["good"], "scan": ["good"], "check": ["good"],
-            "browse": ["DICOMDIR"], "dump --raw": ["good"], "save good": ["-"],
+            "browse": ["DICOMDIR"], "browse --json": ["DICOMDIR"], "verify": ["DICOMDIR"],
+            "verify --json": ["DICOMDIR"], "dump --raw": ["good"], "save good": ["-"],
             "set good PatientID=7 -o": ["-"], "image good -o": ["-"]}
 
 
@@ -99,6 +100,52 @@ def check_closed_pipe(tool, arguments):
     return None if done.returncode in (1, -13) else f"exit status {done.returncode}"
 
 
+def check_made_medium(tool):
+    """What mkdir makes of files that conform is sound."""
+    with workplace() as place:
+        (place / "medium/DIR").mkdir(parents=True)
+        shutil.copyfile(IMAGE, place / "medium/DIR/A")
+        found = complaint_about(run(tool, place, ["mkdir", "medium", "--no-list", "--fill-missing"]), 0)
+        return found or complaint_about(run(tool, place, ["verify", "medium"]), 0, ["no findings"])
+
+
+def check_colours(tool, arguments, environment, wanted):
+    """Colours are for terminals, and for those who do not refuse them."""
+    terminal, output = os.openpty()
+    with workplace() as place, os.fdopen(terminal, "rb", buffering=0) as reader:
+        done = run(tool, place, arguments, stdout=output,
+                   env={**os.environ, "TERM": "xterm", "NO_COLOR": "", **environment})
+        os.close(output)
+        printed = reader.read(4096)
+    if (b"\x1b[" in printed) != wanted:
+        return f"printed {printed[:80]}"
+    return complaint_about(done, 0)
+
+
+def check_closed_medium(tool, user):
+    """A file of a medium that may not be read is a finding; a folder that may not be written to keeps
+    its DICOMDIR."""
+    options = {"user": NOBODY, "group": NOBODY} if user else {}
+    with workplace() as place:
+        medium = place / "medium"
+        medium.mkdir()
+        shutil.copyfile(IMAGE, medium / "A")
+        run(tool, place, ["mkdir", "medium", "--no-list"])
+        former = (medium / "DICOMDIR").read_bytes()
+        (medium / "A").chmod(0o000)
+        done = run(tool, place, ["verify", "medium"], **options)
+        (medium / "A").chmod(0o644)
+        if b"A cannot be read\n" not in done.stdout:
+            return f"printed {done.stdout}"
+        shutil.copyfile(IMAGE, medium / "lowercase")
+        medium.chmod(0o555)
+        done = run(tool, place, ["verify", "medium", "--repair"], **options)
+        medium.chmod(0o755)
+        if (medium / "DICOMDIR").read_bytes() != former:
+            return "the DICOMDIR is another"
+        return complaint_about(done, 1, ["DICOMDIR: the file cannot be created"])
+
+
 def check_no_permission(tool, arguments, closed, user):
     """A file that may not be read, or a folder that may not be written to."""
     with workplace() as place:
@@ -123,15 +170,15 @@ def checks_of_inputs(tool):
         yield "bad", name, check, (tool, [name, "bad", *rest], status, both)
         inner = ["OUT/good"] if out else []
         yield "mixed", name, check, (tool, [name, "bad", "good", *rest], status, both, inner)
-        if name == "check":
-            continue
         yield "missing", name, check, (tool, [name, "no", "good", *rest], 1,
                                        ["cannot open no: no such file"], inner)
         below = ["OUT/a", "OUT/sub/b"] if out else []
-        yield "folder", name, check, (tool, [name, "-r", "dir", *rest], 0, [], below)
+        twice = 1 if name == "check" else 0  # the folder has the same instance twice
+        yield "folder", name, check, (tool, [name, "-r", "dir", *rest], twice, [], below)
         if name != "scan":
             yield "folder", f"{name} without -r", check, (tool, [name, "dir", *rest], 1,
                                                           ["dir is a directory"])
+        if name not in ("check", "scan"):
             yield "stdin", name, check_standard_input, (tool, [name, "-", *rest])
     for name, rest in SINGLE.items():
         yield "nothing", name, check, (tool, [name, *rest], 2, [f"usage: pgtool {name}"])
@@ -151,6 +198,14 @@ def checks_of_inputs(tool):
     yield "good", "browse", check, (tool, ["browse", "DICOMDIR"], 0, [])
     yield "bad", "browse", check, (tool, ["browse", "good"], 1, ["good is not a DICOMDIR"])
     yield "folder", "browse", check, (tool, ["browse", "."], 0, [])
+    yield "mixed", "browse --files", check, (tool, ["browse", "--files", "DICOMDIR"], 1, ["missing: "])
+    yield "nothing", "verify", check, (tool, ["verify"], 2, ["usage: pgtool verify"])
+    yield "missing", "verify", check, (tool, ["verify", "no"], 1, ["cannot open no: no such file"])
+    yield "bad", "verify", check, (tool, ["verify", "dir"], 1, ["0 records, 0 files: 3 findings"])
+    yield "mixed", "verify", check, (tool, ["verify", "DICOMDIR"], 1, ["52 records, 0 files: "])
+    yield "good", "verify", check_made_medium, (tool,)
+    yield "folder", "verify --repair", check, (tool, ["verify", "--repair", "dir"], 1,
+                                               ["a new DICOMDIR is in place"], ["dir/DICOMDIR"])
     yield "nothing", "mkdir", check, (tool, ["mkdir"], 2, ["usage: pgtool mkdir"])
     yield "folder", "mkdir", check, (tool, ["mkdir", "dir"], 0, [], ["dir/DICOMDIR"])
     yield "bad", "mkdir", check, (tool, ["mkdir", "no"], 1, ["pgtool mkdir: "])
@@ -162,12 +217,18 @@ def checks(tool):
         arguments = [*command.split(), *rest]
         yield "full", " ".join(arguments), check_full_disc, (tool, arguments)
         yield "closed", " ".join(arguments), check_closed_pipe, (tool, arguments)
+    some = ["dump", "good", "-t", "PatientID"]
+    yield "terminal", "dump", check_colours, (tool, some, {}, True)
+    yield "terminal", "dump, NO_COLOR", check_colours, (tool, some, {"NO_COLOR": "1"}, False)
+    yield "terminal", "dump, TERM=dumb", check_colours, (tool, some, {"TERM": "dumb"}, False)
+    yield "terminal", "dump --raw", check_colours, (tool, ["dump", "--raw", "good"], {}, False)
     root = os.getuid() == 0
     for name, rest in {**WRITERS, **SINGLE}.items():
         if name == "image" and root:
             continue
         arguments = [name, "good", *("locked/out" if word == "OUT" else word for word in rest)]
         yield "locked", name, check_no_permission, (tool, arguments, "locked", root)
+    yield "locked", "verify", check_closed_medium, (tool, root)
     for name in ("dump", "json", "scan", "set"):
         arguments = [name, "good", *WRITERS.get(name, [])]
         yield "locked", f"{name}: source", check_no_permission, (tool, arguments, "good", root)

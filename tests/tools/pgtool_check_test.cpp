@@ -12,6 +12,7 @@
 namespace {
 
 using namespace pgkit_test;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -65,6 +66,24 @@ TEST_F(PgtoolCheck, ReportsMissingFilesAsUnreadable) {
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.out, missing + ": 2 File is not DICOM Part 10 compliant\n");
     EXPECT_THAT(run.err, HasSubstr("unable to open"));
+    EXPECT_THAT(run.err, EndsWith("pgtool check: cannot open " + missing + ": no such file\n"));
+}
+
+// Directories were unreadable files.
+TEST_F(PgtoolCheck, GoesThroughDirectories) {
+    std::filesystem::create_directories(directory_.Path("D/E"));
+    const std::string a = Write("D/A", Instance(1));
+    const std::string b = Write("D/E/B", Instance(2));
+    directory_.Write("D/TEXT", "no DICOM at all");
+    const Finished run = Check({"-r", directory_.Path("D")});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.out, a + ": 0 Dicom file accepted\n" + b + ": 0 Dicom file accepted\n");
+    EXPECT_EQ(run.err, "pgtool check: 1 other files\n");
+    const Finished plain = Check({directory_.Path("D")});
+    EXPECT_EQ(plain.exitStatus, 1);
+    EXPECT_THAT(plain.err, EndsWith("D is a directory; -r works on the files in it\n"));
+    const std::string list = directory_.Write("LIST", a + "\n" + b + "\n");
+    EXPECT_EQ(Check({"--files-from", list}).out, run.out);
 }
 
 TEST_F(PgtoolCheck, NeedsAFile) {

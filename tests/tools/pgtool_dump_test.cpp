@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/instance_file.h"
 #include "support/process.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
@@ -84,6 +85,34 @@ TEST_F(PgtoolDumpText, FloatingNumbersHaveAllTheirDigits) {
     const std::string value = Raw({0x9A, 0x99, 0x99, 0x99, 0x99, 0x99, 0xB9, 0x3F, 0x59, 0xF3, 0xF8,
                                    0xC2, 0x1F, 0x6E, 0xA5, 0x01});
     EXPECT_THAT(Line(0x0072, 0x0074, "FD", value), EndsWith("Value: [0.1 1e-300 ]\n"));
+}
+
+// Nobody could tell whether one number was missing or a million.
+TEST_F(PgtoolDumpText, TheLengthOfManyNumbersIsTold) {
+    EXPECT_THAT(Line(0x0028, 0x3006, "US", std::string(80, '\1')),
+                EndsWith(" 257 257 ... 80 bytes]\n"));
+}
+
+// The list was there, and nobody read it.
+TEST_F(PgtoolDumpText, PrivateElementsHaveTheirNames) {
+    const pgkit_test::InstanceFile file = pgkit_test::InstanceFile()
+                                              .Set(0x0019, 0x0010, "LO", "1.2.840.113681")
+                                              .Set(0x0019, 0x1010, "UN", "dull");
+    const std::string path = files_.Write("private", file.Data());
+    const auto line = [&](const std::vector<std::string>& options) {
+        std::vector<std::string> arguments = {"dump", path, "-t", "0019,1010"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return Pgtool(arguments).out;
+    };
+    EXPECT_EQ(line({}),
+              "(0019,1010) : ST   Len: 4      CRImageParamsCommon            Value: [dull]\n");
+    EXPECT_THAT(line({"--edition", "built-in"}), HasSubstr(" : UN "));
+    // What is written keeps what it has.
+    const std::string written = files_.Path("written");
+    ASSERT_EQ(Pgtool({"set", path, "PatientID=7", "-o", written}).exitStatus, 0);
+    const pgkit_test::Bytes bytes = pgkit_test::ReadFile(written);
+    EXPECT_THAT(std::string(bytes.begin(), bytes.end()),
+                HasSubstr(std::string("\x19\0\x10\x10UN", 6)));
 }
 
 TEST_F(PgtoolDumpText, UnsignedNumbersAreUnsigned) {

@@ -185,7 +185,7 @@ TEST_F(PgtoolMkdir, RefusesUnknownProfilesBeforeItTouchesAnything) {
     for (const char* command : {"mkdir", "check"}) {
         const Finished run = RunProgram(PGKIT_PGTOOL, {command, Medium(), "--profile", "STD-GEN"});
         EXPECT_EQ(run.exitStatus, 2);
-        EXPECT_THAT(run.err, HasSubstr(": unknown profile: STD-GEN\n"));
+        EXPECT_THAT(run.err, HasSubstr(": unknown profile: STD-GEN"));
     }
     EXPECT_FALSE(std::filesystem::exists(directory_.Path("MEDIUM/dcmdir.lst")));
 }

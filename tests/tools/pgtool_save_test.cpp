@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "support/process.h"
@@ -24,6 +25,7 @@ using pgkit_test::TestData;
 using pgkit_test::TextOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr const char* kSource = "native/mr_implicit_le.dcm";
 
@@ -45,6 +47,27 @@ class PgtoolWriting : public testing::Test {
     const std::string source_ = TestData(kSource);
     const std::string output_ = directory_.Path("output");
 };
+
+// Offsets stayed as they were, and led to no record any more.
+TEST_F(PgtoolWriting, LinksOfADicomdirFollowItsRecords) {
+    const std::string source = TestData("dicomdir/DICOMDIR_implicit");
+    const std::string name = "DirectoryRecordSequence[0].PatientName=MUCH^LONGER^THAN^IT^WAS";
+    const std::vector<std::vector<std::string>> changes = {
+        {"set", source, name, "-o", output_},
+        {"delete", source, "-t", "DirectoryRecordSequence[0].PatientName", "-o", output_},
+        {"save", source, output_, "--mode", "explicit-le", "--undefined-lengths"}};
+    const auto instances = [](const std::string& directory) {
+        const std::string out = Pgtool({"browse", directory}).out;
+        return std::count(out.begin(), out.end(), '\n');
+    };
+    for (const std::vector<std::string>& change : changes) {
+        ASSERT_EQ(Pgtool(change).exitStatus, 0) << change[0];
+        EXPECT_EQ(instances(output_), instances(source)) << change[0];
+        const std::string found = Pgtool({"verify", output_}).out;
+        EXPECT_THAT(found, Not(HasSubstr("no link leads to it"))) << change[0];
+        EXPECT_THAT(found, Not(HasSubstr("where no record begins"))) << change[0];
+    }
+}
 
 // What was there was cut before it was known whether the new file can be written.
 TEST_F(PgtoolWriting, AFailureLeavesTheFormerFile) {

@@ -13,7 +13,7 @@ from . import _values
 from ._blocks import BYTES, ENCAPSULATED, SEQUENCE, TEXT, Record, value_in, values_in
 from ._dictionary import Tag, element_name, keyword, vr_code, vr_name
 from ._errors import ClosedError, PgkitError
-from ._library import lib
+from ._library import lib, private_name
 from ._pixels import fragments_of
 from ._times import date_of, date_time_of, time_of
 from ._tree import Found, Level, chain
@@ -86,8 +86,10 @@ class Element:
 
     @property
     def name(self) -> str:
-        """The dictionary's name, "<Unknown Tag>" when there is none."""
-        return element_name(self.tag)
+        """The dictionary's name, of a private element by its creator; "<Unknown Tag>" when there is
+        none."""
+        is_private = self.tag[0] % 2 == 1
+        return (private_name(self._live) if is_private else "") or element_name(self.tag)
 
     @property
     def keyword(self) -> str:

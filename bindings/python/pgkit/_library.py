@@ -147,6 +147,7 @@ _PROTOTYPES: dict[str, Any] = {
     "pgxJsonErrorText": (c_size_t, c_int32, c_char_p, c_size_t),
     # Dictionary and UIDs.
     "pgxUseEdition": (c_int32, c_int32),
+    "pgSetPrivateDictionaryFile": (c_uint32, c_char_p),
     "pgxFindTag": (c_int32, c_char_p, POINTER(c_uint16), POINTER(c_uint16)),
     "pgxTagKeyword": (c_size_t, c_uint16, c_uint16, c_char_p, c_size_t),
     "pgxTagMultiplicity": (c_size_t, c_uint16, c_uint16, c_char_p, c_size_t),
@@ -257,6 +258,16 @@ def library_version() -> str:
     return buffer.value.decode("ascii")
 
 
+# PGX_Node::tagName: the layout of the class is part of the interface.
+_TAG_NAME_OFFSET = 112
+
+
+def private_name(handle: int) -> str:
+    """The name that an element has by its private creator; empty when there is none."""
+    name = c_char_p.from_address(handle + _TAG_NAME_OFFSET).value or b""
+    return "" if name == b"<unknown tag>" else name.decode("utf-8", "replace")
+
+
 _PATH_ENCODING = ("utf-8", "strict") if os.name == "nt" else (
     sys.getfilesystemencoding(), "surrogateescape")
 
@@ -289,3 +300,22 @@ def c_text(text: str, encoding: str = "ascii", errors: str = "strict") -> bytes:
     if b"\0" in encoded:
         raise ValueError("texts for the library must not contain NUL")
     return encoded
+
+
+def _use_private_elements() -> None:
+    """Private elements of manufacturers: from the package, from beside the library, or where an
+    installation has them (PREFIX/share/pgkit/python/pgkit is where that puts the package)."""
+    host = pathlib.Path(sys.executable or "python").resolve().parent
+    if (host / "privdict.dic").is_file():  # a site's own, which the library has read
+        return
+    package = pathlib.Path(__file__).resolve().parent
+    folders = [package, *package.parents[1:2]]
+    if os.path.dirname(_path):  # else the system has looked for the library
+        folders.insert(1, pathlib.Path(_path).resolve().parent)
+    for file in (folder / "private.dic" for folder in folders):
+        if file.is_file():
+            lib.pgSetPrivateDictionaryFile(encoded_path(file))
+            return
+
+
+_use_private_elements()

@@ -39,6 +39,18 @@ class LongValues(TemporaryDirectory):
             self.assertEqual(saved["PatientComments"].vr, "UN")
 
 
+class PrivateElements(TemporaryDirectory):
+    def test_those_of_manufacturers_have_names_and_value_representations(self):
+        data_set = pgkit.new()
+        self.addCleanup(data_set.close)
+        data_set.set((0x0019, 0x0010), "1.2.840.113681", vr="LO")
+        data_set.set((0x0019, 0x1010), b"dull", vr="UN")
+        with self.saved(data_set) as saved:
+            element = saved[0x0019, 0x1010]
+            self.assertEqual((element.vr, element.name, element.value),
+                             ("ST", "CRImageParamsCommon", "dull"))
+
+
 class Reading(unittest.TestCase):
     def setUp(self):
         self.data_set = pgkit.open(DATA / "native/all_vrs_explicit_le.dcm")

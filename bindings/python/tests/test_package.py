@@ -44,6 +44,7 @@ class Wheel(TemporaryDirectory):
                               capture_output=True, text=True, check=True).stdout.split()
         self.assertEqual(pathlib.Path(told[0]).parent, root / "pgkit")
         self.assertEqual(told[1:], ["64", str(SPEED.is_file())])
+        self.assertGreater((root / "pgkit/private.dic").stat().st_size, 500000)
 
     @unittest.skipUnless(pip and wheel and build, "build is not installed")
     def test_a_source_distribution_has_what_the_library_is_built_of(self):

@@ -1,0 +1,87 @@
+#include "verify/medium_walk.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "real_path.h"
+
+namespace pgtool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class MediumWalk {
+  public:
+    MediumWalk(const std::string& root, Findings& findings) : root_(root), findings_(findings) {}
+
+    std::vector<std::string> Run() {
+        std::vector<std::string> files;
+        std::vector<std::string> open = {""};
+        while (!open.empty()) {
+            const std::string folder = open.back();
+            open.pop_back();
+            std::vector<std::string> folders;
+            for (const std::string& name : NamesIn(folder))
+                Sort(folder.empty() ? name : folder + "/" + name, files, folders);
+            open.insert(open.end(), folders.rbegin(), folders.rend());
+        }
+        return files;
+    }
+
+  private:
+    std::string PathOf(const std::string& inner) const {
+        return inner.empty() ? root_ : root_ + (root_.ends_with('/') ? "" : "/") + inner;
+    }
+
+    std::vector<std::string> NamesIn(const std::string& folder) {
+        std::vector<std::string> names;
+        std::error_code error;
+        fs::directory_iterator entry(PathOf(folder), error);
+        for (; !error && entry != fs::directory_iterator(); entry.increment(error))
+            names.push_back(entry->path().filename().string());
+        if (error) {
+            findings_.Add(AboutFile(folder.empty() ? "." : folder, FindingKind::Unreadable,
+                                    "the directory cannot be read: " + error.message()));
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    // What is by another path than its own is a link, of whatever kind the system has.
+    void Sort(const std::string& inner, std::vector<std::string>& files,
+              std::vector<std::string>& folders) {
+        const std::string path = PathOf(inner);
+        const std::optional<std::string> real = RealPath(path);
+        std::error_code unknown;
+        if (!real) {
+            const bool isLink = fs::is_symlink(fs::symlink_status(path, unknown));
+            findings_.Add(isLink
+                              ? AboutFile(inner, FindingKind::MissingFile, "the link leads nowhere")
+                              : AboutFile(inner, FindingKind::Unreadable, "it cannot be read"));
+        } else if (!IsBelow(*real, root_)) {
+            findings_.Add(
+                AboutFile(inner, FindingKind::Outside, "the link leads out of the medium"));
+        } else if (*real != path) {
+            return;
+        } else if (fs::is_directory(path, unknown)) {
+            folders.push_back(inner);
+        } else if (fs::is_regular_file(path, unknown)) {
+            files.push_back(inner);
+        }
+    }
+
+    const std::string& root_;
+    Findings& findings_;
+};
+
+}  // namespace
+
+std::vector<std::string> FilesOnMedium(const std::string& root, Findings& findings) {
+    return MediumWalk(root, findings).Run();
+}
+
+}  // namespace pgtool
