@@ -1,0 +1,60 @@
+#include "disc/catalogue.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace pgtool {
+
+namespace {
+
+// "PAT00001": at most 8 characters as long as there are no more than the digits can count.
+std::string Numbered(const char* format, size_t number) {
+    char text[32];
+    std::snprintf(text, sizeof text, format, number);
+    return text;
+}
+
+}  // namespace
+
+const DiscInstance* Catalogue::Find(const std::string& instanceUid) const {
+    const auto found = instancesByUid_.find(instanceUid);
+    return found == instancesByUid_.end() ? nullptr : &instances_[found->second];
+}
+
+Catalogue::Added Catalogue::Add(const InstanceKeys& keys, DiscInstance instance) {
+    const auto [patient, isNewPatient] =
+        patientsByKey_.try_emplace({keys.patientId, keys.patientName}, patients_.size());
+    if (isNewPatient) patients_.emplace_back();
+    const auto [study, isNewStudy] =
+        studiesByUid_.try_emplace({patient->second, keys.study}, studies_.size());
+    if (isNewStudy) {
+        studies_.push_back({patient->second, ++patients_[patient->second].studies, {}});
+    }
+    const auto [series, isNewSeries] =
+        seriesByUid_.try_emplace({study->second, keys.series}, series_.size());
+    if (isNewSeries) {
+        std::vector<size_t>& siblings = studies_[study->second].series;
+        siblings.push_back(series_.size());
+        series_.push_back({study->second, static_cast<uint32_t>(siblings.size()), {}});
+    }
+    std::vector<size_t>& siblings = series_[series->second].instances;
+    siblings.push_back(instances_.size());
+    instance.series = series->second;
+    instance.number = static_cast<uint32_t>(siblings.size());
+    instancesByUid_.emplace(keys.instance, instances_.size());
+    instances_.push_back(std::move(instance));
+    return {isNewPatient, isNewStudy, isNewSeries};
+}
+
+std::string Catalogue::FolderOf(const DiscInstance& instance) const {
+    const DiscSeries& series = series_[instance.series];
+    const DiscStudy& study = studies_[series.study];
+    return Numbered("DICOM/PAT%05zu", study.patient + 1) + Numbered("/STU%05zu", study.number) +
+           Numbered("/SER%05zu", series.number);
+}
+
+std::string Catalogue::FileOf(const DiscInstance& instance) const {
+    return FolderOf(instance) + Numbered("/IM%06zu", instance.number);
+}
+
+}  // namespace pgtool
