@@ -1,6 +1,5 @@
 #include "disc/candidate.h"
 
-#include <cstring>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -52,21 +51,22 @@ std::string TextOf(const pgkit::item& root, pgkit::tag tag) {
     return std::string(text.substr(first, text.find_last_not_of(kPadding) - first + 1));
 }
 
-// What the File Meta Information says, and without that the data set itself.
+// The library leaves the values of the File Meta Information in the file: each costs some calls of
+// the system, so they are read where nothing else tells.
 std::string SopClassOf(const pgkit::item& root) {
-    const std::string stated = TextOf(root, kMediaStorageSopClass);
-    return stated.empty() ? TextOf(root, kSopClass) : stated;
+    const std::string own = TextOf(root, kSopClass);
+    return own.empty() ? TextOf(root, kMediaStorageSopClass) : own;
 }
 
 bool IsDirectory(const pgkit::item& root) {
     return root.contains(kDirectoryRecords) || SopClassOf(root).starts_with(kDirectoryClass);
 }
 
+// Whether the File Meta Information stands behind a preamble and "DICM": the positions of values
+// tell.
 bool HasPrefix(const pgkit::data_set& root) {
-    constexpr uint32_t kPreamble = 128;
-    char prefix[4] = {};
-    return pgKitGetFileData(root.node(), prefix, kPreamble, sizeof prefix) == 1 &&
-           std::memcmp(prefix, "DICM", sizeof prefix) == 0;
+    constexpr uint32_t kPrefix = 132;
+    return !root.empty() && root.begin()->node()->fileOffset > kPrefix;
 }
 
 // What a data set of which nothing says it is encoded in.
@@ -87,9 +87,12 @@ const char* WhatIsMissing(const Candidate& candidate, const pgkit::item& root) {
     return candidate.keys.series.empty() ? "Series Instance UID" : nullptr;
 }
 
+// As the creation of the DICOMDIR will judge it: the File Meta Information comes first.
 bool IsAllowed(const pgkit::item& root, const std::string& syntax, const std::string& profile) {
     const std::string photometric = TextOf(root, kPhotometricInterpretation);
-    return pgDirAcceptDataset2(syntax.c_str(), SopClassOf(root).c_str(),
+    const std::string stated = TextOf(root, kMediaStorageSopClass);
+    return pgDirAcceptDataset2(syntax.c_str(),
+                               stated.empty() ? SopClassOf(root).c_str() : stated.c_str(),
                                photometric.empty() ? "no Photo. info" : photometric.c_str(),
                                TextOf(root, kModality).c_str(), profile.c_str()) != 0;
 }
@@ -105,14 +108,15 @@ void ReadKeys(const pgkit::item& root, Candidate& candidate) {
     candidate.instance.isImage = root.contains(kRows);
 }
 
-// Gives the transfer syntax that the instance will have on the medium. What cannot be read of a
-// damaged file would be lost if it were written anew.
+// Gives the transfer syntax that the instance will have on the medium, when that matters. What
+// cannot be read of a damaged file would be lost if it were written anew.
 std::string ChooseTransfer(const pgkit::data_set& root, const DiscRequest& request,
                            Candidate& candidate) {
-    const std::string stated = TextOf(root, kTransferSyntax);
-    const std::string syntax = stated.empty() ? FoundSyntax(root) : stated;
     Transfer& transfer = candidate.instance.transfer;
-    if (stated.empty() || !HasPrefix(root)) transfer = Transfer::GivenMeta;
+    const bool isStated = root.find(kTransferSyntax).length() != 0;
+    if (!isStated || !HasPrefix(root)) transfer = Transfer::GivenMeta;
+    if (!request.isRecoded && request.profile.empty()) return "";
+    const std::string syntax = isStated ? TextOf(root, kTransferSyntax) : FoundSyntax(root);
     if (request.isRecoded && MayBeRecoded(syntax) && candidate.complaint.empty()) {
         transfer = Transfer::Recoded;
     }
