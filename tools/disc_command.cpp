@@ -12,6 +12,7 @@
 #include "disc/interruption.h"
 #include "disc/medium_making.h"
 #include "disc/partition.h"
+#include "disc/readme.h"
 #include "disc/request.h"
 #include "disc/size.h"
 #include "disc/staging.h"
@@ -28,8 +29,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr uint32_t kMaxIcon = 256;
-constexpr size_t kMaxFileSetId = 16;
+constexpr uint32_t kLargestIcon = 256;
 constexpr size_t kMaxMedia = 9999;
 
 struct DiscRun {
@@ -48,10 +48,6 @@ std::string NameOf(size_t number) {
 }
 
 // ---- What is said about it ----------------------------------------------------------------------
-
-std::string Counted(size_t count, const char* one, const char* several) {
-    return std::to_string(count) + " " + (count == 1 ? one : several);
-}
 
 void PrintCounts(
     const char* heading,
@@ -161,7 +157,7 @@ std::string Build(DiscRun& run) {
     return staging.PutInPlace();
 }
 
-int Run(const DiscRequest& request) {
+int MakeDisc(const DiscRequest& request) {
     const DiscImage image;
     if (!request.image.empty() && !image.Complaint().empty()) {
         return Fail(kDiscCommand, image.Complaint());
@@ -201,7 +197,7 @@ struct DiscOptions {
 };
 
 bool IsFileSetId(const std::string& text) {
-    return text.size() <= kMaxFileSetId &&
+    return text.size() <= kLongestFileSetId &&
            text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_ ") == text.npos &&
            text.find_first_not_of(' ') != text.npos;
 }
@@ -226,7 +222,7 @@ std::string Complete(DiscOptions& given) {
     if (request.output.empty()) return "-o DIR is expected";
     if (request.output == "-" || std::find(operands.begin(), operands.end(), "-") != operands.end())
         return "-: a disc is no stream";
-    if (request.iconSize > kMaxIcon) return "--icons: at most 256 pixels";
+    if (request.iconSize > kLargestIcon) return "--icons: at most 256 pixels";
     if (!IsFileSetId(request.fileSetId)) {
         return "--file-set-id: at most 16 characters, of A to Z, 0 to 9, _ and blanks";
     }
@@ -247,7 +243,7 @@ int Disc(DiscOptions& given) {
     int status = kFailed;
     {
         const Interruption interruption;
-        status = Run(given.request);
+        status = MakeDisc(given.request);
     }
     Interruption::Obey();
     return status;

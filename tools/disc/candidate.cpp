@@ -30,7 +30,7 @@ constexpr pgkit::tag kSeriesInstance{0x0020, 0x000E};
 constexpr pgkit::tag kStudyId{0x0020, 0x0010};
 constexpr pgkit::tag kSeriesNumber{0x0020, 0x0011};
 constexpr pgkit::tag kPhotometricInterpretation{0x0028, 0x0004};
-constexpr pgkit::tag kRows{0x0028, 0x0010};
+constexpr pgkit::tag kImageRows{0x0028, 0x0010};
 
 constexpr std::string_view kDirectoryClass = "1.2.840.10008.1.3.10";
 constexpr const char* kImplicitLittle = "1.2.840.10008.1.2";
@@ -105,7 +105,7 @@ void ReadKeys(const pgkit::item& root, Candidate& candidate) {
     candidate.lacksStudyDate = TextOf(root, kStudyDate).empty();
     candidate.lacksStudyTime = TextOf(root, kStudyTime).empty();
     candidate.lacksSeriesNumber = TextOf(root, kSeriesNumber).empty();
-    candidate.instance.isImage = root.contains(kRows);
+    candidate.instance.isImage = root.contains(kImageRows);
 }
 
 // Gives the transfer syntax that the instance will have on the medium, when that matters. What

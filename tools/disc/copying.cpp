@@ -4,24 +4,19 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <system_error>
 
 #include "data_set.h"
 #include "disc/interruption.h"
 #include "disc/readable_path.h"
+#include "disc/stream.h"
 #include "long_values.h"
 
 namespace pgtool {
 
 namespace {
 
-constexpr size_t kBlock = size_t{1} << 20;
-
-struct CloseStream {
-    void operator()(std::FILE* stream) const { std::fclose(stream); }
-};
-using Stream = std::unique_ptr<std::FILE, CloseStream>;
+constexpr size_t kCopiedBlock = size_t{1} << 20;
 
 // Without a buffer of its own: blocks come as large as they are wanted.
 Stream OpenStream(const std::string& path, const char* mode) {
@@ -65,7 +60,7 @@ CopyResult Save(const DiscInstance& instance, const std::string& target) {
 
 }  // namespace
 
-Copier::Copier() : block_(kBlock) {}
+Copier::Copier() : block_(kCopiedBlock) {}
 
 CopyResult Copier::Transfer(const DiscInstance& instance, const std::string& target) {
     return instance.transfer == pgtool::Transfer::Copied ? Copy(instance, target)

@@ -7,7 +7,7 @@ namespace pgtool {
 
 namespace {
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
 
 // What is not well-formed is replaced by the library.
 std::string WellFormed(std::string_view text) {
@@ -74,7 +74,7 @@ std::string HtmlText(std::string_view utf8) {
             default: {
                 const auto byte = static_cast<unsigned char>(c);
                 const bool isControl = byte < 0x20 || byte == 0x7F;
-                html += isControl ? kReplacement : std::string_view(&c, 1);
+                html += isControl ? kReplacementCharacter : std::string_view(&c, 1);
             }
         }
     }

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 constexpr bool kIsSeparator = fs::path::preferred_separator == '\\';
 
 // A link of a name that nothing else has; empty when none can be made.
-std::string LinkTo(const std::string& path) {
+std::string MakeLink(const std::string& path) {
     constexpr int kMaxNames = 10000;
     std::error_code error;
     const fs::path target = fs::absolute(path, error);
@@ -31,7 +31,7 @@ std::string LinkTo(const std::string& path) {
 
 ReadablePath::ReadablePath(const std::string& path) : path_(path) {
     if (kIsSeparator || path.find('\\') == path.npos) return;
-    link_ = LinkTo(path);
+    link_ = MakeLink(path);
     path_ = link_;
 }
 

@@ -6,12 +6,6 @@ namespace pgtool {
 
 namespace {
 
-constexpr size_t kMaxFileSetId = 16;
-
-std::string Counted(size_t count, const char* one, const char* several) {
-    return std::to_string(count) + " " + (count == 1 ? one : several);
-}
-
 std::string WithLineEnds(const std::string& text) {
     std::string result;
     for (const char c : text)
@@ -27,11 +21,15 @@ std::string Version() {
 
 }  // namespace
 
+std::string Counted(size_t count, const char* one, const char* several) {
+    return std::to_string(count) + " " + (count == 1 ? one : several);
+}
+
 std::string FileSetIdOf(const std::string& beginning, MediumNumber medium) {
     if (medium.count == 1) return beginning;
     const std::string end =
         "_" + std::to_string(medium.number) + "_OF_" + std::to_string(medium.count);
-    return beginning.substr(0, kMaxFileSetId - end.size()) + end;
+    return beginning.substr(0, kLongestFileSetId - end.size()) + end;
 }
 
 std::string Describe(const MediumContent& content) {

@@ -13,6 +13,8 @@ struct MediumNumber {
     size_t count = 1;
 };
 
+constexpr size_t kLongestFileSetId = 16;  // that of its VR
+
 // "DISC", or of several "DISC_2_OF_3": at most 16 characters. The beginning is cut to leave room.
 std::string FileSetIdOf(const std::string& beginning, MediumNumber medium);
 
@@ -22,6 +24,9 @@ struct MediumContent {
     size_t series = 0;
     size_t instances = 0;
 };
+
+// "1 study", "2 studies".
+std::string Counted(size_t count, const char* one, const char* several);
 
 // "1 patient, 2 studies, 3 series, 120 instances".
 std::string Describe(const MediumContent& content);

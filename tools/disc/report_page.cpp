@@ -74,7 +74,7 @@ std::string ValueOf(const pgkit::item& item, const LinkTo& linkTo) {
     return numbers.empty() ? References(item, linkTo) : "see item " + HtmlText(numbers);
 }
 
-std::string Line(const pgkit::item& item, const LinkTo& linkTo) {
+std::string LineOf(const pgkit::item& item, const LinkTo& linkTo) {
     const std::string name = MeaningOf(item.find(kConceptName));
     const std::string value = ValueOf(item, linkTo);
     std::string html = "<p>";
@@ -99,7 +99,7 @@ std::string Tree(const pgkit::item& root, const LinkTo& linkTo) {
             continue;
         }
         const pgkit::item item = *level.next++;
-        html += Line(item, linkTo);
+        html += LineOf(item, linkTo);
         const pgkit::item_range children = item.find(kContent).items();
         if (children.empty()) continue;
         const bool isIndented = open.size() < kMaxDepth;

@@ -4,22 +4,17 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <system_error>
 #include <vector>
 
 #include "data_set.h"
 #include "disc/readable_path.h"
+#include "disc/stream.h"
 #include "output_file.h"
 
 namespace pgtool {
 
 namespace {
-
-struct CloseStream {
-    void operator()(std::FILE* stream) const { std::fclose(stream); }
-};
-using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 bool HaveSameBytes(const std::string& a, const std::string& b) {
     constexpr size_t kBlock = 0x10000;

@@ -13,7 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kInside = "PGTOOL.NEW";
-constexpr const char* kDirectoryFile = "DICOMDIR";
+constexpr const char* kMovedLast = "DICOMDIR";
 
 // The library takes a backslash for a separator everywhere.
 std::string Bare(std::string path) {
@@ -75,7 +75,7 @@ std::string Staging::MoveUp() {
     std::sort(names.begin(), names.end());
     // Whoever looks for a medium looks for this file.
     std::stable_partition(names.begin(), names.end(),
-                          [](const std::string& name) { return name != kDirectoryFile; });
+                          [](const std::string& name) { return name != kMovedLast; });
     for (size_t i = 0; i < names.size(); ++i) {
         const std::string target = directory_ + "/" + names[i];
         // Somebody may have put something there meanwhile.

@@ -11,14 +11,14 @@ namespace pgtool {
 
 namespace {
 
-struct FreeImage {
+struct FreeLoadedImage {
     void operator()(void* image) const { vwImaFreeDicomImage(image); }
 };
 
 }  // namespace
 
 std::string MakeThumbnail(const std::string& path) {
-    const std::unique_ptr<void, FreeImage> image(vwImaAllocEmptyDicomImage());
+    const std::unique_ptr<void, FreeLoadedImage> image(vwImaAllocEmptyDicomImage());
     if (vwImaLoadFrom(image.get(), path.c_str()) == 0) return "";
     const GrayPicture picture = TakeBitmap(vwGetThumbnailDib(image.get(), kThumbnailSize));
     if (picture.pixels.empty()) return "";

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 constexpr const char* kPages = "IHE_PDI/";
 
 // "SE000001".
-std::string Numbered(const char* beginning, size_t number) {
+std::string PageName(const char* beginning, size_t number) {
     char text[32];
     std::snprintf(text, sizeof text, "%s%06zu", beginning, number);
     return text;
@@ -127,7 +127,7 @@ void WebSite::FindPages() {
     for (const pgkit::patient patient : directory_.patients()) {
         for (const pgkit::study study : patient.studies()) {
             for (const pgkit::series series : study.series()) {
-                const std::string page = Numbered("SE", ++number) + ".HTM";
+                const std::string page = PageName("SE", ++number) + ".HTM";
                 for (const pgkit::leaf leaf : series.leaves())
                     pages_.emplace(leaf.instance_uid(), page);
             }
@@ -136,7 +136,7 @@ void WebSite::FindPages() {
 }
 
 WebSite::Document WebSite::WriteReport(const pgkit::patient& patient, const pgkit::item& root) {
-    const std::string page = Numbered("RE", ++reports_) + ".HTM";
+    const std::string page = PageName("RE", ++reports_) + ".HTM";
     const auto linkTo = [this](const std::string& uid) {
         const auto found = pages_.find(uid);
         return found == pages_.end() ? "" : found->second;
@@ -157,7 +157,7 @@ WebSite::Document WebSite::WritePdf(const pgkit::item& root) {
     if (!document.starts_with("%PDF")) return {};
     // It has been padded to an even length.
     if (document.ends_with('\0')) document.pop_back();
-    const std::string name = Numbered("DO", ++documents_) + ".PDF";
+    const std::string name = PageName("DO", ++documents_) + ".PDF";
     WriteFile(kPages + name, document);
     return {name, OrElse(root.find({0x0042, 0x0010}).text(), "Document") + " (PDF)"};
 }
@@ -189,7 +189,7 @@ std::string WebSite::WritePictures(const pgkit::series& series, const std::strin
         std::string picture;
         if (!png.empty()) {
             fs::create_directory(folder_ + "/" + kPages + name, error);
-            picture = name + "/" + Numbered("TH", i + 1) + ".PNG";
+            picture = name + "/" + PageName("TH", i + 1) + ".PNG";
             WriteFile(kPages + picture, png);
             // The one that is nearest to the middle.
             if (card.picture.empty() || i <= images.size() / 2) card.picture = picture;
@@ -213,7 +213,7 @@ std::string WebSite::WritePictures(const pgkit::series& series, const std::strin
 
 WebSite::Card WebSite::WriteSeries(const pgkit::patient& patient, const pgkit::study& study,
                                    const pgkit::series& series) {
-    const std::string name = Numbered("SE", ++series_);
+    const std::string name = PageName("SE", ++series_);
     Card card{name + ".HTM", "", {}};
     for (const pgkit::leaf leaf : series.leaves()) {
         if (IsImage(leaf) || Interruption::Came()) continue;
