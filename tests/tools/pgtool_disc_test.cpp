@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/deflated.h"
 #include "support/tree_comparison.h"
 #include "tools/disc_fixture.h"
 
@@ -247,6 +248,26 @@ TEST_F(PgtoolDisc, WritesNativeDataSetsAsExplicitOnDemand) {
     auto stored = pgkit::data_set::open(Target() + "/" + file);
     EXPECT_EQ(FirstDifference(*original->node(), *stored->node()), "");
     EXPECT_TRUE(Stored("DICOM/PAT00002/STU00001/SER00001/IM000001") == ReadFile(Source() + "/rle"));
+}
+
+// Saving one deflates it again unless it is told otherwise.
+TEST_F(PgtoolDisc, InflatesDeflatedDataSetsOnDemand) {
+    StreamBuilder dataSet;
+    dataSet.Element(0x0008, 0x0016, "UI", PaddedUid("1.2.840.10008.5.1.4.1.1.2"))
+        .Element(0x0008, 0x0018, "UI", PaddedUid("1.2.3.4.5"))
+        .Element(0x0020, 0x000D, "UI", PaddedUid("1.2.3"))
+        .Element(0x0020, 0x000E, "UI", PaddedUid("1.2.3.4"));
+    directory_.Write("SOURCE/A", DeflatedFile(Deflated(dataSet)));
+    EXPECT_EQ(Disc({"--transfer-syntax", "explicit"}).exitStatus, 0);
+    const std::string file = kSeries + std::string("IM000001");
+    EXPECT_EQ(TransferSyntaxOf(file), "1.2.840.10008.1.2.1");
+    const Bytes stored = Stored(file);
+    EXPECT_NE(
+        std::search(stored.begin(), stored.end(), dataSet.Data().begin(), dataSet.Data().end()),
+        stored.end());
+    // Both hold the same instance.
+    EXPECT_THAT(Run({Source(), Target(), "-o", directory_.Path("BOTH")}).out,
+                HasSubstr("1 duplicate\n"));
 }
 
 TEST_F(PgtoolDisc, StoresWhatTheProfileAllows) {

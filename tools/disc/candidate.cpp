@@ -51,6 +51,12 @@ std::string TextOf(const pgkit::item& root, pgkit::tag tag) {
     return std::string(text.substr(first, text.find_last_not_of(kPadding) - first + 1));
 }
 
+// Whether the library makes up a value: it takes blanks for one.
+bool IsMadeUp(const pgkit::item& root, pgkit::tag tag) {
+    const auto bytes = root.find(tag).bytes();
+    return bytes.empty() || bytes.front() == 0;
+}
+
 // The library leaves the values of the File Meta Information in the file: each costs some calls of
 // the system, so they are read where nothing else tells.
 std::string SopClassOf(const pgkit::item& root) {
@@ -101,10 +107,10 @@ void ReadKeys(const pgkit::item& root, Candidate& candidate) {
     candidate.keys = {TextOf(root, kPatientId), TextOf(root, kPatientName),
                       TextOf(root, kStudyInstance), TextOf(root, kSeriesInstance),
                       TextOf(root, kSopInstance)};
-    candidate.lacksStudyId = TextOf(root, kStudyId).empty();
-    candidate.lacksStudyDate = TextOf(root, kStudyDate).empty();
-    candidate.lacksStudyTime = TextOf(root, kStudyTime).empty();
-    candidate.lacksSeriesNumber = TextOf(root, kSeriesNumber).empty();
+    candidate.lacksStudyId = IsMadeUp(root, kStudyId);
+    candidate.lacksStudyDate = IsMadeUp(root, kStudyDate);
+    candidate.lacksStudyTime = IsMadeUp(root, kStudyTime);
+    candidate.lacksSeriesNumber = IsMadeUp(root, kSeriesNumber);
     candidate.instance.isImage = root.contains(kImageRows);
 }
 

@@ -46,10 +46,15 @@ void GiveMeta(pgkit::item root) {
 CopyResult Save(const DiscInstance& instance, const std::string& target) {
     const ReadablePath readable(instance.path);
     std::string damage;
-    const auto opened = Open(readable.Path(), {kLoadedForSaving, 0, false, &damage});
+    auto opened = Open(readable.Path(), {kLoadedForSaving, 0, false, &damage});
     if (!opened) return CannotRead(opened.error().message);
     PGX_Node& root = *opened->node();
     GiveMeta(*opened);
+    // Saving follows this rather than its mode: what is deflated would be deflated again.
+    if (instance.transfer == Transfer::Recoded) {
+        const auto isSet = opened->set_text({0x0002, 0x0010}, "1.2.840.10008.1.2.1");
+        if (!isSet) return CannotRead(instance.path + ": " + isSet.error().message);
+    }
     if (!MakeLongValuesUn(root)) return CannotRead(instance.path + ": a value cannot be read");
     const uint32_t result = root.SaveDataSetAsEx(target.c_str(), ModeOf(instance, root));
     if (result == 0) return {};

@@ -67,11 +67,9 @@ std::string CountOf(const pgkit::series& series) {
     for (const pgkit::leaf leaf : series.leaves())
         images += IsImage(leaf);
     const size_t others = series.leaves().size() - images;
-    std::string text;
-    if (images != 0) text = std::to_string(images) + (images == 1 ? " image" : " images");
-    if (others == 0) return text;
-    if (!text.empty()) text += ", ";
-    return text + std::to_string(others) + (others == 1 ? " other object" : " other objects");
+    if (images == 0) return Counted(others, "object", "objects");
+    const std::string text = Counted(images, "image", "images");
+    return others == 0 ? text : text + ", " + Counted(others, "other object", "other objects");
 }
 
 // A picture with something below it, and where it leads.
