@@ -167,6 +167,8 @@ int MakeDisc(const DiscRequest& request) {
 
     DiscRun run{request, TakeSurvey(request), {}, {}, 0};
     if (Interruption::Came()) return kFailed;
+    const std::string tooMuch = run.survey.catalogue.ComplaintAboutNumbers();
+    if (!tooMuch.empty()) return Fail(kDiscCommand, tooMuch);
     run.partition = Divide(run.survey.catalogue, request);
     run.failures = run.survey.failures + run.partition.tooLarge.size();
     for (const size_t index : run.partition.tooLarge) {

@@ -236,7 +236,8 @@ class Disc:
             value = file.get(missing[1]) if is_kind else "present"
             if missing[1] == "StudyID":
                 raw = file.get_item(0x00200010)
-                if raw is not None and raw.value and not plain(raw.value.decode("latin-1")):
+                value = b"" if raw is None else raw.value
+                if value and not (value.strip(b" \0") if isinstance(value, bytes) else plain(value)):
                     return True
             elif not value:
                 return True

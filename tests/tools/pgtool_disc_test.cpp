@@ -188,6 +188,18 @@ TEST_F(PgtoolDisc, LeavesNothingThatLooksFinishedWhenItIsKilled) {
     }
 }
 
+TEST_F(PgtoolDisc, LeavesNothingWhenThereIsNoRoom) {
+    if (kPathsHaveBackslashes) GTEST_SKIP() << "needs limits of POSIX";
+    Write("A", Complete(1));
+    Write("B", Large(Complete(2), 3 << 20));
+    const Finished run =
+        RunProgram("/bin/sh", {"-c", "trap \"\" XFSZ; ulimit -f 1024; \"$0\" disc \"$1\" -o \"$2\"",
+                               PGKIT_PGTOOL, Source(), Target()});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.err, HasSubstr("/IM000002: writing failed: File too large\n"));
+    EXPECT_TRUE(LeftNothing());
+}
+
 TEST_F(PgtoolDisc, TakesWhateverNamesFilesHave) {
     std::vector<std::string> names = {"-o", "a b", "&lt;i&gt;", "%s%n", "..x", "\xC3\xA4.dcm"};
     if (!kPathsHaveBackslashes) {

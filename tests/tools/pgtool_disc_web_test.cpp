@@ -162,6 +162,7 @@ TEST_F(PgtoolDiscWeb, ShowsTextsInUtf8) {
 
 // A date that nobody ever wrote would be taken for that of the examination.
 TEST_F(PgtoolDiscWeb, ShowsNoKeysThatAreMadeUp) {
+    Write("B", InstanceOf(7, 1, 1).Patient("KNOWN", "ROE"));
     Write("A", Picture(1)
                    .Patient("", "DOE^JOHN")
                    .Remove(0x0008, 0x0020)
@@ -170,8 +171,10 @@ TEST_F(PgtoolDiscWeb, ShowsNoKeysThatAreMadeUp) {
     const Finished run = Disc({"--web"});
     EXPECT_THAT(run.out, HasSubstr("made up in the DICOMDIR: 1 Patient ID, 1 Study ID, 1 Study "
                                    "Date, 1 Study Time\n"));
-    const std::string pages = Pages();
-    EXPECT_THAT(pages, Not(HasSubstr("ZORVA")));
+    EXPECT_THAT(Page("INDEX.HTM"), HasSubstr("ID <bdi>KNOWN</bdi>"));
+    EXPECT_THAT(Pages(), Not(HasSubstr("ZORVA")));
+    const std::string pages = Page("IHE_PDI/SE000001.HTM");
+    EXPECT_THAT(pages, HasSubstr("DOE"));
     EXPECT_FALSE(std::regex_search(pages, std::regex("[0-9]{4}-[0-9]{2}-[0-9]{2}")));
     EXPECT_FALSE(std::regex_search(pages, std::regex("[0-9]{2}:[0-9]{2}")));
 }

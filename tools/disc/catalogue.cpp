@@ -21,6 +21,26 @@ const DiscInstance* Catalogue::Find(const std::string& instanceUid) const {
     return found == instancesByUid_.end() ? nullptr : &instances_[found->second];
 }
 
+bool Catalogue::KnowsPatientId(const std::string& id) const {
+    const auto found = patientsByKey_.lower_bound({id, ""});
+    return found != patientsByKey_.end() && found->first.first.starts_with(id);
+}
+
+std::string Catalogue::ComplaintAboutNumbers() const {
+    constexpr size_t kMostFolders = 99999;
+    constexpr size_t kMostFiles = 999999;
+    bool isTooMuch = patients_.size() > kMostFolders;
+    for (const DiscPatient& patient : patients_)
+        isTooMuch = isTooMuch || patient.studies > kMostFolders;
+    for (const DiscStudy& study : studies_)
+        isTooMuch = isTooMuch || study.series.size() > kMostFolders;
+    for (const DiscSeries& series : series_)
+        isTooMuch = isTooMuch || series.instances.size() > kMostFiles;
+    if (!isTooMuch) return "";
+    return "a disc has File IDs for 99,999 patients, studies of one and series of one, and for "
+           "999,999 instances of a series";
+}
+
 Catalogue::Added Catalogue::Add(const InstanceKeys& keys, DiscInstance instance) {
     const auto [patient, isNewPatient] =
         patientsByKey_.try_emplace({keys.patientId, keys.patientName}, patients_.size());

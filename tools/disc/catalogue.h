@@ -55,8 +55,7 @@ struct InstanceKeys {
 
 // Type 1 keys of records that the files have no values for: whose they are.
 struct MissingKeys {
-    size_t patientIds = 0;                      // of so many patients,
-    std::set<std::string> studiesWithoutOwner;  // of whom these are studies
+    size_t patientIds = 0;  // of so many patients
     std::set<std::string> studyIds;
     std::set<std::string> studyDates;
     std::set<std::string> studyTimes;
@@ -67,6 +66,11 @@ class Catalogue {
   public:
     // The instance of that UID, or none.
     const DiscInstance* Find(const std::string& instanceUid) const;
+
+    // Whether the sources have a Patient ID that is this one, or begins like it.
+    bool KnowsPatientId(const std::string& id) const;
+    // Why there are not enough File IDs for all; empty when there are.
+    std::string ComplaintAboutNumbers() const;
 
     struct Added {
         bool isNewPatient;

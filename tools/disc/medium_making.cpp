@@ -174,7 +174,7 @@ class MediumMaker {
             folder_ + "/README.TXT", ReadmeText(fileSetId, number, made_.content, request_.hasWeb));
         if (!Goes() || !request_.hasWeb) return;
         made_.complaint =
-            WebSite(folder_, *directory, survey_.missing).Write(fileSetId, number, made_.content);
+            WebSite(folder_, *directory, survey_).Write(fileSetId, number, made_.content);
     }
 
     static MediumContent ContentOf(const pgkit::directory& directory) {

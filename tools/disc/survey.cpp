@@ -62,10 +62,7 @@ class Surveyor {
     void NoteMissing(const Candidate& candidate, const Catalogue::Added& added) {
         MissingKeys& missing = survey_.missing;
         const InstanceKeys& keys = candidate.keys;
-        if (keys.patientId.empty()) {
-            missing.patientIds += added.isNewPatient;
-            missing.studiesWithoutOwner.insert(keys.study);
-        }
+        if (added.isNewPatient && keys.patientId.empty()) ++missing.patientIds;
         if (added.isNewStudy && candidate.lacksStudyId) missing.studyIds.insert(keys.study);
         if (added.isNewStudy && candidate.lacksStudyDate) missing.studyDates.insert(keys.study);
         if (added.isNewStudy && candidate.lacksStudyTime) missing.studyTimes.insert(keys.study);

@@ -96,20 +96,18 @@ std::vector<pgkit::leaf> ShownImages(const pgkit::series& series) {
 
 }  // namespace
 
-WebSite::WebSite(std::string folder, const pgkit::directory& directory, const MissingKeys& missing)
-    : folder_(std::move(folder)), directory_(directory), missing_(missing) {}
+WebSite::WebSite(std::string folder, const pgkit::directory& directory, const Survey& survey)
+    : folder_(std::move(folder)), directory_(directory), survey_(survey) {}
 
 std::string WebSite::ShownStudy(const pgkit::study& study) const {
     const std::string description = OrElse(study.description(), "Study");
     const std::string date = ShownDate(study.date());
-    const bool isKnown = !missing_.studyDates.contains(study.uid()) && !date.empty();
+    const bool isKnown = !survey_.missing.studyDates.contains(study.uid()) && !date.empty();
     return isKnown ? date + " " + description : description;
 }
 
 std::string WebSite::PatientFacts(const pgkit::patient& patient) const {
-    const auto studies = patient.studies();
-    const bool isKnown =
-        studies.empty() || !missing_.studiesWithoutOwner.contains((*studies.begin()).uid());
+    const bool isKnown = survey_.catalogue.KnowsPatientId(pgKitDirGetPatientID(patient.pointer()));
     return Facts({{"ID ", isKnown ? patient.id() : ""},
                   {"born ", ShownDate(patient.birth_date())},
                   {"sex ", patient.sex()}});
@@ -222,10 +220,10 @@ WebSite::Card WebSite::WriteSeries(const pgkit::patient& patient, const pgkit::s
                        HtmlValue(ShownSeries(series)) + "</h1>\n<p>" +
                        HtmlValue(ShownPatient(patient)) + ", " + HtmlValue(ShownStudy(study)) +
                        "</p>\n";
-    body +=
-        Facts({{"", series.modality()},
-               {"Series ", missing_.seriesNumbers.contains(series.uid()) ? "" : series.number()},
-               {"", CountOf(series)}});
+    body += Facts(
+        {{"", series.modality()},
+         {"Series ", survey_.missing.seriesNumbers.contains(series.uid()) ? "" : series.number()},
+         {"", CountOf(series)}});
     body += ListOf(card.documents, "") + WritePictures(series, name, card);
     WriteFile(kPages + card.page, HtmlPage(ShownSeries(series), body));
     return card;
@@ -249,8 +247,8 @@ std::string WebSite::StudyPart(const pgkit::patient& patient, const pgkit::study
         documents.insert(documents.end(), card.documents.begin(), card.documents.end());
     }
     const std::string uid = study.uid();
-    html += Facts({{"", missing_.studyTimes.contains(uid) ? "" : ShownTime(study.time())},
-                   {"ID ", missing_.studyIds.contains(uid) ? "" : study.id()},
+    html += Facts({{"", survey_.missing.studyTimes.contains(uid) ? "" : ShownTime(study.time())},
+                   {"ID ", survey_.missing.studyIds.contains(uid) ? "" : study.id()},
                    {"accession ", study.accession_number()},
                    {"referred by ", ShownName(study.referring_physician())},
                    {"", institution}});

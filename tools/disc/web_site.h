@@ -6,8 +6,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "disc/catalogue.h"
 #include "disc/readme.h"
+#include "disc/survey.h"
 #include "pgkit/data_set.hpp"
 
 namespace pgtool {
@@ -16,7 +16,7 @@ class WebSite {
   public:
     // The medium is in a folder. Its File IDs are those of the directory; keys that are made up
     // there are not shown.
-    WebSite(std::string folder, const pgkit::directory& directory, const MissingKeys& missing);
+    WebSite(std::string folder, const pgkit::directory& directory, const Survey& survey);
 
     // Gives the reason why not, or an empty text. An interruption ends it early.
     [[nodiscard]] std::string Write(const std::string& fileSetId, MediumNumber medium,
@@ -50,7 +50,7 @@ class WebSite {
 
     std::string folder_;
     const pgkit::directory& directory_;
-    const MissingKeys& missing_;
+    const Survey& survey_;
     std::unordered_map<std::string, std::string> pages_;  // of the series, by instance
     size_t series_ = 0;
     size_t reports_ = 0;
