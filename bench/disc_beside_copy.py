@@ -5,7 +5,7 @@
 
 The files (5,000 unless told) are copies of a small image with instance UIDs of their own, 100 in a
 series, in a temporary directory, or in one below FOLDER: a file system on disk and one in memory
-give different times. Runs are whole processes that take turns; medians of seven, with the files in
+give different times. Runs are whole processes that take turns; medians of five, with the files in
 the system's cache. The targets are removed between the runs, which is not timed. dcmmkdir makes the
 DICOMDIR of a copy, where it is installed: what people do with other tools.
 """
@@ -20,7 +20,7 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 IMAGE = ROOT / "tests/data/native/mr_implicit_le.dcm"
 SERIES = 100
-RUNS = 7
+RUNS = 5
 
 
 def make_files(directory, count):

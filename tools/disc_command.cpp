@@ -111,6 +111,11 @@ std::string ComplaintAboutRoom(const DiscRun& run, const std::string& folder) {
            DescribeSize(space.available) + " are free";
 }
 
+// The folder of a medium below that of all.
+std::string PlaceOf(const DiscRun& run, const std::string& folder, size_t index) {
+    return run.partition.media.size() == 1 ? folder : folder + "/" + NameOf(index + 1);
+}
+
 // Gives the reason why there is no disc, or an empty text.
 std::string MakeMedia(DiscRun& run, const std::string& folder) {
     ProgressLine progress;
@@ -123,9 +128,9 @@ std::string MakeMedia(DiscRun& run, const std::string& folder) {
     };
     const size_t count = run.partition.media.size();
     for (size_t i = 0; i < count && !Interruption::Came(); ++i) {
-        const std::string place = count == 1 ? folder : folder + "/" + NameOf(i + 1);
+        const std::string place = PlaceOf(run, folder, i);
         std::error_code error;
-        if (count > 1) fs::create_directory(place, error);
+        fs::create_directory(place, error);
         run.media.push_back(MakeMedium(run.request, run.survey, run.partition.media[i],
                                        {i + 1, count}, place, advance));
         run.failures += run.media.back().failures;
@@ -134,13 +139,20 @@ std::string MakeMedia(DiscRun& run, const std::string& folder) {
     return "";
 }
 
+// The same. All media are there, or none.
+std::string FinishMedia(const DiscRun& run, const std::string& folder) {
+    std::string complaint;
+    for (size_t i = 0; i < run.media.size() && complaint.empty(); ++i)
+        complaint = FinishMedium(PlaceOf(run, folder, i));
+    return complaint;
+}
+
 int MakeImages(const DiscRun& run, const DiscImage& image) {
     const size_t count = run.media.size();
     for (size_t i = 0; i < count && !Interruption::Came(); ++i) {
         const MediumNumber number{i + 1, count};
-        const std::string& output = run.request.output;
         const std::string name = DiscImage::NameOf(run.request.image, number);
-        const std::string complaint = image.Make(count == 1 ? output : output + "/" + NameOf(i + 1),
+        const std::string complaint = image.Make(PlaceOf(run, run.request.output, i),
                                                  FileSetIdOf(run.request.fileSetId, number), name);
         if (!complaint.empty()) return Fail(kDiscCommand, complaint);
     }
@@ -154,7 +166,8 @@ std::string Build(DiscRun& run) {
     if (complaint.empty()) complaint = ComplaintAboutRoom(run, staging.Path());
     if (complaint.empty()) complaint = MakeMedia(run, staging.Path());
     if (!complaint.empty() || Interruption::Came()) return complaint;
-    return staging.PutInPlace();
+    complaint = FinishMedia(run, staging.Path());
+    return complaint.empty() ? staging.PutInPlace() : complaint;
 }
 
 int MakeDisc(const DiscRequest& request) {
@@ -219,6 +232,8 @@ std::string Complete(DiscOptions& given) {
     DiscRequest& request = given.request;
     const Arguments& operands = request.sources.operands;
     request.sources.recursive = true;
+    // The library takes a backslash for a separator everywhere.
+    std::replace(request.output.begin(), request.output.end(), '\\', '/');
     request.isRecoded = given.transferSyntax == "explicit";
     if (operands.empty() && request.sources.filesFrom.empty()) return "a source is expected";
     if (request.output.empty()) return "-o DIR is expected";

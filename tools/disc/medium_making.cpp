@@ -45,6 +45,12 @@ int32_t NoteRefused(const PgDicomdirScanReason* reason) {
     return Interruption::Came() ? 1 : 0;
 }
 
+std::string RenameIn(const std::string& folder, const char* from, const char* to) {
+    std::error_code error;
+    fs::rename(folder + from, folder + to, error);
+    return error ? folder + from + ": " + error.message() : "";
+}
+
 class MediumMaker {
   public:
     MediumMaker(const DiscRequest& request, const Survey& survey, const MediumPlan& plan,
@@ -60,7 +66,7 @@ class MediumMaker {
         Copy(progress);
         if (Goes()) WriteDirectory(fileSetId);
         if (Goes()) WriteTexts(fileSetId, number);
-        if (Goes()) Finish();
+        if (Goes()) Measure();
         return made_;
     }
 
@@ -124,14 +130,8 @@ class MediumMaker {
         } else if (result != 0) {
             made_.complaint = folder_ + kDirectoryFile + ": " + DescribeSaveResult(result);
         } else {
-            made_.complaint = Rename(kDirectoryFile, kUnfinished);
+            made_.complaint = RenameIn(folder_, kDirectoryFile, kUnfinished);
         }
-    }
-
-    std::string Rename(const char* from, const char* to) const {
-        std::error_code error;
-        fs::rename(folder_ + from, folder_ + to, error);
-        return error ? folder_ + from + ": " + error.message() : "";
     }
 
     // What no record refers to does not belong on the medium.
@@ -192,8 +192,7 @@ class MediumMaker {
         return content;
     }
 
-    void Finish() {
-        made_.complaint = Rename(kUnfinished, kDirectoryFile);
+    void Measure() {
         std::error_code error;
         for (fs::recursive_directory_iterator entry(folder_, error);
              !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
@@ -201,7 +200,7 @@ class MediumMaker {
             made_.bytes +=
                 entry->is_directory(unknown) ? kSector : InSectors(entry->file_size(unknown));
         }
-        if (request_.size != 0 && made_.bytes > request_.size && Goes()) {
+        if (request_.size != 0 && made_.bytes > request_.size) {
             made_.complaint = folder_ + ": it has become " + DescribeSize(made_.bytes) +
                               ", more than a medium holds";
         }
@@ -223,6 +222,10 @@ MadeMedium MakeMedium(const DiscRequest& request, const Survey& survey, const Me
                       MediumNumber number, const std::string& folder,
                       const std::function<void()>& progress) {
     return MediumMaker(request, survey, plan, folder).Make(number, progress);
+}
+
+std::string FinishMedium(const std::string& folder) {
+    return RenameIn(folder, kUnfinished, kDirectoryFile);
 }
 
 }  // namespace pgtool
