@@ -75,7 +75,7 @@ install(FILES
   ${PROJECT_SOURCE_DIR}/SECURITY.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
-  FILES_MATCHING PATTERN "*.md")
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
 # The public headers as one page. A machine without Python installs them alone.
 find_package(Python3 COMPONENTS Interpreter)
 if(Python3_FOUND)

@@ -8,6 +8,8 @@
 #   install-packages.sh platforms  and to build for other processors and run that here
 set -euo pipefail
 
+# What tests can do without: they say what they skip.
+optional=()
 packages=(cmake ninja-build g++ g++-mingw-w64-x86-64 rapidjson-dev librapidxml-dev wine64)
 packages+=(libcli11-dev zlib1g-dev libz-mingw-w64-dev)
 case ${1:-} in
@@ -15,6 +17,8 @@ case ${1:-} in
         packages+=(python3-numpy python3-build python3-setuptools python3-wheel python3-pip mypy)
         packages+=(python3-distributed libpython3-dev)
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
+        packages+=(xorriso fonts-dejavu-core)
+        optional+=(libgdcm-tools chromium-headless-shell)
         packages+=(clang clang-format clang-tidy cppcheck lld llvm)
         ;;
     packages) packages+=(debhelper dh-python dpkg-dev fakeroot git libpython3-dev lintian python3 debootstrap) ;;
@@ -23,17 +27,26 @@ case ${1:-} in
         packages+=(python3-numpy python3-pydicom libpython3-dev) ;;
 esac
 
+is_installed() {
+    [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+}
+
 missing=()
 for package in "${packages[@]}"; do
-    state=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
-    [[ $state == installed ]] || missing+=("$package")
+    is_installed "$package" || missing+=("$package")
 done
-[[ ${#missing[@]} -gt 0 ]] || exit 0
+wanted=()
+for package in "${optional[@]}"; do
+    is_installed "$package" || wanted+=("$package")
+done
+[[ ${#missing[@]} -gt 0 || ${#wanted[@]} -gt 0 ]] || exit 0
 
 if [[ $(id -u) -eq 0 ]]; then
     asRoot=(env)
 elif sudo --non-interactive true 2>/dev/null; then
     asRoot=(sudo)
+elif [[ ${#missing[@]} -eq 0 ]]; then
+    exit 0
 else
     echo "Please install (as root): apt-get install ${missing[*]}" >&2
     exit 1
@@ -41,8 +54,15 @@ fi
 
 install() {
     "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install --yes --quiet=2 --no-install-recommends "${missing[@]}" >/dev/null
+        apt-get install --yes --quiet=2 --no-install-recommends "$@" >/dev/null
 }
-echo "Installing ${missing[*]}"
 # The package lists of a fresh machine or container are often missing or stale.
-install 2>/dev/null || { "${asRoot[@]}" apt-get update --quiet=2 && install; }
+if [[ ${#missing[@]} -gt 0 ]]; then
+    echo "Installing ${missing[*]}"
+    install "${missing[@]}" 2>/dev/null ||
+        { "${asRoot[@]}" apt-get update --quiet=2 && install "${missing[@]}"; }
+fi
+for package in "${wanted[@]}"; do
+    echo "Installing $package"
+    install "$package" 2>/dev/null || echo "$package is not to be had: tests that need it skip" >&2
+done

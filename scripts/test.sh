@@ -163,6 +163,8 @@ both_lane() {
     start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" "$wine" \
         "$root/build/windows-x64/bin/pgtool.exe"
     start verdicts tests/interop/compare_media.py "$root/build/native/bin/pgtool"
+    start discs tests/interop/judge_discs.py "$root/build/native/bin/pgtool" "$wine" \
+        "$root/build/windows-x64/bin/pgtool.exe"
     start icons tests/interop/compare_icons.py build/native/bin/creation_probe "$wine" \
         "$root/build/windows-x64/bin/creation_probe.exe"
     start compilers tests/compilers/check_compilers.py build/native build/windows-x64 "$wine"
@@ -238,7 +240,7 @@ done
 if ! $quick; then
     count_gtest native-tsan-pgkit_thread_tests
     count_status lint
-    for name in exports msabi compilers hardening interop frames json neighbours text written media icons \
+    for name in exports msabi compilers hardening interop frames json neighbours text written media discs icons \
         installation directories; do
         count_summary "$name"
     done

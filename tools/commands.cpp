@@ -10,7 +10,8 @@ const std::vector<CommandGroup>& CommandGroups() {
         {"Reading data sets", {&kDumpCommand, &kJsonCommand, &kScanCommand, &kImageCommand}},
         {"Writing data sets",
          {&kSetCommand, &kDeleteCommand, &kAnonymizeCommand, &kSaveCommand, &kFromJsonCommand}},
-        {"Media", {&kBrowseCommand, &kMkdirCommand, &kCheckCommand, &kVerifyCommand}},
+        {"Media",
+         {&kDiscCommand, &kBrowseCommand, &kMkdirCommand, &kCheckCommand, &kVerifyCommand}},
         {"Tables", {&kTagsCommand, &kUidCommand, &kModalityCommand, &kProfilesCommand}},
         {"The tool itself", {&kDocumentationCommand}},
     };

@@ -9,6 +9,7 @@ extern const Command kAnonymizeCommand;
 extern const Command kBrowseCommand;
 extern const Command kCheckCommand;
 extern const Command kDeleteCommand;
+extern const Command kDiscCommand;
 extern const Command kDocumentationCommand;
 extern const Command kDumpCommand;
 extern const Command kFromJsonCommand;

@@ -5,6 +5,7 @@ _pgtool() {
     COMPREPLY=()
     if [[ $COMP_CWORD -eq 1 ]] || [[ $COMP_CWORD -eq 2 && $command == help ]]; then
         words='dump json scan image set delete anonymize save from-json browse mkdir check verify tags uid modality profiles documentation help --help --version'
+        words='dump json scan image set delete anonymize save from-json disc browse mkdir check tags uid modality profiles documentation help --help --version'
     else
         case $command:${COMP_WORDS[COMP_CWORD - 1]} in
             dump:--edition) words='current built-in' ;;
@@ -18,6 +19,7 @@ _pgtool() {
             from-json:--edition) words='current built-in' ;;
             browse:--edition) words='current built-in' ;;
             verify:--edition) words='current built-in' ;;
+            disc:--transfer-syntax) words='as-is explicit' ;;
             tags:--edition) words='current built-in' ;;
             uid:--edition) words='current built-in' ;;
             modality:--edition) words='current built-in' ;;
@@ -34,6 +36,9 @@ _pgtool() {
                 save) words='--help --mode --bare --undefined-lengths --flags --edition' ;;
                 from-json) words='--help --output --bulk-dir --edition --utf8 --raw' ;;
                 browse) words='--help --json --files --edition --utf8 --raw' ;;
+                from-json) words='--help --output --bulk-dir' ;;
+                disc) words='--help --output --size --web --icons --transfer-syntax --profile --file-set-id --image --files-from' ;;
+                browse) words='--help --json' ;;
                 mkdir) words='--help --profile --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
                 check) words='--help --recursive --files-from --profile' ;;
                 verify) words='--help --profile --json --repair --edition --utf8 --raw' ;;

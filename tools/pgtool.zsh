@@ -11,6 +11,7 @@ commands=(
   'anonymize:remove from data sets whom they are about'
   'save:write a data set in another encoding'
   'from-json:make files of DICOM JSON'
+  'disc:make a medium of files, folders and other media'
   'browse:list what a DICOMDIR refers to'
   'mkdir:make the DICOMDIR of a directory'
   'check:tell whether files may be on a medium'
@@ -152,6 +153,21 @@ case $words[1] in
       '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
       '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
       '*--raw[texts are the bytes of the file, as they stand]' \
+      '--help[explain the command]' \
+      '*:file:_files'
+    ;;
+  disc)
+    _arguments \
+      '*-o[the directory that becomes the medium\: a new one, or an empty one]:DIR:_files' \
+      '*--output[the directory that becomes the medium\: a new one, or an empty one]:DIR:_files' \
+      '*--size[how much a medium holds, such as 650M or 4.7G\: more is divided over the media DIR/DISC0001 and so on, studies as wholes where they fit; k, M and G count by thousands, Ki, Mi and Gi by 1024]:N:_files' \
+      '*--web[add INDEX.HTM and IHE_PDI\: an overview with small pictures and reports for every web browser]' \
+      '*--icons[images have icons of at most N pixels in square in the DICOMDIR, up to 256]:N:_files' \
+      '*--transfer-syntax[explicit writes what is implicit, big endian or deflated as explicit little endian; what is compressed stays so; as-is, the default, copies files]:value:(as-is explicit)' \
+      '*--profile[store only what this media application profile allows, such as STD-GEN-CD]:NAME:_files' \
+      '*--file-set-id[up to 16 characters (default\: DISC); of several media it ends with _1_OF_3]:ID:_files' \
+      '*--image[make an image of the medium, to be burnt, by xorriso or genisoimage; of several media FILE gets their numbers]:FILE:_files' \
+      '*--files-from[take the sources that a file names, one on each line; - is the standard input]:LIST:_files' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;

@@ -209,6 +209,28 @@ def checks_of_inputs(tool):
     yield "nothing", "mkdir", check, (tool, ["mkdir"], 2, ["usage: pgtool mkdir"])
     yield "folder", "mkdir", check, (tool, ["mkdir", "dir"], 0, [], ["dir/DICOMDIR"])
     yield "bad", "mkdir", check, (tool, ["mkdir", "no"], 1, ["pgtool mkdir: "])
+    yield from checks_of_disc(tool)
+
+
+def checks_of_disc(tool):
+    made = ["OUT/DICOMDIR", "OUT/README.TXT", "OUT/DICOM/PAT00001/STU00001/SER00001/IM000001"]
+    rest = ["-o", "OUT"]
+    yield "nothing", "disc", check, (tool, ["disc", *rest], 2, ["usage: pgtool disc"])
+    yield "nothing", "disc -o", check, (tool, ["disc", "good"], 2, ["-o DIR is expected"])
+    yield "good", "disc", check, (tool, ["disc", "good", *rest], 0, [], made)
+    yield "bad", "disc", check, (tool, ["disc", "bad", *rest], 1, ["there is nothing to store"])
+    yield "mixed", "disc", check, (tool, ["disc", "bad", "good", *rest], 0, [], made)
+    yield "missing", "disc", check, (tool, ["disc", "no", "good", *rest], 1,
+                                     ["cannot open no: no such file"], made)
+    yield "folder", "disc", check, (tool, ["disc", "dir", *rest], 0, [], made)
+    yield "folder", "disc of a disc", check, (tool, ["disc", ".", *rest], 0, [], made)
+    yield "full", "disc good -o OUT", check_full_disc, (tool, ["disc", "good", *rest])
+    yield "closed", "disc good -o OUT", check_closed_pipe, (tool, ["disc", "good", *rest])
+    root = os.getuid() == 0
+    yield "locked", "disc", check_no_permission, (
+        tool, ["disc", "good", "-o", "locked/out"], "locked", root)
+    yield "locked", "disc: source", check_no_permission, (
+        tool, ["disc", "good", *rest], "good", root)
 
 
 def checks(tool):

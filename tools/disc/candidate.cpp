@@ -1,0 +1,183 @@
+#include "disc/candidate.h"
+
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+#include "data_set.h"
+#include "disc/readable_path.h"
+#include "pgkit/dicomdir_creation.h"
+
+namespace pgtool {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Kind = Candidate::Kind;
+
+constexpr pgkit::tag kMediaStorageSopClass{0x0002, 0x0002};
+constexpr pgkit::tag kTransferSyntax{0x0002, 0x0010};
+constexpr pgkit::tag kDirectoryRecords{0x0004, 0x1220};
+constexpr pgkit::tag kSopClass{0x0008, 0x0016};
+constexpr pgkit::tag kSopInstance{0x0008, 0x0018};
+constexpr pgkit::tag kStudyDate{0x0008, 0x0020};
+constexpr pgkit::tag kStudyTime{0x0008, 0x0030};
+constexpr pgkit::tag kModality{0x0008, 0x0060};
+constexpr pgkit::tag kPatientName{0x0010, 0x0010};
+constexpr pgkit::tag kPatientId{0x0010, 0x0020};
+constexpr pgkit::tag kStudyInstance{0x0020, 0x000D};
+constexpr pgkit::tag kSeriesInstance{0x0020, 0x000E};
+constexpr pgkit::tag kStudyId{0x0020, 0x0010};
+constexpr pgkit::tag kSeriesNumber{0x0020, 0x0011};
+constexpr pgkit::tag kPhotometricInterpretation{0x0028, 0x0004};
+constexpr pgkit::tag kImageRows{0x0028, 0x0010};
+
+constexpr std::string_view kDirectoryClass = "1.2.840.10008.1.3.10";
+constexpr const char* kImplicitLittle = "1.2.840.10008.1.2";
+constexpr const char* kExplicitLittle = "1.2.840.10008.1.2.1";
+constexpr const char* kDeflated = "1.2.840.10008.1.2.1.99";
+constexpr const char* kExplicitBig = "1.2.840.10008.1.2.2";
+
+// Values of fewer bytes are read with the header.
+constexpr uint32_t kLoadedOnSurvey = 128;
+
+// The bytes of a value without the padding around it, as the library compares them.
+std::string TextOf(const pgkit::item& root, pgkit::tag tag) {
+    constexpr std::string_view kPadding(" \0", 2);
+    const auto bytes = root.find(tag).bytes();
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const size_t first = text.find_first_not_of(kPadding);
+    if (first == text.npos) return "";
+    return std::string(text.substr(first, text.find_last_not_of(kPadding) - first + 1));
+}
+
+// Whether the library makes up a value: it takes blanks for one.
+bool IsMadeUp(const pgkit::item& root, pgkit::tag tag) {
+    const auto bytes = root.find(tag).bytes();
+    return bytes.empty() || bytes.front() == 0;
+}
+
+// The library leaves the values of the File Meta Information in the file: each costs some calls of
+// the system, so they are read where nothing else tells.
+std::string SopClassOf(const pgkit::item& root) {
+    const std::string own = TextOf(root, kSopClass);
+    return own.empty() ? TextOf(root, kMediaStorageSopClass) : own;
+}
+
+bool IsDirectory(const pgkit::item& root) {
+    return root.contains(kDirectoryRecords) || SopClassOf(root).starts_with(kDirectoryClass);
+}
+
+// Whether the File Meta Information stands behind a preamble and "DICM": the positions of values
+// tell.
+bool HasPrefix(const pgkit::data_set& root) {
+    constexpr uint32_t kPrefix = 132;
+    return !root.empty() && root.begin()->node()->fileOffset > kPrefix;
+}
+
+// What a data set of which nothing says it is encoded in.
+const char* FoundSyntax(const pgkit::data_set& root) {
+    const uint32_t flags = root.node()->syntaxFlags;
+    if ((flags & PG_LITTLE_ENDIAN) == 0) return kExplicitBig;
+    return (flags & PG_IMPLICIT_VR) != 0 ? kImplicitLittle : kExplicitLittle;
+}
+
+bool MayBeRecoded(const std::string& syntax) {
+    return syntax == kImplicitLittle || syntax == kDeflated || syntax == kExplicitBig;
+}
+
+const char* WhatIsMissing(const Candidate& candidate, const pgkit::item& root) {
+    if (SopClassOf(root).empty()) return "SOP Class UID";
+    if (candidate.keys.instance.empty()) return "SOP Instance UID";
+    if (candidate.keys.study.empty()) return "Study Instance UID";
+    return candidate.keys.series.empty() ? "Series Instance UID" : nullptr;
+}
+
+// As the creation of the DICOMDIR will judge it: the File Meta Information comes first.
+bool IsAllowed(const pgkit::item& root, const std::string& syntax, const std::string& profile) {
+    const std::string photometric = TextOf(root, kPhotometricInterpretation);
+    const std::string stated = TextOf(root, kMediaStorageSopClass);
+    return pgDirAcceptDataset2(syntax.c_str(),
+                               stated.empty() ? SopClassOf(root).c_str() : stated.c_str(),
+                               photometric.empty() ? "no Photo. info" : photometric.c_str(),
+                               TextOf(root, kModality).c_str(), profile.c_str()) != 0;
+}
+
+void ReadKeys(const pgkit::item& root, Candidate& candidate) {
+    candidate.keys = {TextOf(root, kPatientId), TextOf(root, kPatientName),
+                      TextOf(root, kStudyInstance), TextOf(root, kSeriesInstance),
+                      TextOf(root, kSopInstance)};
+    candidate.lacksStudyId = IsMadeUp(root, kStudyId);
+    candidate.lacksStudyDate = IsMadeUp(root, kStudyDate);
+    candidate.lacksStudyTime = IsMadeUp(root, kStudyTime);
+    candidate.lacksSeriesNumber = IsMadeUp(root, kSeriesNumber);
+    candidate.instance.isImage = root.contains(kImageRows);
+}
+
+// Gives the transfer syntax that the instance will have on the medium, when that matters. What
+// cannot be read of a damaged file would be lost if it were written anew.
+std::string ChooseTransfer(const pgkit::data_set& root, const DiscRequest& request,
+                           Candidate& candidate) {
+    Transfer& transfer = candidate.instance.transfer;
+    const bool isStated = root.find(kTransferSyntax).length() != 0;
+    if (!isStated || !HasPrefix(root)) transfer = Transfer::GivenMeta;
+    if (!request.isRecoded && request.profile.empty()) return "";
+    const std::string syntax = isStated ? TextOf(root, kTransferSyntax) : FoundSyntax(root);
+    if (request.isRecoded && MayBeRecoded(syntax) && candidate.complaint.empty()) {
+        transfer = Transfer::Recoded;
+    }
+    return transfer == Transfer::Recoded ? kExplicitLittle : syntax;
+}
+
+Candidate Judge(const pgkit::data_set& root, const DiscRequest& request, Candidate candidate) {
+    const auto refuse = [&](const std::string& reason) {
+        candidate.kind = Kind::Refused;
+        candidate.complaint = reason;
+        return candidate;
+    };
+    ReadKeys(root, candidate);
+    const std::string syntax = ChooseTransfer(root, request, candidate);
+    if (const char* const missing = WhatIsMissing(candidate, root)) {
+        return refuse(candidate.instance.path + ": not stored: it has no " + missing);
+    }
+    if (!request.profile.empty() && !IsAllowed(root, syntax, request.profile)) {
+        const bool mayHelp = !request.isRecoded && MayBeRecoded(syntax);
+        return refuse(candidate.instance.path + ": not stored: " + request.profile +
+                      " does not allow it" +
+                      (mayHelp ? " (perhaps with --transfer-syntax explicit)" : ""));
+    }
+    candidate.kind = Kind::Instance;
+    return candidate;
+}
+
+}  // namespace
+
+Candidate ReadCandidate(const std::string& path, const DiscRequest& request) {
+    Candidate candidate;
+    candidate.instance.path = path;
+    std::error_code error;
+    const ReadablePath readable(path);
+    // The library would wait for a pipe or a device.
+    const fs::file_status status = fs::status(path, error);
+    if (readable.Path().empty() || (fs::exists(status) && !fs::is_regular_file(status))) {
+        candidate.complaint = "cannot open " + path + ": it is no file";
+        return candidate;
+    }
+    const auto root = Open(readable.Path(),
+                           {kLoadedOnSurvey, PG_OPEN_SKIP_FRAGMENTS, false, &candidate.complaint});
+    if (!root) {
+        const bool isOther = root.error().kind == pgkit::failure::not_a_data_set;
+        candidate.kind = isOther ? Kind::NoDicom : Kind::Refused;
+        candidate.complaint = isOther ? "" : root.error().message;
+        return candidate;
+    }
+    candidate.instance.bytes = fs::file_size(path, error);
+    if (IsDirectory(*root)) {
+        candidate.kind = Kind::Directory;
+        candidate.complaint.clear();
+        return candidate;
+    }
+    return Judge(*root, request, std::move(candidate));
+}
+
+}  // namespace pgtool
