@@ -15,6 +15,7 @@ class AcceptanceSummary {
   public:
     void Count(uint32_t code);
     uint32_t Files() const { return files_; }
+    uint32_t Accepted() const;
     // A line on the standard output for every code that occurred: "0 Dicom file accepted: 12".
     void Print() const;
 

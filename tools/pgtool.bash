@@ -29,12 +29,12 @@ _pgtool() {
                 save) words='--help --mode --bare --undefined-lengths --flags --edition' ;;
                 from-json) words='--help --output --bulk-dir' ;;
                 browse) words='--help --json' ;;
-                mkdir) words='--help --profile --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
+                mkdir) words='--help --add --remove --profile --standard-records --strict --strict-names --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
                 check) words='--help --profile' ;;
                 tags) words='--help --find --edition' ;;
                 uid) words='--help --edition' ;;
                 modality) words='--help' ;;
-                profiles) words='--help' ;;
+                profiles) words='--help --names' ;;
                 documentation) words='--help' ;;
             esac
         fi

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
+
+#include "words.h"
 
 namespace pgtool {
 
@@ -30,20 +33,42 @@ size_t Distance(const std::string& a, const std::string& b) {
     return rows[a.size()][b.size()];
 }
 
+// What differs less is near. Texts of any length can be typed; long ones are no words.
+size_t NearestTooFar(const std::string& typed) {
+    constexpr size_t kLongest = 64;
+    return typed.size() > kLongest ? 0 : std::max<size_t>(typed.size() / 3, 1) + 1;
+}
+
 }  // namespace
 
 std::string Nearest(const std::string& typed, const std::vector<std::string>& words) {
-    constexpr size_t kLongest = 64;
-    if (typed.size() > kLongest) return "";
-    size_t best = std::max<size_t>(typed.size() / 3, 1) + 1;
-    std::string nearest;
+    const std::vector<std::string> few = NearestFew(typed, words);
+    return few.empty() ? "" : few.front();
+}
+
+std::vector<std::string> NearestFew(const std::string& typed,
+                                    const std::vector<std::string>& words) {
+    constexpr size_t kFew = 3;
+    std::vector<std::pair<size_t, std::string>> near;
+    const size_t tooFar = NearestTooFar(typed);
     for (const std::string& word : words) {
-        const size_t distance = Distance(typed, word);
-        if (distance >= best) continue;
-        best = distance;
-        nearest = word;
+        const size_t distance = tooFar == 0 ? 0 : Distance(typed, word);
+        if (distance < tooFar) near.emplace_back(distance, word);
     }
-    return nearest;
+    const auto isNearer = [](const auto& a, const auto& b) { return a.first < b.first; };
+    std::stable_sort(near.begin(), near.end(), isNearer);
+    std::vector<std::string> few;
+    for (size_t i = 0; i < std::min(kFew, near.size()); ++i)
+        few.push_back(near[i].second);
+    return few;
+}
+
+std::string DidYouMeanOneOf(const std::string& typed, const std::vector<std::string>& words) {
+    std::vector<std::string> few = NearestFew(typed, words);
+    if (few.empty()) return "";
+    const std::string last = few.back();
+    few.pop_back();
+    return "; did you mean " + (few.empty() ? "" : Joined(few, ", ") + " or ") + last + "?";
 }
 
 std::string DidYouMean(const std::string& typed, const std::vector<std::string>& words) {
