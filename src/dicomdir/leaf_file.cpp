@@ -60,7 +60,7 @@ size_t TellFile(const PGX_DicomDirLeafNode* leaf, const char* folder, char* path
 }  // namespace pgkit
 
 int32_t pgxIsFileId(const char* path) {
-    return path != nullptr && pgkit::IsStandardFileId(path) ? 1 : 0;
+    return pgkit::Guarded([=] { return path != nullptr && pgkit::IsStandardFileId(path) ? 1 : 0; });
 }
 
 size_t pgxLeafFile(PGX_DicomDirLeafNode* leaf, const char* folder, char* path, size_t size) {

@@ -212,14 +212,16 @@ using OwnUpdate = std::unique_ptr<DirectoryUpdate>;
 DirectoryUpdate* UpdateOf(void* handle) { return static_cast<DirectoryUpdate*>(handle); }
 
 DirectoryUpdate* StartUpdate(const char* folder, const char* profile,
-                             const PgDicomdirOptions* options, PgxUpdateProblem& problem) {
-    problem = PGX_UPDATE_NO_DICOMDIR;
+                             const PgDicomdirOptions* options, int32_t* problem) {
+    const auto tell = [problem](PgxUpdateProblem found) {
+        if (problem != nullptr) *problem = found;
+        return found;
+    };
+    tell(folder == nullptr ? PGX_UPDATE_NO_DICOMDIR : PGX_UPDATE_NO_MEMORY);
     if (folder == nullptr) return nullptr;
-    problem = PGX_UPDATE_NO_MEMORY;
     auto update = std::make_unique<DirectoryUpdate>(WithoutTrailingSeparator(folder),
                                                     OrEmpty(profile), options);
-    problem = update->Open();
-    return problem == PGX_UPDATE_STARTED ? update.release() : nullptr;
+    return tell(update->Open()) == PGX_UPDATE_STARTED ? update.release() : nullptr;
 }
 
 uint32_t AddTo(DirectoryUpdate* update, const char* referencedName, const char* fullPath) {
@@ -239,13 +241,7 @@ using pgkit::UpdateOf;
 
 void* pgxStartDicomdirUpdate(const char* directory, const char* profile,
                              const PgDicomdirOptions* options, int32_t* problem) {
-    PgxUpdateProblem found = PGX_UPDATE_NO_MEMORY;
-    void* const update =
-        Guarded([&]() -> void* { return pgkit::StartUpdate(directory, profile, options, found); });
-    // What fails for want of memory may have come to any step.
-    if (update == nullptr && found == PGX_UPDATE_STARTED) found = PGX_UPDATE_NO_MEMORY;
-    if (problem != nullptr) *problem = found;
-    return update;
+    return Guarded([=] { return pgkit::StartUpdate(directory, profile, options, problem); });
 }
 
 uint32_t pgxUpdateAddFile(void* update, const char* referencedName, const char* fullPath) {
