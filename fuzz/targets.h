@@ -29,8 +29,12 @@ void Edit(Bytes input);
 
 // A DICOMDIR: browsed, objects removed, what is left written as a DICOMDIR again.
 void Browse(Bytes input);
-// A file on a medium that is to have a DICOMDIR, with options and profiles.
+// A file on a medium that is to have a DICOMDIR, with options and profiles, also as the elements of
+// a kind that has keys of its own. What was written can be browsed and changed.
 void Create(Bytes input);
+// A DICOMDIR that is to be changed: a study is removed, a file added. What comes of it can be
+// changed again.
+void Update(Bytes input);
 // A file, or what is in the sequences of one, beside good files on a medium, or a DICOMDIR that one
 // joins: whatever is written, a browse finds all that was accepted, once and as what it was, and
 // the good files have the records that they have alone.
@@ -63,6 +67,7 @@ inline constexpr Target kTargets[] = {
     {"edit", Edit},
     {"browse", Browse},
     {"create", Create},
+    {"update", Update},
     {"medium", Medium},
     {"icon", Icon},
     {"private_dictionary", PrivateDictionaryFile},

@@ -165,6 +165,7 @@ both_lane() {
     start verdicts tests/interop/compare_media.py "$root/build/native/bin/pgtool"
     start discs tests/interop/judge_discs.py "$root/build/native/bin/pgtool" "$wine" \
         "$root/build/windows-x64/bin/pgtool.exe"
+    start kinds tests/interop/compare_record_kinds.py "$root/build/native/bin/pgtool"
     start icons tests/interop/compare_icons.py build/native/bin/creation_probe "$wine" \
         "$root/build/windows-x64/bin/creation_probe.exe"
     start compilers tests/compilers/check_compilers.py build/native build/windows-x64 "$wine"
@@ -240,8 +241,8 @@ done
 if ! $quick; then
     count_gtest native-tsan-pgkit_thread_tests
     count_status lint
-    for name in exports msabi compilers hardening interop frames json neighbours text written media discs icons \
-        installation directories; do
+    for name in exports msabi compilers hardening interop frames json neighbours text written media \
+        verdicts discs kinds icons installation directories; do
         count_summary "$name"
     done
 fi

@@ -19,14 +19,14 @@ namespace pgtool {
 namespace {
 
 // The files so far, as one medium would hold them.
-class JudgedFiles {
+class FileJudge {
   public:
-    explicit JudgedFiles(const std::string& profile) : profile_(profile) {
+    explicit FileJudge(const std::string& profile) : profile_(profile) {
         options_.flags = PG_DICOMDIR_NO_LIST;
     }
-    ~JudgedFiles() { pgEmptyPatientList(&patients_); }
-    JudgedFiles(const JudgedFiles&) = delete;
-    JudgedFiles& operator=(const JudgedFiles&) = delete;
+    ~FileJudge() { pgEmptyPatientList(&patients_); }
+    FileJudge(const FileJudge&) = delete;
+    FileJudge& operator=(const FileJudge&) = delete;
 
     uint32_t Add(const std::string& file) {
         const DivertedOutput diverted;
@@ -48,10 +48,10 @@ struct CheckRequest {
 
 class CheckedFiles {
   public:
-    explicit CheckedFiles(const std::string& profile) : judged_(profile) {}
+    explicit CheckedFiles(const std::string& profile) : judge_(profile) {}
 
     void Add(const Input& input) {
-        const uint32_t code = judged_.Add(input.path);
+        const uint32_t code = judge_.Add(input.path);
         if (input.isFound && code == PG_NOT_DICOM_PART_10) {
             ++others_;
             return;
@@ -78,7 +78,7 @@ class CheckedFiles {
         return pgkit::detail::why_not_read(path, "").kind == pgkit::failure::not_a_data_set;
     }
 
-    JudgedFiles judged_;
+    FileJudge judge_;
     bool hasFailed_ = false;
     size_t others_ = 0;
 };

@@ -17,9 +17,8 @@
 #include "disc/size.h"
 #include "disc/staging.h"
 #include "disc/survey.h"
-#include "pgkit/profiles.h"
+#include "profile_names.h"
 #include "progress_line.h"
-#include "suggestion.h"
 #include "text_options.h"
 #include "words.h"
 
@@ -217,16 +216,6 @@ bool IsFileSetId(const std::string& text) {
            text.find_first_not_of(' ') != text.npos;
 }
 
-Arguments ProfileNames() {
-    Arguments names;
-    for (int32_t i = 0; i < pgxProfileCount(); ++i) {
-        char name[64];
-        pgxProfileName(i, name, sizeof name);
-        names.emplace_back(name);
-    }
-    return names;
-}
-
 // Takes over what has a form of its own. Gives the complaint, or an empty text.
 std::string Complete(DiscOptions& given) {
     DiscRequest& request = given.request;
@@ -243,9 +232,8 @@ std::string Complete(DiscOptions& given) {
     if (!IsFileSetId(request.fileSetId)) {
         return "--file-set-id: at most 16 characters, of A to Z, 0 to 9, _ and blanks";
     }
-    if (!request.profile.empty() && pgxIsProfile(request.profile.c_str()) == 0) {
-        return "unknown profile: " + request.profile + DidYouMean(request.profile, ProfileNames());
-    }
+    const std::string aboutProfile = ComplaintAboutProfile(request.profile);
+    if (!aboutProfile.empty()) return aboutProfile;
     if (given.size.empty()) return "";
     const auto size = ParseSize(given.size);
     if (!size) return "--size: a number with k, M or G is expected, such as 650M";

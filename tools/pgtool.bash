@@ -46,6 +46,12 @@ _pgtool() {
                 uid) words='--help --edition --utf8 --raw' ;;
                 modality) words='--help --edition --utf8 --raw' ;;
                 profiles) words='--help' ;;
+                mkdir) words='--help --add --remove --profile --standard-records --strict --strict-names --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
+                check) words='--help --profile' ;;
+                tags) words='--help --find --edition' ;;
+                uid) words='--help --edition' ;;
+                modality) words='--help' ;;
+                profiles) words='--help --names' ;;
                 documentation) words='--help' ;;
             esac
         fi

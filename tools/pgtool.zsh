@@ -183,7 +183,12 @@ case $words[1] in
     ;;
   mkdir)
     _arguments \
+      '*--add[add the files, which are in DIR, to the DICOMDIR that is there, and all files of directories; files that it lists are not listed again]' \
+      '*--remove[take the studies of these UIDs out of the DICOMDIR that is there; their files stay]' \
       '*--profile[accept what this media application profile allows, such as STD-GEN-CD; without it every DICOM file]:NAME:_files' \
+      '*--standard-records[records have the types and keys that today'\''s standard has for what is no image (RT DOSE, VALUE MAP and so on); without it most of that is listed as IMAGE]' \
+      '*--strict[when a file is refused no DICOMDIR is written, and the exit status is 1]' \
+      '*--strict-names[refuse files whose names are no File IDs (up to 8 components of 8 characters A-Z, 0-9, _), with code 1; without it they are warned about]' \
       '*--icons[images have icons of at most N pixels in square, up to 256]:N:_files' \
       '*--series-icons[series have the icon of an image, too]' \
       '*--file-size[records say how large their files are]' \
@@ -244,6 +249,7 @@ case $words[1] in
     ;;
   profiles)
     _arguments \
+      '*--names[print the names alone, one on each line]' \
       '--help[explain the command]' \
       '*:file:_files'
     ;;

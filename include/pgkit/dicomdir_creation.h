@@ -33,14 +33,48 @@ typedef enum PgAcceptanceCode {
 typedef enum PgDicomdirFlags {
     PG_DICOMDIR_SKIP_CHECKS = 0x1, /* neither "DICM" nor the profile is asked for */
     PG_DICOMDIR_NO_RECURSION = 0x10,
-    PG_DICOMDIR_NO_LIST = 0x20, /* no acceptance list file */
+    PG_DICOMDIR_NO_LIST = 0x20,           /* no acceptance list file */
+    PG_DICOMDIR_STANDARD_RECORDS = 0x100, /* records of today's standard, see below */
     /* where nothing is accepted, no DICOMDIR is written, and one that is there stays */
-    PG_DICOMDIR_NEVER_EMPTY = 0x200
+    PG_DICOMDIR_NEVER_EMPTY = 0x200,
+    /* files are refused, with code 1, whose File IDs are none of the standard: at most 8 components
+       of at most 8 characters, capital letters, digits and underscores */
+    PG_DICOMDIR_STRICT_NAMES = 0x400,
+    /* where a file is refused, no DICOMDIR is written, and one that is there stays. The DICOMDIR
+       and the acceptance list file of the directory do not count */
+    PG_DICOMDIR_ALL_OR_NOTHING = 0x800
 } PgDicomdirFlags;
 
 // What a creation with PG_DICOMDIR_NEVER_EMPTY returns that accepted nothing. The acceptance list
 // file says why.
 #define PG_CREATION_NOTHING_ACCEPTED 8u
+
+// What one with PG_DICOMDIR_ALL_OR_NOTHING returns that refused a file, likewise.
+#define PG_CREATION_FILES_REFUSED 9u
+
+// The kinds of records. Leaves become records of the types IMAGE, SR DOCUMENT, KEY OBJECT DOC,
+// PRESENTATION (of grayscale states), WAVEFORM, ENCAP DOC (of PDF) and RAW DATA by their SOP
+// classes; all others are IMAGE.
+//
+// With PG_DICOMDIR_STANDARD_RECORDS only images are: everything else has the record type and the
+// keys that PS3.3 Annex F of today has for its SOP class: also RT DOSE, RT STRUCTURE SET, RT PLAN,
+// RT TREAT RECORD, RADIOTHERAPY, PLAN, SPECTROSCOPY, REGISTRATION, FIDUCIAL, VALUE MAP,
+// STEREOMETRIC, MEASUREMENT, SURFACE, SURFACE SCAN, TRACT, ASSESSMENT and ANNOTATION; PRESENTATION
+// is for states of all kinds, ENCAP DOC for CDA, STL, OBJ and MTL, too. Segmentations, parametric
+// maps and SOP classes that are not known are IMAGE. Keys of types 1 and 2 that a file lacks are
+// written without a value; fillMissingKeys makes those of type 1 up, but for sequences: dates and
+// times are the current ones, texts "UNKNOWN", numbers 0. A text of more than 1,024 bytes counts as
+// missing.
+//
+// Types that have no object class of their own (directory_records.h) are plain leaves: recordType
+// says which, record has the keys (PG_LEAF_OWNS_KEYS). A browse of the DICOMDIR gives plain leaves,
+// too, whose keys are in their records.
+//
+// HANGING PROTOCOL, PALETTE, IMPLANT, IMPLANT ASSY, IMPLANT GROUP and INVENTORY belong to no
+// patient. Their records stand at the root of the DICOMDIR, behind all patients; a browse, which
+// takes everything at the root for a patient, shows the first of them as one without studies and
+// ends there. They need no study and no series. A hierarchy has no place for them: pgBrowseDisk,
+// pgBrowsePatientListEx and pgAddFile refuse them with code 9.
 
 // Null in the place of options means all zero.
 //
@@ -212,7 +246,8 @@ PGKIT_API int32_t pgBrowseDisk(const char* directory, const char* profile,
                                PgDicomdirScanCallback callback, void* userData);
 
 // The same into a new list, for the caller to free with pgEmptyPatientList and pgKitListDelete (or
-// delete). The record pointers of all objects are null. Null for a null directory and when memory
+// delete). The record pointers of all objects are null, but those
+// of leaves with PG_LEAF_OWNS_KEYS. Null for a null directory and when memory
 // runs out; a directory that cannot be read gives an empty list.
 PGKIT_API PGX_List* pgBrowsePatientListEx(const char* directory, const char* profile,
                                           const PgDicomdirOptions* options,

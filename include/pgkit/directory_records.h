@@ -62,7 +62,10 @@ typedef enum PgSeriesFlags {
 
 // Bits of PGX_DicomDirLeafNode::flags.
 typedef enum PgLeafFlags {
-    PG_LEAF_MARKED = 0x1 /* (07A1,102B) begins with "Y" */
+    PG_LEAF_MARKED = 0x1, /* (07A1,102B) begins with "Y" */
+    /* record is an item with keys that the object has no fields for, made from the file. The object
+       owns it. Only creations with PG_DICOMDIR_STANDARD_RECORDS make such leaves. */
+    PG_LEAF_OWNS_KEYS = 0x2
 } PgLeafFlags;
 
 #if defined(__cplusplus)

@@ -1,4 +1,4 @@
-// pgkit: how paths are written, and where the files of a medium really are.
+// pgkit: how paths are written, which of them a medium may have, and where its files really are.
 #ifndef PGKIT_PATHS_H
 #define PGKIT_PATHS_H
 
@@ -46,6 +46,14 @@ PGKIT_API int32_t pgxGetPathEncoding(void);
 // threads.
 PGKIT_API size_t pgxLeafFile(PGX_DicomDirLeafNode* leaf, const char* folder, char* path,
                              size_t size);
+
+// 1 when a path below the directory of a medium is a File ID of the standard (PS3.10): at most 8
+// components of 1 to 8 characters each, which are A to Z, 0 to 9 and underscores; backslashes or
+// slashes are between them. Else 0, also for null. Media with other names are read by many
+// programs, and not by all.
+//
+// Reads its argument alone: any thread may call it at any time.
+PGKIT_API int32_t pgxIsFileId(const char* path);
 
 PGKIT_END_C
 

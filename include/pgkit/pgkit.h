@@ -40,6 +40,7 @@
 #include "pgkit/dataset.h"
 #include "pgkit/diagnostics.h"
 #include "pgkit/dicomdir_creation.h"
+#include "pgkit/dicomdir_update.h"
 #include "pgkit/dictionary.h"
 #include "pgkit/directory.h"
 #include "pgkit/directory_records.h"

@@ -17,6 +17,25 @@ constexpr std::string_view TakeComponent(std::string_view& path) {
     return component;
 }
 
+// Whether the standard has a path for a File ID (PS3.10, section 8.2).
+constexpr bool IsStandardFileId(std::string_view path) {
+    constexpr size_t kMostComponents = 8;
+    constexpr size_t kLongestComponent = 8;
+    // A separator at the end has nothing behind it.
+    if (path.empty() || IsSeparator(path.back())) return false;
+    size_t components = 0;
+    while (!path.empty()) {
+        const std::string_view component = TakeComponent(path);
+        if (++components > kMostComponents) return false;
+        if (component.empty() || component.size() > kLongestComponent) return false;
+        for (const char c : component) {
+            const bool isAllowed = (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+            if (!isAllowed) return false;
+        }
+    }
+    return true;
+}
+
 // The part of a path in front of its last separator; all of it when it has none.
 constexpr std::string_view FolderOf(std::string_view path) {
     return path.substr(0, path.find_last_of(kSeparators));

@@ -59,6 +59,10 @@ size_t TellFile(const PGX_DicomDirLeafNode* leaf, const char* folder, char* path
 
 }  // namespace pgkit
 
+int32_t pgxIsFileId(const char* path) {
+    return pgkit::Guarded([=] { return path != nullptr && pgkit::IsStandardFileId(path) ? 1 : 0; });
+}
+
 size_t pgxLeafFile(PGX_DicomDirLeafNode* leaf, const char* folder, char* path, size_t size) {
     return pgkit::Guarded([=] { return pgkit::TellFile(leaf, folder, path, size); });
 }

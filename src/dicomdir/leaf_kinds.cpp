@@ -174,9 +174,9 @@ RecordKind KindAmongImages(PGX_Node& record) {
 
 }  // namespace
 
-const LeafKind& KindOf(const Leaf& leaf) {
+const LeafKind& KindOfType(int32_t leafType) {
     for (const LeafKind& kind : kKinds) {
-        if (kind.type == leaf.leafType) return kind;
+        if (kind.type == leafType) return kind;
     }
     return kPlainKind;
 }

@@ -39,8 +39,10 @@ struct LeafKind {
     void*& (*icon)(Leaf& leaf) = nullptr;  // null when they have none
 };
 
-// That of an existing leaf. One of an unknown type is a plain leaf, which has no keys of a kind.
-const LeafKind& KindOf(const Leaf& leaf);
+// That of a PgLeafType, and of an existing leaf. One of an unknown type is a plain leaf, which has
+// no keys of a kind.
+const LeafKind& KindOfType(int32_t leafType);
+inline const LeafKind& KindOf(const Leaf& leaf) { return KindOfType(leaf.leafType); }
 
 // That of an instance by its SOP class; an image where no other kind fits.
 const LeafKind& KindOfClass(std::string_view sopClass);

@@ -41,6 +41,19 @@ using Studies = Objects<PGX_DicomDirStudyNode>;
 using AllSeries = Objects<PGX_DicomDirSeriesNode>;
 using Leaves = Objects<PGX_DicomDirLeafNode>;
 
+// Calls a function for every leaf of a hierarchy.
+template <typename Use>
+void ForEachLeaf(PGX_List& patients, Use use) {
+    for (PGX_DicomDirPatientNode& patient : Patients(patients)) {
+        for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
+            for (PGX_DicomDirSeriesNode& series : AllSeries(study.series)) {
+                for (PGX_DicomDirLeafNode& leaf : Leaves(series.leaves))
+                    use(leaf);
+            }
+        }
+    }
+}
+
 // Appends an object, which the list's owner owns from then on. Throws std::bad_alloc.
 template <typename Object>
 Object& Append(PGX_List& list, std::unique_ptr<Object> object) {

@@ -114,4 +114,13 @@ TEST_F(LeafFile, IsNoneWithoutALeaf) {
     EXPECT_STREQ(path, "");
 }
 
+TEST(FileIds, AreThoseOfTheStandard) {
+    for (const char* const id : {"A", "IM_00001", "A\\B", "A/B", "1\\2\\3\\4\\5\\6\\7\\8"})
+        EXPECT_EQ(pgxIsFileId(id), 1) << id;
+    for (const char* const id : {"", "a", "IM.DCM", "A B", "A-B", "IM_000001", "A\\", "\\A",
+                                 "A\\\\B", "A\\..\\B", "1\\2\\3\\4\\5\\6\\7\\8\\9", "\xC3\x84"})
+        EXPECT_EQ(pgxIsFileId(id), 0) << id;
+    EXPECT_EQ(pgxIsFileId(nullptr), 0);
+}
+
 }  // namespace

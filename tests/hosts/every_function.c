@@ -67,6 +67,8 @@ static void CallUids(void) {
     EXPECT(pgxGetVRPrintableName(VR_PN, text, sizeof text) == 2);
     EXPECT(pgxProfileCount() == 56);
     EXPECT(pgxProfileName(0, text, sizeof text) == strlen(text) && pgxIsProfile(text) == 1);
+    EXPECT(pgxProfileRules(0, text, sizeof text) > 0 && strncmp(text, "image\t", 6) == 0);
+    EXPECT(pgxIsFileId("DIR\\IM1") == 1 && pgxIsFileId("im1.dcm") == 0);
     EXPECT(pgxAcceptanceText(PG_IS_A_DICOMDIR, text, sizeof text) == 18);
     int yes = 0;
     for (size_t i = 0; i < COUNT_OF(kCategories); ++i)
@@ -480,10 +482,23 @@ static void CallOffshoreCreation(const HostFiles* files) {
     EXPECT(creation == NULL ? result == 0xFFFFFFFF : IsWriteResult(result));
 }
 
+static void CallUpdate(const HostFiles* files) {
+    int32_t problem = -1;
+    void* const update = pgxStartDicomdirUpdate(files->medium, NULL, NULL, &problem);
+    EXPECT((update != NULL) == (problem == PGX_UPDATE_STARTED));
+    const uint32_t code = pgxUpdateAddFile(update, "NEW", files->fileOfMedium);
+    EXPECT(update == NULL ? code == 0xFFFFFFFF : IsAcceptanceCode(code));
+    EXPECT(IsYesOrNo(pgxUpdateRemoveStudy(update, "1.2.3")));
+    const uint32_t result = pgxEndDicomdirUpdate(update);
+    EXPECT(update == NULL ? result == 0xFFFFFFFF : IsWriteResult(result));
+    pgxCancelDicomdirUpdate(pgxStartDicomdirUpdate(files->medium, NULL, NULL, NULL));
+}
+
 static void CallCreation(const HostFiles* files) {
     EXPECT(IsWriteResult(pgCreateDicomdir(files->medium, NULL, NULL, NULL)));
     EXPECT(IsWriteResult(pgCreateDicomdirEx(files->medium, NULL, NULL, NULL, NULL)));
     CallOffshoreCreation(files);
+    CallUpdate(files);
     PGX_List* const patients = pgGetPatientListFromFile(files->dicomdir);
     EXPECT(IsAcceptanceCode(pgAddFile(patients, files->medium, files->fileOfMedium, NULL, NULL)));
     const int32_t before = pgKitListGetCount(patients);

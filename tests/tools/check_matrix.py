@@ -31,6 +31,7 @@ WRITERS = {"set": ["PatientID=7", "-o", "OUT"], "delete": ["-t", "PatientID", "-
 SINGLE = {"image": ["-o", "OUT"], "save": ["OUT"]}
 ANSWERS = {"tags": "PatientName", "uid": "1.2.840.10008.1.2", "modality": "CT"}
 PRINTERS = {**{name: [word] for name, word in ANSWERS.items()}, "profiles": [],
+            "profiles --names": [],
             "documentation": ["man"], "dump": ["good"], "json": ["good"], "scan": ["good"], "check": ["good"],
             "browse": ["DICOMDIR"], "browse --json": ["DICOMDIR"], "verify": ["DICOMDIR"],
             "verify --json": ["DICOMDIR"], "dump --raw": ["good"], "save good": ["-"],
@@ -209,6 +210,17 @@ def checks_of_inputs(tool):
     yield "nothing", "mkdir", check, (tool, ["mkdir"], 2, ["usage: pgtool mkdir"])
     yield "folder", "mkdir", check, (tool, ["mkdir", "dir"], 0, [], ["dir/DICOMDIR"])
     yield "bad", "mkdir", check, (tool, ["mkdir", "no"], 1, ["pgtool mkdir: "])
+    yield "mixed", "mkdir", check, (tool, ["mkdir", "dir", "--strict"], 1, ["refused files: 2"])
+    yield "bad", "mkdir", check, (tool, ["mkdir", "dir", "--profile", "STD-GEN-DC"], 2,
+                                  ["did you mean STD-GEN-CD"])
+    yield "nothing", "mkdir --add", check, (tool, ["mkdir", "dir", "--add"], 2,
+                                            ["a file is expected"])
+    yield "bad", "mkdir --add", check, (tool, ["mkdir", "dir", "--add", "good"], 1,
+                                        ["cannot open dir/DICOMDIR"])
+    yield "bad", "mkdir --remove", check, (tool, ["mkdir", ".", "--remove", "1.2"], 1,
+                                           ["no such study: 1.2"])
+    yield "good", "profiles", check, (tool, ["profiles", "STD-GEN-CD"], 0, [])
+    yield "bad", "profiles", check, (tool, ["profiles", "NOTHING"], 2, ["unknown profile"])
     yield from checks_of_disc(tool)
 
 

@@ -139,10 +139,45 @@ TEST(PgtoolTags, TextThatIsNoTagIsMisuse) {
 }
 
 TEST(PgtoolProfiles, PrintsTheNamesThatTheLibraryHas) {
-    const Finished run = Pgtool({"profiles"});
+    const Finished run = Pgtool({"profiles", "--names"});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), pgxProfileCount());
     EXPECT_THAT(run.out, HasSubstr("STD-GEN-CD\n"));
+}
+
+TEST(PgtoolProfiles, TellsWhatEachAllows) {
+    const Finished all = Pgtool({"profiles"});
+    EXPECT_EQ(all.exitStatus, 0);
+    size_t names = 0;
+    std::istringstream lines(all.out);
+    for (std::string line; std::getline(lines, line);)
+        names += line.starts_with(' ') ? 0 : 1;
+    EXPECT_EQ(names, static_cast<size_t>(pgxProfileCount()));
+
+    EXPECT_EQ(Pgtool({"profiles", "STD-GEN-MIME", "STD-DEN-CD", "STD-XA1K"}).out,
+              "STD-XA1K\n"
+              "    images: X-Ray Angiographic Image Storage, modality XA: JPEG Lossless, "
+              "Non-Hierarchical, First-Order Prediction (Process 14 [Selection Value 1]); "
+              "JPEG Baseline (Process 1); JPEG Extended (Process 2 and 4)\n"
+              "    images: Secondary Capture Image Storage, modality XA: Explicit VR Little "
+              "Endian\n"
+              "    others: Grayscale Softcopy Presentation State Storage, modality PR: Explicit VR "
+              "Little Endian\n"
+              "STD-GEN-MIME\n"
+              "    nothing\n"
+              "STD-DEN-CD\n"
+              "    images: Digital Intra-Oral X-Ray Image Storage - For Presentation: Explicit VR "
+              "Little Endian\n"
+              "    images: Digital X-Ray Image Storage - For Presentation: Explicit VR Little "
+              "Endian\n");
+    EXPECT_THAT(Pgtool({"profiles", "STD-GEN-CD"}).out,
+                HasSubstr("    others: any SOP class: Explicit VR Little Endian\n"));
+    EXPECT_THAT(Pgtool({"profiles", "STD-CTMR"}).out,
+                HasSubstr("    photometric: PALETTE COLOR: any transfer syntax\n"));
+    const Finished unknown = Pgtool({"profiles", "STD-CTMR-CDR"});
+    EXPECT_EQ(unknown.exitStatus, 2);
+    EXPECT_THAT(unknown.out, IsEmpty());
+    EXPECT_THAT(unknown.err, HasSubstr("; did you mean STD-CTMR-CD"));
 }
 
 // Run "pgtool documentation FORMAT" when an option changes.

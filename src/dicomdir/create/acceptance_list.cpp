@@ -71,30 +71,21 @@ std::string Line(uint32_t code, std::string_view path) {
     }
 }
 
-template <typename Use>
-void ForEachLeaf(PGX_List& patients, Use use) {
-    for (PGX_DicomDirPatientNode& patient : Patients(patients)) {
-        for (PGX_DicomDirStudyNode& study : Studies(patient.studies)) {
-            for (PGX_DicomDirSeriesNode& series : AllSeries(study.series)) {
-                for (PGX_DicomDirLeafNode& leaf : Leaves(series.leaves))
-                    use(leaf);
-            }
-        }
-    }
-}
-
 // The lines of all leaves, in pieces: there may be millions.
-[[nodiscard]] bool AppendLeaves(PGX_List& patients, const std::string& path) {
+[[nodiscard]] bool AppendLeaves(PGX_List& patients, PGX_List& rootLeaves, const std::string& path) {
     constexpr size_t kPiece = 65536;
     const platform::FileHandle stream(platform::AppendText(path.c_str()));
     bool isWritten = stream != nullptr;
     std::string lines;
-    ForEachLeaf(patients, [&](const PGX_DicomDirLeafNode& leaf) {
+    const auto append = [&](const PGX_DicomDirLeafNode& leaf) {
         lines += Line(PG_ACCEPTED, leaf.referencedFileId);
         if (!isWritten || lines.size() < kPiece) return;
         isWritten = WriteText(stream.get(), lines);
         lines.clear();
-    });
+    };
+    ForEachLeaf(patients, append);
+    for (const PGX_DicomDirLeafNode& leaf : Leaves(rootLeaves))
+        append(leaf);
     return isWritten && WriteText(stream.get(), lines);
 }
 
@@ -158,11 +149,11 @@ void AcceptanceList::Close() {
     staysOpen_ = false;
 }
 
-void AcceptanceList::AppendAccepted(PGX_List& patients) {
+void AcceptanceList::AppendAccepted(PGX_List& patients, PGX_List& rootLeaves) {
     if (isSkipped_) return;
     const std::string path = Path();
     if (!platform::CanBeReplaced(path.c_str())) {
-        [[maybe_unused]] const bool isWritten = AppendLeaves(patients, path);
+        [[maybe_unused]] const bool isWritten = AppendLeaves(patients, rootLeaves, path);
         return;
     }
     platform::FileReplacement replacement;
@@ -174,7 +165,7 @@ void AcceptanceList::AppendAccepted(PGX_List& patients) {
         if (copy == nullptr) return;
         if (current != nullptr && !CopyBytes(current.get(), copy.get())) return;
     }
-    if (!AppendLeaves(patients, replacement.Path())) return;
+    if (!AppendLeaves(patients, rootLeaves, replacement.Path())) return;
     [[maybe_unused]] const auto outcome = replacement.PutInPlace();
 }
 

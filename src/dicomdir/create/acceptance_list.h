@@ -13,6 +13,8 @@
 
 namespace pgkit {
 
+inline constexpr std::string_view kAcceptanceListName = "dcmdir.lst";
+
 class AcceptanceList {
   public:
     explicit AcceptanceList(std::string folder) : folder_(std::move(folder)) {}
@@ -34,13 +36,13 @@ class AcceptanceList {
     void StayOpen() { staysOpen_ = true; }
     void Close();
     // Puts a file in place that has a line with code 0 for every leaf behind all others: its
-    // referenced file ID.
-    void AppendAccepted(PGX_List& patients);
+    // referenced file ID. First those of the patients, then those that belong to none.
+    void AppendAccepted(PGX_List& patients, PGX_List& rootLeaves);
     // The list stands, whatever happens from now on.
     void Keep();
 
   private:
-    std::string Path() const { return folder_ + "\\dcmdir.lst"; }
+    std::string Path() const { return folder_ + "\\" + std::string(kAcceptanceListName); }
     std::string_view RelativePath(std::string_view fullPath) const;
     void StartInPlace();
     [[nodiscard]] bool KeepFormer();

@@ -5,6 +5,8 @@
 #include "dicomdir/create/directory_build.h"
 #include "dicomdir/create/folder_scan.h"
 #include "dicomdir/create/generated_values.h"
+#include "dicomdir/create/standard_leaves.h"
+#include "dicomdir/object_list.h"
 
 namespace pgkit {
 
@@ -20,16 +22,25 @@ std::string_view FileSetIdOf(const PgDicomdirOptions& options) {
     return field.substr(0, field.find('\0'));
 }
 
+void FillLeaves(PGX_List& patients, PGX_List& rootLeaves) {
+    ForEachLeaf(patients, [](Leaf& leaf) { FillMissingKeys(leaf); });
+    for (Leaf& leaf : Leaves(rootLeaves))
+        FillMissingKeys(leaf);
+}
+
 }  // namespace
 
 Creation::Creation(std::string folder, std::string_view profile, const PgDicomdirOptions* options,
-                   PGX_List& patients)
+                   PGX_List& patients, CreationEnd end)
     : folder_(std::move(folder)),
       options_(options != nullptr ? *options : PgDicomdirOptions{}),
       list_(folder_),
       patients_(patients) {
-    builder_.emplace(patients_, std::string(profile), options_, List());
+    PGX_List* const rootLeaves = end == CreationEnd::DirectoryFile ? &rootLeaves_ : nullptr;
+    builder_.emplace(patients_, std::string(profile), options_, List(), rootLeaves);
 }
+
+Creation::~Creation() { DestroyObjects<Leaf>(rootLeaves_); }
 
 void Creation::StartList() {
     if (List() != nullptr) list_.Start();
@@ -40,17 +51,29 @@ void Creation::Scan(PgDicomdirScanCallback callback, void* userData) {
     FolderScan(folder_, *builder_, callback, userData)
         .Run(!Has(options_, PG_DICOMDIR_NO_RECURSION));
     list_.Close();
-    builder_.reset();
-    if (options_.fillMissingKeys != 0) FillMissingKeys(patients_);
+    CloseBuilder();
+    if (options_.fillMissingKeys == 0) return;
+    FillMissingKeys(patients_);
+    if (Has(options_, PG_DICOMDIR_STANDARD_RECORDS)) FillLeaves(patients_, rootLeaves_);
 }
 
 uint32_t Creation::Build() {
-    builder_.reset();
+    CloseBuilder();
+    if (refused_ > 0 && Has(options_, PG_DICOMDIR_ALL_OR_NOTHING)) {
+        list_.Keep();
+        return PG_CREATION_FILES_REFUSED;
+    }
     return BuildDirectoryFile(patients_, {.folder = folder_,
                                           .fileSetId = FileSetIdOf(options_),
+                                          .rootLeaves = &rootLeaves_,
                                           .wantsFileSizes = options_.storeFileSize != 0,
                                           .mayBeEmpty = !Has(options_, PG_DICOMDIR_NEVER_EMPTY),
                                           .list = List()});
+}
+
+void Creation::CloseBuilder() {
+    if (builder_) refused_ = builder_->CountRefused();
+    builder_.reset();
 }
 
 AcceptanceList* Creation::List() { return Has(options_, PG_DICOMDIR_NO_LIST) ? nullptr : &list_; }

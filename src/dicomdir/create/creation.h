@@ -27,12 +27,19 @@ using OwnPatients = std::unique_ptr<PGX_List, DestroyPatients>;
 
 inline OwnPatients NewPatients() { return OwnPatients(new PGX_List); }
 
+// Where a creation ends: in the hierarchy, which is the host's, or in a directory file, which can
+// also list what belongs to no patient.
+enum class CreationEnd { Hierarchy, DirectoryFile };
+
 class Creation {
   public:
     // Of the medium in a folder, with what the hierarchy has already. Null options are the default,
     // an empty profile is none.
     Creation(std::string folder, std::string_view profile, const PgDicomdirOptions* options,
-             PGX_List& patients);
+             PGX_List& patients, CreationEnd end);
+    ~Creation();
+    Creation(const Creation&) = delete;
+    Creation& operator=(const Creation&) = delete;
 
     // Starts the acceptance list, unless the options want none. Whoever does may keep it: else the
     // former one comes back.
@@ -50,12 +57,15 @@ class Creation {
 
   private:
     AcceptanceList* List();
+    void CloseBuilder();
 
     std::string folder_;
     PgDicomdirOptions options_;
     AcceptanceList list_;
     PGX_List& patients_;
+    PGX_List rootLeaves_;
     std::optional<HierarchyBuilder> builder_;  // until the hierarchy is complete
+    size_t refused_ = 0;                       // files, when it is
 };
 
 }  // namespace pgkit

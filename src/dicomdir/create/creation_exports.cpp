@@ -27,7 +27,7 @@ uint32_t Create(const char* folder, const char* profile, const PgDicomdirOptions
     const std::string medium = WithoutTrailingSeparator(folder);
     DirectoryFile(medium).RemoveStrays();
     const OwnPatients patients = NewPatients();
-    Creation creation(medium, OrEmpty(profile), options, *patients);
+    Creation creation(medium, OrEmpty(profile), options, *patients, CreationEnd::DirectoryFile);
     creation.StartList();
     creation.Scan(callback, userData);
     return creation.Build();
@@ -35,7 +35,8 @@ uint32_t Create(const char* folder, const char* profile, const PgDicomdirOptions
 
 void Scan(const char* folder, const char* profile, const PgDicomdirOptions* options,
           PGX_List& patients, PgDicomdirScanCallback callback, void* userData) {
-    Creation creation(WithoutTrailingSeparator(folder), OrEmpty(profile), options, patients);
+    Creation creation(WithoutTrailingSeparator(folder), OrEmpty(profile), options, patients,
+                      CreationEnd::Hierarchy);
     creation.StartList();
     creation.Scan(callback, userData);
     creation.KeepList();
@@ -89,7 +90,7 @@ uint32_t AddFile(PGX_List* patients, const char* directory, const char* path, co
     const std::string name = PathBelow(medium, path);
     if (name.empty()) return PG_INVALID_FILE_NAME;
     const std::string fullPath = medium + "\\" + name;
-    return Creation(medium, OrEmpty(profile), options, *patients)
+    return Creation(medium, OrEmpty(profile), options, *patients, CreationEnd::Hierarchy)
         .Add({name.c_str(), fullPath.c_str()});
 }
 
@@ -104,7 +105,7 @@ struct OffshoreCreation {
     Creation creation;
 
     OffshoreCreation(std::string folder, const PgDicomdirOptions* options)
-        : creation(std::move(folder), "", options, *patients) {
+        : creation(std::move(folder), "", options, *patients, CreationEnd::DirectoryFile) {
         creation.StartList();
     }
 };

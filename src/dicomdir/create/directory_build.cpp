@@ -1,6 +1,7 @@
 #include "dicomdir/create/directory_build.h"
 
 #include <new>
+#include <utility>
 
 #include "base/firewall.h"
 #include "base/identity.h"
@@ -83,16 +84,24 @@ class RecordWriter {
     RecordWriter(PGX_Node& root, const BuildRequest& request)
         : root_(root), request_(request), end_(&FindElement(root, tags::kRecordSequence)->first) {}
 
-    void WritePatients(PGX_List& patients) {
+    // What belongs to no patient comes last: a browse takes it for a patient without studies, which
+    // ends it.
+    void Write(PGX_List& patients, PGX_List& rootLeaves) {
         RecordChain chain(FindElement(root_, tags::kFirstRootRecord));
         WriteEach<PGX_DicomDirPatientNode>(patients, [&](PGX_DicomDirPatientNode& patient) {
-            PGX_Node& record = Append(NewPatientRecord(patient), chain);
-            PointAt(*FindElement(root_, tags::kLastRootRecord), record);
-            WriteStudies(patient, record);
+            WriteStudies(patient, AppendAtRoot(NewPatientRecord(patient), chain));
         });
+        for (PGX_DicomDirLeafNode& leaf : Leaves(rootLeaves))
+            AppendAtRoot(NewLeafRecord(leaf, request_.wantsFileSizes), chain);
     }
 
   private:
+    PGX_Node& AppendAtRoot(NodeTree item, RecordChain& chain) {
+        PGX_Node& record = Append(std::move(item), chain);
+        PointAt(*FindElement(root_, tags::kLastRootRecord), record);
+        return record;
+    }
+
     void WriteStudies(PGX_DicomDirPatientNode& patient, PGX_Node& parent) {
         RecordChain chain = RecordChain::Below(parent);
         WriteEach<PGX_DicomDirStudyNode>(patient.studies, [&](PGX_DicomDirStudyNode& study) {
@@ -127,13 +136,14 @@ class RecordWriter {
     PGX_Node** end_;
 };
 
-uint32_t WriteDicomdir(PGX_List& patients, const BuildRequest& request) {
+uint32_t WriteDicomdir(PGX_List& patients, PGX_List& rootLeaves, const BuildRequest& request) {
     const NodeTree root = NewFileSet(request.fileSetId);
     DirectoryFile file(request.folder);
     file.RemoveStrays();
     if (!file.Create()) return kCannotCreate;
-    if (patients.count == 0 && !request.mayBeEmpty) return PG_CREATION_NOTHING_ACCEPTED;
-    RecordWriter(*root, request).WritePatients(patients);
+    const bool isEmpty = patients.count == 0 && rootLeaves.count == 0;
+    if (isEmpty && !request.mayBeEmpty) return PG_CREATION_NOTHING_ACCEPTED;
+    RecordWriter(*root, request).Write(patients, rootLeaves);
     const uint32_t result = file.Save(*root);
     if (result == kWritten) file.RemoveStrays();
     return result;
@@ -142,9 +152,11 @@ uint32_t WriteDicomdir(PGX_List& patients, const BuildRequest& request) {
 }  // namespace
 
 uint32_t BuildDirectoryFile(PGX_List& patients, const BuildRequest& request) {
-    const uint32_t result = WriteDicomdir(patients, request);
+    PGX_List none;
+    PGX_List& rootLeaves = request.rootLeaves != nullptr ? *request.rootLeaves : none;
+    const uint32_t result = WriteDicomdir(patients, rootLeaves, request);
     if (request.list == nullptr) return result;
-    if (result == kWritten) request.list->AppendAccepted(patients);
+    if (result == kWritten) request.list->AppendAccepted(patients, rootLeaves);
     if (result == kWritten || result == PG_CREATION_NOTHING_ACCEPTED) request.list->Keep();
     return result;
 }
@@ -157,6 +169,7 @@ uint32_t Build(PGX_List* patients, const char* folder, const char* fileSetId) {
     AcceptanceList list(medium);
     return BuildDirectoryFile(*patients, {.folder = medium,
                                           .fileSetId = OrEmpty(fileSetId),
+                                          .rootLeaves = nullptr,
                                           .wantsFileSizes = false,
                                           .mayBeEmpty = true,
                                           .list = &list});

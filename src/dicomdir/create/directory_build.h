@@ -12,7 +12,8 @@ namespace pgkit {
 
 struct BuildRequest {
     std::string folder;
-    std::string_view fileSetId;  // empty for the default
+    std::string_view fileSetId;      // empty for the default
+    PGX_List* rootLeaves = nullptr;  // that belong to no patient, if there is such a list
     bool wantsFileSizes = false;
     bool mayBeEmpty = true;
     AcceptanceList* list = nullptr;  // gets a line for every leaf, if there is one

@@ -5,7 +5,9 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "codec/open.h"
+#include "dicomdir/create/acceptance_list.h"
 #include "dicomdir/create/directory_file.h"
+#include "dicomdir/create/standard_kinds.h"
 #include "dicomdir/elements.h"
 #include "dicomdir/leaf_kinds.h"
 #include "pgkit/directory_records.h"
@@ -43,9 +45,9 @@ void ReadSopClass(PGX_Node& dataSet, bool skipChecks, char (&sopClass)[65]) {
 }
 
 // A browse drops the blanks around UIDs, whatever their VR: padding must not make two of one.
-PgAcceptanceCode ReadIdentifiers(bool skipChecks, Candidate& candidate) {
+PgAcceptanceCode ReadIdentifiers(const GateRules& rules, Candidate& candidate) {
     PGX_Node& dataSet = *candidate.dataSet;
-    ReadSopClass(dataSet, skipChecks, candidate.sopClassUid);
+    ReadSopClass(dataSet, rules.skipChecks, candidate.sopClassUid);
     if (candidate.sopClassUid[0] == '\0') return PG_NOT_A_DATA_SET;
     if (IsDirectoryClass(candidate.sopClassUid)) return PG_IS_A_DICOMDIR;
     ReadTrimmedText(dataSet, tags::kSopInstanceUid, candidate.instanceUid);
@@ -53,6 +55,7 @@ PgAcceptanceCode ReadIdentifiers(bool skipChecks, Candidate& candidate) {
     ReadTrimmedText(dataSet, tags::kSeriesInstanceUid, candidate.seriesInstanceUid);
     ReadTrimmedText(dataSet, tags::kTransferSyntaxUid, candidate.transferSyntaxUid);
     if (candidate.instanceUid[0] == '\0') return PG_NO_SOP_INSTANCE_UID;
+    if (rules.admitsRootObjects && StandsAtRoot(candidate.sopClassUid)) return PG_ACCEPTED;
     if (candidate.studyInstanceUid[0] == '\0') return PG_NO_STUDY_INSTANCE_UID;
     if (candidate.seriesInstanceUid[0] == '\0') return PG_NO_SERIES_INSTANCE_UID;
     return PG_ACCEPTED;
@@ -78,24 +81,31 @@ bool IsFileId(std::string_view name) {
     return true;
 }
 
-PgAcceptanceCode Judge(const FileToAdd& file, const char* profile, bool skipChecks,
-                       Candidate& candidate) {
+PgAcceptanceCode Judge(const FileToAdd& file, const GateRules& rules, Candidate& candidate) {
     if (!IsFileId(file.referencedName)) return PG_INVALID_FILE_NAME;
     const std::string_view name = file.referencedName;
     if (ToUpper(name) == kDicomdirName) return PG_IS_A_DICOMDIR;
     // The creation of the DICOMDIR would remove it.
     if (IsReplacementOfDicomdir(name)) return PG_IS_A_DICOMDIR;
-    PgAcceptanceCode code = Open(file.fullPath, skipChecks, candidate.dataSet);
-    if (code == PG_ACCEPTED) code = ReadIdentifiers(skipChecks, candidate);
+    if (rules.wantsStrictNames && !IsStandardFileId(name) && !IsOwnFile(name)) {
+        return PG_INVALID_FILE_NAME;
+    }
+    PgAcceptanceCode code = Open(file.fullPath, rules.skipChecks, candidate.dataSet);
+    if (code == PG_ACCEPTED) code = ReadIdentifiers(rules, candidate);
     if (code != PG_ACCEPTED) return code;
-    return skipChecks || IsAllowed(candidate, profile) ? PG_ACCEPTED : PG_PROFILE_REFUSES;
+    const bool isAllowed = rules.skipChecks || IsAllowed(candidate, rules.profile);
+    return isAllowed ? PG_ACCEPTED : PG_PROFILE_REFUSES;
 }
 
 }  // namespace
 
-PgAcceptanceCode PassFileGate(const FileToAdd& file, const char* profile, bool skipChecks,
-                              Candidate& candidate) {
-    const PgAcceptanceCode code = Judge(file, profile, skipChecks, candidate);
+bool IsOwnFile(std::string_view name) {
+    return ToUpper(name) == kDicomdirName || name == kAcceptanceListName ||
+           IsReplacementOfDicomdir(name);
+}
+
+PgAcceptanceCode PassFileGate(const FileToAdd& file, const GateRules& rules, Candidate& candidate) {
+    const PgAcceptanceCode code = Judge(file, rules, candidate);
     if (code != PG_ACCEPTED) candidate.dataSet.reset();
     return code;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "dataset/node_ptr.h"
 #include "pgkit/dicomdir_creation.h"
@@ -25,8 +26,19 @@ struct Candidate {
     char transferSyntaxUid[65] = {};
 };
 
+// What the gate asks for.
+struct GateRules {
+    const char* profile = "";  // empty: none
+    bool skipChecks = false;
+    bool wantsStrictNames = false;
+    // Whether files that belong to no patient may pass, as records of today's standard.
+    bool admitsRootObjects = false;
+};
+
 // The file is opened once and read through once. A file that is refused does not stay open.
-PgAcceptanceCode PassFileGate(const FileToAdd& file, const char* profile, bool skipChecks,
-                              Candidate& candidate);
+PgAcceptanceCode PassFileGate(const FileToAdd& file, const GateRules& rules, Candidate& candidate);
+
+// Whether a name is that of one of the files that creations write themselves.
+bool IsOwnFile(std::string_view name);
 
 }  // namespace pgkit

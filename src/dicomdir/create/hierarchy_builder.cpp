@@ -4,17 +4,24 @@
 #include <utility>
 
 #include "dicomdir/create/instance_objects.h"
+#include "dicomdir/create/standard_kinds.h"
 #include "dicomdir/leaf_kinds.h"
 
 namespace pgkit {
 
 HierarchyBuilder::HierarchyBuilder(PGX_List& patients, std::string profile,
-                                   const PgDicomdirOptions& options, AcceptanceList* refusals)
-    : patients_(patients), profile_(std::move(profile)), options_(options), refusals_(refusals) {}
+                                   const PgDicomdirOptions& options, AcceptanceList* refusals,
+                                   PGX_List* rootLeaves)
+    : patients_(patients),
+      profile_(std::move(profile)),
+      options_(options),
+      refusals_(refusals),
+      rootLeaves_(rootLeaves) {}
 
 AddedObjects HierarchyBuilder::Add(const FileToAdd& file) {
     try {
         AddedObjects added = Place(file);
+        if (added.code != PG_ACCEPTED && !IsOwnFile(file.referencedName)) ++refused_;
         if (added.code != PG_ACCEPTED && refusals_ != nullptr) {
             refusals_->Append(added.code, file.fullPath);
         }
@@ -22,11 +29,13 @@ AddedObjects HierarchyBuilder::Add(const FileToAdd& file) {
     } catch (const std::bad_alloc&) {
         // They may know objects that were to be added and are gone.
         levels_ = {};
+        ++refused_;
         return {PG_NOT_A_DATA_SET};
     }
 }
 
 PgAcceptanceCode HierarchyBuilder::RefuseName(const char* fullPath) {
+    ++refused_;
     if (refusals_ == nullptr) return PG_INVALID_FILE_NAME;
     try {
         refusals_->Append(PG_INVALID_FILE_NAME, fullPath);
@@ -36,12 +45,25 @@ PgAcceptanceCode HierarchyBuilder::RefuseName(const char* fullPath) {
     return PG_INVALID_FILE_NAME;
 }
 
+GateRules HierarchyBuilder::Rules() const {
+    const auto has = [this](PgDicomdirFlags flag) {
+        return (options_.flags & static_cast<uint32_t>(flag)) != 0;
+    };
+    return {.profile = profile_.c_str(),
+            .skipChecks = has(PG_DICOMDIR_SKIP_CHECKS),
+            .wantsStrictNames = has(PG_DICOMDIR_STRICT_NAMES),
+            .admitsRootObjects = has(PG_DICOMDIR_STANDARD_RECORDS) && rootLeaves_ != nullptr};
+}
+
 // The hierarchy changes at the end, when everything about the file is known and made.
 AddedObjects HierarchyBuilder::Place(const FileToAdd& file) {
     Candidate candidate;
-    const bool skipChecks = (options_.flags & PG_DICOMDIR_SKIP_CHECKS) != 0;
-    const PgAcceptanceCode code = PassFileGate(file, profile_.c_str(), skipChecks, candidate);
+    const GateRules rules = Rules();
+    const PgAcceptanceCode code = PassFileGate(file, rules, candidate);
     if (code != PG_ACCEPTED) return {code};
+    if (rules.admitsRootObjects && StandsAtRoot(candidate.sopClassUid)) {
+        return PlaceAtRoot(file, candidate);
+    }
 
     NewObjects made;
     AddedObjects added = FindOrMakeParents(candidate, made);
@@ -54,6 +76,17 @@ AddedObjects HierarchyBuilder::Place(const FileToAdd& file) {
     BitmapHandle seriesIcon = MakeIcons(file, *added.leaf, *added.series);
     Join(std::move(made), added);
     if (seriesIcon != nullptr) added.series->icon = seriesIcon.release();
+    return added;
+}
+
+AddedObjects HierarchyBuilder::PlaceAtRoot(const FileToAdd& file, const Candidate& candidate) {
+    if (levels_.leaves.Find(*rootLeaves_, candidate.instanceUid) != nullptr) {
+        return {PG_INSTANCE_KNOWN};
+    }
+    std::unique_ptr<Leaf> leaf = NewLeaf(candidate, file, options_);
+    AddedObjects added;
+    added.leaf = leaf.get();
+    levels_.leaves.Add(*rootLeaves_, std::move(leaf));
     return added;
 }
 

@@ -3,6 +3,7 @@
 // hierarchy.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -14,7 +15,8 @@
 
 namespace pgkit {
 
-// What a file has become: the code and, when it is accepted, the four objects.
+// What a file has become: the code and, when it is accepted, the four objects, or the leaf alone
+// that belongs to no patient.
 struct AddedObjects {
     PgAcceptanceCode code = PG_ACCEPTED;
     Patient* patient = nullptr;
@@ -25,9 +27,10 @@ struct AddedObjects {
 
 class HierarchyBuilder {
   public:
-    // Refusals are appended to the list, if there is one.
+    // Refusals are appended to the list, if there is one. Leaves that belong to no patient, if the
+    // options ask for such, go into a list of their own; without it their files are refused.
     HierarchyBuilder(PGX_List& patients, std::string profile, const PgDicomdirOptions& options,
-                     AcceptanceList* refusals);
+                     AcceptanceList* refusals, PGX_List* rootLeaves = nullptr);
 
     // Does not throw. A file for which memory does not suffice is refused like one that is no data
     // set, and leaves the hierarchy as it was.
@@ -35,6 +38,9 @@ class HierarchyBuilder {
 
     // A file that cannot be referred to: it is listed, and not looked at.
     PgAcceptanceCode RefuseName(const char* fullPath);
+
+    // How many files were refused, without those that creations write themselves.
+    size_t CountRefused() const { return refused_; }
 
   private:
     struct Levels {
@@ -52,7 +58,9 @@ class HierarchyBuilder {
         std::unique_ptr<Leaf> leaf;
     };
 
+    GateRules Rules() const;
     AddedObjects Place(const FileToAdd& file);
+    AddedObjects PlaceAtRoot(const FileToAdd& file, const Candidate& candidate);
     AddedObjects FindOrMakeParents(const Candidate& candidate, NewObjects& made);
     BitmapHandle MakeIcons(const FileToAdd& file, Leaf& leaf, const Series& series);
     void Join(NewObjects made, const AddedObjects& added);
@@ -61,6 +69,8 @@ class HierarchyBuilder {
     std::string profile_;
     PgDicomdirOptions options_;
     AcceptanceList* refusals_;
+    PGX_List* rootLeaves_;
+    size_t refused_ = 0;
     IconMaker icons_;
     Levels levels_;
 };

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "dicomdir/create/standard_leaves.h"
 #include "dicomdir/leaf_kinds.h"
 #include "dicomdir/level_keys.h"
 #include "dicomdir/record_copy.h"
@@ -85,8 +86,13 @@ std::unique_ptr<Series> NewSeries(PGX_Node& dataSet) {
 std::unique_ptr<Leaf> NewLeaf(const Candidate& candidate, const FileToAdd& file,
                               const PgDicomdirOptions& options) {
     PGX_Node& dataSet = *candidate.dataSet;
-    const LeafKind& kind = KindOfClass(candidate.sopClassUid);
-    std::unique_ptr<Leaf> leaf = kind.make();
+    const bool isStandard = (options.flags & PG_DICOMDIR_STANDARD_RECORDS) != 0;
+    const StandardKind* const standard =
+        isStandard ? StandardKindOf(candidate.sopClassUid) : nullptr;
+    const LeafKind& kind =
+        standard != nullptr ? KindOfType(standard->leafType) : KindOfClass(candidate.sopClassUid);
+    std::unique_ptr<Leaf> leaf =
+        standard != nullptr ? NewStandardLeaf(dataSet, *standard) : kind.make();
     ReadKindsKeys(dataSet, kind, *leaf);
     ReadInstanceTexts(dataSet, kLeafKeys, *leaf);
     ReadNumbers(dataSet, kLeafNumbers, *leaf);

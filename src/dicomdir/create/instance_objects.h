@@ -15,7 +15,7 @@ std::unique_ptr<Patient> NewPatient(PGX_Node& dataSet);
 std::unique_ptr<Study> NewStudy(PGX_Node& dataSet);
 std::unique_ptr<Series> NewSeries(PGX_Node& dataSet);
 
-// Of the kind that the SOP class asks for.
+// Of the kind that the SOP class asks for, by the rules that the options say.
 std::unique_ptr<Leaf> NewLeaf(const Candidate& candidate, const FileToAdd& file,
                               const PgDicomdirOptions& options);
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "dicomdir/create/icon_item.h"
+#include "dicomdir/create/standard_leaves.h"
 #include "dicomdir/leaf_kinds.h"
 #include "dicomdir/level_keys.h"
 #include "dicomdir/record_copy.h"
@@ -97,6 +98,7 @@ NodeTree NewLeafRecord(Leaf& leaf, bool wantsFileSize) {
     const bool isPlain = kind.type == PG_LEAF_OTHER;
     NodeTree record = NewRecord(isPlain ? std::string_view(leaf.recordType) : kind.recordType);
     PutKindsKeys(*record, kind, leaf);
+    PutOwnKeys(*record, leaf);
     PutTexts(*record, kLeafKeys, leaf);
     PutNumbers(*record, kLeafNumbers, leaf);
     if (wantsFileSize || leaf.referencedDataSetSize != 0) {

@@ -94,6 +94,48 @@ std::string_view NameOf(int32_t index) {
     return isOne ? kProfiles[static_cast<size_t>(index)].name : std::string_view();
 }
 
+// A text that is longer than the buffer is cut; its length is that of the whole.
+class BoundedText {
+  public:
+    BoundedText(char* buffer, size_t size) : buffer_(buffer), size_(size) {
+        CopyBounded(buffer, size, "");
+    }
+
+    void Append(std::string_view part) {
+        if (length_ < size_ && buffer_ != nullptr) {
+            CopyBounded(buffer_ + length_, size_ - length_, part);
+        }
+        length_ += part.size();
+    }
+    size_t Length() const { return length_; }
+
+  private:
+    char* buffer_;
+    size_t size_;
+    size_t length_ = 0;
+};
+
+void AppendRules(std::string_view kind, RuleList list, BoundedText& text) {
+    for (const ProfileRule& rule : RulesOf(list)) {
+        for (const std::string_view column : {kind, rule.match, rule.modality}) {
+            text.Append(column);
+            text.Append("\t");
+        }
+        text.Append(rule.transferSyntax);
+        text.Append("\n");
+    }
+}
+
+size_t TellRules(int32_t index, char* buffer, size_t size) {
+    BoundedText text(buffer, size);
+    if (const Profile* const profile = FindProfile(NameOf(index))) {
+        AppendRules("image", profile->image, text);
+        AppendRules("photometric", profile->photometric, text);
+        AppendRules("other", profile->nonImage, text);
+    }
+    return text.Length();
+}
+
 // ---- Acceptance ---------------------------------------------------------------------------------
 
 constexpr std::string_view kAny = "*";
@@ -191,6 +233,10 @@ int32_t pgxProfileCount(void) {
 
 size_t pgxProfileName(int32_t index, char* buffer, size_t size) {
     return Guarded([=] { return pgkit::CopyBounded(buffer, size, pgkit::NameOf(index)); });
+}
+
+size_t pgxProfileRules(int32_t index, char* buffer, size_t size) {
+    return Guarded([=] { return pgkit::TellRules(index, buffer, size); });
 }
 
 int32_t pgxIsProfile(const char* name) {

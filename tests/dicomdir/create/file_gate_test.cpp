@@ -26,7 +26,8 @@ class FileGate : public testing::Test {
     }
     int PassPath(const std::string& path, const char* profile = "", bool skipChecks = false) {
         candidate_ = Candidate();
-        return PassFileGate({"FILE", path.c_str()}, profile, skipChecks, candidate_);
+        return PassFileGate({"FILE", path.c_str()}, {.profile = profile, .skipChecks = skipChecks},
+                            candidate_);
     }
 
     TempDir directory_;
@@ -45,13 +46,13 @@ TEST_F(FileGate, AcceptsAnImage) {
 
 TEST_F(FileGate, RefusesTheNameOfADicomdirWithoutOpeningTheFile) {
     for (const char* name : {"DICOMDIR", "dicomdir", "DicomDir"}) {
-        EXPECT_EQ(PassFileGate({name, "no such file"}, "", false, candidate_), PG_IS_A_DICOMDIR);
+        EXPECT_EQ(PassFileGate({name, "no such file"}, {}, candidate_), PG_IS_A_DICOMDIR);
     }
 }
 
 TEST_F(FileGate, LooksIntoAFileThatIsNamedSoInASubdirectory) {
     const std::string path = directory_.Write("FILE", InstanceFile().Data());
-    EXPECT_EQ(PassFileGate({"SUB\\DICOMDIR", path.c_str()}, "", false, candidate_), PG_ACCEPTED);
+    EXPECT_EQ(PassFileGate({"SUB\\DICOMDIR", path.c_str()}, {}, candidate_), PG_ACCEPTED);
 }
 
 TEST_F(FileGate, RefusesAFileWithoutPreamble) {
