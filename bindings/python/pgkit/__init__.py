@@ -8,6 +8,7 @@ reads a few values of many files. Importing this package makes the library know 
 the standard, in the whole process.
 """
 
+from . import _interpreter  # noqa: F401, I001  first of all
 from ._data_set import DataSet, Item, new
 from ._dictionary import (element_name, find_tag, generate_uid, is_valid_uid, keyword,
                           multiplicity, uid_keyword, uid_name, value_representation)

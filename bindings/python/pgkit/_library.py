@@ -6,7 +6,6 @@ Functions that take a ``FILE*`` are left alone: the C runtime of Python need not
 from __future__ import annotations
 
 import ctypes
-import importlib
 import os
 import pathlib
 import sys
@@ -224,19 +223,6 @@ def _declare(library: ctypes.CDLL) -> None:
         function.argtypes = arguments
 
 
-def _refuse_sub_interpreters() -> None:
-    # The library has one edition for a process, and callbacks run in the main interpreter.
-    for name in ("_interpreters", "_xxsubinterpreters"):
-        try:
-            interpreters = importlib.import_module(name)
-        except ImportError:
-            continue
-        if interpreters.get_current() != interpreters.get_main():
-            raise ImportError("pgkit: only the main interpreter of a process can use the library")
-        return
-
-
-_refuse_sub_interpreters()
 lib, _path = _load()
 _declare(lib)
 lib.pgxSetVerbosity(0)
