@@ -109,13 +109,7 @@ class FileChecks {
               record.find(tags::kFileInstance), FindingKind::SopInstance, file);
         Claim(opened, tags::kTransferSyntax, record.find(tags::kFileSyntax),
               FindingKind::TransferSyntax, file);
-        if (isDirectory) return;
-        // The File Meta Information is what importers believe first.
-        Compare(opened, tags::kMediaStorageClass, opened.find(tags::kSopClass),
-                FindingKind::SopClass, file);
-        Compare(opened, tags::kMediaStorageInstance, opened.find(tags::kSopInstance),
-                FindingKind::SopInstance, file);
-        CheckAncestors(opened, file);
+        if (!isDirectory) CheckAncestors(opened, file);
     }
 
     // What a record lacks has been found there.
@@ -133,7 +127,9 @@ class FileChecks {
                       FindingKind::Series, file);
             } else if (record.type == kStudyRecord) {
                 Claim(opened, tags::kStudyUid, StudyUidOf(record), FindingKind::Study, file);
-            } else if (record.type == kPatientRecord) {
+            } else if (record.type == kPatientRecord &&
+                       !KeyText(opened, tags::kPatientId).empty()) {
+                // Files may have none, and records may not: one was made up then.
                 Claim(opened, tags::kPatientId, record.item.find(tags::kPatientId),
                       FindingKind::Patient, file);
             }
