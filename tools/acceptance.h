@@ -7,6 +7,9 @@
 
 namespace pgtool {
 
+// "Dicom file accepted"; empty for a number that is no code.
+std::string TextOfAcceptance(uint32_t code);
+
 // The code with its text: "0 Dicom file accepted".
 std::string DescribeAcceptance(uint32_t code);
 
@@ -15,7 +18,8 @@ class AcceptanceSummary {
   public:
     void Count(uint32_t code);
     uint32_t Files() const { return files_; }
-    uint32_t Accepted() const;
+    // How many files got each code that occurred.
+    const std::map<uint32_t, uint32_t>& Counts() const { return counts_; }
     // A line on the standard output for every code that occurred: "0 Dicom file accepted: 12".
     void Print() const;
 

@@ -6,9 +6,9 @@
 #include "acceptance.h"
 #include "commands.h"
 #include "library_path.h"
-#include "media_profiles.h"
 #include "pgkit/dicomdir_creation.h"
 #include "pgkit/patient_list.h"
+#include "pgkit/profiles.h"
 #include "standard_streams.h"
 
 namespace pgtool {
@@ -16,14 +16,14 @@ namespace pgtool {
 namespace {
 
 // The files so far, as one medium would hold them.
-class CheckedFiles {
+class JudgedFiles {
   public:
-    explicit CheckedFiles(const std::string& profile) : profile_(profile) {
+    explicit JudgedFiles(const std::string& profile) : profile_(profile) {
         options_.flags = PG_DICOMDIR_NO_LIST;
     }
-    ~CheckedFiles() { pgEmptyPatientList(&patients_); }
-    CheckedFiles(const CheckedFiles&) = delete;
-    CheckedFiles& operator=(const CheckedFiles&) = delete;
+    ~JudgedFiles() { pgEmptyPatientList(&patients_); }
+    JudgedFiles(const JudgedFiles&) = delete;
+    JudgedFiles& operator=(const JudgedFiles&) = delete;
 
     uint32_t Add(const std::string& file) {
         const DivertedOutput diverted;
@@ -39,10 +39,11 @@ class CheckedFiles {
 };
 
 int Check(const Arguments& files, const std::string& profile) {
-    const std::string complaint = ComplaintAboutProfile(profile);
-    if (!complaint.empty()) return Misuse(kCheckCommand, complaint);
+    if (!profile.empty() && pgxIsProfile(profile.c_str()) == 0) {
+        return Misuse(kCheckCommand, "unknown profile: " + profile);
+    }
 
-    CheckedFiles judged(profile);
+    JudgedFiles judged(profile);
     int status = kDone;
     for (const std::string& file : files) {
         const uint32_t code = judged.Add(file);

@@ -1,7 +1,6 @@
 #include "suggestion.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <utility>
 
 #include "words.h"
@@ -33,47 +32,32 @@ size_t Distance(const std::string& a, const std::string& b) {
     return rows[a.size()][b.size()];
 }
 
-// What differs less is near. Texts of any length can be typed; long ones are no words.
-size_t NearestTooFar(const std::string& typed) {
-    constexpr size_t kLongest = 64;
-    return typed.size() > kLongest ? 0 : std::max<size_t>(typed.size() / 3, 1) + 1;
-}
-
 }  // namespace
 
-std::string Nearest(const std::string& typed, const std::vector<std::string>& words) {
-    const std::vector<std::string> few = NearestFew(typed, words);
-    return few.empty() ? "" : few.front();
-}
-
-std::vector<std::string> NearestFew(const std::string& typed,
-                                    const std::vector<std::string>& words) {
-    constexpr size_t kFew = 3;
-    std::vector<std::pair<size_t, std::string>> near;
-    const size_t tooFar = NearestTooFar(typed);
-    for (const std::string& word : words) {
-        const size_t distance = tooFar == 0 ? 0 : Distance(typed, word);
-        if (distance < tooFar) near.emplace_back(distance, word);
+std::vector<std::string> NearestFew(const std::string& typed, const std::vector<std::string>& words,
+                                    size_t most) {
+    constexpr size_t kLongest = 64;
+    if (typed.size() > kLongest) return {};
+    const size_t furthest = std::max<size_t>(typed.size() / 3, 1);
+    std::vector<std::pair<size_t, size_t>> found;  // distance, index
+    for (size_t i = 0; i < words.size(); ++i) {
+        const size_t distance = Distance(typed, words[i]);
+        if (distance <= furthest) found.emplace_back(distance, i);
     }
-    const auto isNearer = [](const auto& a, const auto& b) { return a.first < b.first; };
-    std::stable_sort(near.begin(), near.end(), isNearer);
-    std::vector<std::string> few;
-    for (size_t i = 0; i < std::min(kFew, near.size()); ++i)
-        few.push_back(near[i].second);
-    return few;
+    std::sort(found.begin(), found.end());
+    std::vector<std::string> nearest;
+    for (size_t i = 0; i < std::min(found.size(), most); ++i)
+        nearest.push_back(words[found[i].second]);
+    return nearest;
 }
 
-std::string DidYouMeanOneOf(const std::string& typed, const std::vector<std::string>& words) {
-    std::vector<std::string> few = NearestFew(typed, words);
-    if (few.empty()) return "";
-    const std::string last = few.back();
-    few.pop_back();
-    return "; did you mean " + (few.empty() ? "" : Joined(few, ", ") + " or ") + last + "?";
-}
-
-std::string DidYouMean(const std::string& typed, const std::vector<std::string>& words) {
-    const std::string nearest = Nearest(typed, words);
-    return nearest.empty() ? "" : "; did you mean " + nearest + "?";
+std::string DidYouMean(const std::string& typed, const std::vector<std::string>& words,
+                       size_t most) {
+    std::vector<std::string> nearest = NearestFew(typed, words, most);
+    if (nearest.empty()) return "";
+    const std::string last = nearest.back();
+    nearest.pop_back();
+    return "; did you mean " + Joined(nearest, ", ") + (nearest.empty() ? "" : " or ") + last + "?";
 }
 
 }  // namespace pgtool
