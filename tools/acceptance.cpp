@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "pgkit/acceptance.h"
-#include "pgkit/dicomdir_creation.h"
 
 namespace pgtool {
 
@@ -21,11 +20,6 @@ std::string DescribeAcceptance(uint32_t code) {
 void AcceptanceSummary::Count(uint32_t code) {
     ++counts_[code];
     ++files_;
-}
-
-uint32_t AcceptanceSummary::Accepted() const {
-    const auto accepted = counts_.find(PG_ACCEPTED);
-    return accepted == counts_.end() ? 0 : accepted->second;
 }
 
 void AcceptanceSummary::Print() const {

@@ -20,7 +20,6 @@ class AcceptanceSummary {
     uint32_t Files() const { return files_; }
     // How many files got each code that occurred.
     const std::map<uint32_t, uint32_t>& Counts() const { return counts_; }
-    uint32_t Accepted() const;
     // A line on the standard output for every code that occurred: "0 Dicom file accepted: 12".
     void Print() const;
 

@@ -7,12 +7,12 @@
 
 #include "commands.h"
 #include "data_set.h"
-#include "judged_files.h"
+#include "file_tally.h"
+#include "files_below.h"
 #include "library_path.h"
-#include "profile_names.h"
-#include "medium_files.h"
 #include "mkdir_update.h"
 #include "pgkit/dicomdir_creation.h"
+#include "profile_names.h"
 #include "standard_streams.h"
 
 namespace pgtool {
@@ -25,7 +25,7 @@ constexpr size_t kMaxFileSetId = 16;  // that of its VR
 int32_t CountFile(const PgDicomdirScanReason* reason) {
     const std::string folder = reason->subdirectory;
     const std::string path = (folder.empty() ? "" : folder + "\\") + reason->fileName;
-    static_cast<JudgedFiles*>(reason->userData)->Count(path, reason->acceptanceCode);
+    static_cast<FileTally*>(reason->userData)->Count(path, reason->acceptanceCode);
     return 0;
 }
 
@@ -38,7 +38,7 @@ struct Request {
 };
 
 uint32_t CreateOffshore(const Request& request, const std::vector<std::string>& files,
-                        JudgedFiles& judged) {
+                        FileTally& judged) {
     void* const creation = pgStartCreateOffshoreDicomdir(LibraryPath(request.directory).c_str(),
                                                          nullptr, &request.options);
     std::string directory = LibraryPath(request.offshore);
@@ -54,7 +54,7 @@ uint32_t CreateOffshore(const Request& request, const std::vector<std::string>& 
     return pgEndCreateOffshoreDicomdir(creation);
 }
 
-uint32_t CreateInPlace(const Request& request, JudgedFiles& judged) {
+uint32_t CreateInPlace(const Request& request, FileTally& judged) {
     return pgCreateDicomdirEx(LibraryPath(request.directory).c_str(), request.profile.c_str(),
                               &request.options, CountFile, &judged);
 }
@@ -71,7 +71,7 @@ int Create(const Request& request) {
     uint32_t result = 0;
     uint32_t refused = 0;
     {
-        JudgedFiles judged;
+        FileTally judged;
         {
             const DivertedOutput diverted;
             result = isOffshore ? CreateOffshore(request, files, judged)

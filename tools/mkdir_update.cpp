@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "data_set.h"
-#include "judged_files.h"
+#include "file_tally.h"
+#include "files_below.h"
 #include "library_path.h"
-#include "medium_files.h"
 #include "standard_streams.h"
 
 namespace pgtool {
@@ -117,7 +117,7 @@ int AddToMedium(const Command& command, const UpdateRequest& request, const Argu
     uint32_t accepted = 0;
     uint32_t refused = 0;
     {
-        JudgedFiles judged;
+        FileTally judged;
         {
             const DivertedOutput diverted;
             for (const std::string& file : all)

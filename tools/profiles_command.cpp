@@ -9,9 +9,9 @@
 
 #include "commands.h"
 #include "lookup.h"
-#include "profile_names.h"
 #include "pgkit/edition.h"
 #include "pgkit/profiles.h"
+#include "profile_names.h"
 #include "words.h"
 
 namespace pgtool {

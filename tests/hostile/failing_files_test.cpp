@@ -335,4 +335,13 @@ TEST_F(FailingMedium, FailsAnOffshoreCreation) {
     EXPECT_GE(calls, 3u);
 }
 
+TEST_F(FailingMedium, FailsAnUpdate) {
+    medium_.WriteStandardKinds();
+    const size_t calls = Sweep([&](auto&& whileFailing) {
+        medium_.Update(whileFailing);
+        EXPECT_NE(medium_.Written(), nullptr);
+    });
+    EXPECT_GE(calls, 10u);
+}
+
 }  // namespace

@@ -133,6 +133,41 @@ class JobMedium {
         whileFailing([&] { pgEndCreateOffshoreDicomdir(handle); });
     }
 
+    // A DICOMDIR that is there gets files of several kinds, and loses a study. The result of the
+    // end, or 1 when it did not begin.
+    template <typename WhileFailing>
+    uint32_t Update(WhileFailing&& whileFailing) const {
+        files_.Write("MEDIUM/DICOMDIR", RichDirectory().Build());
+        PgDicomdirOptions options = options_;
+        options.flags |= PG_DICOMDIR_STANDARD_RECORDS;
+        void* update = nullptr;
+        whileFailing(
+            [&] { update = pgxStartDicomdirUpdate(medium_.c_str(), "", &options, nullptr); });
+        if (update == nullptr) return 1;
+        for (const char* name : {"A", "SUB\\B", "DOSE", "PALETTE", "TEXT"}) {
+            const std::string path = medium_ + "\\" + name;
+            whileFailing([&] { pgxUpdateAddFile(update, name, path.c_str()); });
+        }
+        whileFailing([&] { pgxUpdateRemoveStudy(update, "1.2.4711"); });
+        // The handle is gone after this, whatever happens.
+        uint32_t result = 1;
+        whileFailing([&] { result = pgxEndDicomdirUpdate(update); });
+        return result;
+    }
+
+    // One of kinds that have keys of their own, one of them of no patient.
+    void WriteStandardKinds() const {
+        Write("DOSE", InstanceFile()
+                          .SopClass("1.2.840.10008.5.1.4.1.1.481.2")
+                          .Instance("1.2.3.4.21")
+                          .Set(0x3004, 0x000A, "CS", "A_RATHER_LONG_SUMMATION_TYPE"));
+        Write("PALETTE", InstanceFile()
+                             .SopClass("1.2.840.10008.5.1.4.39.1")
+                             .Instance("1.2.3.4.22")
+                             .Remove(0x0020, 0x000D)
+                             .Set(0x0070, 0x0080, "CS", "A_RATHER_LONG_LABEL_OF_A_PALETTE"));
+    }
+
   private:
     static InstanceFile SeriesFile(const std::string& uid, const char* number) {
         return InstanceFile().Instance(uid).Series(uid + ".1").Set(0x0020, 0x0011, "IS", number);

@@ -389,6 +389,17 @@ class OutOfMemoryWithMedia : public OutOfMemory {
         return records;
     }
 
+    static std::set<std::string> RecordsOf(const DirectoryBuilder& directory) {
+        const TempDir place;
+        const DataSet root(
+            pgOpenDataSetFile(place.Write("DICOMDIR", directory.Build()).c_str(), kLoadAll));
+        std::set<std::string> records;
+        for (PGX_Node* item = root->FindNode(0x0004, 0x1220)->first; item != nullptr;
+             item = item->next)
+            records.insert(Describe(item));
+        return records;
+    }
+
     // Whether no patient, study or series is without children.
     static bool IsComplete(PGX_List& patients) {
         const std::string outline = Outline(&patients);
@@ -449,6 +460,27 @@ TEST_F(OutOfMemoryWithMedia, LosesNothingInAPatientListFile) {
 TEST_F(OutOfMemoryWithMedia, LosesNothingInARebuild) {
     const size_t allocations = Sweep([&](auto&& whileFailing) { medium_.Rebuild(whileFailing); });
     EXPECT_GE(allocations, 100u);
+}
+
+// What was there stays whole, or everything that was accepted is there.
+TEST_F(OutOfMemoryWithMedia, ChangesADicomdirAsAWholeOrNotAtAll) {
+    medium_.WriteStandardKinds();
+    const auto always = [](auto&& operation) { operation(); };
+    ASSERT_EQ(medium_.Update(always), 0u);
+    const std::set<std::string> complete = RecordsWritten();
+    ASSERT_GE(complete.size(), 12u);
+    // Those of the study that stays, and of what it is of.
+    const std::set<std::string> former = RecordsOf(RichDirectory());
+    const size_t allocations = Sweep([&](auto&& whileFailing) {
+        const uint32_t result = medium_.Update(whileFailing);
+        for (const std::string& keys : RecordsWritten()) {
+            EXPECT_TRUE(former.contains(keys) || (result == 0 && complete.contains(keys))) << keys;
+        }
+        if (result != 0) {
+            EXPECT_EQ(RecordsWritten(), former);
+        }
+    });
+    EXPECT_GE(allocations, 300u);
 }
 
 // A file for which memory did not suffice is refused; one that is not has all its keys.

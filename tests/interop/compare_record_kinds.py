@@ -14,7 +14,7 @@ pydicom composes one file of every kind, with all keys and with those only that 
           about nothing.
   update  what is removed and added again by "mkdir --remove" and "--add" has the same records.
 
-Kinds that pydicom does not know as such (it takes them for images) are compared with what is written
+Kinds that pydicom does not know as such (it takes them for images, or gives them no keys) are compared with what is written
 here. The last line is "N passed, M failed"; the exit status tells the same.
 """
 import pathlib
@@ -70,7 +70,8 @@ KINDS = [
     ("1.1.104.1", "ENCAP DOC", DOCUMENT, False, False),
     ("1.1.104.2", "ENCAP DOC", DOCUMENT + ["HL7InstanceIdentifier"], False, False),
     ("1.1.67", "VALUE MAP", IDENTIFIED, True, False),
-    ("1.1.77.1.5.3", "STEREOMETRIC", [], True, False),
+    ("1.1.77.1.5.3", "STEREOMETRIC", ["ContentLabel", "ContentDescription", "ContentCreatorName"], False,
+     False),
     ("1.1.78.1", "MEASUREMENT", IDENTIFIED, True, False),
     ("1.1.66.5", "SURFACE", IDENTIFIED, True, False),
     ("1.1.68.1", "SURFACE SCAN", DATED, True, False),

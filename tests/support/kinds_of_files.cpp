@@ -81,7 +81,7 @@ void AddDocuments(Kinds& kinds) {
     Date(kinds.AddStored("KEY OBJECT DOC", "88.59", std::string(kDated) + " 0040,A043=1")
              .SetSequence(0x0040, 0xA043, Items(1)));
     const char* const kDocument =
-        "0008,0023=20240229 0008,0033=115959 0042,0010=Letter 0042,0012=text/XML";
+        "0008,0023=20240229 0008,0033=115959 0040,A043=0 0042,0010=Letter 0042,0012=text/XML";
     const auto addDocument = [&](const char* sopClass, const std::string& keys) -> InstanceFile& {
         InstanceFile& file = kinds.AddStored("ENCAP DOC", sopClass, keys);
         Date(file);
@@ -89,9 +89,10 @@ void AddDocuments(Kinds& kinds) {
     };
     addDocument("104.1", kDocument);
     addDocument("104.3", kDocument);
-    addDocument("104.2",
-                "0008,0023=20240229 0008,0033=115959 0040,E001=1.2.3^4 0042,0010=Letter "
-                "0042,0012=text/XML")
+    addDocument(
+        "104.2",
+        "0008,0023=20240229 0008,0033=115959 0040,A043=0 0040,E001=1.2.3^4 0042,0010=Letter "
+        "0042,0012=text/XML")
         .Set(0x0040, 0xE001, "ST", "1.2.3^4");
 }
 
@@ -122,7 +123,8 @@ void AddMeasurements(Kinds& kinds) {
     Identify(kinds.AddStored("SURFACE", "66.5", kIdentified));
     Identify(kinds.AddStored("TRACT", "66.6", kIdentified));
     Identify(kinds.AddStored("ANNOTATION", "91.1", kIdentified));
-    kinds.AddStored("STEREOMETRIC", "77.1.5.3");
+    Identify(kinds.AddStored("STEREOMETRIC", "77.1.5.3",
+                             "0070,0080=LABEL 0070,0081=What it shows 0070,0084=ROE^JANE"));
     kinds.AddStored("ASSESSMENT", "90.1", "0008,0012=20240105 0008,0013=")
         .Set(0x0008, 0x0012, "DA", "20240105");
     const std::string ul("\x02\0\0\0", 4);

@@ -43,9 +43,9 @@ const Row* FindRow(uint32_t tag) {
         std::begin(kProfileRows), patterns, tag,
         [](const Row& candidate, uint32_t wanted) { return candidate.tag < wanted; });
     if (row != patterns && row->tag == tag) return row;
-    const Row* const pattern = std::find_if(patterns, std::end(kProfileRows), [tag](const Row& candidate) {
-        return (tag & candidate.mask) == candidate.tag;
-    });
+    const Row* const pattern = std::find_if(
+        patterns, std::end(kProfileRows),
+        [tag](const Row& candidate) { return (tag & candidate.mask) == candidate.tag; });
     return pattern == std::end(kProfileRows) ? nullptr : pattern;
 }
 

@@ -1,6 +1,7 @@
 #include "disc/readme.h"
 
 #include "pgkit/version.h"
+#include "words.h"
 
 namespace pgtool {
 
@@ -20,10 +21,6 @@ std::string Version() {
 }
 
 }  // namespace
-
-std::string Counted(size_t count, const char* one, const char* several) {
-    return std::to_string(count) + " " + (count == 1 ? one : several);
-}
 
 std::string FileSetIdOf(const std::string& beginning, MediumNumber medium) {
     if (medium.count == 1) return beginning;

@@ -25,9 +25,6 @@ struct MediumContent {
     size_t instances = 0;
 };
 
-// "1 study", "2 studies".
-std::string Counted(size_t count, const char* one, const char* several);
-
 // "1 patient, 2 studies, 3 series, 120 instances".
 std::string Describe(const MediumContent& content);
 

@@ -15,6 +15,7 @@
 #include "disc/thumbnail.h"
 #include "disc/web_limits.h"
 #include "disc/whole_file.h"
+#include "words.h"
 
 namespace pgtool {
 

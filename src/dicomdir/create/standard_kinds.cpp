@@ -20,7 +20,9 @@ constexpr StandardKey kCreatorKey = {tags::kContentCreatorsName, Type2};
 constexpr StandardKey kManufacturerKey = {tags::kManufacturer, Type1};
 
 constexpr StandardKey kDatedKeys[] = {kContentDateKey, kContentTimeKey};
-// What somebody has made of images: the Content Identification Macro, and when.
+// The Content Identification Macro.
+constexpr StandardKey kLabelledKeys[] = {kLabelKey, kDescriptionKey, kCreatorKey};
+// What somebody has made of images: the same, and when.
 constexpr StandardKey kIdentifiedKeys[] = {kContentDateKey, kContentTimeKey, kLabelKey,
                                            kDescriptionKey, kCreatorKey};
 
@@ -142,7 +144,7 @@ constexpr StandardKind Fiducial = {.recordType = "FIDUCIAL", .keys = kIdentified
 constexpr StandardKind EncapDoc = {
     .recordType = "ENCAP DOC", .leafType = PG_LEAF_ENCAPSULATED_DOC, .keys = kDocumentKeys};
 constexpr StandardKind ValueMap = {.recordType = "VALUE MAP", .keys = kIdentifiedKeys};
-constexpr StandardKind Stereometric = {.recordType = "STEREOMETRIC"};
+constexpr StandardKind Stereometric = {.recordType = "STEREOMETRIC", .keys = kLabelledKeys};
 constexpr StandardKind Measurement = {.recordType = "MEASUREMENT", .keys = kIdentifiedKeys};
 constexpr StandardKind Surface = {.recordType = "SURFACE", .keys = kIdentifiedKeys};
 constexpr StandardKind SurfaceScan = {.recordType = "SURFACE SCAN", .keys = kDatedKeys};

@@ -88,6 +88,13 @@ bool HasContent(const PGX_Node& element) {
     return element.valueRep == VR_SQ ? element.first != nullptr : element.length > 0;
 }
 
+// One that is there even without items, which a field cannot tell from none.
+bool IsEmptySequence(PGX_Node& dataSet, const StandardKey& key) {
+    if (key.type != KeyType::Type2 || ValueRepresentationOf(key.tag) != VR_SQ) return false;
+    PGX_Node* const sequence = FindElement(dataSet, key.tag);
+    return sequence == nullptr || sequence->first == nullptr;
+}
+
 NodeTree NewKey(Tag tag, std::string_view value) {
     NodeTree element(new PGX_Node(NT_DataElement, ET_LittleEndian, tag.group, tag.element,
                                   static_cast<uint8_t>(ValueRepresentationOf(tag)), 0));
@@ -151,7 +158,8 @@ std::unique_ptr<Leaf> NewStandardLeaf(PGX_Node& dataSet, const StandardKind& kin
         NodeTree keys(pgAllocateDataSetNode());
         if (keys == nullptr) throw std::bad_alloc();
         for (const StandardKey& key : kind.keys) {
-            if (!IsField(fields, key.tag)) ReadKey(dataSet, key, *keys);
+            const bool isInField = IsField(fields, key.tag) && !IsEmptySequence(dataSet, key);
+            if (!isInField) ReadKey(dataSet, key, *keys);
         }
         leaf = NewKeyedLeaf(kind.leafType, std::move(keys));
     } else {
@@ -164,6 +172,8 @@ std::unique_ptr<Leaf> NewStandardLeaf(PGX_Node& dataSet, const StandardKind& kin
 void PutOwnKeys(PGX_Node& record, const Leaf& leaf) {
     if ((leaf.flags & PG_LEAF_OWNS_KEYS) == 0 || leaf.record == nullptr) return;
     for (PGX_Node* key = leaf.record->first; key != nullptr; key = key->next) {
+        // A host may have filled the field.
+        if (record.FindNode(key->group, key->element) != nullptr) continue;
         NodeTree copy = CopyForRecord(key);
         if (copy != nullptr) record.InsertNode(copy.release());
     }

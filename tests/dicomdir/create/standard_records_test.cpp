@@ -136,11 +136,11 @@ TEST_F(StandardRecords, OfFilesWithoutKeysHaveThemEmptyOrNotAtAll) {
         {"RT DOSE", "3004,000A="},
         {"RADIOTHERAPY", "0070,0081= 0070,0084="},
         {"PRESENTATION", "0070,0080= 0070,0081= 0070,0082= 0070,0083= 0070,0084="},
-        {"ENCAP DOC", dated + " 0042,0010= 0042,0012="},
+        {"ENCAP DOC", dated + " 0040,A043=0 0042,0010= 0042,0012="},
         {"VALUE MAP", dated + " 0070,0080= 0070,0081= 0070,0084="},
         {"IMPLANT", "0008,0070= 0022,1095= 0022,1097="},
         {"IMPLANT ASSY", "0008,0070= 0076,0001= 0076,0020=0"},
-        {"STEREOMETRIC", ""},
+        {"STEREOMETRIC", "0070,0080= 0070,0081= 0070,0084="},
     };
     size_t compared = 0;
     for (const KindOfFile& kind : kinds) {
@@ -170,7 +170,9 @@ TEST_F(StandardRecords, HaveMadeUpKeysOfType1OnDemand) {
             EXPECT_THAT(keys, ContainsRegex("^0008,0023=[0-9]{8} 0008,0033=[0-9]{6} "
                                             "0040,A491=PARTIAL 0040,A493=UNVERIFIED$"));
         } else if (type == "ENCAP DOC") {
-            EXPECT_EQ(keys, "0008,0023= 0008,0033= 0042,0010= 0042,0012=application/octet-stream");
+            EXPECT_EQ(keys,
+                      "0008,0023= 0008,0033= 0040,A043=0 0042,0010= "
+                      "0042,0012=application/octet-stream");
         } else if (type == "SPECTROSCOPY") {
             EXPECT_THAT(keys, ContainsRegex("^0008,0008=UNKNOWN .* 0028,0008=1 0028,0010=0 "
                                             "0028,0011=0 0028,9001=0 0028,9002=0$"));

@@ -1,4 +1,4 @@
-#include "judged_files.h"
+#include "file_tally.h"
 
 #include <cstdio>
 
@@ -8,8 +8,9 @@
 
 namespace pgtool {
 
-void JudgedFiles::Count(const std::string& path, uint32_t code) {
+void FileTally::Count(const std::string& path, uint32_t code) {
     summary_.Count(code);
+    if (code == PG_ACCEPTED) ++accepted_;
     progress_.Show(std::to_string(summary_.Files()) + " files");
     const bool isOwn = path == "dcmdir.lst" || path == "DICOMDIR";
     if (code != PG_ACCEPTED && !isOwn) ++refused_;
@@ -17,7 +18,7 @@ void JudgedFiles::Count(const std::string& path, uint32_t code) {
     if (oddNames_++ == 0) firstOddName_ = path;
 }
 
-void JudgedFiles::Print(const Command& command) const {
+void FileTally::Print(const Command& command) const {
     summary_.Print();
     if (oddNames_ == 0) return;
     std::fflush(stdout);

@@ -1,4 +1,4 @@
-#include "medium_files.h"
+#include "files_below.h"
 
 #include <algorithm>
 #include <filesystem>

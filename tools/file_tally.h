@@ -10,12 +10,12 @@
 
 namespace pgtool {
 
-class JudgedFiles {
+class FileTally {
   public:
     // A file by its path below the medium, with slashes or backslashes.
     void Count(const std::string& path, uint32_t code);
 
-    uint32_t Accepted() const { return summary_.Accepted(); }
+    uint32_t Accepted() const { return accepted_; }
     // Without the DICOMDIR and the acceptance list file of the medium itself.
     uint32_t Refused() const { return refused_; }
 
@@ -26,6 +26,7 @@ class JudgedFiles {
   private:
     AcceptanceSummary summary_;
     ProgressLine progress_;
+    uint32_t accepted_ = 0;
     uint32_t refused_ = 0;
     uint32_t oddNames_ = 0;
     std::string firstOddName_;
