@@ -4,8 +4,7 @@ _pgtool() {
     local current=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]} words=''
     COMPREPLY=()
     if [[ $COMP_CWORD -eq 1 ]] || [[ $COMP_CWORD -eq 2 && $command == help ]]; then
-        words='dump json scan image set delete anonymize save from-json browse mkdir check verify tags uid modality profiles documentation help --help --version'
-        words='dump json scan image set delete anonymize save from-json disc browse mkdir check tags uid modality profiles documentation help --help --version'
+        words='dump json scan image set delete anonymize save from-json disc browse mkdir check verify tags uid modality profiles documentation help --help --version'
     else
         case $command:${COMP_WORDS[COMP_CWORD - 1]} in
             dump:--edition) words='current built-in' ;;
@@ -17,9 +16,9 @@ _pgtool() {
             save:--mode) words='explicit-le implicit-le explicit-be as-read' ;;
             save:--edition) words='current built-in' ;;
             from-json:--edition) words='current built-in' ;;
+            disc:--transfer-syntax) words='as-is explicit' ;;
             browse:--edition) words='current built-in' ;;
             verify:--edition) words='current built-in' ;;
-            disc:--transfer-syntax) words='as-is explicit' ;;
             tags:--edition) words='current built-in' ;;
             uid:--edition) words='current built-in' ;;
             modality:--edition) words='current built-in' ;;
@@ -35,22 +34,14 @@ _pgtool() {
                 anonymize) words='--help --recursive --files-from --output --in-place --retain-uids --retain-dates --modify-dates --retain-device-identity --retain-institution-identity --retain-patient-characteristics --retain-safe-private --key' ;;
                 save) words='--help --mode --bare --undefined-lengths --flags --edition' ;;
                 from-json) words='--help --output --bulk-dir --edition --utf8 --raw' ;;
-                browse) words='--help --json --files --edition --utf8 --raw' ;;
-                from-json) words='--help --output --bulk-dir' ;;
                 disc) words='--help --output --size --web --icons --transfer-syntax --profile --file-set-id --image --files-from' ;;
-                browse) words='--help --json' ;;
-                mkdir) words='--help --profile --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
+                browse) words='--help --json --files --edition --utf8 --raw' ;;
+                mkdir) words='--help --add --remove --profile --standard-records --strict --strict-names --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
                 check) words='--help --recursive --files-from --profile' ;;
                 verify) words='--help --profile --json --repair --edition --utf8 --raw' ;;
                 tags) words='--help --find --edition --utf8 --raw' ;;
                 uid) words='--help --edition --utf8 --raw' ;;
                 modality) words='--help --edition --utf8 --raw' ;;
-                profiles) words='--help' ;;
-                mkdir) words='--help --add --remove --profile --standard-records --strict --strict-names --icons --series-icons --file-size --fill-missing --file-set-id --no-recurse --no-list --allow-empty --offshore' ;;
-                check) words='--help --profile' ;;
-                tags) words='--help --find --edition' ;;
-                uid) words='--help --edition' ;;
-                modality) words='--help' ;;
                 profiles) words='--help --names' ;;
                 documentation) words='--help' ;;
             esac
