@@ -78,9 +78,13 @@ class Encoder {
         if (isOutermost && metaRun_.Takes(element)) {
             return {ByteOrder::Little, (mode_ & PG_META_IMPLICIT_VR) == 0, true};
         }
-        if (wishes_.deflating != nullptr && !wishes_.deflating->HasStarted()) StartDeflating();
+        // What a sequence of it holds is encoded like the data set, and belongs to it.
+        const bool isMeta = !isOutermost && open_.back().form.isMeta;
+        if (!isMeta && wishes_.deflating != nullptr && !wishes_.deflating->HasStarted()) {
+            StartDeflating();
+        }
         const Encoding encoding = EncodingOfMode(mode_);
-        return {encoding.byteOrder, !encoding.implicitVr};
+        return {encoding.byteOrder, !encoding.implicitVr, isMeta};
     }
 
     // When the File Meta Information cannot be brought out, nothing that follows can.

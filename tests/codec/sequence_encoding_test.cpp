@@ -85,6 +85,21 @@ TEST_F(EncodedSequence, OfTheFileMetaInformationHaveNoDelimiters) {
     EXPECT_EQ(FirstDifference(*root_, *reread), "");
 }
 
+// The delimiters of what they held were not counted, and what followed them was not found again.
+TEST_F(EncodedSequence, InsideThoseOfTheFileMetaInformationHaveNoDelimitersEither) {
+    const TempDir directory;
+    const std::string path = directory.Path("file");
+    root_->AddPart10Elements(nullptr);
+    PGX_Node* const sequence = root_->InsertNode(0x0002, 0xFF00, nullptr, 0);
+    sequence->valueRep = VR_SQ;
+    sequence->SeqAddTail(pgAllocateDataSetNode());
+    sequence->first->InsertNode(0x0040, 0xA730, nullptr, 0);
+    ASSERT_EQ(root_->SaveDataSetAsEx(path.c_str(), kPart10Explicit | PG_UNDEFINED_LENGTHS), 0u);
+    const DataSet reread(pgOpenDataSetFile(path.c_str(), kLoadAll));
+    ASSERT_NE(reread, nullptr);
+    EXPECT_EQ(pgkit_test::Tags(reread.get()), pgkit_test::Tags(root_.get()));
+}
+
 // Such files were saved with result 0 and could not be opened, either.
 TEST_F(EncodedSequence, OfTheFileMetaInformationThatCannotBeCountedFail) {
     const TempDir directory;
