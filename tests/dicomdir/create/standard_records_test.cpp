@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,7 +17,6 @@
 namespace {
 
 using namespace pgkit_test;
-using testing::ContainsRegex;
 using testing::HasSubstr;
 
 std::string Trimmed(std::string text) {
@@ -55,6 +56,13 @@ std::string KeysOf(PGX_Node* record) {
         keys += (keys.empty() ? "" : " ") + std::string(tag) + "=" + ValueOf(key);
     }
     return keys;
+}
+
+// The text with every digit as '#': nobody knows the time.
+std::string Pattern(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '#');
+    return text;
 }
 
 std::string TypeOf(PGX_Node* record) { return Trimmed(TextOf(Child(record, 0x0004, 0x1430))); }
@@ -154,34 +162,31 @@ TEST_F(StandardRecords, OfFilesWithoutKeysHaveThemEmptyOrNotAtAll) {
 
 TEST_F(StandardRecords, HaveMadeUpKeysOfType1OnDemand) {
     options_.fillMissingKeys = 1;
+    const std::string dated = "0008,0023=20240229 0008,0033=115959";
+    const std::map<std::string, std::string> expected = {
+        {"RT DOSE", "3004,000A=UNKNOWN"},
+        {"VALUE MAP", dated + " 0070,0080=UNKNOWN 0070,0081= 0070,0084="},
+        {"WAVEFORM", dated},
+        {"RAW DATA", dated},
+        {"SR DOCUMENT", dated + " 0040,A491=PARTIAL 0040,A493=UNVERIFIED"},
+        {"ENCAP DOC",
+         "0008,0023= 0008,0033= 0040,A043=0 0042,0010= 0042,0012=application/octet-stream"},
+        {"SPECTROSCOPY", "0008,0008=UNKNOWN " + dated +
+                             " 0028,0008=1 0028,0010=0 0028,0011=0 0028,9001=0 0028,9002=0"},
+        {"HANGING PROTOCOL",
+         "0072,0002=UNKNOWN 0072,0004=UNKNOWN 0072,0006=SITE 0072,0008=UNKNOWN "
+         "0072,000A=20240229115959 0072,000C=0 0072,000E=0 0072,0014=0"},
+    };
+    size_t compared = 0;
     for (const KindOfFile& kind : EveryKindOfFile()) {
+        const auto keys = expected.find(kind.recordType);
+        if (keys == expected.end()) continue;
         PGX_Node* const record = RecordOf(WithoutKeys(kind));
         ASSERT_NE(record, nullptr);
-        const std::string keys = KeysOf(record);
-        const std::string type = kind.recordType;
-        if (type == "RT DOSE") {
-            EXPECT_EQ(keys, "3004,000A=UNKNOWN");
-        } else if (type == "VALUE MAP") {
-            EXPECT_THAT(keys, ContainsRegex("^0008,0023=[0-9]{8} 0008,0033=[0-9]{6} "
-                                            "0070,0080=UNKNOWN 0070,0081= 0070,0084=$"));
-        } else if (type == "WAVEFORM" || type == "RAW DATA") {
-            EXPECT_THAT(keys, ContainsRegex("^0008,0023=[0-9]{8} 0008,0033=[0-9]{6}$"));
-        } else if (type == "SR DOCUMENT") {
-            EXPECT_THAT(keys, ContainsRegex("^0008,0023=[0-9]{8} 0008,0033=[0-9]{6} "
-                                            "0040,A491=PARTIAL 0040,A493=UNVERIFIED$"));
-        } else if (type == "ENCAP DOC") {
-            EXPECT_EQ(keys,
-                      "0008,0023= 0008,0033= 0040,A043=0 0042,0010= "
-                      "0042,0012=application/octet-stream");
-        } else if (type == "SPECTROSCOPY") {
-            EXPECT_THAT(keys, ContainsRegex("^0008,0008=UNKNOWN .* 0028,0008=1 0028,0010=0 "
-                                            "0028,0011=0 0028,9001=0 0028,9002=0$"));
-        } else if (type == "HANGING PROTOCOL") {
-            EXPECT_THAT(keys, ContainsRegex("^0072,0002=UNKNOWN 0072,0004=UNKNOWN 0072,0006=SITE "
-                                            "0072,0008=UNKNOWN 0072,000A=[0-9]{14} 0072,000C=0 "
-                                            "0072,000E=0 0072,0014=0$"));
-        }
+        EXPECT_EQ(Pattern(KeysOf(record)), Pattern(keys->second)) << kind.recordType;
+        ++compared;
     }
+    EXPECT_GE(compared, expected.size());
 }
 
 TEST_F(StandardRecords, OfSegmentationsAndUnknownClassesAreImages) {
