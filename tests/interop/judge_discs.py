@@ -19,7 +19,7 @@ directory, the media and files in it. Kinds of checks, a line each:
   image      the image has the same files, as a program for ISO 9660 level 1 reads them.
   killed     killed at any time, no DICOMDIR stands anywhere; interrupted, nothing does.
   windows    the Windows build makes the same disc, but for the UID of the DICOMDIR.
-  pages      see index_pages.py.
+  pages      see index_pages.py; so has a disc of files whose texts are markup and scripts.
 
 What needs a program that is not installed says SKIPPED. The last line is "N passed, M failed"; the
 exit status tells the same.
@@ -42,7 +42,7 @@ from pydicom.fileset import FileSet
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
 from check_runner import report  # noqa: E402
-from index_pages import check_pages  # noqa: E402
+from index_pages import Page, check_pages  # noqa: E402
 
 DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
 SECONDS = 300
@@ -232,14 +232,12 @@ class Disc:
             return False
         for path in (self.folder / "DICOM").rglob("IM*"):
             file = read(path, stop_before_pixels=True)
-            is_kind = missing[1] == "StudyID" or "ContentSequence" in file
-            value = file.get(missing[1]) if is_kind else "present"
             if missing[1] == "StudyID":
+                # As it stands in the file: pydicom drops the blanks of values that it converts.
                 raw = file.get_item(0x00200010)
-                value = b"" if raw is None else raw.value
-                if value and not (value.strip(b" \0") if isinstance(value, bytes) else plain(value)):
+                if raw is not None and raw.value and not raw.value.strip(b" \0"):
                     return True
-            elif not value:
+            elif "ContentSequence" in file and not file.get(missing[1]):
                 return True
         return False
 
@@ -389,6 +387,39 @@ def is_momentary(stray):
     return keys == hierarchy_of_files(folder / "DICOM")
 
 
+# ---- Markup -------------------------------------------------------------------------------------
+
+MARKUP = ("<script>document.title='owned'</script>", "</bdi></p><img src=x onerror=alert(1)>",
+          "\"><svg onload=alert(1)>", "<!-- '", "&lt;b&gt;", "</style></title><h1>", "]]>javascript:")
+
+
+def write_hostile_files(folder):
+    """Every text of a file that a page may show is markup, in turn."""
+    folder.mkdir()
+    for number, markup in enumerate(MARKUP):
+        for name in ("native/mr_implicit_le.dcm", "sequences/sr_nested_explicit_undefined.dcm"):
+            file = read(DATA / name)
+            for keyword in ("PatientName", "PatientID", "StudyDescription", "SeriesDescription",
+                            "AccessionNumber", "InstitutionName", "ReferringPhysicianName", "StudyID",
+                            "Modality", "StudyTime", "PatientSex", "CompletionFlag"):
+                setattr(file, keyword, markup)
+            for level in ("Study", "Series", "SOP"):
+                uid = f"1.2.{number}.{len(name)}.{len(level)}"
+                setattr(file, level + "InstanceUID", uid)
+            for item in file.get("ContentSequence", []):
+                item.ConceptNameCodeSequence[0].CodeMeaning = markup
+            file.save_as(folder / f"{number}-{pathlib.Path(name).name}")
+
+
+def check_hostile_pages(tool, work):
+    write_hostile_files(work / "hostile")
+    run([tool, "disc", str(work / "hostile"), "-o", str(work / "disc"), "--web"])
+    complaint = check_pages(work / "disc", "hostile", limit=20)
+    text = Page((work / "disc/INDEX.HTM").read_text(encoding="utf-8")).text
+    lost = [markup for markup in MARKUP if markup not in text]
+    return complaint or (f"not shown: {lost}" if lost else None)
+
+
 # ---- All of it ----------------------------------------------------------------------------------
 
 KINDS = ("stored", "names", "pydicom", "dcmdump", "dcdirdmp", "dciodvfy", "gdcm", "explicit", "image",
@@ -443,12 +474,17 @@ def check_disc(tool, windows, folders, name):
             yield from judged("killed", name, outcome(check_killed, tool, folders, work))
 
 
+def check_hostile(tool):
+    with tempfile.TemporaryDirectory(prefix="pgkit-disc-") as work:
+        yield from judged("pages", "hostile", outcome(check_hostile_pages, tool, pathlib.Path(work)))
+
+
 def main():
     if len(sys.argv) < 2:
         sys.exit("usage: judge_discs.py PGTOOL [WINDOWS_PGTOOL COMMAND...]")
     tool = os.path.abspath(sys.argv[1])
     windows = sys.argv[2:]
-    results = []
+    results = list(check_hostile(tool))
     for name, folders in sources():
         results += check_disc(tool, windows, folders, name)
     return report(results)

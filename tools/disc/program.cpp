@@ -13,7 +13,7 @@ std::string FindProgram(const std::string& name) {
     if (path == nullptr) return "";
     for (const std::string_view folder : Split(path, kPathSeparator)) {
         if (folder.empty()) continue;
-        const std::string program = std::string(folder) + "/" + name + kProgramSuffix;
+        std::string program = std::string(folder) + "/" + name + kProgramSuffix;
         std::error_code error;
         if (std::filesystem::is_regular_file(program, error)) return program;
     }

@@ -21,9 +21,11 @@ std::string Quoted(const std::string& argument) {
 
 int RunToItsEnd(const std::vector<std::string>& command) {
     std::vector<std::string> quoted;
+    quoted.reserve(command.size());
     for (const std::string& argument : command)
         quoted.push_back(Quoted(argument));
     std::vector<const char*> arguments;
+    arguments.reserve(quoted.size() + 1);
     for (const std::string& argument : quoted)
         arguments.push_back(argument.c_str());
     arguments.push_back(nullptr);

@@ -25,7 +25,7 @@ std::string MeaningOf(const pgkit::element& codes) {
 
 std::string MeasuredValue(const pgkit::item& item) {
     const pgkit::item measured = item.find({0x0040, 0xA300})[0];
-    const std::string number = measured.find({0x0040, 0xA30A}).text();
+    std::string number = measured.find({0x0040, 0xA30A}).text();
     const pgkit::item unit = measured.find({0x0040, 0x08EA})[0];
     const std::string name = unit.find({0x0008, 0x0100}).text();
     // 1 is the unit of what has none.

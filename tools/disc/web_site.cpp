@@ -51,7 +51,7 @@ std::string Facts(const std::vector<std::pair<const char*, std::string>>& facts)
     return html.empty() ? "" : "<p class=\"note\">" + html + "</p>\n";
 }
 
-std::string OrElse(std::string text, const char* otherwise) {
+std::string OrElse(const std::string& text, const char* otherwise) {
     return text.empty() ? otherwise : text;
 }
 
