@@ -84,10 +84,8 @@ class DataSetParser {
 
     bool ReadElement();
     void FindMeaning(const TagHeader& header, const Level& level, Meaning& meaning) const;
-    void FindMeaningOfUn(const TagHeader& header, const Level& level,
-                             Meaning& meaning) const;
-    void FindMeaningByCreator(const TagHeader& header, const Level& level,
-                            Meaning& meaning) const;
+    void FindMeaningOfUn(const TagHeader& header, const Level& level, Meaning& meaning) const;
+    void FindMeaningByCreator(const TagHeader& header, const Level& level, Meaning& meaning) const;
     PGX_Node* AppendElement(const TagHeader& header, const Meaning& meaning);
     void OpenSequence(PGX_Node* sequence, const Meaning& meaning);
     bool ItemsAreImplicit(const Level& parent, const Meaning& meaning);

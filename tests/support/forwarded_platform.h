@@ -1,5 +1,5 @@
-// Functions of the platform layer whose calls tests have in their hands: in the program that this is
-// for, the layer's objects define them under these names (tests/support/CMakeLists.txt), and
+// Functions of the platform layer whose calls tests have in their hands: in the program that this
+// is for, the layer's objects define them under these names (tests/support/CMakeLists.txt), and
 // functions of their usual names, which this program brings, stand in front of them.
 #pragma once
 

@@ -344,7 +344,7 @@ TEST_F(PgtoolDisc, ChecksItsCommandLine) {
     EXPECT_EQ(complaint({"-", "-o", Target()}), "pgtool disc: -: a disc is no stream");
     EXPECT_EQ(about({"--icons", "257"}), "pgtool disc: --icons: at most 256 pixels");
     EXPECT_EQ(about({"--profile", "STD-GEN-CDD"}),
-              "pgtool disc: unknown profile: STD-GEN-CDD; did you mean STD-GEN-CD?");
+              "pgtool disc: unknown profile: STD-GEN-CDD; did you mean STD-GEN-CD or STD-DEN-CD?");
     for (const char* id : {"12345678901234567", "lower", " ", "A-B"}) {
         EXPECT_EQ(about({"--file-set-id", id}),
                   "pgtool disc: --file-set-id: at most 16 characters, of A to Z, 0 to 9, _ and "
