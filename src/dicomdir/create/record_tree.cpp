@@ -209,13 +209,22 @@ std::unordered_set<const PGX_Node*> RecordTree::Reachable() const {
 }
 
 // Of those that could be reached before the ones that no longer can go. What nobody reached anyway
-// stays.
+// stays, and links nothing that goes.
 void RecordTree::RemoveAllOf(const std::unordered_set<const PGX_Node*>& before) {
     const auto after = Reachable();
+    const auto goes = [&](const PGX_Node* record) {
+        return before.contains(record) && !after.contains(record);
+    };
+    for (PGX_Node* const record : records_) {
+        for (const Tag tag : {tags::kNextRecordLink, tags::kLowerLevelLink, kSharedRecordLink}) {
+            PGX_Node* const link = FindElement(*record, tag);
+            if (!goes(record) && goes(TargetOf(link))) PointAt(*link, nullptr);
+        }
+    }
     records_.clear();
     for (PGX_Node** link = &sequence_->first; *link != nullptr;) {
         PGX_Node* const record = *link;
-        if (!before.contains(record) || after.contains(record)) {
+        if (!goes(record)) {
             records_.push_back(record);
             link = &record->next;
             continue;

@@ -165,6 +165,24 @@ TEST_F(DirectoryUpdate, LeavesNoLinkToWhatIsRemovedFromTheEnd) {
               Child(root_.get(), 0x0004, 0x1200)->GetULValue());
 }
 
+// A record that no link reached, and stayed, linked one that was gone.
+TEST_F(DirectoryUpdate, LeavesNoLinkFromRecordsThatNobodyReaches) {
+    DirectoryBuilder directory = ForeignDirectory();
+    const size_t lost = directory.Child(4, "IMAGE");
+    directory[3].next = std::nullopt;  // the last one in front of the PRIVATE record
+    directory[4].next = 1;
+    directory[4].lower = 2;
+    directory[lost].next = 3;
+    StartFrom(directory);
+    EXPECT_EQ(pgxUpdateRemoveStudy(update_, "1.2"), 1);
+    EXPECT_EQ(End(), 0u);
+    EXPECT_EQ(Links(), "PATIENT(STUDY(SERIES(IMAGE PRIVATE)))");
+    PGX_Node* const unreached = RecordsOf(root_.get())[0];
+    EXPECT_EQ(TextOf(Child(unreached, 0x0004, 0x1430)), "PRIVATE ");
+    EXPECT_EQ(Child(unreached, 0x0004, 0x1400)->GetULValue(), 0u);
+    EXPECT_EQ(Child(unreached, 0x0004, 0x1420)->GetULValue(), 0u);
+}
+
 TEST_F(DirectoryUpdate, KeepsAPatientWithAnotherStudy) {
     DirectoryBuilder directory = ForeignDirectory();
     const size_t study = directory.Study(0, "1.4");
