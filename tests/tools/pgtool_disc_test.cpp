@@ -314,10 +314,12 @@ TEST_F(PgtoolDisc, MakesIconsOnDemand) {
                    .SetUS(0x0028, 0x0101, 8)
                    .SetUS(0x0028, 0x0102, 7));
     const auto icons = [&] {
-        auto root = pgkit::data_set::open(Target() + "/DICOMDIR");
         size_t count = 0;
-        for (const pgkit::item record : root->find("DirectoryRecordSequence").items())
-            count += record.contains("IconImageSequence");
+        {
+            const auto root = pgkit::data_set::open(Target() + "/DICOMDIR");
+            for (const pgkit::item record : root->find("DirectoryRecordSequence").items())
+                count += record.contains("IconImageSequence");
+        }
         fs::remove_all(Target());
         return count;
     };

@@ -171,7 +171,8 @@ Candidate ReadCandidate(const std::string& path, const DiscRequest& request) {
         candidate.complaint = isOther ? "" : root.error().message;
         return candidate;
     }
-    candidate.instance.bytes = fs::file_size(path, error);
+    const uintmax_t size = fs::file_size(path, error);
+    candidate.instance.bytes = error ? 0 : size;
     if (IsDirectory(*root)) {
         candidate.kind = Kind::Directory;
         candidate.complaint.clear();

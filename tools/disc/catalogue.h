@@ -21,7 +21,7 @@ enum class Transfer {
 
 struct DiscInstance {
     std::string path;
-    uint64_t bytes = 0;
+    uint64_t bytes = 0;  // of the file; 0 when the system does not tell
     size_t series = 0;
     uint32_t number = 0;  // within the series, from 1
     Transfer transfer = Transfer::Copied;

@@ -86,7 +86,8 @@ CopyResult Copier::Copy(const DiscInstance& instance, const std::string& target)
     }
     if (std::ferror(from.get()) != 0) return CannotRead(instance.path + ": reading failed");
     if (std::fclose(to.release()) != 0) return CannotWrite(target);
-    if (written == instance.bytes || Interruption::Came()) return {};
+    const bool isWhole = instance.bytes == 0 || written == instance.bytes;
+    if (isWhole || Interruption::Came()) return {};
     return CannotRead(instance.path + ": it changed while it was copied");
 }
 
