@@ -1,4 +1,5 @@
 #include "directory_links.h"
+#include "tags.h"
 
 #include <unordered_map>
 
@@ -6,9 +7,8 @@ namespace pgtool {
 
 namespace {
 
-constexpr pgkit::tag kDirectoryRecords = {0x0004, 0x1220};
-constexpr pgkit::tag kHeadLinks[] = {{0x0004, 0x1200}, {0x0004, 0x1202}};
-constexpr pgkit::tag kRecordLinks[] = {{0x0004, 0x1400}, {0x0004, 0x1420}};
+constexpr pgkit::tag kHeadLinks[] = {tags::kFirstRecord, tags::kLastRecord};
+constexpr pgkit::tag kRecordLinks[] = {tags::kNextRecord, tags::kLowerRecord};
 
 using RecordsByOffset = std::unordered_map<uint32_t, PGX_Node*>;
 
@@ -22,7 +22,7 @@ void Tie(const pgkit::element& link, const RecordsByOffset& records) {
 }  // namespace
 
 void TieDirectoryLinks(const pgkit::data_set& root) {
-    const pgkit::element sequence = root.find(kDirectoryRecords);
+    const pgkit::element sequence = root.find(tags::kRecordSequence);
     RecordsByOffset records;
     for (const pgkit::item record : sequence.items())
         records.try_emplace(record.node()->fileOffset - kItemHeaderSize, record.node());

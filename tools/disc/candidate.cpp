@@ -7,6 +7,7 @@
 #include "data_set.h"
 #include "disc/readable_path.h"
 #include "pgkit/dicomdir_creation.h"
+#include "tags.h"
 
 namespace pgtool {
 
@@ -14,23 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Kind = Candidate::Kind;
-
-constexpr pgkit::tag kMediaStorageSopClass{0x0002, 0x0002};
-constexpr pgkit::tag kTransferSyntax{0x0002, 0x0010};
-constexpr pgkit::tag kDirectoryRecords{0x0004, 0x1220};
-constexpr pgkit::tag kSopClass{0x0008, 0x0016};
-constexpr pgkit::tag kSopInstance{0x0008, 0x0018};
-constexpr pgkit::tag kStudyDate{0x0008, 0x0020};
-constexpr pgkit::tag kStudyTime{0x0008, 0x0030};
-constexpr pgkit::tag kModality{0x0008, 0x0060};
-constexpr pgkit::tag kPatientName{0x0010, 0x0010};
-constexpr pgkit::tag kPatientId{0x0010, 0x0020};
-constexpr pgkit::tag kStudyInstance{0x0020, 0x000D};
-constexpr pgkit::tag kSeriesInstance{0x0020, 0x000E};
-constexpr pgkit::tag kStudyId{0x0020, 0x0010};
-constexpr pgkit::tag kSeriesNumber{0x0020, 0x0011};
-constexpr pgkit::tag kPhotometricInterpretation{0x0028, 0x0004};
-constexpr pgkit::tag kImageRows{0x0028, 0x0010};
 
 constexpr std::string_view kDirectoryClass = "1.2.840.10008.1.3.10";
 constexpr const char* kImplicitLittle = "1.2.840.10008.1.2";
@@ -60,12 +44,12 @@ bool IsMadeUp(const pgkit::item& root, pgkit::tag tag) {
 // The library leaves the values of the File Meta Information in the file: each costs some calls of
 // the system, so they are read where nothing else tells.
 std::string SopClassOf(const pgkit::item& root) {
-    const std::string own = TextOf(root, kSopClass);
-    return own.empty() ? TextOf(root, kMediaStorageSopClass) : own;
+    const std::string own = TextOf(root, tags::kSopClass);
+    return own.empty() ? TextOf(root, tags::kMediaStorageClass) : own;
 }
 
 bool IsDirectory(const pgkit::item& root) {
-    return root.contains(kDirectoryRecords) || SopClassOf(root).starts_with(kDirectoryClass);
+    return root.contains(tags::kRecordSequence) || SopClassOf(root).starts_with(kDirectoryClass);
 }
 
 // Whether the File Meta Information stands behind a preamble and "DICM": the positions of values
@@ -95,23 +79,23 @@ const char* WhatIsMissing(const Candidate& candidate, const pgkit::item& root) {
 
 // As the creation of the DICOMDIR will judge it: the File Meta Information comes first.
 bool IsAllowed(const pgkit::item& root, const std::string& syntax, const std::string& profile) {
-    const std::string photometric = TextOf(root, kPhotometricInterpretation);
-    const std::string stated = TextOf(root, kMediaStorageSopClass);
+    const std::string photometric = TextOf(root, tags::kPhotometric);
+    const std::string stated = TextOf(root, tags::kMediaStorageClass);
     return pgDirAcceptDataset2(syntax.c_str(),
                                stated.empty() ? SopClassOf(root).c_str() : stated.c_str(),
                                photometric.empty() ? "no Photo. info" : photometric.c_str(),
-                               TextOf(root, kModality).c_str(), profile.c_str()) != 0;
+                               TextOf(root, tags::kModality).c_str(), profile.c_str()) != 0;
 }
 
 void ReadKeys(const pgkit::item& root, Candidate& candidate) {
-    candidate.keys = {TextOf(root, kPatientId), TextOf(root, kPatientName),
-                      TextOf(root, kStudyInstance), TextOf(root, kSeriesInstance),
-                      TextOf(root, kSopInstance)};
-    candidate.lacksStudyId = IsMadeUp(root, kStudyId);
-    candidate.lacksStudyDate = IsMadeUp(root, kStudyDate);
-    candidate.lacksStudyTime = IsMadeUp(root, kStudyTime);
-    candidate.lacksSeriesNumber = IsMadeUp(root, kSeriesNumber);
-    candidate.instance.isImage = root.contains(kImageRows);
+    candidate.keys = {TextOf(root, tags::kPatientId), TextOf(root, tags::kPatientName),
+                      TextOf(root, tags::kStudyUid), TextOf(root, tags::kSeriesUid),
+                      TextOf(root, tags::kSopInstance)};
+    candidate.lacksStudyId = IsMadeUp(root, tags::kStudyId);
+    candidate.lacksStudyDate = IsMadeUp(root, tags::kStudyDate);
+    candidate.lacksStudyTime = IsMadeUp(root, tags::kStudyTime);
+    candidate.lacksSeriesNumber = IsMadeUp(root, tags::kSeriesNumber);
+    candidate.instance.isImage = root.contains(tags::kRows);
 }
 
 // Gives the transfer syntax that the instance will have on the medium, when that matters. What
@@ -119,10 +103,10 @@ void ReadKeys(const pgkit::item& root, Candidate& candidate) {
 std::string ChooseTransfer(const pgkit::data_set& root, const DiscRequest& request,
                            Candidate& candidate) {
     Transfer& transfer = candidate.instance.transfer;
-    const bool isStated = root.find(kTransferSyntax).length() != 0;
+    const bool isStated = root.find(tags::kTransferSyntax).length() != 0;
     if (!isStated || !HasPrefix(root)) transfer = Transfer::GivenMeta;
     if (!request.isRecoded && request.profile.empty()) return "";
-    const std::string syntax = isStated ? TextOf(root, kTransferSyntax) : FoundSyntax(root);
+    const std::string syntax = isStated ? TextOf(root, tags::kTransferSyntax) : FoundSyntax(root);
     if (request.isRecoded && MayBeRecoded(syntax) && candidate.complaint.empty()) {
         transfer = Transfer::Recoded;
     }

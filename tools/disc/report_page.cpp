@@ -5,13 +5,11 @@
 
 #include "disc/html.h"
 #include "disc/shown_values.h"
+#include "tags.h"
 
 namespace pgtool {
 
 namespace {
-
-constexpr pgkit::tag kContent{0x0040, 0xA730};
-constexpr pgkit::tag kConceptName{0x0040, 0xA043};
 
 // Browsers give up on trees that are much deeper; what is deeper here stands at this depth.
 constexpr size_t kMaxDepth = 24;
@@ -75,7 +73,7 @@ std::string ValueOf(const pgkit::item& item, const LinkTo& linkTo) {
 }
 
 std::string LineOf(const pgkit::item& item, const LinkTo& linkTo) {
-    const std::string name = MeaningOf(item.find(kConceptName));
+    const std::string name = MeaningOf(item.find(tags::kConceptName));
     const std::string value = ValueOf(item, linkTo);
     std::string html = "<p>";
     if (!name.empty()) html += "<b>" + HtmlValue(name) + (value.empty() ? "" : ":") + "</b> ";
@@ -90,7 +88,7 @@ struct OpenItems {
 // Reports may be nested as deep as files are: no recursion.
 std::string Tree(const pgkit::item& root, const LinkTo& linkTo) {
     std::string html;
-    std::vector<OpenItems> open = {{root.find(kContent).items().begin(), false}};
+    std::vector<OpenItems> open = {{root.find(tags::kContent).items().begin(), false}};
     while (!open.empty()) {
         OpenItems& level = open.back();
         if (level.next == pgkit::item_range::iterator()) {
@@ -100,7 +98,7 @@ std::string Tree(const pgkit::item& root, const LinkTo& linkTo) {
         }
         const pgkit::item item = *level.next++;
         html += LineOf(item, linkTo);
-        const pgkit::item_range children = item.find(kContent).items();
+        const pgkit::item_range children = item.find(tags::kContent).items();
         if (children.empty()) continue;
         const bool isIndented = open.size() < kMaxDepth;
         if (isIndented) html += "<div class=\"item\">\n";
@@ -117,7 +115,7 @@ std::string Fact(const char* label, const std::string& value) {
 }  // namespace
 
 std::string ReportTitle(const pgkit::item& root) {
-    const std::string title = MeaningOf(root.find(kConceptName));
+    const std::string title = MeaningOf(root.find(tags::kConceptName));
     return title.empty() ? "Report" : title;
 }
 

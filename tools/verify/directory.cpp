@@ -5,7 +5,7 @@
 
 #include "data_set.h"
 #include "directory_links.h"
-#include "verify/tags.h"
+#include "tags.h"
 
 namespace pgtool {
 
@@ -18,7 +18,7 @@ constexpr uint32_t kLoadedToVerify = 0x20000;
 constexpr uint32_t kLongestKey = 0x2000;
 
 // Of the file-set itself, type 1.
-constexpr pgkit::tag kHeadKeys[] = {{0x0004, 0x1200}, {0x0004, 0x1202}, tags::kConsistencyFlag};
+constexpr pgkit::tag kHeadKeys[] = {tags::kFirstRecord, tags::kLastRecord, tags::kConsistencyFlag};
 
 std::string Trimmed(const std::string& text) {
     const size_t begin = text.find_first_not_of(' ');

@@ -9,8 +9,8 @@
 #include "pgkit/dicomdir_creation.h"
 #include "progress_line.h"
 #include "real_path.h"
+#include "tags.h"
 #include "verify/record_checks.h"
-#include "verify/tags.h"
 
 namespace pgtool {
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "verify/tags.h"
+#include "tags.h"
 
 namespace pgtool {
 

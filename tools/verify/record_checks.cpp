@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "data_set.h"
+#include "tags.h"
 #include "value_kinds.h"
 #include "verify/file_id_rules.h"
 #include "verify/record_rules.h"
-#include "verify/tags.h"
 
 namespace pgtool {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "verify/tags.h"
+#include "tags.h"
 
 namespace pgtool {
 

@@ -7,6 +7,7 @@
 #include "data_set.h"
 #include "medium.h"
 #include "real_path.h"
+#include "tags.h"
 #include "verify/directory.h"
 #include "verify/file_checks.h"
 #include "verify/file_id_rules.h"
@@ -14,7 +15,6 @@
 #include "verify/medium_walk.h"
 #include "verify/other_files.h"
 #include "verify/record_checks.h"
-#include "verify/tags.h"
 
 namespace pgtool {
 

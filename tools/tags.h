@@ -1,4 +1,4 @@
-// The elements of directory records, and of files, that a verification looks at.
+// Elements that commands look at, by names.
 #pragma once
 
 #include "pgkit/cpp/tag.hpp"
@@ -27,18 +27,23 @@ inline constexpr pgkit::tag kFileSyntax = {0x0004, 0x1512};
 
 inline constexpr pgkit::tag kSopClass = {0x0008, 0x0016};
 inline constexpr pgkit::tag kSopInstance = {0x0008, 0x0018};
+inline constexpr pgkit::tag kStudyDate = {0x0008, 0x0020};
 inline constexpr pgkit::tag kContentDate = {0x0008, 0x0023};
+inline constexpr pgkit::tag kStudyTime = {0x0008, 0x0030};
 inline constexpr pgkit::tag kContentTime = {0x0008, 0x0033};
 inline constexpr pgkit::tag kModality = {0x0008, 0x0060};
 inline constexpr pgkit::tag kPatientName = {0x0010, 0x0010};
 inline constexpr pgkit::tag kPatientId = {0x0010, 0x0020};
 inline constexpr pgkit::tag kStudyUid = {0x0020, 0x000D};
 inline constexpr pgkit::tag kSeriesUid = {0x0020, 0x000E};
+inline constexpr pgkit::tag kStudyId = {0x0020, 0x0010};
+inline constexpr pgkit::tag kSeriesNumber = {0x0020, 0x0011};
 inline constexpr pgkit::tag kInstanceNumber = {0x0020, 0x0013};
 inline constexpr pgkit::tag kPhotometric = {0x0028, 0x0004};
 inline constexpr pgkit::tag kRows = {0x0028, 0x0010};
 inline constexpr pgkit::tag kColumns = {0x0028, 0x0011};
 inline constexpr pgkit::tag kConceptName = {0x0040, 0xA043};
+inline constexpr pgkit::tag kContent = {0x0040, 0xA730};
 inline constexpr pgkit::tag kContentLabel = {0x0070, 0x0080};
 inline constexpr pgkit::tag kIcon = {0x0088, 0x0200};
 
