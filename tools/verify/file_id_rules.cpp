@@ -1,7 +1,6 @@
 #include "verify/file_id_rules.h"
 
-#include <algorithm>
-
+#include "pgkit/paths.h"
 #include "words.h"
 
 namespace pgtool {
@@ -9,12 +8,7 @@ namespace pgtool {
 namespace {
 
 constexpr size_t kMostComponents = 8;
-constexpr size_t kLongestComponent = 8;
 constexpr size_t kMostShown = 64;
-
-bool MayStandInFileId(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
 
 // The value of an element has an even length: one blank may fill it up. Some fill with a NUL.
 std::string_view WithoutPadding(std::string_view value) {
@@ -25,9 +19,11 @@ std::string_view WithoutPadding(std::string_view value) {
 
 }  // namespace
 
+// In a path a slash separates; in a File ID it is a character, and a wrong one.
 bool IsFileIdComponent(std::string_view component) {
-    return !component.empty() && component.size() <= kLongestComponent &&
-           std::all_of(component.begin(), component.end(), MayStandInFileId);
+    constexpr std::string_view kNever("/\0", 2);
+    return component.find_first_of(kNever) == component.npos &&
+           pgxIsFileId(std::string(component).c_str()) != 0;
 }
 
 std::string ComplaintAboutFileId(std::string_view value) {
