@@ -37,6 +37,7 @@ import time
 import warnings
 
 import pydicom
+from pydicom import fileset
 from pydicom.fileset import FileSet
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
@@ -52,6 +53,13 @@ NATIVE = ("1.2.840.10008.1.2", "1.2.840.10008.1.2.1", "1.2.840.10008.1.2.1.99",
 UNITS = {"OW": 2, "OF": 4, "OL": 4, "OD": 8, "OV": 8}
 EXPLICIT = "1.2.840.10008.1.2.1"
 OWN_UID = re.compile(rb"1\.2\.999\.1\.47\.453\.2865\.\d{14}\.\d+\0?")
+
+
+# A type of record that is newer than the readers' releases; pydicom asks for a letter for each.
+NEW_RECORD = "ANNOTATION"
+fileset._PREFIXES.setdefault(NEW_RECORD, "AN")
+# Of a spectroscopy record, where the file refers to images; dciodvfy always asks for it.
+EVIDENCE = "ReferencedImageEvidenceSequence"
 
 
 class Complaint(Exception):
@@ -223,12 +231,14 @@ class Disc:
     def is_of_file(self, line):
         """Whether an error is about a value that a file has like that, or about a key that a file
         lacks and nobody may make up: whether a report is complete, and what it is. A Study ID of
-        blanks counts as one."""
+        blanks counts as one, and so does a type of record that the reader is too old for."""
         if "Value invalid for this VR" in line or "Illegal root for UID" in line:
+            return True
+        if f"Unrecognized enumerated value <{NEW_RECORD}>" in line:
             return True
         missing = re.search(r"(?:Empty|Missing) attribute .*Required Element=<(\w+)>", line)
         if not missing or missing[1] not in ("CompletionFlag", "VerificationFlag", "StudyID",
-                                             "ConceptNameCodeSequence"):
+                                             "ConceptNameCodeSequence", EVIDENCE):
             return False
         for path in (self.folder / "DICOM").rglob("IM*"):
             file = read(path, stop_before_pixels=True)
@@ -237,8 +247,9 @@ class Disc:
                 raw = file.get_item(0x00200010)
                 if raw is not None and raw.value and not raw.value.strip(b" \0"):
                     return True
-            elif "ContentSequence" in file and not file.get(missing[1]):
-                return True
+            elif missing[1] == EVIDENCE or "ContentSequence" in file:
+                if not file.get(missing[1]):
+                    return True
         return False
 
     def check_gdcm(self, _):

@@ -116,7 +116,8 @@ class MediumMaker {
         options.iconSize = request_.iconSize;
         options.fillMissingKeys = 1;
         fileSetId.copy(options.fileSetId, sizeof options.fileSetId - 1);
-        options.flags = PG_DICOMDIR_NO_LIST | PG_DICOMDIR_NEVER_EMPTY;
+        options.flags =
+            PG_DICOMDIR_NO_LIST | PG_DICOMDIR_NEVER_EMPTY | PG_DICOMDIR_STANDARD_RECORDS;
         std::vector<RefusedFile> refused;
         uint32_t result = 0;
         {
