@@ -199,6 +199,7 @@ mkdir -p "$results"
 # minutes: where there is room for them they stand in memory.
 if [[ $(df --output=avail --block-size=1G /dev/shm 2>/dev/null | tail -n 1) -ge 4 ]]; then
     TMPDIR=$(mktemp -d -p /dev/shm pgkit-test-XXXXXX)
+    chmod 755 "$TMPDIR"  # some tests run a program as a user who may do little
     export TMPDIR
     trap 'rm -rf "$TMPDIR"' EXIT
 fi

@@ -107,6 +107,11 @@ class Peer(unittest.TestCase):
     def compare_element(self, element, other, is_big_endian):
         if element.is_encapsulated:
             return
+        if element.tag[0] % 2 and other.VR == "UN" and element.vr != "UN":
+            # The list of private elements knows what the file does not say, and pydicom does not.
+            if not element.is_sequence and not is_big_endian:
+                self.assertEqual(element.raw, other.value or b"")
+            return
         if element.is_sequence:
             self.assertEqual(other.VR, "SQ")
             self.assertEqual(len(element.items), len(other.value))
