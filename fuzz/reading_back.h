@@ -34,9 +34,9 @@ bool HasMissingValue(PGX_Node& root);
 bool IsAmbiguous(PGX_Node& original, const PGX_Node& reread);
 
 // Opens the file that a tree with content was saved to, with result 0 in this mode, and throws a
-// Violation when it differs. Not compared is what is ambiguous, and all of an undeclared encoding.
-// Null for a bare data set that happens to have "DICM" where a
-// file with a preamble has it.
+// Violation when it differs. Not compared is what is ambiguous, and all of an undeclared encoding,
+// which may give null. So does a bare data set that happens to have "DICM" where a file with a
+// preamble has it.
 pgkit_test::DataSet RequireReadsBack(PGX_Node& original, const std::string& path, int32_t mode,
                                      uint32_t limit);
 
