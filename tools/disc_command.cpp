@@ -232,7 +232,7 @@ std::string Complete(DiscOptions& given) {
     if (!IsFileSetId(request.fileSetId)) {
         return "--file-set-id: at most 16 characters, of A to Z, 0 to 9, _ and blanks";
     }
-    const std::string aboutProfile = ComplaintAboutProfile(request.profile);
+    std::string aboutProfile = ComplaintAboutProfile(request.profile);
     if (!aboutProfile.empty()) return aboutProfile;
     if (given.size.empty()) return "";
     const auto size = ParseSize(given.size);

@@ -100,7 +100,7 @@ std::string ComplaintAbout(const Request& request) {
     if (request.options.seriesIcons != 0 && request.options.iconSize == 0) {
         return "--series-icons needs --icons";
     }
-    const std::string aboutProfile = ComplaintAboutProfile(request.profile);
+    std::string aboutProfile = ComplaintAboutProfile(request.profile);
     if (!aboutProfile.empty()) return aboutProfile;
     if (request.fileSetId.size() > kMaxFileSetId) return "--file-set-id: at most 16 characters";
     if (request.offshore.empty()) return "";

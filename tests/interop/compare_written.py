@@ -64,8 +64,13 @@ def run(*command):
     return subprocess.run(command, capture_output=True, timeout=SECONDS)
 
 
+# The links of a DICOMDIR lead to positions in the file.
+LINKS = {0x1200, 0x1202, 0x1400, 0x1420, 0x1504}
+
+
 def is_set_by_saving(element):
-    return element.group == 2 or element.element == 0
+    return (element.group == 2 or element.element == 0
+            or (element.group == 4 and element.element in LINKS))
 
 
 def little_endian(element, vr):

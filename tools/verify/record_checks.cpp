@@ -94,9 +94,10 @@ class RecordChecks {
     void CheckFileReference(const RecordRule* rule) {
         const pgkit::item& item = About().item;
         if (!IsFilled(item, tags::kFileId)) {
-            if (rule != nullptr && rule->refersToFile)
+            if (rule != nullptr && rule->refersToFile) {
                 Note(FindingKind::MissingKey,
                      NameOf(tags::kFileId) + " is missing: it has no file");
+            }
             return;
         }
         for (const pgkit::tag tag : kFileKeys)

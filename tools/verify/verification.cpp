@@ -71,7 +71,7 @@ void CheckDirectory(const VerifyOptions& options, Verification& result) {
 }  // namespace
 
 std::string Verify(const std::string& operand, const VerifyOptions& options, Verification& result) {
-    const std::string reason = Locate(operand, result);
+    std::string reason = Locate(operand, result);
     if (!reason.empty()) return reason;
     result.former.profile = options.profile;
     if (!result.directoryIsInside) {

@@ -280,13 +280,13 @@ void RecordTree::AddRootLeaf(NodeTree record) {
 
 PGX_Node& RecordTree::Add(PGX_Node& firstLink, NodeTree item, Place place) {
     PGX_Node& link = FindPlace(firstLink, place);
-    PGX_Node& record = *item.get();
-    PGX_Node& next = LinkIn(record, tags::kNextRecordLink);
-    PointAt(LinkIn(record, tags::kLowerLevelLink), nullptr);
+    PGX_Node& next = LinkIn(*item, tags::kNextRecordLink);
+    PointAt(LinkIn(*item, tags::kLowerLevelLink), nullptr);
     PGX_Node** const end = records_.empty() ? &sequence_->first : &records_.back()->next;
-    records_.push_back(&record);
+    records_.push_back(item.get());
     places_[&firstLink] = &next;
-    *end = item.release();
+    PGX_Node& record = *item.release();
+    *end = &record;
     PointAt(next, TargetOf(&link));
     PointAt(link, &record);
     return record;

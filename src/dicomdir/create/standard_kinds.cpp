@@ -170,7 +170,7 @@ struct StandardClass {
 };
 
 constexpr StandardClass kUnsortedClasses[] = {
-#define PGKIT_STANDARD_CLASS(kind, sopClass) {sopClass, &kind},
+#define PGKIT_STANDARD_CLASS(kind, sopClass) {sopClass, &(kind)},
 #include "dicomdir/create/standard_classes.inc"
 #undef PGKIT_STANDARD_CLASS
 };
