@@ -178,9 +178,11 @@ class LinkWalk {
     }
 
     void Note(const Source& source, FindingKind kind, std::string message) {
-        findings_.Add(source.record == kNoRecord
-                          ? AboutDirectory(kind, std::move(message))
-                          : directory_.About(source.record, kind, std::move(message)));
+        if (source.record == kNoRecord) {
+            findings_.Add(AboutDirectory(kind, std::move(message)));
+        } else {
+            findings_.Add(directory_.About(source.record, kind, std::move(message)));
+        }
     }
 
     Directory& directory_;

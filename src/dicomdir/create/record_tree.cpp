@@ -283,10 +283,10 @@ PGX_Node& RecordTree::Add(PGX_Node& firstLink, NodeTree item, Place place) {
     PGX_Node& next = LinkIn(*item, tags::kNextRecordLink);
     PointAt(LinkIn(*item, tags::kLowerLevelLink), nullptr);
     PGX_Node** const end = records_.empty() ? &sequence_->first : &records_.back()->next;
-    records_.push_back(item.get());
-    places_[&firstLink] = &next;
     PGX_Node& record = *item.release();
     *end = &record;
+    records_.push_back(&record);
+    places_[&firstLink] = &next;
     PointAt(next, TargetOf(&link));
     PointAt(link, &record);
     return record;
