@@ -16,10 +16,16 @@ std::string Quoted(const std::string& text) {
     return "\"" + text + std::string(atEnd, '\\') + "\"";
 }
 
-// The Windows command processor's own status when it could not start a program. No program under
-// test ends with it. Wine's gives it now and then on a busy machine for a program that is there.
+// The Windows command processor's own status when it could not start a program, and that of a
+// command processor which could not be started itself. No program under test ends with either. Wine
+// gives them now and then on a busy machine for programs that are there.
 constexpr int kNotStarted = 9009;
+constexpr int kNoCommandProcessor = -1;
 constexpr int kStartAttempts = 5;
+
+bool IsUnstarted(int status) {
+    return kIsWindows && (status == kNotStarted || status == kNoCommandProcessor);
+}
 
 // std::system returns the exit status itself on Windows, elsewhere the status word of wait(): the
 // signal in the low seven bits, the exit status in the second byte.
@@ -53,8 +59,7 @@ Finished RunProgram(const std::string& path, const std::vector<std::string>& arg
     // The Windows command processor takes one pair of quotation marks off the whole line.
     if (kIsWindows) line = Quoted(line);
     int status = RunCommandLine(line);
-    for (int attempt = 1; status == kNotStarted && kIsWindows && attempt < kStartAttempts;
-         ++attempt)
+    for (int attempt = 1; IsUnstarted(status) && attempt < kStartAttempts; ++attempt)
         status = RunCommandLine(line);
     return {ExitStatus(status), BytesOf(out), TextOf(err)};
 }
