@@ -73,22 +73,6 @@ def value_text(element, vr):
     return text.strip(b" ") if vr == "UI" else text
 
 
-def ends_the_file(element):
-    """Rule "frames in several fragments": an offset table leads to the item where the last frame
-    begins. When another fragment follows it the table is given up, and pixel data that cannot be
-    indexed are taken to be the last element of the file.
-    """
-    if (element.group, element.element, element.length) != (0x7FE0, 0x0010, UNDEFINED):
-        return False
-    table_length, = struct.unpack_from("<I", element.value, 4)
-    if table_length == 0:
-        return False
-    last_offset, = struct.unpack_from("<I", element.value, 8 + table_length - 4)
-    item = 8 + table_length + (0 if table_length == 4 else last_offset)
-    item_length, = struct.unpack_from("<I", element.value, item + 4)
-    return item + 8 + item_length < len(element.value)
-
-
 def vr_may_be(element, printed):
     """Whether a printed value representation is right for an element."""
     # A group length is UL whatever the stream says; a private creator in explicit VR keeps its own.
@@ -124,7 +108,6 @@ class DumpReader:
     def __init__(self, text):
         self.text = text
         self.position = 0
-        self.at_end = False
 
     def difference(self, data_set):
         """Returns the first difference as a text, or None."""
@@ -146,8 +129,7 @@ class DumpReader:
     def expect_data_set(self, elements, prefix):
         self.expect(prefix + b"DATASET\n")
         for element in elements:
-            if not self.at_end:
-                self.expect_element(element, prefix + b" | ")
+            self.expect_element(element, prefix + b" | ")
         self.expect(prefix + b"END-OF-DATASET\n")
 
     def expect_element(self, element, prefix):
@@ -171,7 +153,6 @@ class DumpReader:
         self.position = value_start + len(b" Value: [")
         if vr != "SQ":
             self.expect(value_text(element, vr) + b"]\n")
-            self.at_end = ends_the_file(element)
             return
         self.expect(b"SEQUENCE]\n")
         for item in element.items or []:
