@@ -2,7 +2,9 @@
 
 #include <cstdio>
 
+#include "data_set.h"
 #include "pgkit/acceptance.h"
+#include "pgkit/dicomdir_creation.h"
 
 namespace pgtool {
 
@@ -15,6 +17,14 @@ std::string TextOfAcceptance(uint32_t code) {
 std::string DescribeAcceptance(uint32_t code) {
     const std::string text = TextOfAcceptance(code);
     return std::to_string(code) + (text.empty() ? "" : " ") + text;
+}
+
+std::string DescribeCreation(uint32_t result, const std::string& directoryFile) {
+    if (result == 0) return "";
+    if (result == PG_CREATION_NOTHING_ACCEPTED) {
+        return "nothing is accepted: no DICOMDIR is written";
+    }
+    return directoryFile + ": " + DescribeSaveResult(result);
 }
 
 void AcceptanceSummary::Count(uint32_t code) {

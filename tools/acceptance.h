@@ -1,4 +1,4 @@
-// What the library's acceptance codes mean to a user.
+// What the library's acceptance codes, and the results of a creation, mean to a user.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +12,9 @@ std::string TextOfAcceptance(uint32_t code);
 
 // The code with its text: "0 Dicom file accepted".
 std::string DescribeAcceptance(uint32_t code);
+
+// Why no DICOMDIR of this path was written; empty for the result 0.
+std::string DescribeCreation(uint32_t result, const std::string& directoryFile);
 
 // How many files got which code.
 class AcceptanceSummary {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
+#include <string_view>
 #include <vector>
 
 #include "directory_links.h"
@@ -12,15 +12,11 @@
 #include "output_file.h"
 #include "pgkit/open_report.h"
 #include "standard_streams.h"
+#include "stream.h"
 
 namespace pgtool {
 
 namespace {
-
-struct CloseFile {
-    void operator()(std::FILE* stream) const { std::fclose(stream); }
-};
-using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
 
 bool Copy(std::FILE* from, std::FILE* to) {
     std::vector<char> block(0x10000);
@@ -92,7 +88,7 @@ std::string SaveToStandardOutput(pgkit::data_set root, uint32_t mode) {
         root.node()->SaveDataSetAsEx(file.Path().c_str(), static_cast<int32_t>(mode));
     root = pgkit::data_set();
     if (result != 0) return "-: " + DescribeSaveResult(result);
-    const FileHandle written(std::fopen(file.Path().c_str(), "rb"));
+    const Stream written(std::fopen(file.Path().c_str(), "rb"));
     if (written == nullptr || !Copy(written.get(), stdout)) return "-: writing failed";
     return "";
 }
@@ -130,6 +126,15 @@ std::string CannotOpen(const std::string& path) {
 std::string BytesOf(const pgkit::element& element) {
     const std::vector<uint8_t> bytes = element.bytes();
     return std::string(bytes.begin(), bytes.end());
+}
+
+std::string UnpaddedBytesOf(const pgkit::item& root, pgkit::tag tag) {
+    constexpr std::string_view kPadding(" \0", 2);
+    const auto bytes = root.find(tag).bytes();
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const size_t first = text.find_first_not_of(kPadding);
+    if (first == text.npos) return "";
+    return std::string(text.substr(first, text.find_last_not_of(kPadding) - first + 1));
 }
 
 std::string SaveWhole(pgkit::data_set root, const std::string& path, uint32_t mode) {

@@ -31,6 +31,9 @@ std::string CannotOpen(const std::string& path);
 // A value as it stands in the file, but for the byte order.
 std::string BytesOf(const pgkit::element& element);
 
+// A value as it stands, without the blanks and NULs around it: as the library compares them.
+std::string UnpaddedBytesOf(const pgkit::item& root, pgkit::tag tag);
+
 // Saves a data set, and closes it, through an OutputFile, or to the standard output for "-". mode
 // is that of SaveDataSetAsEx. Values too long for their VR become UN. Gives the reason why not,
 // with which the former file is as it was, or an empty text.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "creation_limits.h"
 #include "disc/disc_image.h"
 #include "disc/interruption.h"
 #include "disc/medium_making.h"
@@ -17,6 +18,7 @@
 #include "disc/size.h"
 #include "disc/staging.h"
 #include "disc/survey.h"
+#include "library_path.h"
 #include "profile_names.h"
 #include "progress_line.h"
 #include "text_options.h"
@@ -28,7 +30,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr uint32_t kLargestIcon = 256;
 constexpr size_t kMaxMedia = 9999;
 
 struct DiscRun {
@@ -221,8 +222,7 @@ std::string Complete(DiscOptions& given) {
     DiscRequest& request = given.request;
     const Arguments& operands = request.sources.operands;
     request.sources.recursive = true;
-    // The library takes a backslash for a separator everywhere.
-    std::replace(request.output.begin(), request.output.end(), '\\', '/');
+    request.output = WithSlashes(request.output);
     request.isRecoded = given.transferSyntax == "explicit";
     if (operands.empty() && request.sources.filesFrom.empty()) return "a source is expected";
     if (request.output.empty()) return "-o DIR is expected";

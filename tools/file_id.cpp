@@ -1,4 +1,5 @@
 #include "file_id.h"
+#include "words.h"
 
 #include <algorithm>
 
@@ -7,12 +8,6 @@ namespace pgtool {
 namespace {
 
 constexpr std::string_view kIdSeparators = "/\\";
-
-std::string_view Trimmed(std::string_view text) {
-    const size_t begin = text.find_first_not_of(' ');
-    if (begin == std::string_view::npos) return {};
-    return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
 
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
@@ -26,12 +21,12 @@ bool IsAbsolute(std::string_view id) {
 }  // namespace
 
 std::optional<std::vector<std::string_view>> PathOnMedium(std::string_view referencedFileId) {
-    std::string_view rest = Trimmed(referencedFileId);
+    std::string_view rest = WithoutBlanks(referencedFileId);
     if (IsAbsolute(rest)) return std::nullopt;
     std::vector<std::string_view> components;
     while (!rest.empty()) {
         const size_t end = std::min(rest.find_first_of(kIdSeparators), rest.size());
-        const std::string_view component = Trimmed(rest.substr(0, end));
+        const std::string_view component = WithoutBlanks(rest.substr(0, end));
         rest.remove_prefix(std::min(end + 1, rest.size()));
         if (component == "..") {
             if (components.empty()) return std::nullopt;

@@ -11,6 +11,7 @@
 #include "json_output.h"
 #include "pgkit/json.h"
 #include "standard_streams.h"
+#include "uids.h"
 
 namespace pgtool {
 
@@ -87,7 +88,7 @@ class FileWriter {
 
     bool Write(pgkit::data_set root, const std::string& path) {
         constexpr uint32_t kMode = PG_META | PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
-        root.node()->AddPart10Elements("1.2.840.10008.1.2.1");
+        root.node()->AddPart10Elements(uids::kExplicitLittle);
         reason_ = SaveWhole(std::move(root), path, kMode);
         return reason_.empty();
     }

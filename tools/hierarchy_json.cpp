@@ -69,69 +69,57 @@ class HierarchyPrinter {
         Field("institutionAddress", series.institutionAddress, VR_ST);
         Field("performingPhysiciansName", series.performingPhysiciansName, VR_PN);
         Field("specificCharacterSet", series.specificCharacterSet, VR_CS);
-        Boolean("hasIcon", series.icon != nullptr);
-        Boolean("isKeyImages", (series.flags & PG_SERIES_KEY_IMAGES) != 0);
+        json_.Boolean("hasIcon", series.icon != nullptr);
+        json_.Boolean("isKeyImages", (series.flags & PG_SERIES_KEY_IMAGES) != 0);
         PrintChildren<PGX_DicomDirLeafNode>("leaves", series.leaves);
     }
 
     void PrintMembers(PGX_DicomDirLeafNode& leaf) {
         ++counts_.instances;
-        Text("type", NameOfType(leaf));
+        json_.Text("type", NameOfType(leaf));
         Field("recordType", leaf.recordType, VR_CS);
         const FileOfLeaf file = FileOf(leaf, medium_);
         counts_.Count(file.state);
         const bool isPresent = file.state == LeafFile::Present;
-        Text("fullPath", isPresent ? WellFormedUtf8(file.path) : AnyToUtf8(leaf.fullPath));
-        Text("referencedFileId", AnyToUtf8(leaf.referencedFileId));
+        json_.Text("fullPath", isPresent ? WellFormedUtf8(file.path) : AnyToUtf8(leaf.fullPath));
+        json_.Text("referencedFileId", AnyToUtf8(leaf.referencedFileId));
         Field("instanceUid", leaf.instanceUid, VR_UI);
         Field("sopClassUid", leaf.sopClassUid, VR_UI);
         Field("transferSyntaxUid", leaf.transferSyntaxUid, VR_UI);
-        Number("instanceNumber", leaf.instanceNumber);
+        json_.Number("instanceNumber", leaf.instanceNumber);
         Field("specificCharacterSet", leaf.specificCharacterSet, VR_CS);
-        Number("referencedDataSetSize", leaf.referencedDataSetSize);
-        Boolean("isMarked", (leaf.flags & PG_LEAF_MARKED) != 0);
+        json_.Number("referencedDataSetSize", leaf.referencedDataSetSize);
+        json_.Boolean("isMarked", (leaf.flags & PG_LEAF_MARKED) != 0);
         constexpr std::array<const char*, 4> kNames = {"present", "missing", "outside", "none"};
-        Text("file", kNames[static_cast<size_t>(file.state)]);
+        json_.Text("file", kNames[static_cast<size_t>(file.state)]);
         if (leaf.leafType == PG_LEAF_IMAGE) PrintImage(static_cast<PGX_DicomDirImageNode&>(leaf));
     }
 
     void PrintImage(PGX_DicomDirImageNode& image) {
-        Number("rows", image.rows);
-        Number("columns", image.columns);
-        Number("numberOfFrames", image.numberOfFrames);
+        json_.Number("rows", image.rows);
+        json_.Number("columns", image.columns);
+        json_.Number("numberOfFrames", image.numberOfFrames);
         Field("photometricInterpretation", image.photometricInterpretation, VR_CS);
         Field("imageType", image.imageType, VR_CS);
-        Boolean("hasIcon", image.icon != nullptr);
+        json_.Boolean("hasIcon", image.icon != nullptr);
     }
 
     void PrintCounts() {
         json_.Key("counts");
         json_.BeginObject();
-        Number("patients", static_cast<int64_t>(counts_.patients));
-        Number("studies", static_cast<int64_t>(counts_.studies));
-        Number("series", static_cast<int64_t>(counts_.series));
-        Number("instances", static_cast<int64_t>(counts_.instances));
-        Number("missingFiles", static_cast<int64_t>(counts_.missingFiles));
+        json_.Number("patients", static_cast<int64_t>(counts_.patients));
+        json_.Number("studies", static_cast<int64_t>(counts_.studies));
+        json_.Number("series", static_cast<int64_t>(counts_.series));
+        json_.Number("instances", static_cast<int64_t>(counts_.instances));
+        json_.Number("missingFiles", static_cast<int64_t>(counts_.missingFiles));
         if (counts_.outsideFiles != 0) {
-            Number("outsideFiles", static_cast<int64_t>(counts_.outsideFiles));
+            json_.Number("outsideFiles", static_cast<int64_t>(counts_.outsideFiles));
         }
         json_.EndObject();
     }
 
     void Field(const char* key, const char* field, uint32_t valueRep) {
-        Text(key, FieldToUtf8(field, valueRep, characterSet_.c_str()));
-    }
-    void Text(const char* key, const std::string& utf8) {
-        json_.Key(key);
-        json_.Text(utf8);
-    }
-    void Number(const char* key, int64_t number) {
-        json_.Key(key);
-        json_.Number(number);
-    }
-    void Boolean(const char* key, bool value) {
-        json_.Key(key);
-        json_.Boolean(value);
+        json_.Text(key, FieldToUtf8(field, valueRep, characterSet_.c_str()));
     }
 
     Medium& medium_;

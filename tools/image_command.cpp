@@ -6,6 +6,7 @@
 #include "bitmap.h"
 #include "commands.h"
 #include "data_set.h"
+#include "loaded_image.h"
 #include "output_file.h"
 #include "pgkit/imaging.h"
 #include "png.h"
@@ -20,11 +21,6 @@ struct ImageRequest {
     uint32_t frame = 1;
     uint32_t size = 0;
 };
-
-struct FreeImage {
-    void operator()(void* image) const { vwImaFreeDicomImage(image); }
-};
-using Image = std::unique_ptr<void, FreeImage>;
 
 // Why there is no bitmap of a frame that exists.
 std::string WhyNoBitmap(void* image) {
@@ -69,7 +65,7 @@ int MakePicture(const ImageRequest& request) {
     const auto root = Open(path, {0, PG_OPEN_SKIP_FRAGMENTS, false, &damage});
     if (!root) return Fail(kImageCommand, root.error().message);
 
-    const Image image(vwImaAllocEmptyDicomImage());
+    const LoadedImage image(vwImaAllocEmptyDicomImage());
     if (vwImaLoadFrom(image.get(), path.c_str()) == 0) {
         return Fail(kImageCommand, path + ": no image, or one in a compression other than RLE");
     }

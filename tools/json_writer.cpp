@@ -48,6 +48,21 @@ void JsonWriter::Boolean(bool value) {
     Write(value ? "true" : "false");
 }
 
+void JsonWriter::Text(std::string_view key, std::string_view utf8) {
+    Key(key);
+    Text(utf8);
+}
+
+void JsonWriter::Number(std::string_view key, int64_t number) {
+    Key(key);
+    Number(number);
+}
+
+void JsonWriter::Boolean(std::string_view key, bool value) {
+    Key(key);
+    Boolean(value);
+}
+
 void JsonWriter::BeginValue() {
     if (needsComma_) Write(",");
     needsComma_ = true;

@@ -22,6 +22,11 @@ class JsonWriter {
     void Number(int64_t number);
     void Boolean(bool value);
 
+    // A member of an object: a key with its value.
+    void Text(std::string_view key, std::string_view utf8);
+    void Number(std::string_view key, int64_t number);
+    void Boolean(std::string_view key, bool value);
+
   private:
     void BeginValue();
     void Write(std::string_view text);

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "file_id.h"
+#include "library_path.h"
 #include "real_path.h"
 #include "words.h"
 
@@ -42,8 +43,7 @@ std::string DirectoryFileOf(const std::string& path) {
 Medium::Medium(const std::string& directoryFile, Links links)
     : staysInside_(links == Links::Inside) {
     const size_t end = directoryFile.find_last_of(kSeparators);
-    directory_ = end == std::string::npos ? "./" : directoryFile.substr(0, end + 1);
-    std::replace(directory_.begin(), directory_.end(), '\\', '/');
+    directory_ = end == std::string::npos ? "./" : WithSlashes(directoryFile.substr(0, end + 1));
     if (staysInside_) realRoot_ = RealPath(directory_);
 }
 

@@ -1,11 +1,12 @@
 // pgtool mkdir: the DICOMDIR of a directory.
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "acceptance.h"
 #include "commands.h"
+#include "creation_limits.h"
 #include "data_set.h"
 #include "file_tally.h"
 #include "files_below.h"
@@ -18,9 +19,6 @@
 namespace pgtool {
 
 namespace {
-
-constexpr uint32_t kMaxIcon = 256;
-constexpr size_t kMaxFileSetId = 16;  // that of its VR
 
 int32_t CountFile(const PgDicomdirScanReason* reason) {
     const std::string folder = reason->subdirectory;
@@ -44,8 +42,7 @@ uint32_t CreateOffshore(const Request& request, const std::vector<std::string>& 
     std::string directory = LibraryPath(request.offshore);
     if (directory.ends_with('\\')) directory.pop_back();
     for (const std::string& file : files) {
-        std::string name = file;
-        std::replace(name.begin(), name.end(), '/', '\\');
+        std::string name = WithBackslashes(file);
         const std::string path = directory + "\\" + name;
         // What has no name for the library is refused and listed by it, and not looked for.
         if (HasBackslash(file)) name.clear();
@@ -83,26 +80,23 @@ int Create(const Request& request) {
     switch (result) {
         case 0:
             return kDone;
-        case PG_CREATION_NOTHING_ACCEPTED:
-            return Fail(kMkdirCommand, "nothing is accepted: no DICOMDIR is written");
         case PG_CREATION_FILES_REFUSED:
             return Fail(kMkdirCommand,
                         "refused files: " + std::to_string(refused) + "; no DICOMDIR is written");
         default:
-            return Fail(kMkdirCommand,
-                        request.directory + "/DICOMDIR: " + DescribeSaveResult(result));
+            return Fail(kMkdirCommand, DescribeCreation(result, request.directory + "/DICOMDIR"));
     }
 }
 
 // Why a request cannot be fulfilled; empty when it can.
 std::string ComplaintAbout(const Request& request) {
-    if (request.options.iconSize > kMaxIcon) return "--icons: at most 256 pixels";
+    if (request.options.iconSize > kLargestIcon) return "--icons: at most 256 pixels";
     if (request.options.seriesIcons != 0 && request.options.iconSize == 0) {
         return "--series-icons needs --icons";
     }
     std::string aboutProfile = ComplaintAboutProfile(request.profile);
     if (!aboutProfile.empty()) return aboutProfile;
-    if (request.fileSetId.size() > kMaxFileSetId) return "--file-set-id: at most 16 characters";
+    if (request.fileSetId.size() > kLongestFileSetId) return "--file-set-id: at most 16 characters";
     if (request.offshore.empty()) return "";
     if (!request.profile.empty()) return "--offshore knows no --profile";
     return request.options.fillMissingKeys != 0 ? "--offshore knows no --fill-missing" : "";
@@ -158,7 +152,7 @@ int Mkdir(MkdirOptions& given) {
     Request& request = given.request;
     request.directory = given.operands[0];
     if (request.directory.empty()) return Misuse(kMkdirCommand, "a directory is expected");
-    request.fileSetId.copy(request.options.fileSetId, kMaxFileSetId);
+    request.fileSetId.copy(request.options.fileSetId, kLongestFileSetId);
     request.options.seriesIcons = given.seriesIcons;
     request.options.storeFileSize = given.fileSize;
     request.options.fillMissingKeys = given.fillMissing;

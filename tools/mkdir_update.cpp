@@ -1,6 +1,5 @@
 #include "mkdir_update.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -93,10 +92,8 @@ std::vector<std::string> FilesOf(const UpdateRequest& request, const std::string
 
 uint32_t AddOne(const UpdateRequest& request, void* update, const std::string& file) {
     const std::string path = LibraryPath(request.directory + "/" + file);
-    std::string name = file;
-    std::replace(name.begin(), name.end(), '/', '\\');
     // What has no name for the library is refused by it, and not looked for.
-    if (HasBackslash(file)) name.clear();
+    const std::string name = HasBackslash(file) ? "" : WithBackslashes(file);
     return pgxUpdateAddFile(update, name.c_str(), path.c_str());
 }
 

@@ -1,11 +1,11 @@
 #include "output_file.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
 
 #include "disk.h"
+#include "library_path.h"
 
 namespace pgtool {
 
@@ -15,12 +15,6 @@ namespace fs = std::filesystem;
 
 constexpr int kMaxNames = 10000;
 constexpr const char* kSuffix = ".new";
-
-// The library takes a backslash for a separator everywhere.
-std::string WithSlashes(std::string path) {
-    std::replace(path.begin(), path.end(), '\\', '/');
-    return path;
-}
 
 std::string BehindLinks(const std::string& path) {
     std::error_code error;

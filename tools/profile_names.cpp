@@ -2,8 +2,11 @@
 
 #include <cstdint>
 
+#include "data_set.h"
+#include "pgkit/dicomdir_creation.h"
 #include "pgkit/profiles.h"
 #include "suggestion.h"
+#include "tags.h"
 
 namespace pgtool {
 
@@ -21,6 +24,17 @@ std::string ComplaintAboutProfile(const std::string& name) {
     constexpr size_t kMostNames = 3;
     if (name.empty() || pgxIsProfile(name.c_str()) != 0) return "";
     return "unknown profile: " + name + DidYouMean(name, ProfileNames(), kMostNames);
+}
+
+bool IsAllowed(const std::string& profile, const pgkit::item& root,
+               const std::string& transferSyntax) {
+    const std::string photometric = UnpaddedBytesOf(root, tags::kPhotometric);
+    const std::string inMeta = UnpaddedBytesOf(root, tags::kMediaStorageClass);
+    const std::string sopClass = inMeta.empty() ? UnpaddedBytesOf(root, tags::kSopClass) : inMeta;
+    return pgDirAcceptDataset2(transferSyntax.c_str(), sopClass.c_str(),
+                               photometric.empty() ? "no Photo. info" : photometric.c_str(),
+                               UnpaddedBytesOf(root, tags::kModality).c_str(),
+                               profile.c_str()) != 0;
 }
 
 }  // namespace pgtool

@@ -1,8 +1,8 @@
 #include <windows.h>
 
-#include <algorithm>
 #include <filesystem>
 
+#include "library_path.h"
 #include "real_path.h"
 
 namespace pgtool {
@@ -35,8 +35,7 @@ std::optional<std::string> RealPath(const std::string& path) {
     const std::wstring found = WithoutPrefix(PathOf(handle));
     CloseHandle(handle);
     if (found.empty()) return std::nullopt;
-    std::string real = std::filesystem::path(found).string();
-    std::replace(real.begin(), real.end(), '\\', '/');
+    std::string real = WithSlashes(std::filesystem::path(found).string());
     if (real.ends_with('/')) real.pop_back();
     return real;
 }

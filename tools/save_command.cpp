@@ -6,6 +6,7 @@
 #include "commands.h"
 #include "data_set.h"
 #include "text_options.h"
+#include "uids.h"
 
 namespace pgtool {
 
@@ -18,9 +19,9 @@ struct Mode {
 };
 
 constexpr std::array<Mode, 3> kModes = {{
-    {"explicit-le", PG_EXPLICIT_VR | PG_LITTLE_ENDIAN, "1.2.840.10008.1.2.1"},
-    {"implicit-le", PG_IMPLICIT_VR | PG_LITTLE_ENDIAN, "1.2.840.10008.1.2"},
-    {"explicit-be", PG_EXPLICIT_VR | PG_BIG_ENDIAN, "1.2.840.10008.1.2.2"},
+    {"explicit-le", PG_EXPLICIT_VR | PG_LITTLE_ENDIAN, uids::kExplicitLittle},
+    {"implicit-le", PG_IMPLICIT_VR | PG_LITTLE_ENDIAN, uids::kImplicitLittle},
+    {"explicit-be", PG_EXPLICIT_VR | PG_BIG_ENDIAN, uids::kExplicitBig},
 }};
 
 const Mode* FindMode(const std::string& name) {

@@ -10,6 +10,12 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
     return parts;
 }
 
+std::string_view WithoutBlanks(std::string_view text) {
+    const size_t begin = text.find_first_not_of(' ');
+    if (begin == text.npos) return {};
+    return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
+}
+
 std::string LowerAscii(std::string_view text) {
     std::string lower(text);
     for (char& c : lower)

@@ -12,6 +12,9 @@ namespace pgtool {
 // separators.
 std::vector<std::string_view> Split(std::string_view text, char separator);
 
+// Without the blanks around it.
+std::string_view WithoutBlanks(std::string_view text);
+
 // With a to z for A to Z.
 std::string LowerAscii(std::string_view text);
 

@@ -6,8 +6,9 @@
 
 #include "data_set.h"
 #include "disc/readable_path.h"
-#include "pgkit/dicomdir_creation.h"
+#include "profile_names.h"
 #include "tags.h"
+#include "uids.h"
 
 namespace pgtool {
 
@@ -16,24 +17,8 @@ namespace {
 namespace fs = std::filesystem;
 using Kind = Candidate::Kind;
 
-constexpr std::string_view kDirectoryClass = "1.2.840.10008.1.3.10";
-constexpr const char* kImplicitLittle = "1.2.840.10008.1.2";
-constexpr const char* kExplicitLittle = "1.2.840.10008.1.2.1";
-constexpr const char* kDeflated = "1.2.840.10008.1.2.1.99";
-constexpr const char* kExplicitBig = "1.2.840.10008.1.2.2";
-
 // Values of fewer bytes are read with the header.
 constexpr uint32_t kLoadedOnSurvey = 128;
-
-// The bytes of a value without the padding around it, as the library compares them.
-std::string TextOf(const pgkit::item& root, pgkit::tag tag) {
-    constexpr std::string_view kPadding(" \0", 2);
-    const auto bytes = root.find(tag).bytes();
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    const size_t first = text.find_first_not_of(kPadding);
-    if (first == text.npos) return "";
-    return std::string(text.substr(first, text.find_last_not_of(kPadding) - first + 1));
-}
 
 // Whether the library makes up a value: it takes blanks for one.
 bool IsMadeUp(const pgkit::item& root, pgkit::tag tag) {
@@ -44,12 +29,13 @@ bool IsMadeUp(const pgkit::item& root, pgkit::tag tag) {
 // The library leaves the values of the File Meta Information in the file: each costs some calls of
 // the system, so they are read where nothing else tells.
 std::string SopClassOf(const pgkit::item& root) {
-    const std::string own = TextOf(root, tags::kSopClass);
-    return own.empty() ? TextOf(root, tags::kMediaStorageClass) : own;
+    const std::string own = UnpaddedBytesOf(root, tags::kSopClass);
+    return own.empty() ? UnpaddedBytesOf(root, tags::kMediaStorageClass) : own;
 }
 
 bool IsDirectory(const pgkit::item& root) {
-    return root.contains(tags::kRecordSequence) || SopClassOf(root).starts_with(kDirectoryClass);
+    return root.contains(tags::kRecordSequence) ||
+           SopClassOf(root).starts_with(uids::kMediaStorageDirectory);
 }
 
 // Whether the File Meta Information stands behind a preamble and "DICM": the positions of values
@@ -62,12 +48,13 @@ bool HasPrefix(const pgkit::data_set& root) {
 // What a data set of which nothing says it is encoded in.
 const char* FoundSyntax(const pgkit::data_set& root) {
     const uint32_t flags = root.node()->syntaxFlags;
-    if ((flags & PG_LITTLE_ENDIAN) == 0) return kExplicitBig;
-    return (flags & PG_IMPLICIT_VR) != 0 ? kImplicitLittle : kExplicitLittle;
+    if ((flags & PG_LITTLE_ENDIAN) == 0) return uids::kExplicitBig;
+    return (flags & PG_IMPLICIT_VR) != 0 ? uids::kImplicitLittle : uids::kExplicitLittle;
 }
 
 bool MayBeRecoded(const std::string& syntax) {
-    return syntax == kImplicitLittle || syntax == kDeflated || syntax == kExplicitBig;
+    return syntax == uids::kImplicitLittle || syntax == uids::kDeflated ||
+           syntax == uids::kExplicitBig;
 }
 
 const char* WhatIsMissing(const Candidate& candidate, const pgkit::item& root) {
@@ -77,20 +64,11 @@ const char* WhatIsMissing(const Candidate& candidate, const pgkit::item& root) {
     return candidate.keys.series.empty() ? "Series Instance UID" : nullptr;
 }
 
-// As the creation of the DICOMDIR will judge it: the File Meta Information comes first.
-bool IsAllowed(const pgkit::item& root, const std::string& syntax, const std::string& profile) {
-    const std::string photometric = TextOf(root, tags::kPhotometric);
-    const std::string stated = TextOf(root, tags::kMediaStorageClass);
-    return pgDirAcceptDataset2(syntax.c_str(),
-                               stated.empty() ? SopClassOf(root).c_str() : stated.c_str(),
-                               photometric.empty() ? "no Photo. info" : photometric.c_str(),
-                               TextOf(root, tags::kModality).c_str(), profile.c_str()) != 0;
-}
-
 void ReadKeys(const pgkit::item& root, Candidate& candidate) {
-    candidate.keys = {TextOf(root, tags::kPatientId), TextOf(root, tags::kPatientName),
-                      TextOf(root, tags::kStudyUid), TextOf(root, tags::kSeriesUid),
-                      TextOf(root, tags::kSopInstance)};
+    candidate.keys = {
+        UnpaddedBytesOf(root, tags::kPatientId), UnpaddedBytesOf(root, tags::kPatientName),
+        UnpaddedBytesOf(root, tags::kStudyUid), UnpaddedBytesOf(root, tags::kSeriesUid),
+        UnpaddedBytesOf(root, tags::kSopInstance)};
     candidate.lacksStudyId = IsMadeUp(root, tags::kStudyId);
     candidate.lacksStudyDate = IsMadeUp(root, tags::kStudyDate);
     candidate.lacksStudyTime = IsMadeUp(root, tags::kStudyTime);
@@ -106,11 +84,12 @@ std::string ChooseTransfer(const pgkit::data_set& root, const DiscRequest& reque
     const bool isStated = root.find(tags::kTransferSyntax).length() != 0;
     if (!isStated || !HasPrefix(root)) transfer = Transfer::GivenMeta;
     if (!request.isRecoded && request.profile.empty()) return "";
-    const std::string syntax = isStated ? TextOf(root, tags::kTransferSyntax) : FoundSyntax(root);
+    const std::string syntax =
+        isStated ? UnpaddedBytesOf(root, tags::kTransferSyntax) : FoundSyntax(root);
     if (request.isRecoded && MayBeRecoded(syntax) && candidate.complaint.empty()) {
         transfer = Transfer::Recoded;
     }
-    return transfer == Transfer::Recoded ? kExplicitLittle : syntax;
+    return transfer == Transfer::Recoded ? uids::kExplicitLittle : syntax;
 }
 
 Candidate Judge(const pgkit::data_set& root, const DiscRequest& request, Candidate candidate) {
@@ -124,7 +103,7 @@ Candidate Judge(const pgkit::data_set& root, const DiscRequest& request, Candida
     if (const char* const missing = WhatIsMissing(candidate, root)) {
         return refuse(candidate.instance.path + ": not stored: it has no " + missing);
     }
-    if (!request.profile.empty() && !IsAllowed(root, syntax, request.profile)) {
+    if (!request.profile.empty() && !IsAllowed(request.profile, root, syntax)) {
         const bool mayHelp = !request.isRecoded && MayBeRecoded(syntax);
         return refuse(candidate.instance.path + ": not stored: " + request.profile +
                       " does not allow it" +

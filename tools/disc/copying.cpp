@@ -9,8 +9,10 @@
 #include "data_set.h"
 #include "disc/interruption.h"
 #include "disc/readable_path.h"
-#include "disc/stream.h"
 #include "long_values.h"
+#include "stream.h"
+#include "tags.h"
+#include "uids.h"
 
 namespace pgtool {
 
@@ -37,7 +39,7 @@ int32_t ModeOf(const DiscInstance& instance, const PGX_Node& root) {
 }
 
 void GiveMeta(pgkit::item root) {
-    if (root.contains({0x0002, 0x0010})) return;
+    if (root.contains(tags::kTransferSyntax)) return;
     root.remove({0x0002, 0x0001});  // which the library would add once more
     root.node()->AddPart10Elements(nullptr);
 }
@@ -52,7 +54,7 @@ CopyResult Save(const DiscInstance& instance, const std::string& target) {
     GiveMeta(*opened);
     // Saving follows this rather than its mode: what is deflated would be deflated again.
     if (instance.transfer == Transfer::Recoded) {
-        const auto isSet = opened->set_text({0x0002, 0x0010}, "1.2.840.10008.1.2.1");
+        const auto isSet = opened->set_text(tags::kTransferSyntax, uids::kExplicitLittle);
         if (!isSet) return CannotRead(instance.path + ": " + isSet.error().message);
     }
     if (!MakeLongValuesUn(root)) return CannotRead(instance.path + ": a value cannot be read");

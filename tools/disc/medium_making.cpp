@@ -36,8 +36,7 @@ struct RefusedFile {
 };
 
 int32_t NoteRefused(const PgDicomdirScanReason* reason) {
-    std::string folder = reason->subdirectory;
-    std::replace(folder.begin(), folder.end(), '\\', '/');
+    const std::string folder = WithSlashes(reason->subdirectory);
     if (reason->acceptanceCode != PG_ACCEPTED && folder.starts_with(kInstances)) {
         static_cast<std::vector<RefusedFile>*>(reason->userData)
             ->push_back({folder + "/" + reason->fileName, reason->acceptanceCode});
@@ -126,13 +125,9 @@ class MediumMaker {
                                         &options, NoteRefused, &refused);
         }
         RemoveRefused(refused);
-        if (result == PG_CREATION_NOTHING_ACCEPTED) {
-            made_.complaint = "nothing is accepted: no DICOMDIR is written";
-        } else if (result != 0) {
-            made_.complaint = folder_ + kDirectoryFile + ": " + DescribeSaveResult(result);
-        } else {
+        made_.complaint = DescribeCreation(result, folder_ + kDirectoryFile);
+        if (made_.complaint.empty())
             made_.complaint = RenameIn(folder_, kDirectoryFile, kUnfinished);
-        }
     }
 
     // What no record refers to does not belong on the medium.

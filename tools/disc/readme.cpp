@@ -1,5 +1,6 @@
 #include "disc/readme.h"
 
+#include "creation_limits.h"
 #include "pgkit/version.h"
 #include "words.h"
 

@@ -13,8 +13,6 @@ struct MediumNumber {
     size_t count = 1;
 };
 
-constexpr size_t kLongestFileSetId = 16;  // that of its VR
-
 // "DISC", or of several "DISC_2_OF_3": at most 16 characters. The beginning is cut to leave room.
 std::string FileSetIdOf(const std::string& beginning, MediumNumber medium);
 

@@ -9,8 +9,8 @@
 
 #include "data_set.h"
 #include "disc/readable_path.h"
-#include "disc/stream.h"
 #include "output_file.h"
+#include "stream.h"
 
 namespace pgtool {
 

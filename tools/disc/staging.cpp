@@ -1,4 +1,5 @@
 #include "disc/staging.h"
+#include "library_path.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -15,9 +16,8 @@ namespace fs = std::filesystem;
 constexpr const char* kInside = "PGTOOL.NEW";
 constexpr const char* kMovedLast = "DICOMDIR";
 
-// The library takes a backslash for a separator everywhere.
 std::string Bare(std::string path) {
-    std::replace(path.begin(), path.end(), '\\', '/');
+    path = WithSlashes(std::move(path));
     while (path.size() > 1 && path.ends_with('/'))
         path.pop_back();
     return path;

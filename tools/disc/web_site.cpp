@@ -15,6 +15,7 @@
 #include "disc/thumbnail.h"
 #include "disc/web_limits.h"
 #include "disc/whole_file.h"
+#include "library_path.h"
 #include "words.h"
 
 namespace pgtool {
@@ -33,9 +34,7 @@ std::string PageName(const char* beginning, size_t number) {
 }
 
 std::string PathOf(const std::string& folder, const pgkit::leaf& leaf) {
-    std::string id = leaf.pointer()->referencedFileId;
-    std::replace(id.begin(), id.end(), '\\', '/');
-    return folder + "/" + id;
+    return folder + "/" + WithSlashes(leaf.pointer()->referencedFileId);
 }
 
 bool IsImage(const pgkit::leaf& leaf) { return leaf.rows() > 0; }

@@ -6,25 +6,19 @@
 #include "data_set.h"
 #include "directory_links.h"
 #include "tags.h"
+#include "uids.h"
+#include "words.h"
 
 namespace pgtool {
 
 namespace {
 
-constexpr const char* kDirectoryClass = "1.2.840.10008.1.3.10";
-constexpr const char* kExplicitLittleEndian = "1.2.840.10008.1.2.1";
 constexpr uint32_t kLoadedToVerify = 0x20000;
 // No key that anybody compares is longer.
 constexpr uint32_t kLongestKey = 0x2000;
 
 // Of the file-set itself, type 1.
 constexpr pgkit::tag kHeadKeys[] = {tags::kFirstRecord, tags::kLastRecord, tags::kConsistencyFlag};
-
-std::string Trimmed(const std::string& text) {
-    const size_t begin = text.find_first_not_of(' ');
-    if (begin == std::string::npos) return "";
-    return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
 
 }  // namespace
 
@@ -57,7 +51,7 @@ void Directory::ReadRecords() {
 
 void Directory::CheckHead(Findings& findings) const {
     const std::string syntax = KeyText(root_, tags::kTransferSyntax);
-    if (syntax != kExplicitLittleEndian) {
+    if (syntax != uids::kExplicitLittle) {
         findings.Add(AboutDirectory(FindingKind::TransferSyntax,
                                     "its transfer syntax is " +
                                         (syntax.empty() ? std::string("not stated") : syntax) +
@@ -87,13 +81,14 @@ Finding Directory::About(size_t record, FindingKind kind, std::string message,
 }
 
 bool IsDirectoryFile(const pgkit::item& root) {
-    return KeyText(root, tags::kMediaStorageClass) == kDirectoryClass;
+    return KeyText(root, tags::kMediaStorageClass) == uids::kMediaStorageDirectory;
 }
 
 std::string KeyText(const pgkit::item& item, pgkit::tag tag) { return TextOfKey(item.find(tag)); }
 
 std::string TextOfKey(const pgkit::element& element) {
-    return !element || element.length() > kLongestKey ? "" : Trimmed(element.text());
+    return !element || element.length() > kLongestKey ? ""
+                                                      : std::string(WithoutBlanks(element.text()));
 }
 
 std::string NameOf(pgkit::tag tag) {

@@ -6,7 +6,7 @@
 
 #include "data_set.h"
 #include "medium.h"
-#include "pgkit/dicomdir_creation.h"
+#include "profile_names.h"
 #include "progress_line.h"
 #include "real_path.h"
 #include "tags.h"
@@ -93,7 +93,8 @@ class FileChecks {
         }
         if (!damage.empty()) Note(FindingKind::CutShort, damage, file);
         CheckClaims(*opened, file);
-        if (!IsAllowed(*opened, options_.profile)) {
+        if (!options_.profile.empty() &&
+            !IsAllowed(options_.profile, *opened, KeyText(*opened, tags::kTransferSyntax))) {
             Note(FindingKind::Profile,
                  "the profile " + options_.profile + " does not allow " + file, file);
         }
@@ -174,16 +175,6 @@ void CheckFiles(const Directory& directory, const VerifyOptions& options, Medium
     for (size_t i = 0; i < directory.Records().size(); ++i) {
         if (directory.Records()[i].isInUse) checks.Check(i);
     }
-}
-
-bool IsAllowed(const pgkit::data_set& file, const std::string& profile) {
-    if (profile.empty()) return true;
-    const std::string photometric = KeyText(file, tags::kPhotometric);
-    const std::string inMeta = KeyText(file, tags::kMediaStorageClass);
-    const std::string sopClass = inMeta.empty() ? KeyText(file, tags::kSopClass) : inMeta;
-    return pgDirAcceptDataset2(KeyText(file, tags::kTransferSyntax).c_str(), sopClass.c_str(),
-                               photometric.empty() ? "no Photo. info" : photometric.c_str(),
-                               KeyText(file, tags::kModality).c_str(), profile.c_str()) != 0;
 }
 
 }  // namespace pgtool

@@ -18,7 +18,4 @@ struct VerifyOptions {
 void CheckFiles(const Directory& directory, const VerifyOptions& options, MediumFiles& files,
                 Findings& findings);
 
-// Whether a profile (none, when its name is empty) allows a data set.
-bool IsAllowed(const pgkit::data_set& file, const std::string& profile);
-
 }  // namespace pgtool

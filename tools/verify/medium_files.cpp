@@ -1,17 +1,12 @@
 #include "verify/medium_files.h"
+#include "stream.h"
 
 #include <cstdio>
-#include <memory>
 #include <string_view>
 
 namespace pgtool {
 
 namespace {
-
-struct CloseStream {
-    void operator()(std::FILE* stream) const { std::fclose(stream); }
-};
-using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 constexpr size_t kPreamble = 128;
 constexpr std::string_view kPrefix = "DICM";

@@ -16,7 +16,8 @@ namespace fs = std::filesystem;
 
 class MediumWalk {
   public:
-    MediumWalk(const std::string& root, Findings& findings) : root_(root), findings_(findings) {}
+    MediumWalk(const MediumFiles& medium, Findings& findings)
+        : medium_(medium), findings_(findings) {}
 
     std::vector<std::string> Run() {
         std::vector<std::string> files;
@@ -33,14 +34,10 @@ class MediumWalk {
     }
 
   private:
-    std::string PathOf(const std::string& inner) const {
-        return inner.empty() ? root_ : root_ + (root_.ends_with('/') ? "" : "/") + inner;
-    }
-
     std::vector<std::string> NamesIn(const std::string& folder) {
         std::vector<std::string> names;
         std::error_code error;
-        fs::directory_iterator entry(PathOf(folder), error);
+        fs::directory_iterator entry(medium_.PathOf(folder), error);
         for (; !error && entry != fs::directory_iterator(); entry.increment(error))
             names.push_back(entry->path().filename().string());
         if (error) {
@@ -54,7 +51,7 @@ class MediumWalk {
     // What is by another path than its own is a link, of whatever kind the system has.
     void Sort(const std::string& inner, std::vector<std::string>& files,
               std::vector<std::string>& folders) {
-        const std::string path = PathOf(inner);
+        const std::string path = medium_.PathOf(inner);
         const std::optional<std::string> real = RealPath(path);
         std::error_code unknown;
         if (!real) {
@@ -62,7 +59,7 @@ class MediumWalk {
             findings_.Add(isLink
                               ? AboutFile(inner, FindingKind::MissingFile, "the link leads nowhere")
                               : AboutFile(inner, FindingKind::Unreadable, "it cannot be read"));
-        } else if (!IsBelow(*real, root_)) {
+        } else if (!IsBelow(*real, medium_.root)) {
             findings_.Add(
                 AboutFile(inner, FindingKind::Outside, "the link leads out of the medium"));
         } else if (*real != path) {
@@ -74,14 +71,14 @@ class MediumWalk {
         }
     }
 
-    const std::string& root_;
+    const MediumFiles& medium_;
     Findings& findings_;
 };
 
 }  // namespace
 
-std::vector<std::string> FilesOnMedium(const std::string& root, Findings& findings) {
-    return MediumWalk(root, findings).Run();
+std::vector<std::string> FilesOnMedium(const MediumFiles& medium, Findings& findings) {
+    return MediumWalk(medium, findings).Run();
 }
 
 }  // namespace pgtool

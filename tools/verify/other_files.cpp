@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "data_set.h"
+#include "library_path.h"
 #include "verify/directory.h"
 #include "words.h"
 
@@ -20,9 +21,7 @@ std::string ProgramOf(std::string_view line) {
     if (equals == line.npos || equals + 1 == line.size()) return "";
     std::string_view value = line.substr(equals + 1);
     value.remove_prefix(std::min(value.find_first_not_of(" \t\"\\/."), value.size()));
-    std::string name(value.substr(0, value.find_first_of(" \t\",\r")));
-    std::replace(name.begin(), name.end(), '\\', '/');
-    return LowerAscii(name);
+    return LowerAscii(WithSlashes(std::string(value.substr(0, value.find_first_of(" \t\",\r")))));
 }
 
 std::string FolderOf(const std::string& file) {

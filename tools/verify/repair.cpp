@@ -1,13 +1,13 @@
 #include "verify/repair.h"
 
-#include <algorithm>
-
 #include "data_set.h"
 #include "library_path.h"
 #include "pgkit/dicomdir_creation.h"
+#include "profile_names.h"
 #include "progress_line.h"
 #include "standard_streams.h"
-#include "verify/file_checks.h"
+#include "tags.h"
+#include "verify/directory.h"
 #include "verify/other_files.h"
 
 namespace pgtool {
@@ -26,7 +26,7 @@ PgDicomdirOptions CreationOptions(const RepairOptions& options) {
 bool IsAllowedFile(const std::string& path, const std::string& profile) {
     if (profile.empty()) return true;
     const auto opened = Open(path, {kLoadedOfFile, PG_OPEN_SKIP_FRAGMENTS});
-    return !opened || IsAllowed(*opened, profile);
+    return !opened || IsAllowed(profile, *opened, KeyText(*opened, tags::kTransferSyntax));
 }
 
 class Creation {
@@ -42,11 +42,10 @@ class Creation {
         // The library would take the backslash for a separator, and read another file.
         if (file.find('\\') != std::string::npos) return summary_.Count(PG_INVALID_FILE_NAME);
         const std::string path = files_.PathOf(file);
-        std::string name = file;
-        std::replace(name.begin(), name.end(), '/', '\\');
         uint32_t code = PG_PROFILE_REFUSES;
         if (IsAllowedFile(path, options_.profile)) {
-            code = pgAddFileToOffshoreDicomdir(handle_, name.c_str(), LibraryPath(path).c_str());
+            code = pgAddFileToOffshoreDicomdir(handle_, WithBackslashes(file).c_str(),
+                                               LibraryPath(path).c_str());
         }
         summary_.Count(code);
         progress_.Show(std::to_string(summary_.Files()) + " files");
@@ -75,12 +74,7 @@ std::string Repair(const std::vector<std::string>& all, const MediumFiles& files
             continue;
         creation.Add(file);
     }
-    const uint32_t result = creation.End();
-    if (result == 0) return "";
-    if (result == PG_CREATION_NOTHING_ACCEPTED) {
-        return "nothing is accepted: no DICOMDIR is written";
-    }
-    return "DICOMDIR: " + DescribeSaveResult(result);
+    return DescribeCreation(creation.End(), "DICOMDIR");
 }
 
 }  // namespace pgtool

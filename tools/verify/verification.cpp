@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "creation_limits.h"
 #include "data_set.h"
 #include "medium.h"
 #include "real_path.h"
@@ -23,7 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kDirectoryName = "DICOMDIR";
-constexpr uint32_t kLargestIcon = 256;
 
 // Where the medium is, and its DICOMDIR, by real paths.
 std::string Locate(const std::string& operand, Verification& result) {
@@ -61,7 +61,7 @@ void CheckDirectory(const VerifyOptions& options, Verification& result) {
     if (!directory.IsOpen()) return;
     result.records = directory.Records().size();
     const std::string fileSetId = KeyText(directory.Root(), tags::kFileSetId);
-    if (fileSetId.size() <= 16) result.former.fileSetId = fileSetId;
+    if (fileSetId.size() <= kLongestFileSetId) result.former.fileSetId = fileSetId;
     result.former.iconSize = LargestIcon(directory);
     CheckLinks(directory, result.findings);
     CheckRecords(directory, result.findings);
@@ -82,7 +82,7 @@ std::string Verify(const std::string& operand, const VerifyOptions& options, Ver
     } else {
         CheckDirectory(options, result);
     }
-    result.all = FilesOnMedium(result.files.root, result.findings);
+    result.all = FilesOnMedium(result.files, result.findings);
     CheckOtherFiles(result.all, result.files, result.findings);
     return "";
 }

@@ -65,8 +65,7 @@ class JsonReport {
     void PrintRepair(const Repaired& repaired) {
         json_.Key("repair");
         json_.BeginObject();
-        json_.Key("done");
-        json_.Boolean(repaired.failure.empty());
+        json_.Boolean("done", repaired.failure.empty());
         if (!repaired.failure.empty()) Text("reason", repaired.failure);
         json_.Key("acceptance");
         json_.BeginArray();
@@ -109,13 +108,9 @@ class JsonReport {
         json_.EndObject();
     }
 
-    void Text(const char* key, const std::string& text) {
-        json_.Key(key);
-        json_.Text(WellFormedUtf8(text));
-    }
+    void Text(const char* key, const std::string& text) { json_.Text(key, WellFormedUtf8(text)); }
     void Number(const char* key, uint64_t number) {
-        json_.Key(key);
-        json_.Number(static_cast<int64_t>(number));
+        json_.Number(key, static_cast<int64_t>(number));
     }
 
     JsonWriter json_;
