@@ -10,6 +10,7 @@
 
 #include "base/byte_order.h"
 #include "base/firewall.h"
+#include "dataset/find_element.h"
 #include "dataset/node_ptr.h"
 #include "dataset/value_source.h"
 #include "dictionary/vr_properties.h"
@@ -217,16 +218,13 @@ size_t ReadLevel(PGX_Node& parent, PGX_Node* inherited, uint32_t longestValue,
     return block.Finish();
 }
 
-PGX_Node* FindElement(PGX_Node& dataSet, uint32_t tag) {
-    return dataSet.FindNode(static_cast<uint16_t>(tag >> 16), static_cast<uint16_t>(tag));
-}
-
 size_t ReadValues(PGX_Node& dataSet, PGX_Node* inherited, std::span<const uint32_t> tags,
                   uint32_t longestValue, std::span<uint8_t> buffer) {
     BlockWriter block(CharacterSetOf(dataSet, inherited), static_cast<uint32_t>(tags.size()),
                       longestValue, buffer);
     for (const uint32_t tag : tags)
-        block.Add(tag, FindElement(dataSet, tag));
+        block.Add(tag, FindElement(dataSet,
+                                   {static_cast<uint16_t>(tag >> 16), static_cast<uint16_t>(tag)}));
     return block.Finish();
 }
 

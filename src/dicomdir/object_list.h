@@ -54,6 +54,14 @@ void ForEachLeaf(PGX_List& patients, Use use) {
     }
 }
 
+// Also for the leaves that belong to no patient.
+template <typename Use>
+void ForEachLeaf(PGX_List& patients, PGX_List& rootLeaves, Use use) {
+    ForEachLeaf(patients, use);
+    for (PGX_DicomDirLeafNode& leaf : Leaves(rootLeaves))
+        use(leaf);
+}
+
 // Appends an object, which the list's owner owns from then on. Throws std::bad_alloc.
 template <typename Object>
 Object& Append(PGX_List& list, std::unique_ptr<Object> object) {

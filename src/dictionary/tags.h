@@ -37,6 +37,8 @@ inline constexpr Tag kRecordInUse = {0x0004, 0x1410};
 inline constexpr Tag kLowerLevelLink = {0x0004, 0x1420};
 inline constexpr Tag kRecordType = {0x0004, 0x1430};
 inline constexpr Tag kReferencedFileId = {0x0004, 0x1500};
+// Retired: to a record that several others share.
+inline constexpr Tag kSharedRecordLink = {0x0004, 0x1504};
 inline constexpr Tag kReferencedSopClassUid = {0x0004, 0x1510};
 inline constexpr Tag kReferencedSopInstanceUid = {0x0004, 0x1511};
 inline constexpr Tag kReferencedTransferSyntaxUid = {0x0004, 0x1512};

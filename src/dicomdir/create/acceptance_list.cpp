@@ -77,15 +77,12 @@ std::string Line(uint32_t code, std::string_view path) {
     const platform::FileHandle stream(platform::AppendText(path.c_str()));
     bool isWritten = stream != nullptr;
     std::string lines;
-    const auto append = [&](const PGX_DicomDirLeafNode& leaf) {
+    ForEachLeaf(patients, rootLeaves, [&](const PGX_DicomDirLeafNode& leaf) {
         lines += Line(PG_ACCEPTED, leaf.referencedFileId);
         if (!isWritten || lines.size() < kPiece) return;
         isWritten = WriteText(stream.get(), lines);
         lines.clear();
-    };
-    ForEachLeaf(patients, append);
-    for (const PGX_DicomDirLeafNode& leaf : Leaves(rootLeaves))
-        append(leaf);
+    });
     return isWritten && WriteText(stream.get(), lines);
 }
 

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "dicomdir/create/creation_flags.h"
 #include "dicomdir/create/directory_build.h"
 #include "dicomdir/create/folder_scan.h"
 #include "dicomdir/create/generated_values.h"
@@ -12,20 +13,10 @@ namespace pgkit {
 
 namespace {
 
-bool Has(const PgDicomdirOptions& options, PgDicomdirFlags flag) {
-    return (options.flags & static_cast<uint32_t>(flag)) != 0;
-}
-
 // The field is as long as its text may be: the terminating zero may be missing.
 std::string_view FileSetIdOf(const PgDicomdirOptions& options) {
     const std::string_view field(options.fileSetId, sizeof options.fileSetId);
     return field.substr(0, field.find('\0'));
-}
-
-void FillLeaves(PGX_List& patients, PGX_List& rootLeaves) {
-    ForEachLeaf(patients, [](Leaf& leaf) { FillMissingKeys(leaf); });
-    for (Leaf& leaf : Leaves(rootLeaves))
-        FillMissingKeys(leaf);
 }
 
 }  // namespace
@@ -54,7 +45,8 @@ void Creation::Scan(PgDicomdirScanCallback callback, void* userData) {
     CloseBuilder();
     if (options_.fillMissingKeys == 0) return;
     FillMissingKeys(patients_);
-    if (Has(options_, PG_DICOMDIR_STANDARD_RECORDS)) FillLeaves(patients_, rootLeaves_);
+    if (!Has(options_, PG_DICOMDIR_STANDARD_RECORDS)) return;
+    ForEachLeaf(patients_, rootLeaves_, [](Leaf& leaf) { FillMissingKeys(leaf); });
 }
 
 uint32_t Creation::Build() {

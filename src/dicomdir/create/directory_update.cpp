@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "codec/write_result.h"
 #include "dicomdir/create/acceptance_list.h"
+#include "dicomdir/create/creation_flags.h"
 #include "dicomdir/create/generated_values.h"
 #include "dicomdir/create/hierarchy_builder.h"
 #include "dicomdir/create/new_records.h"
@@ -74,9 +75,6 @@ class DirectoryUpdate {
         std::string path;
     };
 
-    bool Has(PgDicomdirFlags flag) const {
-        return (options_.flags & static_cast<uint32_t>(flag)) != 0;
-    }
     PgAcceptanceCode Refuse(PgAcceptanceCode code, const FileToAdd& file);
     void CollectFileIds();
     void FillMissing();
@@ -129,21 +127,20 @@ bool DirectoryUpdate::RemoveStudy(std::string_view uid) {
 
 void DirectoryUpdate::CollectFileIds() {
     fileIds_ = tree_.FileIds();
-    const auto insert = [this](const Leaf& leaf) {
+    ForEachLeaf(tree_.Patients(), rootLeaves_, [this](const Leaf& leaf) {
         if (IsNewLeaf(leaf)) fileIds_.insert(Comparable(leaf.referencedFileId));
-    };
-    ForEachLeaf(tree_.Patients(), insert);
-    for (const Leaf& leaf : Leaves(rootLeaves_))
-        insert(leaf);
+    });
 }
 
 uint32_t DirectoryUpdate::Write() {
     builder_.reset();
     if (!isWhole_) return kOutOfMemory;
-    if (!refusals_.empty() && Has(PG_DICOMDIR_ALL_OR_NOTHING)) return PG_CREATION_FILES_REFUSED;
+    if (!refusals_.empty() && Has(options_, PG_DICOMDIR_ALL_OR_NOTHING))
+        return PG_CREATION_FILES_REFUSED;
     if (options_.fillMissingKeys != 0) FillMissing();
     AddRecords();
-    if (tree_.IsEmpty() && Has(PG_DICOMDIR_NEVER_EMPTY)) return PG_CREATION_NOTHING_ACCEPTED;
+    if (tree_.IsEmpty() && Has(options_, PG_DICOMDIR_NEVER_EMPTY))
+        return PG_CREATION_NOTHING_ACCEPTED;
     DirectoryFile file(folder_);
     file.RemoveStrays();
     if (!file.Create()) return kCannotCreate;
@@ -151,19 +148,17 @@ uint32_t DirectoryUpdate::Write() {
     if (result != kWritten) return result;
     file.RemoveStrays();
     // Without memory for its lines the list is as it was; the directory file is there.
-    if (!Has(PG_DICOMDIR_NO_LIST)) Guarded([this] { WriteList(); });
+    if (!Has(options_, PG_DICOMDIR_NO_LIST)) Guarded([this] { WriteList(); });
     return result;
 }
 
 // Of records that are there already nothing changes.
 void DirectoryUpdate::FillMissing() {
     FillMissingKeys(tree_.Patients());
-    if (!Has(PG_DICOMDIR_STANDARD_RECORDS)) return;
-    ForEachLeaf(tree_.Patients(), [](Leaf& leaf) {
+    if (!Has(options_, PG_DICOMDIR_STANDARD_RECORDS)) return;
+    ForEachLeaf(tree_.Patients(), rootLeaves_, [](Leaf& leaf) {
         if (IsNewLeaf(leaf)) FillMissingKeys(leaf);
     });
-    for (Leaf& leaf : Leaves(rootLeaves_))
-        FillMissingKeys(leaf);
 }
 
 void DirectoryUpdate::AddRecords() {

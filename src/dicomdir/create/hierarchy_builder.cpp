@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include "dicomdir/create/creation_flags.h"
 #include "dicomdir/create/instance_objects.h"
 #include "dicomdir/create/standard_kinds.h"
 #include "dicomdir/leaf_kinds.h"
@@ -46,13 +47,11 @@ PgAcceptanceCode HierarchyBuilder::RefuseName(const char* fullPath) {
 }
 
 GateRules HierarchyBuilder::Rules() const {
-    const auto has = [this](PgDicomdirFlags flag) {
-        return (options_.flags & static_cast<uint32_t>(flag)) != 0;
-    };
-    return {.profile = profile_.c_str(),
-            .skipChecks = has(PG_DICOMDIR_SKIP_CHECKS),
-            .wantsStrictNames = has(PG_DICOMDIR_STRICT_NAMES),
-            .admitsRootObjects = has(PG_DICOMDIR_STANDARD_RECORDS) && rootLeaves_ != nullptr};
+    return {
+        .profile = profile_.c_str(),
+        .skipChecks = Has(options_, PG_DICOMDIR_SKIP_CHECKS),
+        .wantsStrictNames = Has(options_, PG_DICOMDIR_STRICT_NAMES),
+        .admitsRootObjects = Has(options_, PG_DICOMDIR_STANDARD_RECORDS) && rootLeaves_ != nullptr};
 }
 
 // The hierarchy changes at the end, when everything about the file is known and made.

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "dicomdir/create/creation_flags.h"
 #include "dicomdir/create/standard_leaves.h"
 #include "dicomdir/leaf_kinds.h"
 #include "dicomdir/level_keys.h"
@@ -86,7 +87,7 @@ std::unique_ptr<Series> NewSeries(PGX_Node& dataSet) {
 std::unique_ptr<Leaf> NewLeaf(const Candidate& candidate, const FileToAdd& file,
                               const PgDicomdirOptions& options) {
     PGX_Node& dataSet = *candidate.dataSet;
-    const bool isStandard = (options.flags & PG_DICOMDIR_STANDARD_RECORDS) != 0;
+    const bool isStandard = Has(options, PG_DICOMDIR_STANDARD_RECORDS);
     const StandardKind* const standard =
         isStandard ? StandardKindOf(candidate.sopClassUid) : nullptr;
     const LeafKind& kind =

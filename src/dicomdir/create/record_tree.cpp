@@ -13,6 +13,7 @@
 #include "dicomdir/leaf_kinds.h"
 #include "dicomdir/object_list.h"
 #include "dicomdir/record_links.h"
+#include "dicomdir/record_reader.h"
 #include "dicomdir/record_table.h"
 #include "pgkit/open_report.h"
 #include "pgkit/patient_list.h"
@@ -21,9 +22,6 @@
 namespace pgkit {
 
 namespace {
-
-// Of a retired kind of link, to a record that several others share.
-constexpr Tag kSharedRecordLink = {0x0004, 0x1504};
 
 std::optional<std::vector<uint8_t>> ReadWhole(const std::string& path) {
     uint64_t size = 0;
@@ -86,10 +84,9 @@ bool IsOfType(PGX_Node& record, std::string_view type) {
 // As a browse reads it.
 bool IsStudy(PGX_Node& record, std::string_view uid) {
     if (!IsOfType(record, "STUDY")) return false;
-    char text[65];
-    ReadTrimmedText(record, tags::kReferencedSopInstanceUid, text);
-    if (text[0] == '\0') ReadTrimmedText(record, tags::kStudyInstanceUid, text);
-    return text == uid;
+    Study study;
+    ReadStudy(record, study);
+    return study.studyInstanceUid == uid;
 }
 
 }  // namespace
@@ -118,7 +115,7 @@ PgxUpdateProblem RecordTree::Link(PGX_Node& root) {
     bool isSound = ResolveLinks(table);
     for (RecordNumber number = 0; number < table.Count(); ++number) {
         PGX_Node& record = *table[number].item;
-        isSound = Resolve(table, FindElement(record, kSharedRecordLink)) && isSound;
+        isSound = Resolve(table, FindElement(record, tags::kSharedRecordLink)) && isSound;
         records_.push_back(&record);
     }
     isSound = Resolve(table, FindElement(root, tags::kFirstRootRecord)) && isSound;
@@ -203,7 +200,7 @@ std::unordered_set<const PGX_Node*> RecordTree::Reachable() const {
         if (record == nullptr || !seen.insert(record).second) continue;
         pending.push_back(NextOf(*record));
         pending.push_back(FirstBelow(*record));
-        pending.push_back(TargetOf(FindElement(*record, kSharedRecordLink)));
+        pending.push_back(TargetOf(FindElement(*record, tags::kSharedRecordLink)));
     }
     return seen;
 }
@@ -216,7 +213,8 @@ void RecordTree::RemoveAllOf(const std::unordered_set<const PGX_Node*>& before) 
         return before.contains(record) && !after.contains(record);
     };
     for (PGX_Node* const record : records_) {
-        for (const Tag tag : {tags::kNextRecordLink, tags::kLowerLevelLink, kSharedRecordLink}) {
+        for (const Tag tag :
+             {tags::kNextRecordLink, tags::kLowerLevelLink, tags::kSharedRecordLink}) {
             PGX_Node* const link = FindElement(*record, tag);
             if (!goes(record) && goes(TargetOf(link))) PointAt(*link, nullptr);
         }
