@@ -56,7 +56,7 @@ class Element:
     @property
     def _live(self) -> int:
         if not self._is_live:
-            raise ClosedError("the data set is closed or this part of it was removed")
+            raise ClosedError()
         return self._record[0]
 
     def _now(self) -> Found:
@@ -88,8 +88,7 @@ class Element:
     def name(self) -> str:
         """The dictionary's name, of a private element by its creator; "<Unknown Tag>" when there is
         none."""
-        is_private = self.tag[0] % 2 == 1
-        return (private_name(self._live) if is_private else "") or element_name(self.tag)
+        return (private_name(self._live) if self.is_private else "") or element_name(self.tag)
 
     @property
     def keyword(self) -> str:

@@ -12,6 +12,9 @@ class TruncatedWarning(UserWarning):
 class ClosedError(PgkitError):
     """The data set was closed, or the element was removed from it."""
 
+    def __init__(self, message: str = "the data set is closed or this part of it was removed") -> None:
+        super().__init__(message)
+
 
 class SaveError(PgkitError):
     """A data set could not be saved; ``code`` is the library's result."""

@@ -10,7 +10,7 @@ from typing import Any, BinaryIO, NoReturn, Optional, Union
 from ._data_set import IN_MEMORY, DataSet, data_set_of
 from ._errors import PgkitError, TruncatedWarning
 from ._library import Report, StrPath, encoded_path, lib
-from ._reports import REASONS, OpenResult
+from ._reports import OpenResult
 
 _LOAD_BELOW = 64
 PAST_PIXEL_DATA = 0x800
@@ -74,7 +74,7 @@ def _raise_for(source: Any, report: Report) -> NoReturn:
     if isinstance(source, (str, os.PathLike)):
         with _builtin_open(source, "rb"):  # says what is wrong with the file itself
             pass
-    raise PgkitError(f"{_name_of(source)}: {REASONS.get(result, result.name)}")
+    raise PgkitError(f"{_name_of(source)}: {result.reason}")
 
 
 def is_dicom(path: StrPath) -> bool:

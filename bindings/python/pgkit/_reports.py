@@ -28,6 +28,11 @@ class OpenResult(enum.IntEnum):
     NO_TEMPORARY = -4
     NO_MEMORY = -5
 
+    @property
+    def reason(self) -> str:
+        """What is wrong, in words."""
+        return _REASONS.get(self, self.name)
+
 
 class Certainty(enum.IntEnum):
     """How sure the encoding is."""
@@ -38,7 +43,7 @@ class Certainty(enum.IntEnum):
     STATED = 3
 
 
-REASONS = {
+_REASONS = {
     OpenResult.CUT_SHORT: "it is cut short",
     OpenResult.BROKEN: "it is broken",
     OpenResult.LEFT_AFTER_FRAGMENTS: "what follows its fragments was not read",
@@ -85,4 +90,4 @@ class OpenReport:
         place = "" if self.tag is None else " in ({:04X},{:04X})".format(*self.tag)
         if self.is_complete:
             return f"complete, {self.elements} elements"
-        return f"{REASONS.get(self.result, self.result.name)} at offset {self.offset}{place}"
+        return f"{self.result.reason} at offset {self.offset}{place}"

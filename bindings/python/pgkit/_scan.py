@@ -13,7 +13,7 @@ from ._dictionary import TagLike, keyword, tag_number, vr_name
 from ._errors import PgkitError
 from ._library import Report, StrPath, encoded_path
 from ._opening import PAST_PIXEL_DATA, new_report
-from ._reports import REASONS, OpenReport, OpenResult
+from ._reports import OpenReport, OpenResult
 
 Row = Dict[str, Any]
 
@@ -36,8 +36,7 @@ def read_values(path: StrPath, tags: Iterable[TagLike]) -> Row:
     if row is None:
         with open(path, "rb"):
             pass
-        result = OpenResult(report.result)
-        raise PgkitError(f"{os.fspath(path)}: {REASONS.get(result, result.name)}")
+        raise PgkitError(f"{os.fspath(path)}: {OpenResult(report.result).reason}")
     del row["path"]
     return row
 
@@ -68,9 +67,7 @@ class Scan(Iterator[Row]):
             if report.result == OpenResult.NOT_A_DATA_SET:
                 self.left_out += 1
             else:
-                result = OpenResult(report.result)
-                reason = REASONS.get(result, result.name)
-                self.failed.append((path, reason))
+                self.failed.append((path, OpenResult(report.result).reason))
         raise StopIteration
 
 

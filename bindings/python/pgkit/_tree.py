@@ -130,7 +130,7 @@ class Level(LevelBase):
     def live(self) -> int:
         """The node. Raises ClosedError."""
         if self.handle is None or self.tree.root is None:
-            raise ClosedError("the data set is closed or this part of it was removed")
+            raise ClosedError()
         return self.handle
 
     @property
