@@ -13,8 +13,8 @@
 #include "support/captured.h"
 #include "support/instance_file.h"
 #include "support/patient_list.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace pgkit_test {
 
@@ -55,7 +55,7 @@ class DiscFixture : public testing::Test {
     }
     Finished Run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "disc");
-        return RunProgram(PGKIT_PGTOOL, arguments);
+        return Pgtool(arguments);
     }
     // Of the source, with options.
     Finished Disc(const std::vector<std::string>& options = {}) {

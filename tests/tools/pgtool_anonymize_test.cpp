@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "support/instance_file.h"
-#include "support/process.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
 #include "support/tree.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ class PgtoolAnonymize : public testing::Test {
   protected:
     Finished Run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "anonymize");
-        return RunProgram(PGKIT_PGTOOL, arguments);
+        return Pgtool(arguments);
     }
     // The bytes of what becomes of a file.
     std::string Anonymized(const Bytes& file, std::vector<std::string> options = {}) {
@@ -71,7 +71,7 @@ class PgtoolAnonymize : public testing::Test {
     // What the dump of the result prints for an element.
     std::string Value(const std::string& place) const { return ValueIn(output_, place); }
     static std::string ValueIn(const std::string& file, const std::string& place) {
-        const std::string out = RunProgram(PGKIT_PGTOOL, {"dump", file, "-t", place}).out;
+        const std::string out = Pgtool({"dump", file, "-t", place}).out;
         if (out.empty()) return "none";
         const size_t begin = out.find("Value: [") + 8;
         return out.substr(begin, out.find("]\n") - begin);

@@ -5,15 +5,15 @@
 #include <filesystem>
 
 #include "support/directory_builder.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
 using pgkit_test::Bytes;
 using pgkit_test::DirectoryBuilder;
 using pgkit_test::Finished;
-using pgkit_test::RunProgram;
+using pgkit_test::Pgtool;
 using pgkit_test::TempDir;
 using pgkit_test::TestData;
 using testing::EndsWith;
@@ -21,10 +21,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-
-Finished Pgtool(const std::vector<std::string>& arguments) {
-    return RunProgram(PGKIT_PGTOOL, arguments);
-}
 
 // One image, of instance number 7, whose file is IMG\X1.
 DirectoryBuilder OneImage() {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "support/instance_file.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ class PgtoolCheck : public testing::Test {
     }
     Finished Check(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "check");
-        return RunProgram(PGKIT_PGTOOL, arguments);
+        return Pgtool(arguments);
     }
 
     TempDir directory_;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tools/disc_fixture.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 

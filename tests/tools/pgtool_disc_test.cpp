@@ -10,6 +10,7 @@
 #include "support/deflated.h"
 #include "support/tree_comparison.h"
 #include "tools/disc_fixture.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 

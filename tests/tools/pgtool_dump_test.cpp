@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "support/instance_file.h"
-#include "support/process.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -21,10 +21,6 @@ using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* kExplicitLittle = "1.2.840.10008.1.2.1";
-
-Finished Pgtool(const std::vector<std::string>& arguments) {
-    return RunProgram(PGKIT_PGTOOL, arguments);
-}
 
 class PgtoolDumpText : public testing::Test {
   protected:

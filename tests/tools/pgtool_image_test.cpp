@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "support/instance_file.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -82,7 +82,7 @@ class PgtoolImage : public testing::Test {
     Finished Image(const InstanceFile& file, std::vector<std::string> options) {
         const std::string path = files_.Write("image", file.Data());
         options.insert(options.begin(), {"image", path, "-o", output_});
-        return RunProgram(PGKIT_PGTOOL, options);
+        return Pgtool(options);
     }
 
     TempDir files_;
@@ -130,8 +130,8 @@ TEST_F(PgtoolImage, SaysWhyThereIsNoPicture) {
                 HasSubstr("does not hold the whole frame"));
     const Bytes kept = ReadFile(output_);
     EXPECT_EQ(std::string(kept.begin(), kept.end()), former);
-    EXPECT_EQ(RunProgram(PGKIT_PGTOOL, {"image", "x"}).exitStatus, 2);
-    EXPECT_EQ(RunProgram(PGKIT_PGTOOL, {"image", "-o", output_}).exitStatus, 2);
+    EXPECT_EQ(Pgtool({"image", "x"}).exitStatus, 2);
+    EXPECT_EQ(Pgtool({"image", "-o", output_}).exitStatus, 2);
 }
 
 }  // namespace

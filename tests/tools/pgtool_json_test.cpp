@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "support/instance_file.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -20,9 +20,6 @@ using testing::StartsWith;
 
 class PgtoolJson : public testing::Test {
   protected:
-    static Finished Pgtool(const std::vector<std::string>& arguments) {
-        return RunProgram(PGKIT_PGTOOL, arguments);
-    }
     std::string Write(const std::string& name, const InstanceFile& file) {
         return files_.Write(name, file.Data());
     }

@@ -11,9 +11,9 @@
 #include "support/captured.h"
 #include "support/instance_file.h"
 #include "support/patient_list.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
 #include "support/tree.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ class PgtoolMkdir : public testing::Test {
     }
     Finished Mkdir(std::vector<std::string> options) {
         options.insert(options.begin(), {"mkdir", Medium()});
-        return RunProgram(PGKIT_PGTOOL, options);
+        return Pgtool(options);
     }
 
     // The hierarchy of the medium, or of another one.
@@ -107,7 +107,7 @@ TEST_F(PgtoolMkdir, FillsMissingKeysOnDemand) {
 
 TEST_F(PgtoolMkdir, TakesADirectoryWithASlashAtItsEnd) {
     Write("A", Instance(1));
-    const Finished run = RunProgram(PGKIT_PGTOOL, {"mkdir", Medium() + "/"});
+    const Finished run = Pgtool({"mkdir", Medium() + "/"});
     EXPECT_EQ(run.exitStatus, 0);
     std::ifstream list(directory_.Path("MEDIUM/dcmdir.lst"));
     const std::string text(std::istreambuf_iterator<char>(list), {});
@@ -119,8 +119,7 @@ TEST_F(PgtoolMkdir, PutsTheDicomdirApartFromOffshoreFiles) {
     Write("SUB/B", Instance(2));
     const std::filesystem::path target = directory_.Path("TARGET");
     std::filesystem::create_directory(target);
-    const Finished run =
-        RunProgram(PGKIT_PGTOOL, {"mkdir", target.string(), "--offshore", Medium() + "/"});
+    const Finished run = Pgtool({"mkdir", target.string(), "--offshore", Medium() + "/"});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.out, "0 Dicom file accepted: 2\n");
     EXPECT_EQ(Hierarchy("TARGET"), "ID1(1.2.3(1.2.3.4(1.2.3.4.1 1.2.3.4.2)))");
@@ -135,8 +134,8 @@ TEST_F(PgtoolMkdir, StaysOutOfSubdirectoriesOfOffshoreFilesOnDemand) {
     Write("A", Instance(1));
     Write("SUB/B", Instance(2));
     std::filesystem::create_directory(directory_.Path("TARGET"));
-    EXPECT_EQ(RunProgram(PGKIT_PGTOOL, {"mkdir", directory_.Path("TARGET"), "--offshore", Medium(),
-                                        "--no-recurse", "--no-list"})
+    EXPECT_EQ(Pgtool({"mkdir", directory_.Path("TARGET"), "--offshore", Medium(), "--no-recurse",
+                      "--no-list"})
                   .out,
               "0 Dicom file accepted: 1\n");
     EXPECT_FALSE(std::filesystem::exists(directory_.Path("TARGET/dcmdir.lst")));
@@ -144,7 +143,7 @@ TEST_F(PgtoolMkdir, StaysOutOfSubdirectoriesOfOffshoreFilesOnDemand) {
 
 TEST_F(PgtoolMkdir, FailsWhereNothingCanBeWritten) {
     const std::string missing = directory_.Path("missing");
-    const Finished run = RunProgram(PGKIT_PGTOOL, {"mkdir", missing});
+    const Finished run = Pgtool({"mkdir", missing});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_THAT(run.out, IsEmpty());
     EXPECT_THAT(run.err,
@@ -172,7 +171,7 @@ TEST_F(PgtoolMkdir, WritesNoDicomdirOfOffshoreFilesWhenNothingIsAccepted) {
     const auto run = [&](std::vector<std::string> options) {
         options.insert(options.begin(),
                        {"mkdir", directory_.Path("TARGET"), "--offshore", Medium()});
-        return RunProgram(PGKIT_PGTOOL, options).exitStatus;
+        return Pgtool(options).exitStatus;
     };
     EXPECT_EQ(run({}), 1);
     EXPECT_FALSE(std::filesystem::exists(directory_.Path("TARGET/DICOMDIR")));
@@ -183,7 +182,7 @@ TEST_F(PgtoolMkdir, WritesNoDicomdirOfOffshoreFilesWhenNothingIsAccepted) {
 TEST_F(PgtoolMkdir, RefusesUnknownProfilesBeforeItTouchesAnything) {
     Write("A", Instance(1));
     for (const char* command : {"mkdir", "check"}) {
-        const Finished run = RunProgram(PGKIT_PGTOOL, {command, Medium(), "--profile", "STD-GEN"});
+        const Finished run = Pgtool({command, Medium(), "--profile", "STD-GEN"});
         EXPECT_EQ(run.exitStatus, 2);
         EXPECT_THAT(run.err, HasSubstr(": unknown profile: STD-GEN"));
     }
@@ -204,8 +203,7 @@ TEST_F(PgtoolMkdir, RefusesOffshoreNamesWithBackslashes) {
     std::filesystem::create_directory(directory_.Path("MEDIUM/C\\D"));
     Write("C\\D/E", Instance(3));
     std::filesystem::create_directory(directory_.Path("TARGET"));
-    const Finished run =
-        RunProgram(PGKIT_PGTOOL, {"mkdir", directory_.Path("TARGET"), "--offshore", Medium()});
+    const Finished run = Pgtool({"mkdir", directory_.Path("TARGET"), "--offshore", Medium()});
     EXPECT_EQ(run.out, "0 Dicom file accepted: 1\n1 Invalid filename for file: 2\n");
     EXPECT_EQ(Hierarchy("TARGET"), "ID1(1.2.3(1.2.3.4(1.2.3.4.1)))");
 }
@@ -225,8 +223,8 @@ TEST_F(PgtoolMkdir, WritesNothingUnderStrictWhereAFileIsRefused) {
     EXPECT_EQ(ReadFile(directory_.Path("MEDIUM/DICOMDIR")), before);
 
     std::filesystem::create_directory(directory_.Path("TARGET"));
-    const Finished offshore = RunProgram(
-        PGKIT_PGTOOL, {"mkdir", directory_.Path("TARGET"), "--offshore", Medium(), "--strict"});
+    const Finished offshore =
+        Pgtool({"mkdir", directory_.Path("TARGET"), "--offshore", Medium(), "--strict"});
     EXPECT_EQ(offshore.exitStatus, 1);
     EXPECT_FALSE(std::filesystem::exists(directory_.Path("TARGET/DICOMDIR")));
 }
@@ -388,7 +386,7 @@ TEST_F(PgtoolMkdir, ChecksItsCommandLine) {
               "pgtool mkdir: --add and --remove are two commands");
     EXPECT_EQ(complaint({"--add", "X", "--offshore", "Y"}),
               "pgtool mkdir: --add and --remove know neither --offshore nor --file-set-id");
-    EXPECT_EQ(RunProgram(PGKIT_PGTOOL, {"mkdir"}).exitStatus, 2);
+    EXPECT_EQ(Pgtool({"mkdir"}).exitStatus, 2);
     EXPECT_FALSE(std::filesystem::exists(directory_.Path("MEDIUM/DICOMDIR")));
 }
 

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "support/process.h"
 #include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -18,8 +18,8 @@ using pgkit_test::kExplicitLittle;
 using pgkit_test::kPart10Big;
 using pgkit_test::kPart10Explicit;
 using pgkit_test::kPart10Implicit;
+using pgkit_test::Pgtool;
 using pgkit_test::ReadFile;
-using pgkit_test::RunProgram;
 using pgkit_test::TempDir;
 using pgkit_test::TestData;
 using pgkit_test::TextOf;
@@ -28,10 +28,6 @@ using testing::IsEmpty;
 using testing::Not;
 
 constexpr const char* kSource = "native/mr_implicit_le.dcm";
-
-Finished Pgtool(const std::vector<std::string>& arguments) {
-    return RunProgram(PGKIT_PGTOOL, arguments);
-}
 
 class PgtoolWriting : public testing::Test {
   protected:

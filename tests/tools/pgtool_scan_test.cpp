@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "support/instance_file.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ class PgtoolScan : public testing::Test {
     }
     Finished Scan(std::vector<std::string> options) {
         options.insert(options.begin(), {"scan", In()});
-        return RunProgram(PGKIT_PGTOOL, options);
+        return Pgtool(options);
     }
 
     TempDir files_;
@@ -83,9 +83,9 @@ TEST_F(PgtoolScan, TablesAreAligned) {
 
 TEST_F(PgtoolScan, ColumnsMayBePathsAndSeveralValuesAreJoined) {
     const std::string file = TestData("sequences/sr_nested_be_defined.dcm");
-    const Finished run = RunProgram(
-        PGKIT_PGTOOL, {"scan", file, TestData("native/mr_implicit_le.dcm"), "--tags", "ImageType",
-                       "-t", "ConceptNameCodeSequence[0].CodeMeaning", "-t", "ContentSequence"});
+    const Finished run =
+        Pgtool({"scan", file, TestData("native/mr_implicit_le.dcm"), "--tags", "ImageType", "-t",
+                "ConceptNameCodeSequence[0].CodeMeaning", "-t", "ContentSequence"});
     EXPECT_THAT(run.out, StartsWith("path,ImageType,ConceptNameCodeSequence[0].CodeMeaning,"
                                     "ContentSequence\n"));
     EXPECT_THAT(run.out, HasSubstr(" items\n"));
@@ -99,8 +99,8 @@ TEST_F(PgtoolScan, ThousandsOfFilesAreRowsOfOneTable) {
     std::string list;
     for (int i = 0; i < 5000; ++i)
         list += first + "\n";
-    const Finished run = RunProgram(
-        PGKIT_PGTOOL, {"scan", "--files-from", files_.Write("list", list), "--tags", "Modality"});
+    const Finished run =
+        Pgtool({"scan", "--files-from", files_.Write("list", list), "--tags", "Modality"});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 5001);
 }
@@ -126,7 +126,7 @@ TEST_F(PgtoolScan, WrongCommandLinesAreMisuse) {
         EXPECT_THAT(run.out, IsEmpty());
         EXPECT_THAT(run.err, HasSubstr("usage: pgtool scan"));
     }
-    EXPECT_EQ(RunProgram(PGKIT_PGTOOL, {"scan"}).exitStatus, 2);
+    EXPECT_EQ(Pgtool({"scan"}).exitStatus, 2);
 }
 
 }  // namespace

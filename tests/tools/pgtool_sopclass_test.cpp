@@ -1,18 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/process.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
 using pgkit_test::Finished;
-using pgkit_test::RunProgram;
+using pgkit_test::Pgtool;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-Finished Pgtool(const std::vector<std::string>& arguments) {
-    return RunProgram(PGKIT_PGTOOL, arguments);
-}
 
 TEST(PgtoolUid, StorageClassHasMnemonicAndCategories) {
     const Finished run = Pgtool({"uid", "1.2.840.10008.5.1.4.1.1.481.2"});

@@ -5,22 +5,18 @@
 #include <utility>
 
 #include "pgkit/pgkit.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
 using pgkit_test::Finished;
-using pgkit_test::RunProgram;
+using pgkit_test::Pgtool;
 using pgkit_test::TempDir;
 using pgkit_test::TestData;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-Finished Pgtool(const std::vector<std::string>& arguments) {
-    return RunProgram(PGKIT_PGTOOL, arguments);
-}
 
 // What the library itself dumps, with "\n" line ends.
 std::string LibraryDump(const std::string& path, uint32_t flags) {

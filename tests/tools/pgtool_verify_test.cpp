@@ -10,8 +10,8 @@
 #include "support/directory_builder.h"
 #include "support/instance_file.h"
 #include "support/mutation.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
+#include "tools/run_pgtool.h"
 
 namespace {
 
@@ -67,7 +67,7 @@ class PgtoolVerify : public testing::Test {
 
     Finished Run(std::vector<std::string> options = {}) {
         options.insert(options.begin(), {"verify", Medium()});
-        return RunProgram(PGKIT_PGTOOL, options);
+        return Pgtool(options);
     }
     // What is found when the medium has the directory as it stands in directory_.
     std::string Found(const std::vector<std::string>& options = {}) {
@@ -95,7 +95,7 @@ TEST_F(PgtoolVerify, FindsNothingOnASoundMedium) {
     const Finished run = Run();
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.err, "pgtool verify: 5 records, 2 files: no findings\n");
-    EXPECT_EQ(RunProgram(PGKIT_PGTOOL, {"verify", Medium() + "/DICOMDIR"}).exitStatus, 0);
+    EXPECT_EQ(Pgtool({"verify", Medium() + "/DICOMDIR"}).exitStatus, 0);
 }
 
 TEST_F(PgtoolVerify, FindsFilesInWhateverCaseTheyAreShown) {
@@ -118,7 +118,7 @@ TEST_F(PgtoolVerify, TellsThatThereIsNoDicomdir) {
 }
 
 TEST_F(PgtoolVerify, TellsThatTheMediumIsMissing) {
-    const Finished run = RunProgram(PGKIT_PGTOOL, {"verify", files_.Path("nothing")});
+    const Finished run = Pgtool({"verify", files_.Path("nothing")});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_THAT(run.out, IsEmpty());
     EXPECT_THAT(run.err, EndsWith("nothing: no such file\n"));
@@ -144,8 +144,7 @@ TEST_F(PgtoolVerify, ChecksTheHead) {
 
 TEST_F(PgtoolVerify, ChecksTheTransferSyntaxOfTheDicomdir) {
     files_.Write("M/DICOMDIR", directory_.Build());
-    RunProgram(PGKIT_PGTOOL,
-               {"save", Medium() + "/DICOMDIR", files_.Path("other"), "--mode", "implicit-le"});
+    Pgtool({"save", Medium() + "/DICOMDIR", files_.Path("other"), "--mode", "implicit-le"});
     fs::rename(files_.Path("other"), files_.Path("M/DICOMDIR"));
     EXPECT_THAT(Run().out, StartsWith("DICOMDIR: its transfer syntax is 1.2.840.10008.1.2, not "
                                       "Explicit VR Little Endian\n"));
@@ -535,8 +534,7 @@ TEST_F(PgtoolVerify, RepairMakesANewDicomdirOfTheFiles) {
                                HasSubstr("(0008,0020) StudyDate is empty\n")));
     EXPECT_THAT(run.err, HasSubstr("pgtool verify: a new DICOMDIR is in place\n"));
     EXPECT_FALSE(fs::exists(files_.Path("M/dcmdir.lst")));
-    EXPECT_THAT(RunProgram(PGKIT_PGTOOL, {"browse", Medium()}).out,
-                EndsWith("3 instances, 0 missing files\n"));
+    EXPECT_THAT(Pgtool({"browse", Medium()}).out, EndsWith("3 instances, 0 missing files\n"));
 }
 
 TEST_F(PgtoolVerify, ARepairedMediumIsSound) {
