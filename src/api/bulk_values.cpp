@@ -222,9 +222,10 @@ size_t ReadValues(PGX_Node& dataSet, PGX_Node* inherited, std::span<const uint32
                   uint32_t longestValue, std::span<uint8_t> buffer) {
     BlockWriter block(CharacterSetOf(dataSet, inherited), static_cast<uint32_t>(tags.size()),
                       longestValue, buffer);
-    for (const uint32_t tag : tags)
+    for (const uint32_t tag : tags) {
         block.Add(tag, FindElement(dataSet,
                                    {static_cast<uint16_t>(tag >> 16), static_cast<uint16_t>(tag)}));
+    }
     return block.Finish();
 }
 
