@@ -23,6 +23,15 @@ bool AnyElement(PGX_Node& root, Predicate predicate) {
     });
 }
 
+// How a tree is saved in a mode, where the file does not say it.
+uint32_t FlagsOfBare(PGX_Node& root, uint32_t mode) {
+    const bool isAsRead = mode == root.syntaxFlags;
+    const auto isEncapsulated = [](const PGX_Node& element) { return element.encapsulated != 0; };
+    if (isAsRead && (mode & PG_IMPLICIT_VR) != 0 && AnyElement(root, isEncapsulated))
+        return PG_EXPLICIT_VR | PG_LITTLE_ENDIAN;
+    return mode & kEncodingBits;
+}
+
 // A bare data set passes for a file with a preamble when its bytes fall that way.
 bool LooksLikePart10(const std::string& path) {
     const pgkit_test::Bytes bytes = pgkit_test::ReadFile(path);
@@ -97,10 +106,10 @@ bool IsAmbiguous(PGX_Node& original, const PGX_Node& reread) {
 
 pgkit_test::DataSet RequireReadsBack(PGX_Node& original, const std::string& path, int32_t mode,
                                      uint32_t limit) {
-    // A bare data set does not say how it is encoded.
     const uint32_t used = mode == 0 ? original.syntaxFlags : static_cast<uint32_t>(mode);
-    const uint32_t flags = used & kEncodingBits;
-    if ((used & PG_META) == 0 && LooksLikePart10(path)) return nullptr;
+    const bool isBare = (used & PG_META) == 0;
+    if (isBare && LooksLikePart10(path)) return nullptr;
+    const uint32_t flags = isBare ? FlagsOfBare(original, used) : used & kEncodingBits;
     pgkit_test::DataSet reread(pgOpenDataSetFileEx(path.c_str(), limit, flags));
     if (IsUndeclared(original, mode)) return reread;
     Require(reread != nullptr, "what was saved can be read");

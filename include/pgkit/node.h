@@ -330,7 +330,10 @@ class PGX_Node {
     // File Meta Information moves in front of elements of lower groups. With it the encoding is
     // explicit VR little endian, whatever the mode says, where readers would lose another one:
     // there are encapsulated Pixel Data, or the data set begins with group 0200 and would be big
-    // endian.
+    // endian. So it is where a bare data set in implicit VR that has encapsulated Pixel Data is
+    // saved in the encoding it was read with. Asked for by another mode, bare implicit VR is
+    // written all the same, with the explicit header that encapsulated Pixel Data have in every
+    // encoding: readers of implicit VR take it for a length.
     //
     // A file that the tree still has to read from (a value, a fragment, a content file) may be the
     // target: it is replaced when the new one is complete beside it, stays as it was when that

@@ -158,7 +158,10 @@ WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode, bool& isDeflated) {
     // A bare data set that is written as it was read has no transfer syntax: an element that is one
     // by its tag stood somewhere in it, and said nothing of it.
     const bool isBareAsRead = (mode & kMetaModes) == 0 && mode == root.syntaxFlags;
-    if (isBareAsRead) return kWritten;
+    if (isBareAsRead) {
+        if ((mode & PG_IMPLICIT_VR) != 0 && HasEncapsulated(root)) mode = InExplicitLittle(mode);
+        return kWritten;
+    }
     MetaInformation meta;
     if ((mode & kMetaModes) != 0 && root.nodeType == NT_DataSet) {
         PutMetaFirst(root);

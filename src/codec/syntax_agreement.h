@@ -19,7 +19,9 @@ constexpr uint32_t kMetaModes = PG_META | PG_META_IMPLICIT_VR;
 //
 // With File Meta Information, that goes in front of elements of lower groups, and the encoding is
 // explicit VR little endian where it must be: encapsulated Pixel Data have no other, and a data set
-// that begins with group 0200 would in big endian seem to go on with File Meta Information.
+// that begins with group 0200 would in big endian seem to go on with File Meta Information. So it
+// is in a bare data set that is written as it was read, in implicit VR, with encapsulated Pixel
+// Data: their header is explicit in every encoding, and would hide what follows it.
 //
 // isDeflated becomes whether the data set behind the File Meta Information is to be deflated.
 //

@@ -241,6 +241,18 @@ TEST_F(SavedSyntax, OfEncapsulatedPixelDataIsExplicitLittleEndian) {
     }
 }
 
+// Among implicit elements their header, which has a VR, was taken for a length.
+TEST_F(SavedSyntax, OfABareImplicitDataSetWithEncapsulatedPixelDataBecomesExplicit) {
+    StreamBuilder file(VrMode::Implicit);
+    AddBody(file).Header(0x7FE0, 0x0010, "OB", kUndefined);
+    file.Item(0).Item(4).Text("abcd").EndSequence().Element(0xFFFC, 0xFFFC, "OB", "12");
+    const OpenedStream opened(file);
+    ASSERT_EQ(opened.Root()->syntaxFlags, kImplicitLittle);
+    ExpectToReadBack(*opened.Root(), kAsRead);
+    EXPECT_EQ(reread_->syntaxFlags, kExplicitLittle);
+    EXPECT_NE(reread_->FindNode(0xFFFC, 0xFFFC), nullptr);
+}
+
 // In big endian its first bytes are those of group 0002.
 TEST_F(SavedSyntax, IsLittleEndianInFrontOfGroup0200) {
     for (const uint32_t mode : kEveryMode) {
