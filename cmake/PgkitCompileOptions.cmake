@@ -22,6 +22,10 @@ if(PGKIT_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_compile_options(pgkit_compile_options INTERFACE ${sanitizers})
   target_link_options(pgkit_compile_options INTERFACE ${sanitizers})
+  if(NOT PGKIT_FUZZ)
+    # Tests run for seconds what takes minutes to optimise.
+    target_compile_options(pgkit_compile_options INTERFACE -O1 -g1)
+  endif()
 endif()
 
 if(PGKIT_FUZZ)
@@ -32,4 +36,11 @@ endif()
 if(PGKIT_SANITIZE_THREADS)
   target_compile_options(pgkit_compile_options INTERFACE -fsanitize=thread)
   target_link_options(pgkit_compile_options INTERFACE -fsanitize=thread)
+endif()
+
+# Of programs that use the modules; linked behind the options above. They spend their time in the
+# modules, and to optimise them with sanitizers would take twice as long as to compile them.
+add_library(pgkit_program_options INTERFACE)
+if(PGKIT_SANITIZE AND NOT PGKIT_FUZZ)
+  target_compile_options(pgkit_program_options INTERFACE -O0)
 endif()

@@ -41,6 +41,12 @@ inline PGX_Node* AddItem(PGX_Node& sequence) {
     return item;
 }
 
+// Encapsulated Pixel Data without a table of fragments.
+inline bool IsNotIndexed(const PGX_Node* node) {
+    return node->encapsulated == 1 && reinterpret_cast<uintptr_t>(node->fragments) == 1 &&
+           node->fragmentCount == 0 && node->fragmentCapacity == 0;
+}
+
 // Makes an element take its value from a stream, as the parser leaves a large one.
 inline void SetSource(PGX_Node& element, FILE* stream, uint32_t offset, uint32_t length) {
     element.SetValue(nullptr, 0);

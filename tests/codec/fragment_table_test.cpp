@@ -4,12 +4,14 @@
 
 #include <vector>
 
+#include "codec/encoded.h"
 #include "support/tree.h"
 
 namespace {
 
 using pgkit_test::Child;
 using pgkit_test::Describe;
+using pgkit_test::IsNotIndexed;
 using pgkit_test::kLoadAll;
 using pgkit_test::OpenedStream;
 using pgkit_test::StreamBuilder;
@@ -45,11 +47,6 @@ std::string Entries(PGX_Node* node, uint32_t base) {
         text += std::to_string(offset - base) + "+" + std::to_string(length) + " ";
     }
     return text;
-}
-
-bool IsNotIndexed(const PGX_Node* node) {
-    return node->encapsulated == 1 && reinterpret_cast<uintptr_t>(node->fragments) == 1 &&
-           node->fragmentCount == 0 && node->fragmentCapacity == 0;
 }
 
 TEST(OffsetTable, SingleFrameStartsAtTheFirstItemWhateverItsOffset) {

@@ -55,11 +55,6 @@ std::string End(const Reported& opened) {
     return std::to_string(report.result) + " at " + std::to_string(report.offset) + tag;
 }
 
-StreamBuilder SmallFile() {
-    StreamBuilder stream;
-    return stream.Part10(kExplicit).Element(0x0008, 0x0060, "CS", "CT");
-}
-
 std::string At(const char* result, uint64_t offset, const char* tag = "") {
     return std::string(result) + " at " + std::to_string(offset) + tag;
 }

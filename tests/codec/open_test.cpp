@@ -18,15 +18,10 @@ using pgkit_test::DataSet;
 using pgkit_test::Describe;
 using pgkit_test::kExplicitLittle;
 using pgkit_test::Printed;
+using pgkit_test::SmallFile;
 using pgkit_test::StreamBuilder;
 using pgkit_test::TempDir;
 using pgkit_test::TextOf;
-
-StreamBuilder SmallFile() {
-    StreamBuilder stream;
-    stream.Part10("1.2.840.10008.1.2.1").Element(0x0008, 0x0060, "CS", "CT");
-    return stream;
-}
 
 TEST(Open, MissingFileGivesNullAndPrintsNothing) {
     TempDir directory;

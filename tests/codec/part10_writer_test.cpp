@@ -9,6 +9,7 @@
 #include "support/captured.h"
 #include "support/save_modes.h"
 #include "support/stream_builder.h"
+#include "support/transfer_syntaxes.h"
 #include "support/tree.h"
 #include "support/write_results.h"
 
@@ -71,7 +72,7 @@ StreamBuilder Body(const Reconciled& reconciled, bool undefinedLengths) {
 
 // Group 0002 with a version, whose header is a long one, and the UID. Its length counts explicit
 // headers even when they are written as implicit ones.
-Bytes MetaGroup(const Reconciled& reconciled, uint32_t mode) {
+Bytes MetaInformation(const Reconciled& reconciled, uint32_t mode) {
     const bool implicitVr = (mode & PG_META_IMPLICIT_VR) != 0;
     const bool countsExplicit = (mode & PG_META) != 0 || reconciled.explicitVr;
     StreamBuilder meta(implicitVr ? VrMode::Implicit : VrMode::Explicit);
@@ -87,7 +88,7 @@ Bytes MetaGroup(const Reconciled& reconciled, uint32_t mode) {
 Bytes ExpectedFile(const Reconciled& reconciled, uint32_t mode) {
     StreamBuilder file;
     if ((mode & (PG_META | PG_META_IMPLICIT_VR)) != 0) {
-        file.Preamble().Append(MetaGroup(reconciled, mode));
+        file.Preamble().Append(MetaInformation(reconciled, mode));
     }
     return file.Append(Body(reconciled, (mode & PG_UNDEFINED_LENGTHS) != 0).Data()).Data();
 }

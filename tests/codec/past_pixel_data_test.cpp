@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
+#include "codec/encoded.h"
 #include "support/save_modes.h"
 #include "support/tree.h"
 
@@ -9,7 +10,7 @@ namespace {
 
 using namespace pgkit_test;
 
-StreamBuilder UpToPixelData() {
+StreamBuilder UpToFragments() {
     StreamBuilder stream;
     stream.Part10("1.2.840.10008.1.2.4.50").Element(0x0008, 0x0060, "CS", "CT");
     return stream.Header(0x7FE0, 0x0010, "OB", kUndefined);
@@ -17,14 +18,9 @@ StreamBuilder UpToPixelData() {
 
 // A last frame of two fragments, of which no table is made.
 StreamBuilder WithLastFrameInPieces() {
-    StreamBuilder stream = UpToPixelData();
+    StreamBuilder stream = UpToFragments();
     stream.Item(4).U32(0).Item(4).Text("abcd").Item(2).Text("ef").EndSequence();
     return stream.Element(0xFFFC, 0xFFFC, "OB", "pad ");
-}
-
-bool IsNotIndexed(const PGX_Node* node) {
-    return node->encapsulated == 1 && reinterpret_cast<uintptr_t>(node->fragments) == 1 &&
-           node->fragmentCount == 0;
 }
 
 constexpr char kWithout[] = "0002,0010 0008,0060 7FE0,0010";
@@ -39,7 +35,7 @@ TEST(PastPixelData, FollowingElementsAreReadOnlyOnRequest) {
 }
 
 TEST(PastPixelData, FragmentsThatAreNotToBeIndexedArePassedToo) {
-    StreamBuilder file = UpToPixelData();
+    StreamBuilder file = UpToFragments();
     file.Item(0).Item(4).Text("abcd").EndSequence().Element(0xFFFC, 0xFFFC, "OB", "pad ");
     EXPECT_EQ(Tags(OpenedStream(file, kLoadAll, PG_OPEN_SKIP_FRAGMENTS).Root()), kWithout);
     EXPECT_EQ(
@@ -60,7 +56,7 @@ TEST(PastPixelData, ItemsThatContainThemCountThem) {
 }
 
 TEST(PastPixelData, WithoutDelimiterTheyAreTheLastElement) {
-    StreamBuilder file = UpToPixelData();
+    StreamBuilder file = UpToFragments();
     file.Item(4).U32(0).Item(2).Text("ab").Item(2).Text("cd");
     EXPECT_EQ(Tags(OpenedStream(file, kLoadAll, PG_OPEN_PAST_PIXEL_DATA).Root()), kWithout);
     file.Element(0xFFFC, 0xFFFC, "OB", "pad ");

@@ -9,16 +9,13 @@
 #include "codec/encoded.h"
 #include "support/save_modes.h"
 #include "support/stream_builder.h"
+#include "support/transfer_syntaxes.h"
 #include "support/tree.h"
 #include "support/tree_comparison.h"
 
 namespace {
 
 using namespace pgkit_test;
-
-constexpr const char* kImplicitLittleUid = "1.2.840.10008.1.2";
-constexpr const char* kExplicitLittleUid = "1.2.840.10008.1.2.1";
-constexpr const char* kExplicitBigUid = "1.2.840.10008.1.2.2";
 
 // Those that say the encoding in full.
 constexpr uint32_t kEveryMode[] = {kAsRead,

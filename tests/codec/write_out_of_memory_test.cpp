@@ -35,7 +35,7 @@ class WriteOutOfMemory : public testing::Test {
                 const FailingNew failing(allowed);
                 result = operation();
             }
-            if (result != kOutOfMemory) {
+            if (result != pgkit_test::kOutOfMemory) {
                 EXPECT_EQ(result, 0u);
                 return allowed;
             }
@@ -81,7 +81,7 @@ TEST_F(WriteOutOfMemory, LeavesAFileThatTheTreeReadsFrom) {
             result = root_->SaveDataSetAsEx(path.c_str(), kPart10Explicit);
         }
         if (result == 0) break;
-        ASSERT_EQ(result, kOutOfMemory);
+        ASSERT_EQ(result, pgkit_test::kOutOfMemory);
         ASSERT_EQ(ReadFile(path), before) << allowed;
     }
     EXPECT_NE(ReadFile(path), before);

@@ -19,7 +19,7 @@ using testing::StartsWith;
 
 constexpr uint32_t kUnloaded = 0;
 
-pgkit::data_set Image() {
+pgkit::data_set SmallImage() {
     pgkit::data_set image = pgkit::data_set::create();
     EXPECT_TRUE(image.set_text("SOPClassUID", "1.2.840.10008.5.1.4.1.1.7"));
     EXPECT_TRUE(image.set_text("SOPInstanceUID", "1.2.3"));
@@ -104,7 +104,7 @@ TEST(DataSetFiles, BuiltDataSetsAreSavedAsDicomFiles) {
         {encoding::implicit_little, "1.2.840.10008.1.2"},
         {encoding::explicit_big, "1.2.840.10008.1.2.2"}};
     for (const auto& [how, transferSyntax] : encodings) {
-        pgkit::data_set image = Image();
+        pgkit::data_set image = SmallImage();
         const std::string path = directory.Path("image");
         ASSERT_TRUE(image.save(path, how));
         EXPECT_EQ(pgIsDicomFile(path.c_str()), 1);
@@ -158,7 +158,7 @@ TEST(DataSetFiles, AreSavedOverThemselves) {
 
 TEST(DataSetFiles, ThatCannotBeSavedSayWhy) {
     const TempDir directory;
-    pgkit::data_set image = Image();
+    pgkit::data_set image = SmallImage();
     const std::string nowhere = directory.Path("no/such/folder/image");
     testing::internal::CaptureStderr();
     const auto refused = image.save(nowhere);
@@ -185,7 +185,7 @@ static_assert(std::ranges::forward_range<const pgkit::handle_range<pgkit::leaf>>
 static_assert(std::is_constructible_v<std::span<const int>, pgkit::span<const int>>);
 
 TEST(DataSetOwnership, HandlesStayValidWhenTheirDataSetIsMoved) {
-    pgkit::data_set first = Image();
+    pgkit::data_set first = SmallImage();
     const pgkit::element name = first.find("PatientName");
     pgkit::data_set second = std::move(first);
     EXPECT_EQ(name.text(), "DOE^JANE");
@@ -201,14 +201,14 @@ TEST(DataSetOwnership, HandlesStayValidWhenTheirDataSetIsMoved) {
 
 TEST(DataSetOwnership, AssigningClosesWhatWasThere) {
     Opened file(Part10Stream().Element(0x0010, 0x0010, "PN", "DOE^"), kUnloaded);
-    file.dataSet = Image();
+    file.dataSet = SmallImage();
     // On Windows a file that is open could not be removed.
     EXPECT_TRUE(std::filesystem::remove(file.path));
 }
 
 TEST(DataSetOwnership, ADataSetIsAnItem) {
     const auto nameOf = [](pgkit::item item) { return item.find("PatientName").text(); };
-    pgkit::data_set image = Image();
+    pgkit::data_set image = SmallImage();
     EXPECT_EQ(nameOf(image), "DOE^JANE");
     EXPECT_EQ(nameOf(pgkit::item()), "");
 }

@@ -9,11 +9,11 @@ namespace {
 
 // Things to point at.
 char things[8] = {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h'};
-char* const a = &things[0];
-char* const b = &things[1];
-char* const c = &things[2];
-char* const d = &things[3];
-char* const p = &things[4];
+char* const thingA = &things[0];
+char* const thingB = &things[1];
+char* const thingC = &things[2];
+char* const thingD = &things[3];
+char* const thingP = &things[4];
 
 void Fill(PGX_List& list, const std::vector<char*>& pointers) {
     for (char* pointer : pointers)
@@ -44,11 +44,11 @@ TEST(ListElement, IsEmptyAtFirst) {
 TEST(ListElement, AssignmentCopiesBothFields) {
     PGX_ListElement last;
     PGX_ListElement cell;
-    cell.data = a;
+    cell.data = thingA;
     cell.next = &last;
     PGX_ListElement copy;
     EXPECT_EQ(&(copy = cell), &copy);
-    EXPECT_EQ(copy.data, a);
+    EXPECT_EQ(copy.data, thingA);
     EXPECT_EQ(copy.next, &last);
 }
 
@@ -59,40 +59,40 @@ TEST(List, IsEmptyAtFirst) {
 
 TEST(List, AddTailAppends) {
     PGX_List list;
-    list.AddTail(a);
+    list.AddTail(thingA);
     EXPECT_EQ(list.head, list.tail);
-    list.AddTail(b);
-    list.AddTail(c);
+    list.AddTail(thingB);
+    list.AddTail(thingC);
     EXPECT_EQ(Content(list), "abc");
     EXPECT_EQ(list.GetCount(), 3);
-    EXPECT_EQ(list.GetHead(), a);
-    EXPECT_EQ(list.GetTail(), c);
-    EXPECT_EQ(list.GetLastPosition()->data, c);
+    EXPECT_EQ(list.GetHead(), thingA);
+    EXPECT_EQ(list.GetTail(), thingC);
+    EXPECT_EQ(list.GetLastPosition()->data, thingC);
     EXPECT_EQ(list.GetLastPosition()->next, nullptr);
 }
 
 TEST(List, AddHeadPrepends) {
     PGX_List list;
-    list.AddHead(a);
+    list.AddHead(thingA);
     EXPECT_EQ(list.head, list.tail);
-    list.AddHead(b);
+    list.AddHead(thingB);
     EXPECT_EQ(Content(list), "ba");
     EXPECT_EQ(list.GetCount(), 2);
-    EXPECT_EQ(list.GetTail(), a);
+    EXPECT_EQ(list.GetTail(), thingA);
 }
 
 TEST(List, GetAtCountsFromZero) {
     PGX_List list;
-    Fill(list, {a, b, c});
-    EXPECT_EQ(list.GetAt(0), a);
-    EXPECT_EQ(list.GetAt(1), b);
-    EXPECT_EQ(list.GetAt(2), c);
+    Fill(list, {thingA, thingB, thingC});
+    EXPECT_EQ(list.GetAt(0), thingA);
+    EXPECT_EQ(list.GetAt(1), thingB);
+    EXPECT_EQ(list.GetAt(2), thingC);
 }
 
 TEST(List, GetAtOutsideOfTheListIsNull) {
     PGX_List list;
     EXPECT_EQ(list.GetAt(0), nullptr);
-    Fill(list, {a, b});
+    Fill(list, {thingA, thingB});
     EXPECT_EQ(list.GetAt(-1), nullptr);
     EXPECT_EQ(list.GetAt(2), nullptr);
     EXPECT_EQ(list.GetAt(INT32_MIN), nullptr);
@@ -103,78 +103,78 @@ TEST(List, RemovingFromAnEmptyListGivesNull) {
     PGX_List list;
     EXPECT_EQ(list.RemoveHead(), nullptr);
     EXPECT_EQ(list.RemoveTail(), nullptr);
-    EXPECT_EQ(list.RemoveElement(a), nullptr);
+    EXPECT_EQ(list.RemoveElement(thingA), nullptr);
     EXPECT_EQ(list.RemoveElement(nullptr), nullptr);
     ExpectEmpty(list);
 }
 
 TEST(List, RemovingTheOnlyCellLeavesAnEmptyList) {
     PGX_List list;
-    list.AddTail(a);
-    EXPECT_EQ(list.RemoveHead(), a);
+    list.AddTail(thingA);
+    EXPECT_EQ(list.RemoveHead(), thingA);
     ExpectEmpty(list);
-    list.AddTail(a);
-    EXPECT_EQ(list.RemoveTail(), a);
+    list.AddTail(thingA);
+    EXPECT_EQ(list.RemoveTail(), thingA);
     ExpectEmpty(list);
-    list.AddTail(a);
-    EXPECT_EQ(list.RemoveElement(a), a);
+    list.AddTail(thingA);
+    EXPECT_EQ(list.RemoveElement(thingA), thingA);
     ExpectEmpty(list);
 }
 
 TEST(List, RemoveHeadTakesTheFirst) {
     PGX_List list;
-    Fill(list, {a, b, c});
-    EXPECT_EQ(list.RemoveHead(), a);
+    Fill(list, {thingA, thingB, thingC});
+    EXPECT_EQ(list.RemoveHead(), thingA);
     EXPECT_EQ(Content(list), "bc");
     EXPECT_EQ(list.GetCount(), 2);
 }
 
 TEST(List, RemoveTailTakesTheLast) {
     PGX_List list;
-    Fill(list, {a, b, c});
-    EXPECT_EQ(list.RemoveTail(), c);
+    Fill(list, {thingA, thingB, thingC});
+    EXPECT_EQ(list.RemoveTail(), thingC);
     EXPECT_EQ(Content(list), "ab");
     EXPECT_EQ(list.GetCount(), 2);
-    EXPECT_EQ(list.GetTail(), b);
-    list.AddTail(d);
+    EXPECT_EQ(list.GetTail(), thingB);
+    list.AddTail(thingD);
     EXPECT_EQ(Content(list), "abd");
 }
 
 TEST(List, RemoveElementPrefersTheHead) {
     PGX_List list;
-    Fill(list, {p, a, p});
-    EXPECT_EQ(list.RemoveElement(p), p);
+    Fill(list, {thingP, thingA, thingP});
+    EXPECT_EQ(list.RemoveElement(thingP), thingP);
     EXPECT_EQ(Content(list), "ae");
 }
 
 TEST(List, RemoveElementPrefersTheTailToTheMiddle) {
     PGX_List list;
-    Fill(list, {a, p, c, p});
-    EXPECT_EQ(list.RemoveElement(p), p);
+    Fill(list, {thingA, thingP, thingC, thingP});
+    EXPECT_EQ(list.RemoveElement(thingP), thingP);
     EXPECT_EQ(Content(list), "aec");
-    EXPECT_EQ(list.GetTail(), c);
+    EXPECT_EQ(list.GetTail(), thingC);
 }
 
 TEST(List, RemoveElementTakesTheFirstOfTheMiddle) {
     PGX_List list;
-    Fill(list, {a, p, p, d});
-    EXPECT_EQ(list.RemoveElement(p), p);
+    Fill(list, {thingA, thingP, thingP, thingD});
+    EXPECT_EQ(list.RemoveElement(thingP), thingP);
     EXPECT_EQ(list.GetCount(), 3);
     EXPECT_EQ(Content(list), "aed");
-    EXPECT_EQ(list.GetAt(1), p);
+    EXPECT_EQ(list.GetAt(1), thingP);
 }
 
 TEST(List, RemoveElementOfAnAbsentPointerChangesNothing) {
     PGX_List list;
-    Fill(list, {a, b, c});
-    EXPECT_EQ(list.RemoveElement(p), nullptr);
+    Fill(list, {thingA, thingB, thingC});
+    EXPECT_EQ(list.RemoveElement(thingP), nullptr);
     EXPECT_EQ(Content(list), "abc");
     EXPECT_EQ(list.GetCount(), 3);
 }
 
 TEST(List, RemoveElementOfNullRemovesAStoredNull) {
     PGX_List list;
-    Fill(list, {a, nullptr, nullptr, d});
+    Fill(list, {thingA, nullptr, nullptr, thingD});
     EXPECT_EQ(list.RemoveElement(nullptr), nullptr);
     EXPECT_EQ(Content(list), "a-d");
     EXPECT_EQ(list.GetCount(), 3);
@@ -182,42 +182,42 @@ TEST(List, RemoveElementOfNullRemovesAStoredNull) {
 
 TEST(List, InsertAtPutsThePointerAtThatIndex) {
     PGX_List list;
-    Fill(list, {a, b, c, d});
-    list.InsertAt(2, p);
+    Fill(list, {thingA, thingB, thingC, thingD});
+    list.InsertAt(2, thingP);
     EXPECT_EQ(Content(list), "abecd");
     EXPECT_EQ(list.GetCount(), 5);
-    EXPECT_EQ(list.GetAt(2), p);
-    EXPECT_EQ(list.GetAt(3), c);
+    EXPECT_EQ(list.GetAt(2), thingP);
+    EXPECT_EQ(list.GetAt(3), thingC);
 }
 
 TEST(List, InsertAtOneFollowsTheHead) {
     PGX_List list;
-    Fill(list, {a, b});
-    list.InsertAt(1, p);
+    Fill(list, {thingA, thingB});
+    list.InsertAt(1, thingP);
     EXPECT_EQ(Content(list), "aeb");
 }
 
 TEST(List, InsertAtZeroOrBelowPrepends) {
     PGX_List list;
-    Fill(list, {a});
-    list.InsertAt(0, b);
-    list.InsertAt(-5, c);
+    Fill(list, {thingA});
+    list.InsertAt(0, thingB);
+    list.InsertAt(-5, thingC);
     EXPECT_EQ(Content(list), "cba");
 }
 
 TEST(List, InsertAtTheCountOrAboveAppends) {
     PGX_List list;
-    Fill(list, {a});
-    list.InsertAt(1, b);
-    list.InsertAt(2 + 7, c);
+    Fill(list, {thingA});
+    list.InsertAt(1, thingB);
+    list.InsertAt(2 + 7, thingC);
     EXPECT_EQ(Content(list), "abc");
-    EXPECT_EQ(list.GetTail(), c);
+    EXPECT_EQ(list.GetTail(), thingC);
 }
 
 TEST(List, InsertAtAnyIndexOfAnEmptyListAddsTheOnlyCell) {
     for (const int32_t index : {-3, 0, 4}) {
         PGX_List list;
-        list.InsertAt(index, a);
+        list.InsertAt(index, thingA);
         EXPECT_EQ(Content(list), "a");
         EXPECT_EQ(list.head, list.tail);
     }
@@ -225,7 +225,7 @@ TEST(List, InsertAtAnyIndexOfAnEmptyListAddsTheOnlyCell) {
 
 TEST(List, AssignmentSharesTheCells) {
     PGX_List list;
-    Fill(list, {a, b});
+    Fill(list, {thingA, thingB});
     PGX_List other;
     EXPECT_EQ(&(other = list), &other);
     EXPECT_EQ(other.GetCount(), 2);
@@ -247,7 +247,7 @@ TEST(List, DestroyingAListLeavesTheObjectsAlive) {
 TEST(List, DestructorsLeaveNothingToFollow) {
     alignas(PGX_ListElement) unsigned char cell[sizeof(PGX_ListElement)];
     auto* element = new (cell) PGX_ListElement;
-    element->data = a;
+    element->data = thingA;
     element->next = element;
     element->~PGX_ListElement();
     EXPECT_EQ(*reinterpret_cast<void* volatile*>(cell), nullptr);
@@ -255,7 +255,7 @@ TEST(List, DestructorsLeaveNothingToFollow) {
 
     alignas(PGX_List) unsigned char storage[sizeof(PGX_List)];
     auto* list = new (storage) PGX_List;
-    Fill(*list, {a, b});
+    Fill(*list, {thingA, thingB});
     list->~PGX_List();
     EXPECT_EQ(*reinterpret_cast<volatile int32_t*>(storage), 0);
 }

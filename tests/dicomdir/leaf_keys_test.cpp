@@ -34,12 +34,6 @@ class LeafKeys : public testing::Test {
     std::optional<BrowsedDirectory> browsed_;
 };
 
-std::string Upper(std::string text) {
-    for (char& c : text)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    return text;
-}
-
 TEST_F(LeafKeys, AreThoseOfTheRecord) {
     Leaf("HANGING PROTOCOL")
         .Set(0x0020, 0x0013, "IS", "12")
@@ -74,33 +68,33 @@ TEST_F(LeafKeys, FullPathIsTheFolderAndTheFileId) {
     Leaf("OTHER").Set(0x0004, 0x1500, "CS", "dir\\File");
     auto& leaf = Browse<PGX_DicomDirLeafNode>();
     EXPECT_STREQ(leaf.referencedFileId, "dir\\File");
-    EXPECT_EQ(leaf.fullPath, Upper(browsed_->Folder() + "\\dir\\File"));
+    EXPECT_EQ(leaf.fullPath, pgkit_test::Upper(browsed_->Folder() + "\\dir\\File"));
 }
 
 TEST_F(LeafKeys, FullPathWithoutAFileIdEndsInItsDefault) {
     Leaf("OTHER");
     auto& leaf = Browse<PGX_DicomDirLeafNode>();
-    EXPECT_EQ(leaf.fullPath, Upper(browsed_->Folder()) + "\\NO.REFERENCEDFILEID");
+    EXPECT_EQ(leaf.fullPath, pgkit_test::Upper(browsed_->Folder()) + "\\NO.REFERENCEDFILEID");
 }
 
 TEST_F(LeafKeys, FullPathOfAnEmptyFileIdIsTheFolder) {
     Leaf("OTHER").Set(0x0004, 0x1500, "CS", "");
     auto& leaf = Browse<PGX_DicomDirLeafNode>();
-    EXPECT_EQ(leaf.fullPath, Upper(browsed_->Folder()) + "\\");
+    EXPECT_EQ(leaf.fullPath, pgkit_test::Upper(browsed_->Folder()) + "\\");
 }
 
 TEST_F(LeafKeys, FullPathIsCutToFit) {
     const std::string fileId(400, 'x');
     Leaf("OTHER").Set(0x0004, 0x1500, "CS", fileId);
     auto& leaf = Browse<PGX_DicomDirLeafNode>();
-    EXPECT_EQ(leaf.fullPath, Upper(browsed_->Folder() + "\\" + fileId).substr(0, 259));
+    EXPECT_EQ(leaf.fullPath, pgkit_test::Upper(browsed_->Folder() + "\\" + fileId).substr(0, 259));
 }
 
 TEST_F(LeafKeys, FileIdLosesALeadingBackslash) {
     Leaf("IMAGE").Set(0x0004, 0x1500, "CS", "\\img\\X12");
     auto& leaf = Browse<PGX_DicomDirLeafNode>();
     EXPECT_STREQ(leaf.referencedFileId, "img\\X12");
-    EXPECT_EQ(leaf.fullPath, Upper(browsed_->Folder()) + "\\IMG\\X12");
+    EXPECT_EQ(leaf.fullPath, pgkit_test::Upper(browsed_->Folder()) + "\\IMG\\X12");
 }
 
 TEST_F(LeafKeys, FileIdLosesOnlyOneBackslash) {
@@ -116,7 +110,7 @@ TEST_F(LeafKeys, FileIdKeepsTheBlankThatMadeItEven) {
 TEST_F(LeafKeys, FullPathRaisesAsciiLettersOnly) {
     Leaf("IMAGE").Set(0x0004, 0x1500, "CS", "b\xE4r\\zz");
     auto& leaf = Browse<PGX_DicomDirLeafNode>();
-    EXPECT_EQ(leaf.fullPath, Upper(browsed_->Folder()) + "\\B\xE4R\\ZZ");
+    EXPECT_EQ(leaf.fullPath, pgkit_test::Upper(browsed_->Folder()) + "\\B\xE4R\\ZZ");
 }
 
 TEST_F(LeafKeys, MarkIsToldByItsFirstLetter) {

@@ -16,29 +16,27 @@ using pgkit_test::DirectoryRecordSpec;
 using pgkit_test::OneItem;
 using pgkit_test::StreamBuilder;
 
-using Sequence = PGX_Node*;
-
 struct SequenceKey {
     std::string name;
     std::string recordType;
     uint16_t group;
     uint16_t element;
-    Sequence (*read)(PGX_DicomDirLeafNode&);
+    PGX_Node* (*read)(PGX_DicomDirLeafNode&);
 };
 
 void PrintTo(const SequenceKey& key, std::ostream* out) { *out << key.name; }
 
 template <typename Class>
-Sequence ConceptName(PGX_DicomDirLeafNode& leaf) {
+PGX_Node* ConceptName(PGX_DicomDirLeafNode& leaf) {
     return dynamic_cast<Class&>(leaf).conceptNameCodeSequence;
 }
 
 template <typename Class>
-Sequence Content(PGX_DicomDirLeafNode& leaf) {
+PGX_Node* Content(PGX_DicomDirLeafNode& leaf) {
     return dynamic_cast<Class&>(leaf).contentSequence;
 }
 
-Sequence ReferencedSeries(PGX_DicomDirLeafNode& leaf) {
+PGX_Node* ReferencedSeries(PGX_DicomDirLeafNode& leaf) {
     return dynamic_cast<PGX_DicomDirPresentationNode&>(leaf).referencedSeriesSequence;
 }
 
@@ -60,7 +58,7 @@ std::string CodeSequence(const std::string& value) {
     return OneItem(code);
 }
 
-std::string CodeOf(Sequence sequence) {
+std::string CodeOf(PGX_Node* sequence) {
     char text[17];
     sequence->first->FindNode(0x0008, 0x0100)->GetStringValue(text, 16);
     return text;
@@ -83,7 +81,7 @@ class SequenceOfLeaf : public testing::TestWithParam<SequenceKey> {
 
 TEST_P(SequenceOfLeaf, HasTheItemsOfItsElement) {
     BrowsedDirectory browsed(directory_);
-    const Sequence sequence = GetParam().read(browsed.Leaf());
+    PGX_Node* const sequence = GetParam().read(browsed.Leaf());
     ASSERT_NE(sequence, nullptr);
     EXPECT_EQ(CodeOf(sequence), "THIS");
 }
@@ -92,8 +90,8 @@ TEST_P(SequenceOfLeaf, IsACopyThatStandsAlone) {
     directory_[leaf_].Set(0x7FE1, 0x0010, "LO", "a sibling behind it");
     BrowsedDirectory browsed(directory_);
     PGX_DicomDirLeafNode& leaf = browsed.Leaf();
-    const Sequence original = leaf.record->FindNode(GetParam().group, GetParam().element);
-    const Sequence copy = GetParam().read(leaf);
+    PGX_Node* const original = leaf.record->FindNode(GetParam().group, GetParam().element);
+    PGX_Node* const copy = GetParam().read(leaf);
     EXPECT_NE(copy, original);
     EXPECT_NE(original->next, nullptr);
     EXPECT_EQ(copy->next, nullptr);

@@ -53,12 +53,6 @@ class OpenDirectory : public testing::Test {
     PGX_DicomDir directory_;
 };
 
-std::string Upper(std::string text) {
-    for (char& c : text)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    return text;
-}
-
 TEST_F(OpenDirectory, HoldsNothingAtFirst) {
     EXPECT_EQ(directory_.dataSet, nullptr);
     EXPECT_EQ(directory_.patientList, nullptr);
@@ -124,7 +118,7 @@ TEST_F(OpenDirectory, SlashesSeparateTooAndStayInTheFolder) {
         const std::string folder = path.substr(0, path.size() - 9);
         EXPECT_EQ(directory_.OpenDicomDir((folder + separator + "DICOMDIR").c_str(), 0x20000), 1);
         EXPECT_EQ(directory_.folder, folder);
-        EXPECT_EQ(FirstFullPath(), Upper(folder) + "\\IMG\\X1");
+        EXPECT_EQ(FirstFullPath(), pgkit_test::Upper(folder) + "\\IMG\\X1");
         const PgDataSetPointer opened(pgOpenDataSetFile(FirstLeaf().fullPath, 64), pgCloseDataSet);
         EXPECT_NE(opened, nullptr);
     }
@@ -135,7 +129,7 @@ TEST_F(OpenDirectory, TakesAPathOutOfTheListThatItDiscards) {
     std::filesystem::create_directory(files_.Path("IMG"));
     Write("IMG/X1", OneImage().Build());
     EXPECT_EQ(directory_.OpenDicomDir(FirstLeaf().fullPath, 0x20000), 1);
-    EXPECT_EQ(directory_.folder, Upper(Path("IMG")));
+    EXPECT_EQ(directory_.folder, pgkit_test::Upper(Path("IMG")));
 }
 
 TEST_F(OpenDirectory, DiscardsWhatWasOpen) {
@@ -202,7 +196,7 @@ TEST_F(Relocation, AnExistingFolderIsTaken) {
     std::filesystem::create_directory(files_.Path("MEDIA"));
     EXPECT_EQ(directory_.RelocateOffshoreDicomdir(folder.c_str()), 1);
     EXPECT_EQ(directory_.folder, folder);
-    EXPECT_EQ(FirstFullPath(), Upper(folder) + "\\IMG\\X1");
+    EXPECT_EQ(FirstFullPath(), pgkit_test::Upper(folder) + "\\IMG\\X1");
 }
 
 TEST_F(Relocation, TheFolderOfAFileIsTaken) {
@@ -210,7 +204,7 @@ TEST_F(Relocation, TheFolderOfAFileIsTaken) {
     const std::string file = LibraryPath(files_.Write("MEDIA/FILE", "content"));
     EXPECT_EQ(directory_.RelocateOffshoreDicomdir(file.c_str()), 1);
     EXPECT_EQ(directory_.folder, Path("MEDIA"));
-    EXPECT_EQ(FirstFullPath(), Upper(Path("MEDIA")) + "\\IMG\\X1");
+    EXPECT_EQ(FirstFullPath(), pgkit_test::Upper(Path("MEDIA")) + "\\IMG\\X1");
 }
 
 TEST_F(Relocation, SlashesSeparateToo) {
@@ -332,10 +326,10 @@ TEST_F(Browsing, CallsBackOncePerLeaf) {
     CapturePrinted([&] { directory_.Browse(note, &calls); });
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[0].reason, 0);
-    EXPECT_EQ(calls[0].path, Upper(directory_.folder) + "\\IMG\\X1");
+    EXPECT_EQ(calls[0].path, pgkit_test::Upper(directory_.folder) + "\\IMG\\X1");
     EXPECT_EQ(calls[0].message, "1 image found");
     EXPECT_EQ(calls[0].userData, &calls);
-    EXPECT_EQ(calls[1].path, Upper(directory_.folder) + "\\IMG\\X2");
+    EXPECT_EQ(calls[1].path, pgkit_test::Upper(directory_.folder) + "\\IMG\\X2");
     EXPECT_EQ(calls[1].message, "2 images found");
     EXPECT_EQ(directory_.leafCount, 2);
 }

@@ -57,12 +57,6 @@ class PatientListFile : public testing::Test {
     PatientList patients_;
 };
 
-std::string Upper(std::string text) {
-    for (char& c : text)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    return text;
-}
-
 TEST_F(PatientListFile, GivesTheHierarchy) {
     EXPECT_EQ(Read(WriteDirectory()), "Patient created DOE\n");
     EXPECT_EQ(Outline(patients_.get()), "P(S(E(1)))");
@@ -102,7 +96,7 @@ TEST_F(PatientListFile, IsClosedAgain) {
 TEST_F(PatientListFile, FullPathsBeginWithItsFolder) {
     const std::string path = WriteDirectory();
     Read(path);
-    EXPECT_EQ(Leaf()->fullPath, Upper(path.substr(0, path.rfind('\\'))) + "\\IMG\\X1");
+    EXPECT_EQ(Leaf()->fullPath, pgkit_test::Upper(path.substr(0, path.rfind('\\'))) + "\\IMG\\X1");
 }
 
 TEST_F(PatientListFile, OffshorePathsBeginWithAnExistingFolder) {
@@ -110,7 +104,7 @@ TEST_F(PatientListFile, OffshorePathsBeginWithAnExistingFolder) {
     std::filesystem::create_directory(files_.Path("MEDIA"));
     const std::string folder = LibraryPath(files_.Path("MEDIA"));
     ReadOffshore(path, folder.c_str());
-    EXPECT_EQ(Leaf()->fullPath, Upper(folder) + "\\IMG\\X1");
+    EXPECT_EQ(Leaf()->fullPath, pgkit_test::Upper(folder) + "\\IMG\\X1");
     EXPECT_STREQ(Leaf()->referencedFileId, "img\\x1");
     EXPECT_EQ(Leaf()->record, nullptr);
 }
@@ -120,7 +114,7 @@ TEST_F(PatientListFile, OffshorePathsBeginWithTheFolderOfAFile) {
     std::filesystem::create_directory(files_.Path("MEDIA"));
     const std::string file = LibraryPath(files_.Write("MEDIA/FILE", "content"));
     ReadOffshore(path, file.c_str());
-    EXPECT_EQ(Leaf()->fullPath, Upper(LibraryPath(files_.Path("MEDIA"))) + "\\IMG\\X1");
+    EXPECT_EQ(Leaf()->fullPath, pgkit_test::Upper(LibraryPath(files_.Path("MEDIA"))) + "\\IMG\\X1");
 }
 
 TEST_F(PatientListFile, OffshorePathsBeginWithAMissingLocationCut) {
@@ -131,7 +125,7 @@ TEST_F(PatientListFile, OffshorePathsBeginWithAMissingLocationCut) {
 TEST_F(PatientListFile, WithoutALocationItsOwnFolderCounts) {
     const std::string path = WriteDirectory();
     ReadOffshore(path, nullptr);
-    EXPECT_EQ(Leaf()->fullPath, Upper(path.substr(0, path.rfind('\\'))) + "\\IMG\\X1");
+    EXPECT_EQ(Leaf()->fullPath, pgkit_test::Upper(path.substr(0, path.rfind('\\'))) + "\\IMG\\X1");
 }
 
 TEST_F(PatientListFile, OffshoreThatIsMissingGivesNull) {

@@ -26,13 +26,6 @@ DirectoryBuilder TwoPatients() {
 
 constexpr char kWhole[] = "P(S(E(1 2))) Q(T(F(3)))";
 
-PGX_Node* Item(BrowsedDirectory& browsed, int index) {
-    PGX_Node* item = browsed->dataSet->FindNode(0x0004, 0x1220)->first;
-    while (index-- > 0)
-        item = item->next;
-    return item;
-}
-
 PGX_Node* NextOf(PGX_Node* item) { return item->FindNode(0x0004, 0x1400); }
 PGX_Node* LowerOf(PGX_Node* item) { return item->FindNode(0x0004, 0x1420); }
 
@@ -44,19 +37,19 @@ TEST(RecordLinks, LeadToTheItemsAtTheirOffsets) {
 
 TEST(RecordLinks, MarkTheOffsetElements) {
     BrowsedDirectory browsed(TwoPatients());
-    EXPECT_EQ(NextOf(Item(browsed, 0))->offsetPending, 1u);
-    EXPECT_EQ(NextOf(Item(browsed, 0))->offsetTarget, Item(browsed, 5));
-    EXPECT_EQ(LowerOf(Item(browsed, 0))->offsetPending, 1u);
-    EXPECT_EQ(LowerOf(Item(browsed, 0))->offsetTarget, Item(browsed, 1));
-    EXPECT_EQ(NextOf(Item(browsed, 3))->offsetTarget, Item(browsed, 4));
+    EXPECT_EQ(NextOf(browsed.Record(0))->offsetPending, 1u);
+    EXPECT_EQ(NextOf(browsed.Record(0))->offsetTarget, browsed.Record(5));
+    EXPECT_EQ(LowerOf(browsed.Record(0))->offsetPending, 1u);
+    EXPECT_EQ(LowerOf(browsed.Record(0))->offsetTarget, browsed.Record(1));
+    EXPECT_EQ(NextOf(browsed.Record(3))->offsetTarget, browsed.Record(4));
 }
 
 TEST(RecordLinks, OfZeroAreMarkedWithoutATarget) {
     BrowsedDirectory browsed(TwoPatients());
-    EXPECT_EQ(NextOf(Item(browsed, 5))->offsetPending, 1u);
-    EXPECT_EQ(NextOf(Item(browsed, 5))->offsetTarget, nullptr);
-    EXPECT_EQ(LowerOf(Item(browsed, 4))->offsetPending, 1u);
-    EXPECT_EQ(LowerOf(Item(browsed, 4))->offsetTarget, nullptr);
+    EXPECT_EQ(NextOf(browsed.Record(5))->offsetPending, 1u);
+    EXPECT_EQ(NextOf(browsed.Record(5))->offsetTarget, nullptr);
+    EXPECT_EQ(LowerOf(browsed.Record(4))->offsetPending, 1u);
+    EXPECT_EQ(LowerOf(browsed.Record(4))->offsetTarget, nullptr);
 }
 
 TEST(RecordLinks, RootOffsetsAreNotMarked) {
@@ -91,12 +84,12 @@ TEST(RecordLinks, StopBeingResolvedAtTheFirstThatIsLost) {
     BrowsedDirectory browsed(directory);
     EXPECT_EQ(browsed.Outline(), kWhole);
     EXPECT_EQ(browsed.Messages(), "DICOMDIR resolve error : Item not found \n");
-    EXPECT_EQ(NextOf(Item(browsed, 2))->offsetPending, 1u);
-    EXPECT_EQ(NextOf(Item(browsed, 3))->offsetPending, 1u);
-    EXPECT_EQ(NextOf(Item(browsed, 3))->offsetTarget, Item(browsed, 4));
-    EXPECT_EQ(LowerOf(Item(browsed, 3))->offsetPending, 0u);
-    EXPECT_EQ(NextOf(Item(browsed, 4))->offsetPending, 0u);
-    EXPECT_EQ(NextOf(Item(browsed, 5))->offsetPending, 0u);
+    EXPECT_EQ(NextOf(browsed.Record(2))->offsetPending, 1u);
+    EXPECT_EQ(NextOf(browsed.Record(3))->offsetPending, 1u);
+    EXPECT_EQ(NextOf(browsed.Record(3))->offsetTarget, browsed.Record(4));
+    EXPECT_EQ(LowerOf(browsed.Record(3))->offsetPending, 0u);
+    EXPECT_EQ(NextOf(browsed.Record(4))->offsetPending, 0u);
+    EXPECT_EQ(NextOf(browsed.Record(5))->offsetPending, 0u);
 }
 
 TEST(RecordLinks, ThatAreUnresolvedAreFollowedByTheirOffsets) {
@@ -125,13 +118,13 @@ TEST(RecordLinks, ThatAreUnresolvedAndZeroAreSilentlyNone) {
 TEST(RecordLinks, AreResolvedAnewByEachBrowse) {
     BrowsedDirectory browsed(TwoPatients());
     const uint32_t lost = 7;
-    NextOf(Item(browsed, 1))->SetValue(&lost, 4);
+    NextOf(browsed.Record(1))->SetValue(&lost, 4);
     const std::string output =
         pgkit_test::CapturePrinted([&] { browsed->Browse(nullptr, nullptr); }).out;
     EXPECT_EQ(browsed.Outline(), kWhole);
     EXPECT_NE(output.find("DICOMDIR resolve error : Item not found \n"), std::string::npos);
-    EXPECT_EQ(NextOf(Item(browsed, 1))->offsetPending, 0u);
-    EXPECT_EQ(NextOf(Item(browsed, 5))->offsetPending, 0u);
+    EXPECT_EQ(NextOf(browsed.Record(1))->offsetPending, 0u);
+    EXPECT_EQ(NextOf(browsed.Record(5))->offsetPending, 0u);
 }
 
 // Such items stand at no position of the file, whatever their place among the others.

@@ -24,8 +24,8 @@ using pgkit_test::TestData;
 
 constexpr uint32_t kWithDelimiters = kPart10Explicit | PG_UNDEFINED_LENGTHS;
 
-// Records: 0 P, 1 S, 2 E, 3 to 5 images, 6 Q, ...
-DirectoryBuilder TwoPatients() {
+// Two patients. Records: 0 P, 1 S, 2 E, 3 to 5 images, 6 Q, ...
+DirectoryBuilder FourImages() {
     DirectoryBuilder directory;
     size_t series =
         directory.Series(directory.Study(directory.Patient("P", "DOE"), "S"), "E", "CT");
@@ -36,14 +36,7 @@ DirectoryBuilder TwoPatients() {
     return directory;
 }
 
-PGX_Node* Sequence(BrowsedDirectory& browsed) { return browsed->dataSet->FindNode(0x0004, 0x1220); }
-
-PGX_Node* Item(BrowsedDirectory& browsed, int index) {
-    PGX_Node* item = Sequence(browsed)->first;
-    while (index-- > 0)
-        item = item->next;
-    return item;
-}
+PGX_Node* Records(BrowsedDirectory& browsed) { return browsed->dataSet->FindNode(0x0004, 0x1220); }
 
 void Link(PGX_Node* offsetElement, PGX_Node* target) {
     offsetElement->offsetPending = 1;
@@ -67,7 +60,7 @@ class SavedDirectory : public testing::Test {
 
 TEST_F(SavedDirectory, BrowsesBackEqualInEveryEncoding) {
     for (const int32_t mode : {kPart10Explicit, kPart10Implicit, kWithDelimiters, kPart10Big}) {
-        BrowsedDirectory browsed(TwoPatients());
+        BrowsedDirectory browsed(FourImages());
         BrowsedDirectory saved(Save(browsed, mode));
         EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
         EXPECT_EQ(saved.Messages(), "") << mode;
@@ -75,37 +68,37 @@ TEST_F(SavedDirectory, BrowsesBackEqualInEveryEncoding) {
 }
 
 TEST_F(SavedDirectory, HasOffsetsThatDifferWhenTheRecordsMoved) {
-    BrowsedDirectory browsed(TwoPatients());
-    Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
+    BrowsedDirectory browsed(FourImages());
+    browsed.Record(0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
     BrowsedDirectory saved(Save(browsed, kPart10Explicit));
     EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))");
     EXPECT_EQ(saved.Messages(), "");
-    PGX_Node* lower = Item(saved, 0)->FindNode(0x0004, 0x1420);
-    EXPECT_EQ(lower->GetULValue() + 8, Item(saved, 1)->fileOffset);
+    PGX_Node* lower = saved.Record(0)->FindNode(0x0004, 0x1420);
+    EXPECT_EQ(lower->GetULValue() + 8, saved.Record(1)->fileOffset);
 }
 
 TEST_F(SavedDirectory, LeadsToItsFirstAndLastRecordWhereverTheyMoved) {
-    BrowsedDirectory browsed(TwoPatients());
-    const uint32_t last = Item(browsed, 6)->fileOffset - 8;
+    BrowsedDirectory browsed(FourImages());
+    const uint32_t last = browsed.Record(6)->fileOffset - 8;
     browsed->dataSet->InsertNode(0x0004, 0x1202, &last, 4);
     const uint32_t oldFirst = browsed->dataSet->FindNode(0x0004, 0x1200)->GetULValue();
     BrowsedDirectory saved(Save(browsed, kWithDelimiters));
-    Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
+    browsed.Record(0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
     BrowsedDirectory moved(Save(browsed, kPart10Big));
     for (BrowsedDirectory* directory : {&saved, &moved}) {
         const auto offset = [&](uint16_t element) {
             return (*directory)->dataSet->FindNode(0x0004, element)->GetULValue();
         };
-        EXPECT_EQ(offset(0x1200) + 8, Item(*directory, 0)->fileOffset);
-        EXPECT_EQ(offset(0x1202) + 8, Item(*directory, 6)->fileOffset);
+        EXPECT_EQ(offset(0x1200) + 8, directory->Record(0)->fileOffset);
+        EXPECT_EQ(offset(0x1202) + 8, directory->Record(6)->fileOffset);
     }
     EXPECT_EQ(browsed->dataSet->FindNode(0x0004, 0x1200)->GetULValue(), oldFirst);
 }
 
 TEST_F(SavedDirectory, CanBeBrowsedAndSavedAgain) {
-    BrowsedDirectory browsed(TwoPatients());
+    BrowsedDirectory browsed(FourImages());
     for (const int32_t mode : {kPart10Implicit, kPart10Explicit, kPart10Big}) {
-        Item(browsed, 1)->InsertNode(0x0008, 0x1030, "another study", 13);
+        browsed.Record(1)->InsertNode(0x0008, 0x1030, "another study", 13);
         BrowsedDirectory saved(Save(browsed, mode));
         EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
         browsed->Browse(nullptr, nullptr);
@@ -114,8 +107,8 @@ TEST_F(SavedDirectory, CanBeBrowsedAndSavedAgain) {
 }
 
 TEST_F(SavedDirectory, CanBeSavedTwice) {
-    BrowsedDirectory browsed(TwoPatients());
-    Item(browsed, 0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
+    BrowsedDirectory browsed(FourImages());
+    browsed.Record(0)->InsertNode(0x0010, 0x4000, "a comment that moves all other records", 38);
     for (const int32_t mode : {kPart10Implicit, kPart10Explicit, kPart10Big}) {
         BrowsedDirectory saved(Save(browsed, mode));
         EXPECT_EQ(saved.Outline(), "P(S(E(1 2 3))) Q(T(F(4)))") << mode;
@@ -125,32 +118,32 @@ TEST_F(SavedDirectory, CanBeSavedTwice) {
 
 // As it would for a caller who wants the record to be the last of its level.
 TEST_F(SavedDirectory, KeepsALinkThatWasChangedAfterASave) {
-    BrowsedDirectory browsed(TwoPatients());
+    BrowsedDirectory browsed(FourImages());
     Save(browsed, kPart10Explicit);
     const uint32_t none = 0;
-    Item(browsed, 3)->FindNode(0x0004, 0x1400)->SetValue(&none, 4);
+    browsed.Record(3)->FindNode(0x0004, 0x1400)->SetValue(&none, 4);
     BrowsedDirectory saved(Save(browsed, kPart10Implicit));
     EXPECT_EQ(saved.Outline(), "P(S(E(1))) Q(T(F(4)))");
 }
 
 TEST_F(SavedDirectory, MayLeaveOutARecordThatIsLinkedNoMore) {
-    BrowsedDirectory browsed(TwoPatients());
-    Link(Item(browsed, 3)->FindNode(0x0004, 0x1400), Item(browsed, 5));
-    Sequence(browsed)->RemoveNode(Item(browsed, 4));
+    BrowsedDirectory browsed(FourImages());
+    Link(browsed.Record(3)->FindNode(0x0004, 0x1400), browsed.Record(5));
+    Records(browsed)->RemoveNode(browsed.Record(4));
     BrowsedDirectory saved(Save(browsed, kPart10Explicit));
     EXPECT_EQ(saved.Outline(), "P(S(E(1 3))) Q(T(F(4)))");
     EXPECT_EQ(saved.Messages(), "");
 }
 
 TEST_F(SavedDirectory, MayBeginWithAnotherPatient) {
-    BrowsedDirectory browsed(TwoPatients());
-    BrowsedDirectory saved(Save(browsed, kPart10Explicit, Item(browsed, 6)));
+    BrowsedDirectory browsed(FourImages());
+    BrowsedDirectory saved(Save(browsed, kPart10Explicit, browsed.Record(6)));
     EXPECT_EQ(saved.Outline(), "Q(T(F(4)))");
 }
 
 // What is removed from the hierarchy is not removed from the tree.
 TEST_F(SavedDirectory, KeepsTheRecordsOfRemovedObjects) {
-    BrowsedDirectory browsed(TwoPatients());
+    BrowsedDirectory browsed(FourImages());
     pgRemoveLeaf(browsed->GetPatientList(), &browsed.Leaf(1));
     EXPECT_EQ(browsed.Outline(), "P(S(E(1 3))) Q(T(F(4)))");
     BrowsedDirectory saved(Save(browsed, kPart10Explicit));

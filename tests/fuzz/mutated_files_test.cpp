@@ -18,7 +18,7 @@ using pgkit_fuzz::Target;
 using pgkit_test::Bytes;
 
 constexpr uintmax_t kMaxFileSize = 16 * 1024;
-constexpr uint32_t kVariantsPerFile = 50;
+constexpr uint32_t kVariantsPerFile = PGKIT_TEST_VARIANTS;
 
 std::vector<std::string> SmallFiles() {
     std::vector<std::string> paths;

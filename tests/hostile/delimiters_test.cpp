@@ -5,8 +5,6 @@ namespace {
 
 using namespace pgkit_test;
 
-constexpr const char* kMeta = "[(0002,0010)UI:20 ";
-
 class HostileDelimiters : public testing::Test {
   protected:
     StreamBuilder stream_ = StreamBuilder().Part10("1.2.840.10008.1.2.1");

@@ -16,6 +16,10 @@ namespace pgkit_test {
 // Memory beyond the size of the file.
 constexpr uint64_t kMemoryAllowance = uint64_t{64} << 20;
 
+// How Describe begins with a file of explicit VR little endian that has nothing but its transfer
+// syntax as File Meta Information.
+constexpr const char* kMeta = "[(0002,0010)UI:20 ";
+
 // Uses every element in every way that asks for no knowledge of it.
 void ReadEverything(PGX_Node* dataSet);
 

@@ -13,8 +13,6 @@ using namespace pgkit_test;
 
 StreamBuilder Explicit() { return StreamBuilder().Part10("1.2.840.10008.1.2.1"); }
 
-constexpr const char* kMeta = "[(0002,0010)UI:20 ";
-
 TEST(HostileLengths, AreKeptAsClaimedAndEndTheDataSet) {
     for (const uint32_t claimed : {0x1000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFEu}) {
         StreamBuilder stream = Explicit();

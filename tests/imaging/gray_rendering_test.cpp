@@ -8,9 +8,8 @@ namespace {
 using pgkit_test::Bytes;
 using pgkit_test::ImageFile;
 using pgkit_test::LoadedImage;
+using pgkit_test::PixelsOf;
 using pgkit_test::Words;
-
-Bytes PixelsOf(const ImageFile& file) { return LoadedImage(file).Pixels(); }
 
 // A row of pixels of 16 bits, unsigned, through a window.
 Bytes Windowed(std::initializer_list<uint32_t> values, const char* centre, const char* width) {

@@ -6,15 +6,10 @@
 namespace {
 
 using pgkit_test::Bytes;
+using pgkit_test::HasBitmap;
 using pgkit_test::ImageFile;
 using pgkit_test::LoadedImage;
 using pgkit_test::Words;
-
-bool HasBitmap(const ImageFile& file, uint32_t frame = 0) {
-    const LoadedImage image(file);
-    EXPECT_TRUE(image.IsLoaded());
-    return image.Frame(frame).Exists();
-}
 
 TEST(HostileImage, TooFewPixelsHaveNoBitmap) {
     EXPECT_FALSE(HasBitmap({.rows = 2, .pixels = Bytes(6)}));

@@ -76,4 +76,16 @@ class LoadedImage {
     int32_t result_;
 };
 
+// The pixels of a frame of a file.
+inline Bytes PixelsOf(const ImageFile& file, uint32_t frame = 0) {
+    return LoadedImage(file).Pixels(frame);
+}
+
+// Whether a file, which the module loads, has a bitmap for a frame.
+inline bool HasBitmap(const ImageFile& file, uint32_t frame = 0) {
+    const LoadedImage image(file);
+    EXPECT_TRUE(image.IsLoaded());
+    return image.Frame(frame).Exists();
+}
+
 }  // namespace pgkit_test

@@ -6,6 +6,7 @@
 namespace {
 
 using pgkit_test::Bytes;
+using pgkit_test::HasBitmap;
 using pgkit_test::ImageFile;
 using pgkit_test::kRleLossless;
 using pgkit_test::LoadedImage;
@@ -23,12 +24,6 @@ Bytes Decoded(const std::vector<Bytes>& segments, uint16_t bitsAllocated = 8) {
     ImageFile file = RleImage({kNoTable, RleFrame(segments)});
     file.bitsAllocated = bitsAllocated;
     return LoadedImage(file).Pixels();
-}
-
-bool HasBitmap(const ImageFile& file, uint32_t frame = 0) {
-    const LoadedImage image(file);
-    EXPECT_TRUE(image.IsLoaded());
-    return image.Frame(frame).Exists();
 }
 
 TEST(Rle, LiteralsAndRuns) {

@@ -12,11 +12,8 @@ using pgkit_test::kImplicit;
 using pgkit_test::LoadedImage;
 using pgkit_test::LongWords;
 using pgkit_test::Order;
+using pgkit_test::PixelsOf;
 using pgkit_test::Words;
-
-Bytes PixelsOf(const ImageFile& file, uint32_t frame = 0) {
-    return LoadedImage(file).Pixels(frame);
-}
 
 TEST(SampleFormat, EightBits) {
     EXPECT_EQ(PixelsOf({.pixels = {0, 1, 200, 255}}), (Bytes{0, 1, 200, 255}));

@@ -65,6 +65,12 @@ std::string Outline(PGX_List* patients) {
                                          [](auto& patient) { return OutlineOf(patient); });
 }
 
+std::string Upper(std::string path) {
+    for (char& c : path)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    return path;
+}
+
 BrowsedDirectory::BrowsedDirectory(const Bytes& file, uint32_t maxLoadLength) {
     const std::string path = LibraryPath(files_.Write("DICOMDIR", file));
     folder_ = path.substr(0, path.rfind('\\'));
@@ -89,6 +95,13 @@ PGX_DicomDirSeriesNode& BrowsedDirectory::Series(int32_t patient, int32_t study,
 
 PGX_DicomDirLeafNode& BrowsedDirectory::Leaf(int32_t leaf) {
     return At<PGX_DicomDirLeafNode>(&Series().leaves, leaf);
+}
+
+PGX_Node* BrowsedDirectory::Record(int index) {
+    PGX_Node* item = directory_.dataSet->FindNode(0x0004, 0x1220)->first;
+    while (index-- > 0)
+        item = item->next;
+    return item;
 }
 
 }  // namespace pgkit_test

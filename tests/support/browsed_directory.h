@@ -15,6 +15,9 @@ namespace pgkit_test {
 // study UIDs, series UIDs and instance UIDs. "null" for no list.
 std::string Outline(PGX_List* patients);
 
+// A path with the letters of ASCII in upper case.
+std::string Upper(std::string path);
+
 class BrowsedDirectory {
   public:
     explicit BrowsedDirectory(const DirectoryBuilder& builder)
@@ -38,6 +41,9 @@ class BrowsedDirectory {
     PGX_DicomDirSeriesNode& Series(int32_t patient = 0, int32_t study = 0, int32_t series = 0);
     // The leaf at an index of the first series.
     PGX_DicomDirLeafNode& Leaf(int32_t leaf = 0);
+
+    // The item of a record, in the order of the file; there has to be one.
+    PGX_Node* Record(int index);
 
   private:
     TempDir files_;

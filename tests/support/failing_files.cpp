@@ -23,31 +23,31 @@ int __wrap_fclose(FILE* stream);
 
 namespace {
 
-pgkit_test::FailurePlan plan;
+pgkit_test::FailurePlan fileCalls;
 size_t filesOpened = 0;
 size_t filesFlushed = 0;
 
 template <typename Open>
 FILE* CountedOpen(Open&& open) {
     ++filesOpened;
-    return plan.Fails() ? nullptr : open();
+    return fileCalls.Fails() ? nullptr : open();
 }
 
 }  // namespace
 
 size_t __wrap_fread(void* out, size_t size, size_t count, FILE* stream) {
-    return plan.Fails() ? 0 : __real_fread(out, size, count, stream);
+    return fileCalls.Fails() ? 0 : __real_fread(out, size, count, stream);
 }
 
 size_t __wrap_fwrite(const void* bytes, size_t size, size_t count, FILE* stream) {
-    return plan.Fails() ? 0 : __real_fwrite(bytes, size, count, stream);
+    return fileCalls.Fails() ? 0 : __real_fwrite(bytes, size, count, stream);
 }
 
-int __wrap_fflush(FILE* stream) { return plan.Fails() ? EOF : __real_fflush(stream); }
+int __wrap_fflush(FILE* stream) { return fileCalls.Fails() ? EOF : __real_fflush(stream); }
 
 int __wrap_fclose(FILE* stream) {
     const int result = __real_fclose(stream);
-    return plan.Fails() ? EOF : result;
+    return fileCalls.Fails() ? EOF : result;
 }
 
 namespace pgkit::platform {
@@ -86,16 +86,18 @@ FILE* CreateTemporary() {
 
 bool FlushToDisk(const char* replacement) {
     ++filesFlushed;
-    return !plan.Fails() && SystemFlushToDisk(replacement);
+    return !fileCalls.Fails() && SystemFlushToDisk(replacement);
 }
 
 bool ReplaceWith(const char* path, const char* replacement) {
-    return !plan.Fails() && SystemReplaceWith(path, replacement);
+    return !fileCalls.Fails() && SystemReplaceWith(path, replacement);
 }
 
-bool Seek(FILE* stream, uint64_t position) { return !plan.Fails() && SystemSeek(stream, position); }
+bool Seek(FILE* stream, uint64_t position) {
+    return !fileCalls.Fails() && SystemSeek(stream, position);
+}
 
-bool SeekToEnd(FILE* stream) { return !plan.Fails() && SystemSeekToEnd(stream); }
+bool SeekToEnd(FILE* stream) { return !fileCalls.Fails() && SystemSeekToEnd(stream); }
 
 }  // namespace pgkit::platform
 
@@ -104,12 +106,12 @@ namespace pgkit_test {
 FailingFiles::FailingFiles(size_t allowed, Failures failures) {
     filesOpened = 0;
     filesFlushed = 0;
-    plan.Arm(allowed, failures);
+    fileCalls.Arm(allowed, failures);
 }
 
-FailingFiles::~FailingFiles() { plan.Disarm(); }
+FailingFiles::~FailingFiles() { fileCalls.Disarm(); }
 
-bool FailingFiles::HasFailed() const { return plan.HasFailed(); }
+bool FailingFiles::HasFailed() const { return fileCalls.HasFailed(); }
 
 size_t FilesOpened() { return filesOpened; }
 

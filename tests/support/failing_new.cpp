@@ -17,15 +17,15 @@ void* __wrap_realloc(void* block, size_t size);
 
 namespace {
 
-pgkit_test::FailurePlan plan;
+pgkit_test::FailurePlan allocations;
 bool nextMallocFails = false;
 size_t largestBlock = SIZE_MAX;
 size_t blocksInUse = 0;
 
-bool IsRefused(size_t size) noexcept { return size > largestBlock || plan.Fails(); }
+bool IsRefused(size_t size) noexcept { return size > largestBlock || allocations.Fails(); }
 
 void* Allocate(size_t size) noexcept {
-    void* block = plan.Fails() ? nullptr : __real_malloc(size == 0 ? 1 : size);
+    void* block = allocations.Fails() ? nullptr : __real_malloc(size == 0 ? 1 : size);
     if (block != nullptr) ++blocksInUse;
     return block;
 }
@@ -94,12 +94,12 @@ void PrepareToThrow() {
 
 FailingNew::FailingNew(size_t allowed, Failures failures) {
     PrepareToThrow();
-    plan.Arm(allowed, failures);
+    allocations.Arm(allowed, failures);
 }
 
-FailingNew::~FailingNew() { plan.Disarm(); }
+FailingNew::~FailingNew() { allocations.Disarm(); }
 
-bool FailingNew::HasFailed() const { return plan.HasFailed(); }
+bool FailingNew::HasFailed() const { return allocations.HasFailed(); }
 
 LittleMemory::LittleMemory(size_t largest) { largestBlock = largest; }
 

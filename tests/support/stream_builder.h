@@ -74,4 +74,10 @@ std::string OneItem(const StreamBuilder& content);
 std::string PaddedValue(std::string_view vr, std::string_view value);
 inline std::string PaddedUid(std::string_view uid) { return PaddedValue("UI", uid); }
 
+// A Part 10 file of one element, in explicit VR little endian.
+inline StreamBuilder SmallFile() {
+    StreamBuilder file;
+    return file.Part10("1.2.840.10008.1.2.1").Element(0x0008, 0x0060, "CS", "CT");
+}
+
 }  // namespace pgkit_test

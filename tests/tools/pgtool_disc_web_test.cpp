@@ -48,7 +48,7 @@ class PgtoolDiscWeb : public DiscFixture {
     }
 };
 
-InstanceFile Picture(int number) {
+InstanceFile ImageNumber(int number) {
     return Complete(number)
         .SetUS(0x0028, 0x0002, 1)
         .SetUS(0x0028, 0x0100, 8)
@@ -92,8 +92,8 @@ InstanceFile Report(const StreamBuilder& content) {
 }
 
 TEST_F(PgtoolDiscWeb, ShowsPatientsStudiesAndSeriesWithPictures) {
-    Write("A", Picture(1).Set(0x0008, 0x103E, "LO", "axial"));
-    Write("B", Picture(2));
+    Write("A", ImageNumber(1).Set(0x0008, 0x103E, "LO", "axial"));
+    Write("B", ImageNumber(2));
     EXPECT_EQ(Disc({"--web"}).exitStatus, 0);
     const std::string page = Page("INDEX.HTM");
     for (const char* text : {"<meta charset=\"utf-8\">", "<meta name=\"viewport\"", "DOE, JOHN",
@@ -104,7 +104,7 @@ TEST_F(PgtoolDiscWeb, ShowsPatientsStudiesAndSeriesWithPictures) {
 }
 
 TEST_F(PgtoolDiscWeb, AllLinksLeadToFilesOfTheMedium) {
-    Write("A", Picture(1));
+    Write("A", ImageNumber(1));
     Write("B", Report(TextItem("Finding", "nothing")));
     Write("C", WithoutPixels(7, kPdfClass)
                    .Set(0x0042, 0x0012, "LO", "application/pdf")
@@ -124,7 +124,7 @@ TEST_F(PgtoolDiscWeb, AllLinksLeadToFilesOfTheMedium) {
 
 // Readers of ISO 9660 level 1 see no other names.
 TEST_F(PgtoolDiscWeb, AllNamesHaveEightCharactersAndThree) {
-    Write("A", Picture(1));
+    Write("A", ImageNumber(1));
     Write("B", Report(TextItem("Finding", "nothing")));
     EXPECT_EQ(Disc({"--web"}).exitStatus, 0);
     const std::regex name("[A-Z0-9_]{1,8}(\\.[A-Z0-9_]{1,3})?");
@@ -135,7 +135,7 @@ TEST_F(PgtoolDiscWeb, AllNamesHaveEightCharactersAndThree) {
 }
 
 TEST_F(PgtoolDiscWeb, ShowsMarkupOfDataSetsAsText) {
-    Write("A", Picture(1)
+    Write("A", ImageNumber(1)
                    .Patient("<i>ID", kMarkup)
                    .Set(0x0008, 0x0060, "CS", "<B>")
                    .Set(0x0008, 0x103E, "LO", kMarkup)
@@ -154,8 +154,9 @@ TEST_F(PgtoolDiscWeb, ShowsMarkupOfDataSetsAsText) {
 }
 
 TEST_F(PgtoolDiscWeb, ShowsTextsInUtf8) {
-    Write("A",
-          Picture(1).Set(0x0008, 0x0005, "CS", "ISO_IR 100").Patient("ID1", "M\xFCller^J\xF6rg"));
+    Write(
+        "A",
+        ImageNumber(1).Set(0x0008, 0x0005, "CS", "ISO_IR 100").Patient("ID1", "M\xFCller^J\xF6rg"));
     EXPECT_EQ(Disc({"--web"}).exitStatus, 0);
     EXPECT_THAT(Page("INDEX.HTM"), HasSubstr("M\xC3\xBCller, J\xC3\xB6rg"));
 }
@@ -163,7 +164,7 @@ TEST_F(PgtoolDiscWeb, ShowsTextsInUtf8) {
 // A date that nobody ever wrote would be taken for that of the examination.
 TEST_F(PgtoolDiscWeb, ShowsNoKeysThatAreMadeUp) {
     Write("B", InstanceOf(7, 1, 1).Patient("KNOWN", "ROE"));
-    Write("A", Picture(1)
+    Write("A", ImageNumber(1)
                    .Patient("", "DOE^JOHN")
                    .Remove(0x0008, 0x0020)
                    .Remove(0x0008, 0x0030)
@@ -180,7 +181,7 @@ TEST_F(PgtoolDiscWeb, ShowsNoKeysThatAreMadeUp) {
 }
 
 TEST_F(PgtoolDiscWeb, ShowsReportsAsText) {
-    Write("A", Picture(1));
+    Write("A", ImageNumber(1));
     StreamBuilder image;
     image.Element(0x0008, 0x1150, "UI", PaddedUid("1.2.840.10008.5.1.4.1.1.2"))
         .Element(0x0008, 0x1155, "UI", PaddedUid("1.2.3.4.1"));
@@ -255,7 +256,7 @@ TEST_F(PgtoolDiscWeb, LinksPdfDocumentsAndNoOtherKind) {
 
 TEST_F(PgtoolDiscWeb, ShowsSomeOfManyPictures) {
     for (int number = 1; number <= 70; ++number)
-        Write("I" + std::to_string(number), Picture(number));
+        Write("I" + std::to_string(number), ImageNumber(number));
     EXPECT_EQ(Disc({"--web"}).exitStatus, 0);
     EXPECT_TRUE(fs::exists(Target() + "/IHE_PDI/SE000001/TH000060.PNG"));
     EXPECT_FALSE(fs::exists(Target() + "/IHE_PDI/SE000001/TH000061.PNG"));
@@ -271,7 +272,7 @@ TEST_F(PgtoolDiscWeb, EachMediumOfASetHasItsOwn) {
 }
 
 TEST_F(PgtoolDiscWeb, WithoutTheOptionThereIsNone) {
-    Write("A", Picture(1));
+    Write("A", ImageNumber(1));
     const Finished run = Disc();
     EXPECT_THAT(run.err, IsEmpty());
     EXPECT_FALSE(fs::exists(Target() + "/INDEX.HTM"));

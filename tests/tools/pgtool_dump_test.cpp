@@ -9,6 +9,7 @@
 #include "support/instance_file.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
+#include "support/transfer_syntaxes.h"
 #include "tools/run_pgtool.h"
 
 namespace {
@@ -20,15 +21,13 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr const char* kExplicitLittle = "1.2.840.10008.1.2.1";
-
 class PgtoolDumpText : public testing::Test {
   protected:
     // What dump prints for one element.
     std::string Line(uint16_t group, uint16_t element, std::string_view vr, std::string_view value,
                      const std::string& option = "--utf8") {
         StreamBuilder stream;
-        stream.Part10(kExplicitLittle).Element(group, element, vr, value);
+        stream.Part10(kExplicitLittleUid).Element(group, element, vr, value);
         const std::string file = files_.Write("file", stream.Data());
         const std::string out = Pgtool({"dump", file, option}).out;
         const std::string end = "END-OF-DATASET\n";
@@ -125,7 +124,7 @@ TEST_F(PgtoolDumpText, BinaryValuesAreHexadecimal) {
 
 TEST_F(PgtoolDumpText, SequencesAreIndentedAsByTheLibrary) {
     StreamBuilder stream;
-    stream.Part10(kExplicitLittle).Sequence(0x0008, 0x1140);
+    stream.Part10(kExplicitLittleUid).Sequence(0x0008, 0x1140);
     stream.Item().Element(0x0008, 0x1155, "UI", "1.2").EndItem();
     stream.Item().EndItem().EndSequence().Element(0x0010, 0x0020, "LO", "4711");
     const std::string out =
@@ -266,7 +265,7 @@ TEST_F(PgtoolDumpText, TextsAndProgramsAreNoDataSets) {
 // 2,048 levels, which is as deep as the library reads.
 TEST_F(PgtoolDumpText, DeepNestingTakesNoStack) {
     StreamBuilder stream;
-    stream.Part10(kExplicitLittle);
+    stream.Part10(kExplicitLittleUid);
     for (int i = 0; i < 2000; ++i)
         stream.Sequence(0x0040, 0xA730).Item();
     stream.Element(0x0040, 0xA160, "UT", "deep");

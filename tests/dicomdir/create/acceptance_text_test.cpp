@@ -7,7 +7,7 @@
 
 namespace {
 
-std::string TextOf(uint32_t code) {
+std::string AcceptanceText(uint32_t code) {
     char text[100];
     const size_t length = pgxAcceptanceText(code, text, sizeof text);
     EXPECT_EQ(std::string(text).size(), length);
@@ -15,16 +15,17 @@ std::string TextOf(uint32_t code) {
 }
 
 TEST(AcceptanceText, IsThatOfTheListFile) {
-    EXPECT_EQ(TextOf(PG_ACCEPTED), "Dicom file accepted");
-    EXPECT_EQ(TextOf(PG_INVALID_FILE_NAME), "Invalid filename for file");
-    EXPECT_EQ(TextOf(PG_NOT_DICOM_PART_10), "File is not DICOM Part 10 compliant");
-    EXPECT_EQ(TextOf(PG_NOT_A_DATA_SET), "Cannot open file for reading as a dataset");
-    EXPECT_EQ(TextOf(PG_IS_A_DICOMDIR), "File is a DICOMDIR");
-    EXPECT_EQ(TextOf(PG_PROFILE_REFUSES), "Profile restriction don't match file");
-    EXPECT_EQ(TextOf(PG_INSTANCE_KNOWN), "SOPInstanceUID already found and registered");
-    EXPECT_EQ(TextOf(PG_NO_SOP_INSTANCE_UID), "SOPInstanceUID attribute was not found");
-    EXPECT_EQ(TextOf(PG_NO_SERIES_INSTANCE_UID), "SeriesInstanceUID attribute was not found");
-    EXPECT_EQ(TextOf(PG_NO_STUDY_INSTANCE_UID), "StudyInstanceUID attribute was not found");
+    EXPECT_EQ(AcceptanceText(PG_ACCEPTED), "Dicom file accepted");
+    EXPECT_EQ(AcceptanceText(PG_INVALID_FILE_NAME), "Invalid filename for file");
+    EXPECT_EQ(AcceptanceText(PG_NOT_DICOM_PART_10), "File is not DICOM Part 10 compliant");
+    EXPECT_EQ(AcceptanceText(PG_NOT_A_DATA_SET), "Cannot open file for reading as a dataset");
+    EXPECT_EQ(AcceptanceText(PG_IS_A_DICOMDIR), "File is a DICOMDIR");
+    EXPECT_EQ(AcceptanceText(PG_PROFILE_REFUSES), "Profile restriction don't match file");
+    EXPECT_EQ(AcceptanceText(PG_INSTANCE_KNOWN), "SOPInstanceUID already found and registered");
+    EXPECT_EQ(AcceptanceText(PG_NO_SOP_INSTANCE_UID), "SOPInstanceUID attribute was not found");
+    EXPECT_EQ(AcceptanceText(PG_NO_SERIES_INSTANCE_UID),
+              "SeriesInstanceUID attribute was not found");
+    EXPECT_EQ(AcceptanceText(PG_NO_STUDY_INSTANCE_UID), "StudyInstanceUID attribute was not found");
 }
 
 TEST(AcceptanceText, IsCutToTheBuffer) {
@@ -38,7 +39,7 @@ TEST(AcceptanceText, IsCutToTheBuffer) {
 
 TEST(AcceptanceText, IsEmptyForWhatIsNoCode) {
     for (const uint32_t code : {10u, 0x7FFFFFFFu, 0xFFFFFFFFu})
-        EXPECT_EQ(TextOf(code), "") << code;
+        EXPECT_EQ(AcceptanceText(code), "") << code;
 }
 
 }  // namespace

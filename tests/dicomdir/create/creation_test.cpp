@@ -34,13 +34,6 @@ class Creation : public ScanTest {
     }
 };
 
-// The text with every digit as '#'.
-std::string Pattern(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '#');
-    return text;
-}
-
 // The first record of a type.
 PGX_Node* RecordOf(PGX_Node* root, const std::string& type) {
     for (PGX_Node* item : RecordsOf(root)) {

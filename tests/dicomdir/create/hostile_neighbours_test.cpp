@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dicomdir/create/medium.h"
+#include "dicomdir/create/sop_classes.h"
 #include "support/browsed_directory.h"
 #include "support/captured.h"
 #include "support/directory_builder.h"
@@ -16,8 +17,6 @@
 namespace {
 
 using namespace pgkit_test;
-
-constexpr char kReport[] = "1.2.840.10008.5.1.4.1.1.88.11";
 
 // What follows a code value in the item of a report's concept name, and what the record then has.
 struct Neighbour {
@@ -125,7 +124,7 @@ InstanceFile Report(int number, const Bytes& content) {
 }
 
 // The first record of this kind of the instance; a test failure when there is none.
-PGX_Node* RecordOf(PGX_Node* dicomdir, const std::string& instanceUid) {
+PGX_Node* RecordOfInstance(PGX_Node* dicomdir, const std::string& instanceUid) {
     for (PGX_Node* record : RecordsOf(dicomdir)) {
         PGX_Node* const uid = record->FindNode(0x0004, 0x1511);
         if (uid != nullptr && TextOf(uid).c_str() == instanceUid) return record;
@@ -157,8 +156,8 @@ class HostileNeighbour : public testing::TestWithParam<Neighbour> {
         const DataSet expected = alone.Open();
         const DataSet written = medium_.Open();
         for (const char* uid : {"1.2.3.4.2", "1.2.3.4.3"}) {
-            EXPECT_EQ(ContentOf(RecordOf(written.get(), uid)),
-                      ContentOf(RecordOf(expected.get(), uid)));
+            EXPECT_EQ(ContentOf(RecordOfInstance(written.get(), uid)),
+                      ContentOf(RecordOfInstance(expected.get(), uid)));
         }
     }
 
@@ -167,7 +166,7 @@ class HostileNeighbour : public testing::TestWithParam<Neighbour> {
                   "ID1(1.9.1(1.2.3.4(1.2.3.4.1))) ID2(1.9.2(1.2.3.4(1.2.3.4.2))) "
                   "ID3(1.9.3(1.2.3.4(1.2.3.4.3)))");
         const DataSet written = medium_.Open();
-        PGX_Node* const record = RecordOf(written.get(), "1.2.3.4.1");
+        PGX_Node* const record = RecordOfInstance(written.get(), "1.2.3.4.1");
         PGX_Node* const copy = record == nullptr ? nullptr : record->FindNode(0x0040, 0xA043);
         EXPECT_EQ(Describe(copy), GetParam().copy);
         ExpectGoodOnes();
@@ -244,7 +243,7 @@ TEST_P(HostileNeighbour, TakesNothingFromADicomdirThatIsWrittenAgain) {
               "ID1(1.9.1(1.2.3.4(1.2.3.4.1))) ID2(1.9.2(1.2.3.4(1.2.3.4.2))) "
               "ID3(1.9.3(1.2.3.4(1.2.3.4.3)))");
     const DataSet written = medium_.Open();
-    EXPECT_EQ(Describe(RecordOf(written.get(), "1.2.3.4.1")->FindNode(0x0040, 0xA043)),
+    EXPECT_EQ(Describe(RecordOfInstance(written.get(), "1.2.3.4.1")->FindNode(0x0040, 0xA043)),
               GetParam().copy);
 }
 

@@ -2,19 +2,12 @@
 #include "dicomdir/create/instance_objects.h"
 
 #include "dicomdir/create/creation_fixture.h"
+#include "dicomdir/create/sop_classes.h"
 #include "support/tree.h"
 
 namespace {
 
 using namespace pgkit_test;
-
-constexpr char kReport[] = "1.2.840.10008.5.1.4.1.1.88.11";
-constexpr char kKeyObject[] = "1.2.840.10008.5.1.4.1.1.88.59";
-constexpr char kPresentation[] = "1.2.840.10008.5.1.4.1.1.11.1";
-constexpr char kWaveform[] = "1.2.840.10008.5.1.4.1.1.9.1.1";
-constexpr char kPdf[] = "1.2.840.10008.5.1.4.1.1.104.1";
-constexpr char kRawData[] = "1.2.840.10008.5.1.4.1.1.66";
-constexpr char kSpectroscopy[] = "1.2.840.10008.5.1.4.1.1.4.2";
 
 class LeafOfInstance : public HierarchyBuilding {
   protected:

@@ -3,21 +3,17 @@
 
 #include <cstddef>
 
+#include "dicomdir/create/sop_classes.h"
 #include "pgkit/dicomdir_creation.h"
 
 namespace {
+
+using namespace pgkit_test;
 
 constexpr char kExplicit[] = "1.2.840.10008.1.2.1";
 constexpr char kRle[] = "1.2.840.10008.1.2.5";
 constexpr char kJpegBaseline[] = "1.2.840.10008.1.2.4.50";
 constexpr char kJpegLossless[] = "1.2.840.10008.1.2.4.70";
-
-constexpr char kCt[] = "1.2.840.10008.5.1.4.1.1.2";
-constexpr char kXa[] = "1.2.840.10008.5.1.4.1.1.12.1";
-constexpr char kUs[] = "1.2.840.10008.5.1.4.1.1.6.1";
-constexpr char kUsMultiFrame[] = "1.2.840.10008.5.1.4.1.1.3.1";
-constexpr char kPresentation[] = "1.2.840.10008.5.1.4.1.1.11.1";
-constexpr char kReport[] = "1.2.840.10008.5.1.4.1.1.88.11";
 
 int32_t Accept(const char* profile, const char* sopClass, const char* transferSyntax,
                const char* photometricInterpretation, const char* modality) {

@@ -36,7 +36,7 @@ std::string WithoutPadding(std::string text) {
 }
 
 // The keys of a leaf that a DICOMDIR keeps.
-std::string Describe(const PGX_DicomDirLeafNode& leaf) {
+std::string KeysOfLeaf(const PGX_DicomDirLeafNode& leaf) {
     return WithoutPadding(leaf.referencedFileId) + "|" + std::to_string(leaf.leafType) + "|" +
            leaf.sopClassUid + "|" + leaf.instanceUid + "|" + leaf.transferSyntaxUid + "|" +
            std::to_string(leaf.instanceNumber) + "\n";
@@ -59,7 +59,7 @@ void ForEachLeaf(PGX_List& patients, Visit visit) {
 
 std::string LeavesOf(PGX_List& patients) {
     std::string leaves;
-    ForEachLeaf(patients, [&](PGX_DicomDirLeafNode& leaf) { leaves += Describe(leaf); });
+    ForEachLeaf(patients, [&](PGX_DicomDirLeafNode& leaf) { leaves += KeysOfLeaf(leaf); });
     return leaves;
 }
 

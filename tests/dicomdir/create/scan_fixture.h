@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -57,5 +58,12 @@ class ScanTest : public testing::Test {
     Medium medium_;
     TempDir outside_;
 };
+
+// The text with every digit as '#': nobody knows the time.
+inline std::string Pattern(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '#');
+    return text;
+}
 
 }  // namespace pgkit_test

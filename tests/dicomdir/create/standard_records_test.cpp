@@ -58,13 +58,6 @@ std::string KeysOf(PGX_Node* record) {
     return keys;
 }
 
-// The text with every digit as '#': nobody knows the time.
-std::string Pattern(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '#');
-    return text;
-}
-
 std::string TypeOf(PGX_Node* record) { return Trimmed(TextOf(Child(record, 0x0004, 0x1430))); }
 
 class StandardRecords : public ScanTest {
