@@ -35,7 +35,7 @@ class DicomImage {
         void operator()(PGX_Node* root) const { pgCloseDataSet(root); }
     };
 
-    // Nothing when there is no such frame.
+    // None when there is no such frame.
     std::optional<GrayRows> ReadFrame(uint32_t index) const;
     std::unique_ptr<FrameRows> ReadSamples(uint32_t index) const;
     std::vector<uint8_t> ReadNativeFrame(uint32_t index) const;

@@ -64,7 +64,7 @@ GrayScale ScaleOfWindow(const Window& window) {
     return {black, middle + length / 2, black, length};
 }
 
-// Nothing when the frame ends before its last row.
+// None when the frame ends before its last row.
 std::optional<GrayScale> ScaleOfRange(const ImageDescription& image, FrameRows& rows) {
     const StoredValues stored(image.format);
     int64_t lowest = INT64_MAX;

@@ -40,7 +40,7 @@ struct ImageDescription {
     size_t FrameSize() const { return PixelCount() * format.ByteCount(); }
 };
 
-// Nothing when the data set describes no image, or one whose samples cannot be read.
+// None when the data set describes no image, or one whose samples cannot be read.
 std::optional<ImageDescription> DescribeImage(PGX_Node& dataSet);
 
 }  // namespace pgview

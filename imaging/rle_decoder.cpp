@@ -17,7 +17,7 @@ constexpr size_t kMaxSegments = 4;
 // The most that segments can grow: a run of two bytes gives 128.
 constexpr size_t kMaxExpansion = 64;
 
-// Nothing when one of the segments is not a part of the frame behind the header.
+// None when one of the segments is not a part of the frame behind the header.
 std::optional<std::vector<RleSegment>> FindSegments(RleSegment frame, uint32_t count) {
     if (frame.size() < pgkit::kRleHeaderSize || count > kMaxSegments) return std::nullopt;
     if (pgkit::RleSegmentCount(frame) != count) return std::nullopt;

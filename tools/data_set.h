@@ -35,7 +35,7 @@ std::string BytesOf(const pgkit::element& element);
 std::string UnpaddedBytesOf(const pgkit::item& root, pgkit::tag tag);
 
 // Saves a data set, and closes it, through an OutputFile, or to the standard output for "-". mode
-// is that of SaveDataSetAsEx. Values too long for their VR become UN. Gives the reason why not,
+// is that of SaveDataSetAsEx. Values too long for their VR become UN. Returns the reason why not,
 // with which the former file is as it was, or an empty text.
 [[nodiscard]] std::string SaveWhole(pgkit::data_set root, const std::string& path, uint32_t mode);
 

@@ -116,7 +116,7 @@ std::string PlaceOf(const DiscRun& run, const std::string& folder, size_t index)
     return run.partition.media.size() == 1 ? folder : folder + "/" + NameOf(index + 1);
 }
 
-// Gives the reason why there is no disc, or an empty text.
+// Returns the reason why there is no disc, or an empty text.
 std::string MakeMedia(DiscRun& run, const std::string& folder) {
     ProgressLine progress;
     size_t copied = 0;
@@ -159,7 +159,7 @@ int MakeImages(const DiscRun& run, const DiscImage& image) {
     return kDone;
 }
 
-// Gives the reason why there is no disc, or an empty text.
+// Returns the reason why there is no disc, or an empty text.
 std::string Build(DiscRun& run) {
     Staging staging(run.request.output);
     std::string complaint = staging.Begin();
@@ -217,7 +217,7 @@ bool IsFileSetId(const std::string& text) {
            text.find_first_not_of(' ') != text.npos;
 }
 
-// Takes over what has a form of its own. Gives the complaint, or an empty text.
+// Takes over what has a form of its own. Returns the complaint, or an empty text.
 std::string Complete(DiscOptions& given) {
     DiscRequest& request = given.request;
     const Arguments& operands = request.sources.operands;

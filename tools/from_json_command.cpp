@@ -65,7 +65,7 @@ class FileWriter {
         return true;
     }
 
-    // Gives the reason why a file could not be written, or an empty text.
+    // Returns the reason why a file could not be written, or an empty text.
     std::string End() {
         if (!waiting_ || !reason_.empty()) return reason_;
         std::error_code error;

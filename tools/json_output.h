@@ -12,12 +12,12 @@ namespace pgtool {
 
 // --bulk N.
 void AddBulkLimit(OptionSet& options, std::string& bulk);
-// Without a text no value is too long. Gives the complaint about a text that is no number, or an
+// Without a text no value is too long. Returns the complaint about a text that is no number, or an
 // empty text.
 [[nodiscard]] std::string ReadBulkLimit(const std::string& bulk, uint64_t& limit);
 
 // Prints an object for one file, an array for several or a directory. Files that fail are left out.
-// Gives the exit status.
+// Returns the exit status.
 int PrintJsonOf(const Command& command, const InputOptions& inputs, uint64_t bulkLimit,
                 std::FILE* stream);
 

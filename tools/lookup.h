@@ -7,7 +7,7 @@
 
 namespace pgtool {
 
-// What a function of pgkit/lookup.h gives for a key. Nothing when there is no such text.
+// What a function of pgkit/lookup.h gives for a key. None when there is no such text.
 std::optional<std::string> Lookup(size_t (*function)(const char* key, char* buffer, size_t size),
                                   const std::string& key);
 

@@ -35,7 +35,7 @@ class Targets {
 };
 
 // Does the work on each file, which gets its target, and sums up on the standard error stream when
-// there may be several. Gives the exit status.
+// there may be several. Returns the exit status.
 int RewriteEach(const Command& command, const InputOptions& inputs, const OutputOptions& outputs,
                 const std::function<pgkit::error(const Input&, const std::string& target)>& work);
 

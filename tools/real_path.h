@@ -8,7 +8,7 @@
 namespace pgtool {
 
 // The absolute path of what is there, with slashes on every platform and the names as the file
-// system has them. Nothing when there is no such file or directory.
+// system has them. None when there is no such file or directory.
 std::optional<std::string> RealPath(const std::string& path);
 
 // Whether one of two real paths is that of the other directory, or leads into it.

@@ -37,7 +37,7 @@ std::optional<Assignment> ParseAssignment(const std::string& text) {
     return Assignment{text, text.substr(0, equals), text.substr(equals + 1)};
 }
 
-// Operands with a place before their "=" are assignments, the others files. Gives the complaint
+// Operands with a place before their "=" are assignments, the others files. Returns the complaint
 // about one that is neither, or an empty text.
 std::string SortOperands(SetRequest& request) {
     Arguments files;
@@ -89,7 +89,7 @@ std::string ReasonOf(const pgkit::error& error) {
     return colon == std::string::npos ? error.message : error.message.substr(colon + 2);
 }
 
-// Gives the reason why a value cannot be set, or an empty text.
+// Returns the reason why a value cannot be set, or an empty text.
 std::string Apply(pgkit::data_set& root, const Assignment& assignment, const SetRequest& request) {
     const auto refused = [&](const std::string& reason) {
         return "cannot set " + assignment.text + ": " + reason;

@@ -21,7 +21,8 @@ void AddTextOptions(OptionSet& options, TextOptions& texts);
 
 bool IsCurrent(const TextOptions& texts);
 
-// Makes the library answer by the edition. Gives the complaint about the options, or an empty text.
+// Makes the library answer by the edition. Returns the complaint about the options, or an empty
+// text.
 [[nodiscard]] std::string UseTextOptions(const TextOptions& texts);
 // The same where JSON is printed or taken, which is UTF-8.
 [[nodiscard]] std::string UseTextOptionsForJson(const TextOptions& texts);

@@ -19,7 +19,7 @@ class ByteSink {
     // Whether all the bytes were taken.
     [[nodiscard]] virtual bool Write(const uint8_t* bytes, size_t count) = 0;
     [[nodiscard]] virtual bool Flush() { return true; }
-    // Nothing when the sink has no position.
+    // None when the sink has no position.
     virtual std::optional<uint64_t> Position() = 0;
 };
 

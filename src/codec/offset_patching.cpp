@@ -35,7 +35,7 @@ std::optional<uint64_t> NodePosition(const PGX_Node& node) {
     return node.fileOffset;
 }
 
-// An offset counts from the item's tag, and its position is that of its first element. Nothing when
+// An offset counts from the item's tag, and its position is that of its first element. None when
 // the tag is beyond what 32 bits can say.
 std::optional<uint32_t> OffsetOfItem(std::optional<uint64_t> firstElement) {
     if (!firstElement || *firstElement > uint64_t{UINT32_MAX} + kItemHeaderSize)

@@ -16,7 +16,7 @@ struct EncodingGuess {
 };
 
 // Looks at the first elements, from position 0 on, in the encodings that the flags (PgOpenFlags)
-// leave. Nothing when they look like elements in none. Moves the reader.
+// leave. None when they look like elements in none. Moves the reader.
 [[nodiscard]] std::optional<EncodingGuess> GuessEncoding(StreamReader& reader, uint32_t flags,
                                                          bool detectsBigEndian);
 

@@ -47,7 +47,7 @@ bool IsPrivateNative(std::string_view uid) {
     return uid == kPrivateImplicitUid || uid == kPrivateBigEndianUid;
 }
 
-// Nothing when the bytes that the element's source has cannot be read. The VR does not matter:
+// None when the bytes that the element's source has cannot be read. The VR does not matter:
 // readers do not look at it.
 std::optional<std::string> FetchSyntax(const PGX_Node& element) {
     const size_t available = std::min<size_t>(AvailableLength(element), kMaxSyntaxBytes);

@@ -1,5 +1,5 @@
 // Allocation and release of nodes and trees.
-#include <cstdlib>
+#include <cstdio>
 #include <new>
 #include <utility>
 
@@ -9,22 +9,6 @@
 #include "pgkit/node.h"
 
 namespace pgkit {
-
-FragmentEntry* NewFragmentTable(size_t capacity) {
-    return static_cast<FragmentEntry*>(
-        std::calloc(capacity == 0 ? 1 : capacity, sizeof(FragmentEntry)));
-}
-
-void FreeFragmentTable(PGX_Node& node) {
-    if (HasFragmentTable(node)) {
-        for (uint32_t i = 0; i < node.fragmentCount; ++i)
-            FreeValueBuffer(node.fragments[i].bytes);
-        std::free(node.fragments);
-    }
-    node.fragments = nullptr;
-    node.fragmentCount = 0;
-    node.fragmentCapacity = 0;
-}
 
 namespace {
 

@@ -92,7 +92,7 @@ bool RemoveFile(const char* path);
 // Positions are 64-bit on both platforms.
 [[nodiscard]] bool Seek(FILE* stream, uint64_t position);
 [[nodiscard]] bool SeekToEnd(FILE* stream);
-// Nothing when the stream has no position (a pipe).
+// None when the stream has no position (a pipe).
 [[nodiscard]] std::optional<uint64_t> Tell(FILE* stream);
 // Cuts the end of a file off.
 [[nodiscard]] bool CutTo(FILE* stream, uint64_t size);

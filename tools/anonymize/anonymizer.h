@@ -21,7 +21,7 @@ class Anonymizer {
     void Apply(pgkit::data_set& root) const;
 
   private:
-    // Gives the items that are left in an item, which are to be treated next.
+    // Returns the items that are left in an item, which are to be treated next.
     struct Pending {
         pgkit::item item;
         bool isDummy;  // nothing in it is to be kept

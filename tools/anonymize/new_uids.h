@@ -13,7 +13,7 @@ class NewUids {
     // A new random key, for one run.
     NewUids();
     // The key in a file, one line of hexadecimal digits; a file that does not exist is made, with a
-    // new key, for nobody but its user to read. Gives the reason why not, or an empty text.
+    // new key, for nobody but its user to read. Returns the reason why not, or an empty text.
     [[nodiscard]] std::string UseKeyFile(const std::string& path);
 
     // "2.25." and a decimal number of at most 39 digits, a UUID. UIDs of the standard itself

@@ -76,7 +76,7 @@ void ReadKeys(const pgkit::item& root, Candidate& candidate) {
     candidate.instance.isImage = root.contains(tags::kRows);
 }
 
-// Gives the transfer syntax that the instance will have on the medium, when that matters. What
+// Returns the transfer syntax that the instance will have on the medium, when that matters. What
 // cannot be read of a damaged file would be lost if it were written anew.
 std::string ChooseTransfer(const pgkit::data_set& root, const DiscRequest& request,
                            Candidate& candidate) {

@@ -16,7 +16,7 @@ class DiscImage {
     std::string Complaint() const;
 
     // Makes the image of a folder: ISO 9660 level 1, without extensions. What is there under its
-    // name is replaced in the end. Gives the reason why not, or an empty text.
+    // name is replaced in the end. Returns the reason why not, or an empty text.
     [[nodiscard]] std::string Make(const std::string& folder, const std::string& fileSetId,
                                    const std::string& image) const;
 

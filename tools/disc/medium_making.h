@@ -26,7 +26,7 @@ MadeMedium MakeMedium(const DiscRequest& request, const Survey& survey, const Me
                       MediumNumber number, const std::string& folder,
                       const std::function<void()>& progress);
 
-// Gives the reason why not, or an empty text.
+// Returns the reason why not, or an empty text.
 [[nodiscard]] std::string FinishMedium(const std::string& folder);
 
 }  // namespace pgtool

@@ -10,8 +10,8 @@ namespace pgtool {
 std::string FindProgram(const std::string& name);
 
 // Runs a program, by its path, with its arguments behind that, and waits for its end. Its standard
-// output goes to the standard error stream. Gives its exit status, -1 when it did not end by itself
-// or could not be started.
+// output goes to the standard error stream. Returns its exit status, -1 when it did not end by
+// itself or could not be started.
 int RunToItsEnd(const std::vector<std::string>& command);
 
 // ---- The system's part --------------------------------------------------------------------------

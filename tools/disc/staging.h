@@ -20,7 +20,7 @@ class Staging {
     // Why there can be no disc in that folder; empty when there can.
     std::string Complaint() const;
 
-    // Makes the folder. Gives the reason why not, or an empty text.
+    // Makes the folder. Returns the reason why not, or an empty text.
     [[nodiscard]] std::string Begin();
     // Where to write.
     const std::string& Path() const { return path_; }

@@ -18,7 +18,7 @@ class WebSite {
     // there are not shown.
     WebSite(std::string folder, const pgkit::directory& directory, const Survey& survey);
 
-    // Gives the reason why not, or an empty text. An interruption ends it early.
+    // Returns the reason why not, or an empty text. An interruption ends it early.
     [[nodiscard]] std::string Write(const std::string& fileSetId, MediumNumber medium,
                                     const MediumContent& content);
 

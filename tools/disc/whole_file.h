@@ -6,7 +6,7 @@
 
 namespace pgtool {
 
-// Gives the reason why not, or an empty text.
+// Returns the reason why not, or an empty text.
 [[nodiscard]] std::string WriteWholeFile(const std::string& path, std::string_view bytes);
 
 }  // namespace pgtool

@@ -16,7 +16,7 @@ struct RepairOptions {
 };
 
 // Writes a DICOMDIR that refers to the DICOM files among those of a medium, which takes the place
-// of the former one as a whole. Fills the summary. Gives the reason why there is none, with which
+// of the former one as a whole. Fills the summary. Returns the reason why there is none, with which
 // the former one stays, or an empty text.
 std::string Repair(const std::vector<std::string>& all, const MediumFiles& files,
                    const RepairOptions& options, AcceptanceSummary& summary);

@@ -21,7 +21,7 @@ struct Verification {
     bool directoryIsInside = true;  // false when it is a link that leads out of the medium
 };
 
-// operand is the directory of the medium or its DICOMDIR. Gives the reason why nothing could be
+// operand is the directory of the medium or its DICOMDIR. Returns the reason why nothing could be
 // checked, or an empty text.
 std::string Verify(const std::string& operand, const VerifyOptions& options, Verification& result);
 
