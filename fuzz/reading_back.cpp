@@ -51,12 +51,13 @@ bool HasContent(PGX_Node& root) {
 
 bool HasPrivateSyntax(PGX_Node& root) {
     return AnyElement(root, [](PGX_Node& element) {
-        if (element.group != 0x0002 || element.element != 0x0010 || element.length > 1000) {
-            return false;
-        }
-        const std::string uid = pgkit_test::TextOf(&element);
-        return uid.find("1.2.840.113619.5.2") != std::string::npos ||
-               uid.find("1.2.840.113704.7.0.4.5") != std::string::npos;
+        if (element.group != 0x0002 || element.element != 0x0010) return false;
+        // Its length may be anything; what counts is the beginning.
+        char text[64] = {};
+        element.GetStringValue(text, sizeof text - 1);
+        const std::string_view uid = text;
+        return uid.find("1.2.840.113619.5.2") != uid.npos ||
+               uid.find("1.2.840.113704.7.0.4.5") != uid.npos;
     });
 }
 

@@ -142,7 +142,7 @@ native_lane() {
 
 windows_lane() {
     local suffix=.exe
-    limit=3600 run build-windows-x64 scripts/build.sh windows-x64 || return
+    limit=3600 run build-windows-x64 scripts/build.sh windows-x64 -- -DPGKIT_UNITY=ON || return
     start_programs windows-x64 scripts/wine.sh
     start msabi tests/msabi/run_host.sh build/windows-x64
 }

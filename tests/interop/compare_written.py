@@ -15,6 +15,7 @@ The last line is "N passed, M failed"; the exit status tells the same.
 """
 
 import functools
+import hashlib
 import os
 import pathlib
 import re
@@ -179,6 +180,20 @@ def complaint_of_dciodvfy(source, written):
     return f"{sorted(found)[:3]}" if found else None
 
 
+# By source, content and readers: as it was read is one of the other encodings.
+verdicts = {}
+
+
+def complaint_of_readers(readers, source, written):
+    """Equal files are judged once."""
+    key = source, hashlib.sha256(written.read_bytes()).digest(), tuple(readers)
+    if key not in verdicts:
+        complaints = ((reader, judge(source, written)) for reader, judge in readers.items())
+        verdicts[key] = next((f"{reader}: {complaint}" for reader, complaint in complaints if complaint),
+                             None)
+    return verdicts[key]
+
+
 def check_saved(tool, name, path, encoding):
     with tempfile.TemporaryDirectory(prefix="pgkit-written-") as work:
         written = pathlib.Path(work) / "written"
@@ -188,11 +203,7 @@ def check_saved(tool, name, path, encoding):
         readers = {"pydicom": complaint_of_pydicom, "dcmdump": complaint_of_dcmdump}
         if (name, encoding) not in DCIODVFY_EXCEPTIONS:
             readers["dciodvfy"] = complaint_of_dciodvfy
-        for reader, complaint_of in readers.items():
-            complaint = complaint_of(path, written)
-            if complaint:
-                return f"{reader}: {complaint}"
-    return None
+        return complaint_of_readers(readers, path, written)
 
 
 def checks_of(root, tool):
