@@ -1,5 +1,6 @@
 #include <pgkit/pgkit.h>
 
+#include <algorithm>
 #include <string>
 
 #include "input.h"
@@ -11,6 +12,17 @@
 #include "violation.h"
 
 namespace pgkit_fuzz {
+
+namespace {
+
+// The deflated bytes are padded; what stands in front of them may be odd where it was.
+bool HasOddMetaInformation(PGX_Node& root) {
+    return std::ranges::any_of(NodesOf(root), [](const PGX_Node* node) {
+        return node->group == 0x0002 && node->length % 2 != 0;
+    });
+}
+
+}  // namespace
 
 // Saved as it was read, it is deflated again.
 void Deflate(Bytes bytes) {
@@ -25,7 +37,8 @@ void Deflate(Bytes bytes) {
     if (root == nullptr || !HasContent(*root) || !IsWorthCopying(*root)) return;
     const std::string saved = ScratchPath("deflated_again");
     if (root->SaveDataSetAsEx(saved.c_str(), 0) != 0) return;
-    Require(pgkit_test::ReadFile(saved).size() % 2 == 0, "a deflated file has an even size");
+    Require(pgkit_test::ReadFile(saved).size() % 2 == 0 || HasOddMetaInformation(*root),
+            "a deflated file has an even size");
     RequireReadsBack(*root, saved, 0, limit);
 }
 
