@@ -2,6 +2,7 @@
 // kilobyte, pixels above all, are left where they are: the URI of each says where that is.
 //
 //   disc_to_json DICOMDIR > disc.json
+#include <pgkit/diagnostics.h>
 #include <pgkit/json.h>
 #include <pgkit/data_set.hpp>
 
@@ -36,6 +37,7 @@ bool PrintFile(const std::string& path) {
 
 int main(int argumentCount, char** arguments) {
     if (argumentCount != 2) return 2;
+    pgxSetVerbosity(0);  // nothing but JSON on the standard output
     const auto disc = pgkit::directory::open(arguments[1]);
     if (!disc) {
         std::fprintf(stderr, "%s\n", disc.error().message.c_str());

@@ -88,8 +88,9 @@ struct open_options {
     // Values of fewer bytes are loaded now. Longer ones stay in the file, which then stays open,
     // and are read whenever they are asked for. 0xFFFFFFFF loads all that can be.
     std::uint32_t load_below = 64;
-    // PgOpenFlags (dataset.h).
-    std::uint32_t flags = 0;
+    // PgOpenFlags (dataset.h). Without this one, what stands behind some encapsulated Pixel Data
+    // would be missing in the tree, and in what is saved.
+    std::uint32_t flags = PG_OPEN_PAST_PIXEL_DATA;
 };
 
 // A data set and all that is in it, and its owner. It is an item, and a range of elements.
@@ -188,6 +189,13 @@ inline bool copy_uid(item& root, std::uint16_t element_number, std::uint16_t met
     return static_cast<bool>(root.set_bytes({meta_group, meta_element}, uid.data(), uid.size()));
 }
 
+// Syntaxes of native data that the library keeps whatever the mode says: deflated, and two private
+// ones.
+inline bool is_kept_by_saving(const std::string& transfer_syntax) {
+    return transfer_syntax == "1.2.840.10008.1.2.1.99" || transfer_syntax == "1.2.840.113619.5.2" ||
+           transfer_syntax == "1.2.840.113704.7.0.4.5";
+}
+
 // Completes the File Meta Information that is there, or that is to be there.
 inline bool complete_meta(item& root, encoding how) {
     if (how != encoding::as_read && !root.contains({meta_group, 0x0010})) {
@@ -195,6 +203,10 @@ inline bool complete_meta(item& root, encoding how) {
         return pgKitAddPart10Elements(root.node(), transfer_syntax_of(how)) == 1;
     }
     if (root.begin() == root.end() || root.begin()->tag().group != meta_group) return true;
+    if (how != encoding::as_read && is_kept_by_saving(root.find({meta_group, 0x0010}).text()) &&
+        !root.set_text({meta_group, 0x0010}, transfer_syntax_of(how))) {
+        return false;
+    }
     return copy_uid(root, 0x0016, 0x0002) && copy_uid(root, 0x0018, 0x0003);
 }
 

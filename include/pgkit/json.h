@@ -57,7 +57,7 @@
 //   those longer than 16 characters rounded to what 16 can hold. Values are made even as
 //   PGX_Node::SetValue does, InlineBinary with a zero.
 //
-//   Everything else is an error: see PgxJsonError. Data sets may be nested 2,048 deep, as in files.
+//   Everything else is an error: see PgxJsonError. Sequences may be nested 2,048 deep, as in files.
 //   Memory is bounded by the length of the JSON: at most about 50 times as much for many tiny
 //   items, and that of the value for a long one.
 //
@@ -153,7 +153,7 @@ typedef int32_t (*PgxJsonBulkFunction)(void* context, PGX_Node* element, const c
 
 typedef struct PgxJsonReadOptions {
     size_t size;              /* sizeof(PgxJsonReadOptions) */
-    uint32_t depthLimit;      /* of nested data sets, 1 for no sequences; 0, or more, for 2,048 */
+    uint32_t depthLimit;      /* of nested data sets, 1 for no sequences; 0, or more, for 2,049 */
     uint64_t sizeLimit;       /* of the JSON in bytes; 0 for none */
     PgxJsonBulkFunction bulk; /* null: a BulkDataURI is an error */
     void* bulkContext;

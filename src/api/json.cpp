@@ -19,7 +19,8 @@ namespace pgkit {
 namespace {
 
 constexpr int64_t kNoMemory = PGX_JSON_NO_MEMORY;
-constexpr uint32_t kMaxDepth = 2048;
+// The data set, and the 2,048 levels of sequences that files may have.
+constexpr uint32_t kMaxDepth = 2049;
 
 // Options as a program knows them that may be older or newer than the library.
 template <typename Options>

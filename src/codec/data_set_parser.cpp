@@ -32,6 +32,17 @@ bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
     return declaredLength != kUndefinedLength && bytes >= declaredLength;
 }
 
+// Whether the stream ends before fragments do. The reader stands at the first of their items.
+bool EndsInFragment(StreamReader& reader) {
+    TagHeader item{};
+    while (ReadItemHeader(reader, item)) {
+        if (!item.IsItem()) return false;
+        if (!reader.Holds(item.length)) return true;
+        reader.Skip(item.length);
+    }
+    return !reader.HasFailed();
+}
+
 }  // namespace
 
 void DataSetParser::Meaning::MakeName(const char* format, unsigned number) {
@@ -159,7 +170,9 @@ bool DataSetParser::ReadElement() {
 
     if (meaning.valueRep == VR_SQ) {
         if (levels_.size() > kMaxSequenceNesting) {
+            // What encloses it would go on within it.
             NoteEnd({EndKind::TooDeep, reader_.Position(), header.group, header.element});
+            reader_.SeekToEnd();
             return false;
         }
         PGX_Node& sequence = *AppendElement(header, meaning);
@@ -253,7 +266,10 @@ void DataSetParser::ReadFragments(PGX_Node& pixelData) {
         reader_.Seek(start);
         return PassFragments(pixelData, ReadPixelItems(reader_));
     }
-    NoteEnd({EndKind::LeftAfterFragments, start, pixelData.group, pixelData.element});
+    reader_.Seek(start);
+    const ParseEnd end = EndsInFragment(reader_) ? ParseEnd{EndKind::CutShort, reader_.Size()}
+                                                 : ParseEnd{EndKind::LeftAfterFragments, start};
+    NoteEnd({end.kind, end.offset, pixelData.group, pixelData.element});
     levels_.back().dataSetBytes += table.consumed;
     reader_.SeekToEnd();
 }

@@ -135,6 +135,23 @@ TEST(OpenReport, SequencesThatAreTooDeepAreTold) {
     EXPECT_EQ(opened.report.elements, 2u + 2048u);
 }
 
+// What enclosed them went on within them: it got items and elements that the file does not have.
+TEST(OpenReport, BehindSequencesThatAreTooDeepNothingIsRead) {
+    StreamBuilder stream = SmallFile();
+    for (int level = 0; level < 5000; ++level)
+        stream.Sequence(0x0040, 0xA730).Item();
+    const Reported opened = Open(stream);
+    const PGX_Node* sequence = opened.root->FindNode(0x0040, 0xA730);
+    size_t items = 0;
+    while (sequence != nullptr && sequence->first != nullptr) {
+        ++items;
+        EXPECT_EQ(sequence->next, nullptr);
+        EXPECT_EQ(sequence->first->next, nullptr);
+        sequence = sequence->first->first;
+    }
+    EXPECT_EQ(items, 2048u);
+}
+
 TEST(OpenReport, FilesThatCannotBeOpenedAreTold) {
     const TempDir directory;
     PgxOpenReport report = NewReport();
@@ -300,6 +317,19 @@ PgxOpenReport ReportOf(const StreamBuilder& stream, uint32_t flags) {
     PgxOpenReport report = NewReport();
     DataSet(pgxOpenFile(directory.Write("file", stream.Data()).c_str(), 64, flags, &report));
     return report;
+}
+
+// It was said to end nobody knows where.
+TEST(OpenReport, AFileThatEndsInAFragmentIsCutShort) {
+    StreamBuilder stream = EncapsulatedFile();
+    const Bytes whole = stream.EndSequence().Data();
+    for (const uint32_t flags : {0u, uint32_t{PG_OPEN_SKIP_FRAGMENTS}}) {
+        for (size_t missing = 9; missing < 12; ++missing) {
+            const Bytes cut(whole.begin(), whole.end() - static_cast<std::ptrdiff_t>(missing));
+            const Reported opened = Open(cut, flags);
+            EXPECT_EQ(End(opened), At("1", cut.size(), " in (7FE0,0010)"));
+        }
+    }
 }
 
 TEST(OpenReport, FragmentsThatEndTheTreeAreTold) {

@@ -142,6 +142,10 @@ TEST(DataSetEditing, TextsOfNumbersAreReadAsNumbers) {
     EXPECT_TRUE(dataSet.set_text("FrameIncrementPointer", "FrameTime\\0018,1065"));
     EXPECT_EQ(dataSet.find("FrameIncrementPointer").text(), "(0018,1063)\\(0018,1065)");
     EXPECT_EQ(KindOf(dataSet.set_text("Rows", "many")), failure::bad_value);
+    // It was stored as an infinity.
+    EXPECT_EQ(KindOf(dataSet.set_text("RecommendedDisplayFrameRateInFloat", "1e400")),
+              failure::bad_value);
+    EXPECT_EQ(KindOf(dataSet.set_text("SelectorFDValue", "1e400")), failure::bad_value);
     EXPECT_EQ(KindOf(dataSet.set_text("Rows", "1\\")), failure::bad_value);
     EXPECT_EQ(KindOf(dataSet.set_text("Rows", "65536")), failure::bad_value);
     EXPECT_EQ(KindOf(dataSet.set_text("FrameIncrementPointer", "NoName")), failure::bad_value);

@@ -157,15 +157,15 @@ TEST(DataSetFrames, OfFloatPixelDataAreFound) {
 
 // ---- Encapsulated -------------------------------------------------------------------------------
 
-StreamBuilder Encapsulated() {
+StreamBuilder Encapsulated(const char* frames) {
     StreamBuilder stream;
     stream.Part10("1.2.840.10008.1.2.5");
-    stream.Header(0x7FE0, 0x0010, "OB", kUndefined);
-    return stream;
+    if (frames != nullptr) stream.Element(0x0028, 0x0008, "IS", frames);
+    return stream.Header(0x7FE0, 0x0010, "OB", kUndefined);
 }
 
-TEST(DataSetFrames, OfEncapsulatedPixelsAreTheEntriesOfTheirTable) {
-    StreamBuilder stream = Encapsulated();
+TEST(DataSetFrames, OfEncapsulatedPixelsAreFragmentsWhereThereAreAsMany) {
+    StreamBuilder stream = Encapsulated("2 ");
     stream.Item(0).Item(2).Text("AA").Item(4).Text("BBBB").EndSequence();
     Opened file(stream);
     ASSERT_EQ(file->frames().size(), 2u);
@@ -177,8 +177,41 @@ TEST(DataSetFrames, OfEncapsulatedPixelsAreTheEntriesOfTheirTable) {
     EXPECT_TRUE(file->find("PixelData").items().empty());
 }
 
+// They had the headers of the items between them, which no decoder takes, or were none at all.
+TEST(DataSetFrames, OfSeveralFragmentsAreJoined) {
+    StreamBuilder stream = Encapsulated("2 ");
+    stream.Item(8).U32(0).U32(20);
+    stream.Item(2).Text("AA").Item(2).Text("aa").Item(4).Text("BBBB").Item(2).Text("bb");
+    stream.EndSequence();
+    for (const uint32_t flags : {0u, uint32_t{PG_OPEN_SKIP_FRAGMENTS}}) {
+        Opened file(stream, 64, flags);
+        ASSERT_EQ(file->frames().size(), 2u);
+        EXPECT_EQ(file->frames()[0].size(), 4u);
+        EXPECT_THAT(file->frames()[0].bytes(), ElementsAre('A', 'A', 'a', 'a'));
+        EXPECT_THAT(file->frames()[1].bytes(), ElementsAre('B', 'B', 'B', 'B', 'b', 'b'));
+    }
+}
+
+TEST(DataSetFrames, WithoutANumberOfThemAreOneOfAllFragments) {
+    StreamBuilder stream = Encapsulated(nullptr);
+    stream.Item(0).Item(2).Text("AA").Item(2).Text("aa").EndSequence();
+    Opened file(stream);
+    ASSERT_EQ(file->frames().size(), 1u);
+    EXPECT_THAT(file->frames()[0].bytes(), ElementsAre('A', 'A', 'a', 'a'));
+}
+
+TEST(DataSetFrames, AreNoneWhereNobodyKnowsWhereTheyBegin) {
+    StreamBuilder stream = Encapsulated("2 ");
+    stream.Item(0).Item(2).Text("AA").Item(2).Text("aa").Item(2).Text("BB").EndSequence();
+    EXPECT_TRUE(Opened(stream)->frames().empty());
+    StreamBuilder wrong = Encapsulated("2 ");
+    wrong.Item(8).U32(0).U32(0x10000000).Item(2).Text("AA").EndSequence();
+    EXPECT_TRUE(Opened(wrong)->frames().empty());
+}
+
 TEST(DataSetFrames, OfEncapsulatedPixelsInMemoryAreNotCopied) {
     pgkit::data_set dataSet = pgkit::data_set::create();
+    ASSERT_TRUE(dataSet.set_number("NumberOfFrames", 2));
     PGX_Node* const pixels = pgKitInsertEncodedPixelDataNode(dataSet.node(), 2);
     ASSERT_EQ(pgKitSetEncodedPixelData(pixels, 1, 2, "XY"), 1);
     ASSERT_EQ(dataSet.frames().size(), 2u);
@@ -188,19 +221,13 @@ TEST(DataSetFrames, OfEncapsulatedPixelsInMemoryAreNotCopied) {
     EXPECT_TRUE(room.empty());
 }
 
-TEST(DataSetFrames, OfAWrongOffsetTableAreEmpty) {
-    StreamBuilder stream = Encapsulated();
-    stream.Item(8).U32(0).U32(0x10000000).Item(2).Text("AA").EndSequence();
+// A frame may be kept when the range is gone.
+TEST(DataSetFrames, MayBeKeptWithoutTheirRange) {
+    StreamBuilder stream = Encapsulated("1 ");
+    stream.Item(0).Item(2).Text("AA").Item(2).Text("aa").EndSequence();
     Opened file(stream);
-    for (const pgkit::frame frame : file->frames())
-        EXPECT_LT(frame.bytes().size(), 100u);
-}
-
-TEST(DataSetFrames, WithoutATableAreNone) {
-    StreamBuilder stream = Encapsulated();
-    stream.Item(0).Item(2).Text("AA").EndSequence();
-    Opened file(stream, 64, PG_OPEN_SKIP_FRAGMENTS);
-    EXPECT_TRUE(file->frames().empty());
+    const pgkit::frame kept = file->frames()[0];
+    EXPECT_THAT(kept.bytes(), ElementsAre('A', 'A', 'a', 'a'));
 }
 
 TEST(DataSetFrames, OfRealFilesAreThere) {

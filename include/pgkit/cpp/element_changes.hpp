@@ -82,6 +82,10 @@ inline const char* encode_number_texts(std::string_view text, std::uint32_t vr,
         const any_number number = number_of_text(text.substr(0, end), vr);
         if (number.is == any_number::kind::none)
             return vr == VR_AT ? "the text names no tag" : "the text is no number";
+        const bool is_finite =
+            number.is != any_number::kind::real || number.real - number.real == 0;
+        if (!is_finite)
+            return "the number does not fit";  // "1e400", which only an infinity is near
         if (const char* const reason = append_encoded(number, vr, encoded)) return reason;
         if (end == text.npos) break;
         text.remove_prefix(end + 1);

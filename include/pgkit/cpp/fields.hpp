@@ -45,17 +45,6 @@ inline bool read_file(const PGX_Node* node, std::uint32_t position, void* buffer
     return is_read;
 }
 
-// How many entries the table of encapsulated Pixel Data has, and the bytes of one that is in
-// memory, else null.
-inline std::uint32_t fragment_count(PGX_Node* node) noexcept {
-    std::uint32_t position = 0;
-    // Without a table, or with one that was not read, not even the first entry is told.
-    return pgKitGetEncodedPixelInfo(node, 0, nullptr, &position) == 1 ? node->fragmentCount : 0;
-}
-inline const std::uint8_t* loaded_fragment(const PGX_Node* node, std::uint32_t index) noexcept {
-    return node->fragments[index].bytes;
-}
-
 // The cells of a list, which pgKitListGetElementAt would count from the head each time.
 inline const PGX_ListElement* first_cell(const PGX_List* list) noexcept {
     return list == nullptr ? nullptr : list->head;

@@ -4,33 +4,56 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "pgkit/cpp/element_values.hpp"
 #include "pgkit/cpp/fields.hpp"
 #include "pgkit/cpp/item_changes.hpp"
 #include "pgkit/cpp/iterator.hpp"
+#include "pgkit/frames.h"
 
 namespace pgkit {
 inline namespace v1 {
 
-// One frame of Pixel Data, or, of encapsulated Pixel Data, one entry of its table: a frame where
-// the file has an offset table (item headers within a frame are part of it), else a fragment. A
-// handle that owns nothing, valid as long as the element of the pixels is.
+namespace detail {
+
+// Where the frames of encapsulated Pixel Data lie: those of pgxFindFrames, and at which of them
+// each frame starts.
+struct frame_pieces {
+    [[nodiscard]] span<const PgxFramePiece> of(std::size_t frame) const noexcept {
+        return {pieces.data() + starts[frame], starts[frame + 1] - starts[frame]};
+    }
+
+    std::vector<PgxFramePiece> pieces;
+    std::vector<std::size_t> starts;  // one more than there are frames
+};
+
+}  // namespace detail
+
+// One frame of Pixel Data: samples, or the bytes of a compressed image. A handle that does not own
+// the pixels: valid as long as their element is, and does not change.
 class frame {
   public:
     frame() noexcept = default;
+    // A native frame of so many bytes.
     frame(PGX_Node* pixels, std::size_t index, std::size_t size) noexcept
         : pixels_(pixels), index_(index), size_(size) {}
+    // A compressed one.
+    frame(PGX_Node* pixels, std::size_t index,
+          std::shared_ptr<const detail::frame_pieces> pieces) noexcept;
 
     // Bytes.
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
-    // The bytes of the frame: native ones are samples in the byte order of this machine. They stay
-    // where they are when they are in memory already; else they are read into room, which becomes
-    // as large as it has to be. Valid until room, or the pixels, change. Empty when they cannot be
-    // read. One room serves all frames of a loop.
+    // The bytes of the frame: native ones are samples in the byte order of this machine, compressed
+    // ones those of all fragments of the frame, without the headers between them. They stay where
+    // they are when they are in memory already, in one piece; else they are read into room, which
+    // becomes as large as it has to be. Valid until room, or the pixels, change. Empty when they
+    // cannot be read, and where they lie beyond 4 GiB. One room serves all frames of a loop.
     [[nodiscard]] span<const std::uint8_t> bytes(std::vector<std::uint8_t>& room) const;
     // A copy of its own.
     [[nodiscard]] std::vector<std::uint8_t> bytes() const;
@@ -39,15 +62,18 @@ class frame {
     PGX_Node* pixels_ = nullptr;
     std::size_t index_ = 0;
     std::size_t size_ = 0;
+    std::shared_ptr<const detail::frame_pieces> pieces_;
 };
 
 namespace detail {
 
-// A frame size of 0 stands for encapsulated frames, of which each has its own.
+// Without pieces the frames are native and of one size.
 struct frame_position {
     using value_type = frame;
 
-    [[nodiscard]] frame value() const noexcept;
+    [[nodiscard]] frame value() const noexcept {
+        return pieces != nullptr ? frame(pixels, index, pieces) : frame(pixels, index, frame_size);
+    }
     void advance() noexcept { ++index; }
     [[nodiscard]] bool is_at(const frame_position& other) const noexcept {
         return index == other.index;
@@ -56,22 +82,31 @@ struct frame_position {
     PGX_Node* pixels = nullptr;
     std::size_t frame_size = 0;
     std::size_t index = 0;
+    std::shared_ptr<const frame_pieces> pieces;
 };
 
 }  // namespace detail
 
-// The frames of an item, data_set.frames(): as many as Number of Frames says, but only those that
-// the value has as a whole. None where there are no pixels or where Rows, Columns, Samples per
-// Pixel or Bits Allocated are missing or make no whole number of bytes. Native Pixel Data of
-// YBR_FULL_422 and YBR_PARTIAL_422 have two samples for each pixel, of YBR_PARTIAL_420 three for
-// two. Float Pixel Data and Double Float Pixel Data have frames, too.
+// The frames of an item, data_set.frames().
+//
+// Native Pixel Data: as many as Number of Frames says, but only those that the value has as a
+// whole. None where there are no pixels or where Rows, Columns, Samples per Pixel or Bits Allocated
+// are missing or make no whole number of bytes. Pixels of YBR_FULL_422 and YBR_PARTIAL_422 have two
+// samples for each, of YBR_PARTIAL_420 three for two. Float Pixel Data and Double Float Pixel Data
+// have frames, too.
+//
+// Encapsulated Pixel Data: as pgxFindFrames (frames.h) tells them from the offset tables, or from
+// the number of fragments. None where they are not consistent: nobody knows then which fragments
+// make a frame. Asking for the range goes over the items of the file once.
 class frame_range {
   public:
     using iterator = detail::handle_iterator<detail::frame_position>;
 
     frame_range() noexcept = default;
     frame_range(PGX_Node* pixels, std::size_t count, std::size_t frame_size) noexcept
-        : pixels_(pixels), count_(count), frame_size_(frame_size) {}
+        : count_(count), first_{pixels, frame_size, 0, nullptr} {}
+    frame_range(PGX_Node* pixels, std::shared_ptr<const detail::frame_pieces> pieces) noexcept
+        : count_(pieces->starts.size() - 1), first_{pixels, 0, 0, std::move(pieces)} {}
 
     [[nodiscard]] std::size_t size() const noexcept { return count_; }
     [[nodiscard]] bool empty() const noexcept { return count_ == 0; }
@@ -84,12 +119,13 @@ class frame_range {
 
   private:
     [[nodiscard]] detail::frame_position position(std::size_t index) const noexcept {
-        return {pixels_, frame_size_, index};
+        detail::frame_position at = first_;
+        at.index = index;
+        return at;
     }
 
-    PGX_Node* pixels_ = nullptr;
     std::size_t count_ = 0;
-    std::size_t frame_size_ = 0;
+    detail::frame_position first_;
 };
 
 // ---- Definitions --------------------------------------------------------------------------------
@@ -117,37 +153,59 @@ inline std::uint64_t native_frame_size(const item& in, std::uint32_t frames) {
     return frame_bits % 8 != 0 && frames > 1 ? 0 : (frame_bits + 7) / 8;
 }
 
-// The bytes of one entry of encapsulated Pixel Data.
-inline span<const std::uint8_t> encapsulated_bytes(PGX_Node* pixels, std::uint32_t index,
-                                                   std::vector<std::uint8_t>& room) {
-    std::uint32_t length = 0;
-    std::uint32_t position = 0;
-    if (pgKitGetEncodedPixelInfo(pixels, index, &length, &position) == 0 || length == 0) return {};
-    if (const std::uint8_t* const loaded = loaded_fragment(pixels, index)) return {loaded, length};
-    // What is there to its last byte may be allocated.
-    if (!has_byte(pixels, std::uint64_t{position} + length - 1)) return {};
-    room.resize(length);
-    if (!read_file(pixels, position, room.data(), length)) return {};
+// Null when they cannot be told.
+inline std::shared_ptr<const frame_pieces> find_frames(PGX_Node* data_set) {
+    const std::int64_t count = pgxFindFrames(data_set, nullptr, 0, nullptr);
+    if (count <= 0) return nullptr;
+    auto found = std::make_shared<frame_pieces>();
+    found->pieces.resize(static_cast<std::size_t>(count));
+    if (pgxFindFrames(data_set, found->pieces.data(), found->pieces.size(), nullptr) != count)
+        return nullptr;
+    for (std::size_t i = 0; i < found->pieces.size(); ++i)
+        while (found->starts.size() <= found->pieces[i].frame)
+            found->starts.push_back(i);
+    found->starts.push_back(found->pieces.size());
+    return found;
+}
+
+inline bool read_piece(PGX_Node* pixels, const PgxFramePiece& piece, std::uint8_t* out) {
+    if (piece.bytes != nullptr) {
+        std::memcpy(out, piece.bytes, piece.length);
+        return true;
+    }
+    return piece.offset <= 0xFFFFFFFF &&
+           read_file(pixels, static_cast<std::uint32_t>(piece.offset), out, piece.length);
+}
+
+// The pieces of a frame behind each other. They are no more than the file really holds.
+inline span<const std::uint8_t> joined(PGX_Node* pixels, span<const PgxFramePiece> pieces,
+                                       std::size_t size, std::vector<std::uint8_t>& room) {
+    const std::uint8_t* const loaded = pieces.size() == 1 ? pieces.begin()->bytes : nullptr;
+    if (loaded != nullptr) return {loaded, size};
+    room.resize(size);
+    std::uint8_t* out = room.data();
+    for (const PgxFramePiece& piece : pieces) {
+        if (!read_piece(pixels, piece, out)) return {};
+        out += piece.length;
+    }
     return {room.data(), room.size()};
-}
-
-inline std::uint32_t encapsulated_size(PGX_Node* pixels, std::uint32_t index) noexcept {
-    std::uint32_t length = 0;
-    std::uint32_t position = 0;
-    pgKitGetEncodedPixelInfo(pixels, index, &length, &position);
-    return length;
-}
-
-inline frame frame_position::value() const noexcept {
-    if (frame_size != 0) return {pixels, index, frame_size};
-    return {pixels, index, encapsulated_size(pixels, static_cast<std::uint32_t>(index))};
 }
 
 }  // namespace detail
 
+inline frame::frame(PGX_Node* pixels, std::size_t index,
+                    std::shared_ptr<const detail::frame_pieces> pieces) noexcept
+    : pixels_(pixels), index_(index), pieces_(std::move(pieces)) {
+    for (const PgxFramePiece& piece : pieces_->of(index_))
+        size_ += piece.length;
+}
+
 inline frame_range item::frames() const {
     element pixels = find(detail::pixel_data);
-    if (pixels.is_encapsulated()) return {pixels.node(), detail::fragment_count(pixels.node()), 0};
+    if (pixels.is_encapsulated()) {
+        auto pieces = detail::find_frames(node());
+        return pieces == nullptr ? frame_range() : frame_range(pixels.node(), std::move(pieces));
+    }
     if (!pixels) pixels = find({0x7FE0, 0x0008});
     if (!pixels) pixels = find({0x7FE0, 0x0009});
     const std::uint32_t said = find({0x0028, 0x0008}).number<std::uint32_t>().value_or(1);
@@ -160,9 +218,8 @@ inline frame_range item::frames() const {
 
 inline span<const std::uint8_t> frame::bytes(std::vector<std::uint8_t>& room) const {
     if (pixels_ == nullptr || size_ == 0) return {};
+    if (pieces_ != nullptr) return detail::joined(pixels_, pieces_->of(index_), size_, room);
     const auto index = static_cast<std::uint32_t>(index_);
-    if (pgKitIsEncodedPixelData(pixels_) != 0)
-        return detail::encapsulated_bytes(pixels_, index, room);
     const std::uint8_t* const loaded = detail::loaded_value(pixels_);
     if (loaded != nullptr && !detail::is_big_endian(pixels_))
         return {loaded + index_ * size_, size_};

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <iterator>
+#include <utility>
 
 namespace pgkit {
 inline namespace v1 {
@@ -25,7 +26,7 @@ class handle_iterator {
     // Keeps a handle while a member of it is called.
     class pointer {
       public:
-        explicit pointer(value_type handle) noexcept : handle_(handle) {}
+        explicit pointer(value_type handle) noexcept : handle_(std::move(handle)) {}
         [[nodiscard]] const value_type* operator->() const noexcept { return &handle_; }
 
       private:
@@ -33,7 +34,7 @@ class handle_iterator {
     };
 
     handle_iterator() noexcept = default;
-    explicit handle_iterator(Position position) noexcept : position_(position) {}
+    explicit handle_iterator(Position position) noexcept : position_(std::move(position)) {}
 
     [[nodiscard]] value_type operator*() const noexcept { return position_.value(); }
     [[nodiscard]] pointer operator->() const noexcept { return pointer(position_.value()); }
