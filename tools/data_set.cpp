@@ -100,6 +100,7 @@ pgkit::result<pgkit::data_set> Open(const std::string& path, const OpenRequest& 
     const uint32_t flags = request.flags | PG_OPEN_PAST_PIXEL_DATA;
     PgxOpenReport report = {};
     report.size = sizeof report;
+    report.options = PGX_OPEN_DETECT_BIG_ENDIAN;
     report.result = PGX_OPEN_CANNOT_OPEN;
     pgkit::data_set opened;
     if (path == "-") {

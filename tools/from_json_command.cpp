@@ -1,8 +1,13 @@
 // pgtool from-json: DICOM JSON as files.
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
+#include <optional>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -32,19 +37,73 @@ size_t ReadFromStream(void* stream, void* bytes, size_t size) {
     return count == 0 && std::ferror(file) != 0 ? PGX_READ_FAILED : count;
 }
 
+// Where the data of a BulkDataURI come from, and why they do not.
+struct BulkSource {
+    std::string directory;
+    std::string complaint;
+};
+
+// The number of "name=NUMBER" in the query of a URI; none when it is not there as one.
+std::optional<uint64_t> QueryNumber(std::string_view query, std::string_view name) {
+    for (size_t start = 0; start <= query.size();) {
+        const size_t end = std::min(query.find_first_of("&#", start), query.size());
+        const std::string_view part = query.substr(start, end - start);
+        if (part.starts_with(name) && part.substr(name.size()).starts_with('=')) {
+            const char* const last = part.data() + part.size();
+            uint64_t number = 0;
+            const auto read = std::from_chars(part.data() + name.size() + 1, last, number);
+            if (read.ec == std::errc() && read.ptr == last) return number;
+        }
+        start = end + 1;
+    }
+    return std::nullopt;
+}
+
+// Fragments can be told from native pixels by the item that they begin with.
+bool AreFragments(const PGX_Node& element, const std::vector<uint8_t>& bytes) {
+    constexpr uint8_t kItem[] = {0xFE, 0xFF, 0x00, 0xE0};
+    return element.group == 0x7FE0 && element.element == 0x0010 && bytes.size() >= sizeof kItem &&
+           std::equal(std::begin(kItem), std::end(kItem), bytes.begin());
+}
+
+// A part of a file becomes a value. Returns why not, or an empty text.
+std::string TakeRange(PGX_Node& element, const std::string& path, uint64_t offset,
+                      uint64_t length) {
+    std::error_code error;
+    const uint64_t size = fs::file_size(path, error);
+    if (error || length > UINT32_MAX - 1 || offset > size || length > size - offset)
+        return path + " does not hold the bytes that its URI says";
+    std::ifstream file(path, std::ios::binary);
+    std::vector<uint8_t> bytes(length);
+    file.seekg(static_cast<std::streamoff>(offset));
+    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(length));
+    if (!file) return path + " cannot be read";
+    if (AreFragments(element, bytes))
+        return path + " holds compressed pixels, whose transfer syntax JSON does not have";
+    const bool isSet = element.SetValue(bytes.data(), static_cast<uint32_t>(length)) == 1;
+    return isSet ? "" : "memory has run out";
+}
+
 // Only files in the directory that was named are ever read: the last part of a URI is the name of
-// one.
-int32_t TakeBulk(void* context, PGX_Node* element, const char*, const char* uri) {
-    const auto& directory = *static_cast<const std::string*>(context);
-    std::string name = uri;
-    name.resize(std::min(name.find_first_of("?#"), name.size()));
-    const size_t separator = name.find_last_of("/\\:");
-    if (separator != std::string::npos) name = name.substr(separator + 1);
-    if (name.empty() || name == "." || name == "..") return 0;
+// one. Its query may say which part of it, as the URIs of json do.
+std::string TakeBulkData(PGX_Node& element, const std::string& directory, std::string_view uri) {
+    const std::string_view target = uri.substr(0, uri.find_first_of("?#"));
+    const std::string name(target.substr(target.find_last_of("/\\:") + 1));
+    if (name.empty() || name == "." || name == "..") return "the URI names no file";
     const std::string path = directory + "/" + name;
     std::error_code error;
-    if (!fs::is_regular_file(path, error)) return 0;
-    return element->SetFileContentValue(path.c_str());
+    if (!fs::is_regular_file(fs::symlink_status(path, error))) return path + " is no file";
+    const std::string_view query = uri.substr(std::min(target.size() + 1, uri.size()));
+    const auto offset = QueryNumber(query, "offset");
+    const auto length = QueryNumber(query, "length");
+    if (offset && length) return TakeRange(element, path, *offset, *length);
+    return element.SetFileContentValue(path.c_str()) == 1 ? "" : path + " cannot be read";
+}
+
+int32_t TakeBulk(void* context, PGX_Node* element, const char*, const char* uri) {
+    auto& source = *static_cast<BulkSource*>(context);
+    source.complaint = TakeBulkData(*element, source.directory, uri);
+    return source.complaint.empty() ? 1 : 0;
 }
 
 // Data sets, one by one, become files: explicit VR little endian, with meta information of their
@@ -104,10 +163,11 @@ int32_t TakeDataSet(void* writer, PGX_Node* dataSet) {
     return static_cast<FileWriter*>(writer)->Take(pgkit::data_set(dataSet)) ? 1 : 0;
 }
 
-std::string Describe(const PgxJsonPlace& place, int64_t result) {
+std::string Describe(const PgxJsonPlace& place, int64_t result, const BulkSource& bulk) {
     std::string text = "at byte " + std::to_string(place.offset);
     if (place.path[0] != '\0') text += std::string(", in ") + place.path;
-    return text + ": " + JsonErrorText(result);
+    text += ": " + JsonErrorText(result);
+    return bulk.complaint.empty() ? text : text + ": " + bulk.complaint;
 }
 
 int FromJson(FromJsonRequest& request) {
@@ -121,15 +181,16 @@ int FromJson(FromJsonRequest& request) {
     if (stream == nullptr) return Fail(kFromJsonCommand, CannotOpen(path));
 
     PgxJsonReadOptions options = PGX_JSON_READ_OPTIONS;
+    BulkSource bulk{request.bulkDirectory, ""};
     options.bulk = request.bulkDirectory.empty() ? nullptr : TakeBulk;
-    options.bulkContext = &request.bulkDirectory;
+    options.bulkContext = &bulk;
     PgxJsonPlace place = {};
     place.size = sizeof place;
     FileWriter writer(request);
     const int64_t result =
         pgxReadJsonDataSets(ReadFromStream, stream, &options, TakeDataSet, &writer, &place);
     if (!isStandardInput) std::fclose(stream);
-    if (result < 0) return Fail(kFromJsonCommand, path + ": " + Describe(place, result));
+    if (result < 0) return Fail(kFromJsonCommand, path + ": " + Describe(place, result, bulk));
     if (result == 0) return Fail(kFromJsonCommand, path + ": there is no data set in it");
     const std::string reason = writer.End();
     return reason.empty() ? kDone : Fail(kFromJsonCommand, reason);
@@ -141,8 +202,9 @@ Work DefineFromJson(OptionSet& options) {
     options.Text("-o,--output", "OUT", &request->output,
                  "the file to write; for several data sets the folder for 000001.dcm and so on");
     options.Text("--bulk-dir", "DIR", &request->bulkDirectory,
-                 "where the data of a BulkDataURI are, in a file of the URI's last part; no other "
-                 "file is ever read");
+                 "where the data of a BulkDataURI are, in a file of the URI's last part, or the "
+                 "part of it that \"?offset=N&length=N\" says; no other file is ever read, and no "
+                 "symbolic link is followed");
     AddTextOptions(options, request->texts);
     return [request] { return FromJson(*request); };
 }

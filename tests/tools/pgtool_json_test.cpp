@@ -126,4 +126,59 @@ TEST_F(PgtoolJson, BulkDataComeFromTheirDirectoryOnly) {
         EXPECT_EQ(read(uri, files_.Path("bulk")), 1) << uri;
 }
 
+// The whole file became the value, from its preamble on.
+TEST_F(PgtoolJson, BulkDataAreThePartOfTheFileThatTheUriSays) {
+    std::filesystem::create_directory(files_.Path("bulk"));
+    files_.Write("bulk/value", "0123456789");
+    const auto read = [&](const std::string& query) {
+        const std::string json = files_.Write(
+            "a.json", R"({"00420011":{"vr":"OB","BulkDataURI":"value)" + query + "\"}}");
+        return Pgtool(
+            {"from-json", json, "-o", files_.Path("out"), "--bulk-dir", files_.Path("bulk")});
+    };
+    EXPECT_EQ(read("?offset=2&length=4").exitStatus, 0);
+    EXPECT_EQ(Value(files_.Path("out"), "EncapsulatedDocument"), "32 33 34 35");
+    EXPECT_EQ(read("?x=1&offset=8&length=2#page").exitStatus, 0);
+    EXPECT_EQ(Value(files_.Path("out"), "EncapsulatedDocument"), "38 39");
+    for (const char* query :
+         {"?offset=2&length=9", "?offset=11&length=0", "?offset=18446744073709551615&length=2"}) {
+        EXPECT_THAT(read(query).err, HasSubstr("value does not hold the bytes that its URI says"));
+    }
+    EXPECT_EQ(read("?offset=-1&length=9").exitStatus, 0);  // a query of another kind
+}
+
+TEST_F(PgtoolJson, ValuesComeBackFromTheFileThatTheyWereLeftIn) {
+    files_.Write("mr.dcm", ReadFile(TestData("native/mr_implicit_le.dcm")));
+    files_.Write("mr.json", Pgtool({"json", files_.Path("mr.dcm"), "--bulk", "1024"}).out);
+    EXPECT_EQ(Pgtool({"from-json", files_.Path("mr.json"), "-o", files_.Path("again"), "--bulk-dir",
+                      files_.Path("")})
+                  .exitStatus,
+              0);
+    EXPECT_EQ(Value(files_.Path("again"), "PixelData"), Value(files_.Path("mr.dcm"), "PixelData"));
+}
+
+// They became native pixels.
+TEST_F(PgtoolJson, CompressedPixelsDoNotComeBack) {
+    files_.Write("rle.dcm", ReadFile(TestData("encapsulated/rtdose_rle_15frames_no_bot.dcm")));
+    files_.Write("rle.json", Pgtool({"json", files_.Path("rle.dcm")}).out);
+    const Finished run = Pgtool({"from-json", files_.Path("rle.json"), "-o", files_.Path("again"),
+                                 "--bulk-dir", files_.Path("")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.err, HasSubstr("holds compressed pixels, whose transfer syntax JSON does not"));
+}
+
+TEST_F(PgtoolJson, NoLinkLeadsOutOfTheDirectoryOfBulkData) {
+    std::filesystem::create_directory(files_.Path("bulk"));
+    files_.Write("secret", "5678");
+    std::error_code error;
+    std::filesystem::create_symlink(files_.Path("secret"), files_.Path("bulk/link"), error);
+    if (error) GTEST_SKIP() << "no symbolic links";
+    const std::string json =
+        files_.Write("a.json", R"({"00420011":{"vr":"OB","BulkDataURI":"link"}})");
+    EXPECT_EQ(
+        Pgtool({"from-json", json, "-o", files_.Path("out"), "--bulk-dir", files_.Path("bulk")})
+            .exitStatus,
+        1);
+}
+
 }  // namespace
