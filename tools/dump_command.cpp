@@ -8,7 +8,6 @@
 #include "dump_lines.h"
 #include "inputs.h"
 #include "json_output.h"
-#include "pgkit/json.h"
 #include "places.h"
 #include "private_elements.h"
 #include "standard_streams.h"
@@ -68,14 +67,11 @@ int Dump(DumpRequest& request) {
     if (complaint.empty() && request.texts.raw && !request.places.empty()) {
         complaint = "--raw prints whole data sets: no -t";
     }
-    if (complaint.empty() && request.json && (request.texts.raw || !request.places.empty())) {
-        complaint = "--json prints whole data sets in UTF-8: neither -t nor --raw";
-    }
+    if (complaint.empty() && request.json && request.texts.raw)
+        complaint = "--json is UTF-8: no --raw";
     if (!complaint.empty()) return Misuse(kDumpCommand, complaint);
     UsePrivateElements(request.texts);
-    if (request.json) {
-        return PrintJsonOf(kDumpCommand, request.inputs, PGX_JSON_ALL_INLINE, stdout);
-    }
+    if (request.json) return PrintJsonOf(kDumpCommand, request.inputs, {.places = request.places});
     request.coloured = WantsColours();
     const InputCounts counts = ForEachInput(
         kDumpCommand, request.inputs, [&](const Input& input) { return DumpOne(request, input); });
@@ -88,7 +84,7 @@ Work DefineDump(OptionSet& options) {
     options.Texts(
         "-t,--tag", "TAG", &request->places,
         "print only this element, wherever it is, or the one that a path leads to; may be "
-        "repeated");
+        "repeated (in JSON with the sequences around it and the character set)");
     options.Switch("--json", &request->json, "print DICOM JSON, as the command json does");
     options.Switch("--full", &request->full, "print long values completely");
     AddTextOptions(options, request->texts);

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "kept_elements.h"
 #include "pgkit/lookup.h"
 #include "utf8_text.h"
 #include "value_kinds.h"
@@ -271,16 +272,8 @@ void PrintDataSet(const pgkit::data_set& root, const DumpStyle& style) {
 void PrintElements(const pgkit::data_set& root, const std::vector<std::string>& places,
                    const DumpStyle& style) {
     Printer printer(style);
-    for (const std::string& place : places) {
-        const auto tag = pgkit::tag::named(place);
-        if (!tag) {
-            if (const pgkit::element found = root.find(place)) printer.Element(found);
-            continue;
-        }
-        pgkit::walk(root, [&](const pgkit::element& element) {
-            if (element.tag() == *tag) printer.Element(element);
-        });
-    }
+    for (const pgkit::element& element : ElementsAt(root, places))
+        printer.Element(element);
 }
 
 }  // namespace pgtool

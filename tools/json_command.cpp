@@ -20,14 +20,15 @@ struct JsonRequest {
 };
 
 int WriteJson(const JsonRequest& request, uint64_t bulkLimit) {
-    if (request.output == "-") return PrintJsonOf(kJsonCommand, request.inputs, bulkLimit, stdout);
+    if (request.output == "-")
+        return PrintJsonOf(kJsonCommand, request.inputs, {stdout, bulkLimit, {}});
     OutputFile output(request.output);
     std::FILE* const stream =
         output.Path().empty() ? nullptr : std::fopen(output.Path().c_str(), "wb");
     if (stream == nullptr) {
         return Fail(kJsonCommand, request.output + ": " + DescribeSaveResult(1));
     }
-    const int status = PrintJsonOf(kJsonCommand, request.inputs, bulkLimit, stream);
+    const int status = PrintJsonOf(kJsonCommand, request.inputs, {stream, bulkLimit, {}});
     const bool isWritten = std::ferror(stream) == 0;
     if (std::fclose(stream) != 0 || !isWritten || !output.PutInPlace()) {
         return Fail(kJsonCommand, request.output + ": writing failed");

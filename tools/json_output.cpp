@@ -2,6 +2,7 @@
 
 #include "data_set.h"
 #include "digits.h"
+#include "kept_elements.h"
 #include "pgkit/json.h"
 #include "utf8_text.h"
 
@@ -18,23 +19,23 @@ size_t WriteToStream(void* stream, const void* bytes, size_t size) {
 
 class DataSetPrinter {
   public:
-    DataSetPrinter(std::FILE* stream, uint64_t bulkLimit)
-        : stream_(stream), bulkLimit_(bulkLimit) {}
+    explicit DataSetPrinter(const JsonOutput& output) : output_(output) {}
 
     // Nothing of a data set is written when its end cannot be: what was written would be no JSON.
     pgkit::error Print(const Input& input, const char* separator) {
         std::string damage;
-        const auto root = Open(input.path, {kLoadedForJson, 0, false, &damage});
+        auto root = Open(input.path, {kLoadedForJson, 0, false, &damage});
         if (!root) return root.error();
+        if (!output_.places.empty()) KeepElementsAt(*root, output_.places);
         const std::string source = WellFormedUtf8(input.path);
         PgxJsonWriteOptions options = PGX_JSON_WRITE_OPTIONS;
-        options.bulkLimit = bulkLimit_;
+        options.bulkLimit = output_.bulkLimit;
         options.sourceUri = source.c_str();
         const int64_t size = pgxGetJson(root->node(), &options, nullptr, 0);
         if (size < 0) return Failed(input, size);
-        std::fputs(count_ == 0 ? "" : separator, stream_);
+        std::fputs(count_ == 0 ? "" : separator, output_.stream);
         ++count_;
-        const int64_t written = pgxWriteJson(root->node(), &options, WriteToStream, stream_);
+        const int64_t written = pgxWriteJson(root->node(), &options, WriteToStream, output_.stream);
         if (written < 0) return Failed(input, written);
         if (damage.empty()) return {};
         return {pgkit::failure::read_failed, damage};
@@ -45,8 +46,7 @@ class DataSetPrinter {
         return {pgkit::failure::write_failed, input.path + ": " + JsonErrorText(result)};
     }
 
-    std::FILE* stream_;
-    uint64_t bulkLimit_;
+    const JsonOutput& output_;
     size_t count_ = 0;
 };
 
@@ -73,15 +73,14 @@ std::string JsonErrorText(int64_t error) {
     return text;
 }
 
-int PrintJsonOf(const Command& command, const InputOptions& inputs, uint64_t bulkLimit,
-                std::FILE* stream) {
+int PrintJsonOf(const Command& command, const InputOptions& inputs, const JsonOutput& output) {
     const bool isArray = MayBeSeveral(inputs);
-    DataSetPrinter printer(stream, bulkLimit);
-    if (isArray) std::fputs("[", stream);
+    DataSetPrinter printer(output);
+    if (isArray) std::fputs("[", output.stream);
     const InputCounts counts = ForEachInput(
         command, inputs, [&](const Input& input) { return printer.Print(input, ",\n"); });
-    if (isArray) std::fputs("]", stream);
-    if (isArray || counts.done != 0) std::fputs("\n", stream);
+    if (isArray) std::fputs("]", output.stream);
+    if (isArray || counts.done != 0) std::fputs("\n", output.stream);
     return counts.failed == 0 ? kDone : kFailed;
 }
 

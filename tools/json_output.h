@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "inputs.h"
 #include "text_options.h"
@@ -16,10 +17,15 @@ void AddBulkLimit(OptionSet& options, std::string& bulk);
 // empty text.
 [[nodiscard]] std::string ReadBulkLimit(const std::string& bulk, uint64_t& limit);
 
+struct JsonOutput {
+    std::FILE* stream = stdout;
+    uint64_t bulkLimit = UINT64_MAX;
+    std::vector<std::string> places;  // of the elements that are wanted; none for all
+};
+
 // Prints an object for one file, an array for several or a directory. Files that fail are left out.
 // Returns the exit status.
-int PrintJsonOf(const Command& command, const InputOptions& inputs, uint64_t bulkLimit,
-                std::FILE* stream);
+int PrintJsonOf(const Command& command, const InputOptions& inputs, const JsonOutput& output);
 
 // What a PgxJsonError means.
 std::string JsonErrorText(int64_t error);

@@ -34,8 +34,8 @@ case $words[1] in
       '*-r[work on the files in directories, too]' \
       '*--recursive[work on the files in directories, too]' \
       '*--files-from[work on the files that a file names, one on each line; - is the standard input]:LIST:_files' \
-      '*-t[print only this element, wherever it is, or the one that a path leads to; may be repeated]:TAG:_files' \
-      '*--tag[print only this element, wherever it is, or the one that a path leads to; may be repeated]:TAG:_files' \
+      '*-t[print only this element, wherever it is, or the one that a path leads to; may be repeated (in JSON with the sequences around it and the character set)]:TAG:_files' \
+      '*--tag[print only this element, wherever it is, or the one that a path leads to; may be repeated (in JSON with the sequences around it and the character set)]:TAG:_files' \
       '*--json[print DICOM JSON, as the command json does]' \
       '*--full[print long values completely]' \
       '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
@@ -149,7 +149,7 @@ case $words[1] in
     _arguments \
       '*-o[the file to write; for several data sets the folder for 000001.dcm and so on]:OUT:_files' \
       '*--output[the file to write; for several data sets the folder for 000001.dcm and so on]:OUT:_files' \
-      '*--bulk-dir[where the data of a BulkDataURI are, in a file of the URI'\''s last part; no other file is ever read]:DIR:_files' \
+      '*--bulk-dir[where the data of a BulkDataURI are, in a file of the URI'\''s last part, or the part of it that "?offset=N&length=N" says; no other file is ever read, and no symbolic link is followed]:DIR:_files' \
       '*--edition[the tables to answer by\: those of today'\''s standard behind the built-in ones (the default), or the built-in ones of 2011 alone]:value:(current built-in)' \
       '*--utf8[texts are UTF-8, whatever the character set of the file (the default)]' \
       '*--raw[texts are the bytes of the file, as they stand]' \

@@ -55,7 +55,10 @@
 //   0002 are dropped. Where a text needs more than ASCII, the (0008,0005) that holds for it becomes
 //   ISO_IR 192, and the data set gets one if there is none. Numbers of DS are taken as they stand,
 //   those longer than 16 characters rounded to what 16 can hold. Values are made even as
-//   PGX_Node::SetValue does, InlineBinary with a zero.
+//   PGX_Node::SetValue does, InlineBinary with a zero: so a value of odd length, which no file
+//   should have, comes back a byte longer. A text that its VR cannot have is an error, U+FFFD in a
+//   CS or UI among them, which stands where a file has bytes that the standard does not allow
+//   there.
 //
 //   Everything else is an error: see PgxJsonError. Sequences may be nested 2,048 deep, as in files.
 //   Memory is bounded by the length of the JSON: at most about 50 times as much for many tiny

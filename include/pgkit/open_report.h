@@ -14,7 +14,8 @@
 // says. Big endian is looked for only with PGX_OPEN_DETECT_BIG_ENDIAN or a force flag.
 //
 // Complete is a file that ends behind an outermost element. Anywhere else, in a value, a header, a
-// sequence, or the File Meta Information, it is cut short; what precedes the cut is in the tree.
+// sequence, or the File Meta Information, it is cut short; what precedes the cut is in the tree. So
+// is a file that ends right behind its File Meta Information: it has no data set.
 //
 // Deflated Explicit VR Little Endian is inflated into a temporary file, which becomes the tree's
 // (dataset.h): offsets count there. File Meta Information stands there as in the original.
@@ -119,7 +120,9 @@ PGKIT_API PGX_Node* pgxOpenFrom(PgxReadFunction read, void* context, uint32_t fl
 // pgxSaveTo returns the results of SaveDataSetAsEx; 3 when the function fails, also a null one;
 // 0xFFFFFFFF for a null node. pgxSaveToMemory returns the size of the whole, of which the buffer
 // gets as much as it has room for, or the result as a negative number (-1 for a null node): a size
-// of 0 only asks. A null buffer counts as one of size 0.
+// of 0 only asks. A null buffer counts as one of size 0. To ask is to save, with the same changes:
+// a private transfer syntax that becomes Explicit VR Little Endian is native at the second call,
+// which so may write the encoding that was asked for. Save once, with room, where that matters.
 PGKIT_API uint32_t pgxSaveTo(PGX_Node* root, int32_t mode, PgxWriteFunction write, void* context);
 PGKIT_API int64_t pgxSaveToMemory(PGX_Node* root, int32_t mode, void* buffer, size_t size);
 

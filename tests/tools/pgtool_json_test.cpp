@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "support/instance_file.h"
+#include "support/stream_builder.h"
 #include "support/temp_dir.h"
+#include "support/transfer_syntaxes.h"
 #include "tools/run_pgtool.h"
 
 namespace {
@@ -179,6 +181,34 @@ TEST_F(PgtoolJson, NoLinkLeadsOutOfTheDirectoryOfBulkData) {
         Pgtool({"from-json", json, "-o", files_.Path("out"), "--bulk-dir", files_.Path("bulk")})
             .exitStatus,
         1);
+}
+
+TEST_F(PgtoolJson, MayHaveSomeElementsOnly) {
+    const StreamBuilder stream = StreamBuilder()
+                                     .Part10(kExplicitLittleUid)
+                                     .Element(0x0008, 0x0005, "CS", "ISO_IR 100")
+                                     .Element(0x0008, 0x0060, "CS", "MR")
+                                     .Sequence(0x0008, 0x1140)
+                                     .Item()
+                                     .Element(0x0008, 0x1150, "UI", "1.2")
+                                     .Element(0x0008, 0x1155, "UI", "1.3")
+                                     .EndItem()
+                                     .EndSequence()
+                                     .Element(0x0010, 0x0010, "PN", "M\xFCller");
+    const std::string file = files_.Write("file", stream.Data());
+    const auto json = [&](const std::string& place) {
+        return Pgtool({"dump", file, "--json", "-t", place}).out;
+    };
+    const std::string set = R"({"00080005":{"vr":"CS","Value":["ISO_IR 192"]})";
+    EXPECT_EQ(json("PatientName"),
+              set + R"(,"00100010":{"vr":"PN","Value":[{"Alphabetic":"Müller"}]}})" + "\n");
+    const std::string nested =
+        set + R"(,"00081140":{"vr":"SQ","Value":[{"00081155":{"vr":"UI","Value":["1.3"]}}]}})" +
+        "\n";
+    EXPECT_EQ(json("0008,1155"), nested);
+    EXPECT_EQ(json("ReferencedImageSequence[0].ReferencedSOPInstanceUID"), nested);
+    EXPECT_EQ(json("Rows"), set + "}\n");
+    EXPECT_EQ(Pgtool({"dump", file, "--json", "--raw"}).exitStatus, 2);
 }
 
 }  // namespace
