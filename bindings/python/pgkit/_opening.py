@@ -5,7 +5,7 @@ from __future__ import annotations
 import ctypes
 import os
 import warnings
-from typing import Any, BinaryIO, NoReturn, Optional, Union
+from typing import Any, BinaryIO, NoReturn, Union
 
 from ._data_set import IN_MEMORY, DataSet, data_set_of
 from ._errors import PgkitError, TruncatedWarning
@@ -37,19 +37,20 @@ def open(source: Source, *, load_below: int = _LOAD_BELOW, flags: int = 0) -> Da
     for. flags are the library's PgOpenFlags.
     """
     report = Report(_report_size)
-    longest_value: Optional[int] = None
     if isinstance(source, (str, os.PathLike)):
         root = _open_file(encoded_path(source), load_below, flags | PAST_PIXEL_DATA, report)
-        if not report.result:
-            longest_value = report.offset  # all values lie in front of the end
+        result = report.result
+        # All values of a complete file lie in front of its end.
+        longest_value = None if result else report.offset
     else:
         data = _bytes_of(source)
         root = lib.pgxOpenMemory(data, len(data), flags | PAST_PIXEL_DATA, report)
+        result = report.result
         longest_value = IN_MEMORY
     if root is None:
         _raise_for(source, report)
     data_set = data_set_of(root, longest_value, report)
-    if report.result:
+    if result:
         warnings.warn(f"{_name_of(source)}: {data_set.report}", TruncatedWarning, stacklevel=2)
     return data_set
 

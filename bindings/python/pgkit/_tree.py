@@ -160,9 +160,11 @@ class Level(LevelBase):
         """All elements as they are now."""
         block = self._block
         if block is None or self._stale:
-            if self.parent is not None and self.parent._block is None:
+            inherited = None
+            if self.parent is not None:
                 self._read_enclosing()
-            block = self._block = read_level(self.live, self.inherited())
+                inherited = self.inherited()
+            block = self._block = read_level(self.live, inherited)
             self._stale = None
         return block
 
