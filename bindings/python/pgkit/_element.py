@@ -11,9 +11,9 @@ from typing import (TYPE_CHECKING, Any, Callable, Iterable, List, NoReturn, Opti
 
 from . import _values
 from ._blocks import BYTES, ENCAPSULATED, SEQUENCE, TEXT, Record, value_in, values_in
-from ._dictionary import Tag, element_name, keyword, vr_code, vr_name
+from ._dictionary import Tag, element_name, keyword, name_of_node, vr_code, vr_name
 from ._errors import ClosedError, PgkitError
-from ._library import lib, private_name
+from ._library import lib
 from ._pixels import fragments_of
 from ._times import date_of, date_time_of, time_of
 from ._tree import Found, Level, chain
@@ -88,7 +88,7 @@ class Element:
     def name(self) -> str:
         """The dictionary's name, of a private element by its creator; "<Unknown Tag>" when there is
         none."""
-        return (private_name(self._live) if self.is_private else "") or element_name(self.tag)
+        return name_of_node(self._live) if self.is_private else element_name(self.tag)
 
     @property
     def keyword(self) -> str:

@@ -306,6 +306,17 @@ class Editing(TemporaryDirectory):
         with self.saved(self.data_set, encoding="explicit") as found:
             self.assertEqual(found[0x0099, 0x1001].value, [1.5, -2.0])
 
+    def test_a_private_element_has_the_name_that_its_creator_gives_it(self):
+        creator, number = "1.2.840.113681", (0x0019, 0x1010)
+        self.data_set[0x0019, 0x0010] = creator
+        self.data_set.set(number, b"PARAMETERS", vr="UN")
+        self.data_set.set((0x0019, 0x10FE), b"??", vr="UN")
+        self.assertEqual(self.data_set[number].name, "<Unknown Tag>")  # before it was read
+        with self.saved(self.data_set, encoding="implicit") as found:
+            self.assertEqual((found[number].name, found[number].vr), ("CRImageParamsCommon", "ST"))
+            self.assertEqual(found[0x0019, 0x0010].name, "PrivateCreator10xx")
+            self.assertEqual(found[0x0019, 0x10FE].name, "<Unknown Tag>")
+
     def test_sequences_are_built_and_pruned(self):
         sequence = self.data_set.insert_sequence("ReferencedImageSequence")
         for number in (1, 2, 3):
