@@ -49,6 +49,7 @@
 #include "pgkit/frames.h"
 #include "pgkit/json.h"
 #include "pgkit/list.h"
+#include "pgkit/long_values.h"
 #include "pgkit/lookup.h"
 #include "pgkit/node.h"
 #include "pgkit/open_report.h"

@@ -64,6 +64,7 @@ static void CallUids(void) {
     EXPECT(pgxGetModalityName("CT", text, sizeof text) == 19);
     EXPECT(pgxGetUIDName("1.2.840.10008.1.2", text, 4) > 4 && strlen(text) == 3);
     EXPECT(pgxGetTagPrintableName(0x7FE0, 0x0010, text, sizeof text) == 9);
+    EXPECT(pgxMakeLongValuesUn(NULL) == 0);
     EXPECT(pgxGetTagName(NULL, text, sizeof text) == 0 && strcmp(text, "<Unknown Tag>") == 0);
     EXPECT(pgxGetVRPrintableName(VR_PN, text, sizeof text) == 2);
     EXPECT(pgxProfileCount() == 56);

@@ -96,6 +96,7 @@ _PROTOTYPES: dict[str, Any] = {
     # Data sets.
     "pgxOpenFile": (c_void_p, c_char_p, c_uint32, c_uint32, POINTER(Report)),
     "pgxOpenMemory": (c_void_p, c_char_p, c_size_t, c_uint32, POINTER(Report)),
+    "pgxMakeLongValuesUn": (c_int32, c_void_p),
     "pgxSaveToMemory": (c_int64, c_void_p, c_int32, c_void_p, c_size_t),
     "pgxFindFrames": (c_int64, c_void_p, POINTER(FramePiece), c_size_t, POINTER(c_int32)),
     "pgxDecodeRle": (c_int32, c_char_p, c_size_t, c_uint32, c_uint32, c_void_p, c_size_t),

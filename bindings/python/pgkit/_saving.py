@@ -5,23 +5,14 @@ from __future__ import annotations
 import ctypes
 from typing import TYPE_CHECKING, Any, Optional
 
-from ._dictionary import UNKNOWN_VR, vr_code, vr_name
 from ._errors import PgkitError, SaveError
 from ._library import StrPath, c_text, encoded_path, lib
 from ._output import write_whole
-from ._tree import Level, chain
 
 if TYPE_CHECKING:
     from ._data_set import DataSet
 
-_UNDEFINED_LENGTH = 0xFFFFFFFF
 _TRANSFER_SYNTAX = (0x0002, 0x0010)
-
-# In explicit VR the length of all others has 16 bits, and 65,535 is none.
-_VRS_WITH_LONG_HEADER = {"OB", "OD", "OF", "OL", "OV", "OW", "OWOB", "SQ", "SV", "UC", "UN", "UR",
-                         "UT", "UV", UNKNOWN_VR}
-_VRS_OF_SHORT_NUMBERS = {"US", "SS", "USSS", "UL", "SL", "AT", "FL", "FD"}
-_FIRST_TOO_LONG = 65535
 
 # Bits of a write mode.
 _UNDEFINED_LENGTHS = 0x01
@@ -75,8 +66,9 @@ def _prepare(data_set: DataSet, encoding: Optional[str], part10: bool,
             mode |= _PART_10
             if _TRANSFER_SYNTAX not in data_set:
                 lib.pgKitAddPart10Elements(node, c_text(syntax))
-    _make_long_values_un(level)
     level.tree.forget()
+    if not lib.pgxMakeLongValuesUn(node):
+        raise PgkitError("a long value cannot be read")
     return mode
 
 
@@ -97,37 +89,3 @@ def _save_file(data_set: DataSet, path: StrPath, mode: int) -> None:
     data_set._level.tree.forget()  # saving completes group 0002 and lengths
     if result != 0:
         raise SaveError(str(path), result)
-
-
-def _make_long_values_un(level: Level) -> None:
-    parents = [level.live]
-    while parents:
-        for handle in chain(lib.pgKitGetFirst(parents.pop())):
-            if lib.pgKitGetFirst(handle) is not None:
-                parents.append(handle)
-            elif _is_too_long(handle):
-                _make_un(handle, level.tree.longest_value)
-
-
-def _is_too_long(handle: int) -> bool:
-    """Whether a value does not fit the 16-bit length that its VR has in explicit VR."""
-    length = lib.pgKitGetLength(handle)
-    if length < _FIRST_TOO_LONG or length == _UNDEFINED_LENGTH or not lib.pgKitGetNodeType(handle):
-        return False
-    is_long_vr = vr_name(lib.pgKitGetValueRep(handle)) in _VRS_WITH_LONG_HEADER
-    return not is_long_vr and not lib.pgKitIsEncodedPixelData(handle)
-
-
-def _make_un(handle: int, longest_value: int) -> None:
-    """Makes a value one of VR UN, whose bytes are little endian in every encoding."""
-    is_number = vr_name(lib.pgKitGetValueRep(handle)) in _VRS_OF_SHORT_NUMBERS
-    length = lib.pgKitGetLength(handle)
-    # What is longer cannot be there in full: saving will say so.
-    if is_number and length <= longest_value:
-        buffer = ctypes.create_string_buffer(length + 1)
-        if not lib.pgKitGetValue(handle, buffer):
-            raise PgkitError("a long value cannot be read")
-        lib.pgKitSetValueRep(handle, vr_code("UN"))
-        if not lib.pgKitSetValue(handle, buffer.raw[:length], length):
-            raise MemoryError
-    lib.pgKitSetValueRep(handle, vr_code("UN"))
