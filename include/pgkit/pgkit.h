@@ -58,6 +58,7 @@
 #include "pgkit/profiles.h"
 #include "pgkit/rle.h"
 #include "pgkit/sopclass.h"
+#include "pgkit/standard_records.h"
 #include "pgkit/streams.h"
 #include "pgkit/text.h"
 #include "pgkit/uid.h"

@@ -70,6 +70,9 @@ static void CallUids(void) {
     EXPECT(pgxProfileCount() == 56);
     EXPECT(pgxProfileName(0, text, sizeof text) == strlen(text) && pgxIsProfile(text) == 1);
     EXPECT(pgxProfileRules(0, text, sizeof text) > 0 && strncmp(text, "image\t", 6) == 0);
+    EXPECT(pgxRecordTypeOf("1.2.840.10008.5.1.4.39.1", text, sizeof text) == 7);
+    EXPECT(pgxIsRootRecordType("PALETTE") == 1 && pgxIsRootRecordType("IMAGE") == 0);
+    EXPECT(pgxRecordTypeKeys("PALETTE", NULL, 0) == 1 && pgxTakeRootRecords(NULL, NULL, 0) == 0);
     EXPECT(pgxIsFileId("DIR\\IM1") == 1 && pgxIsFileId("im1.dcm") == 0);
     EXPECT(pgxAcceptanceText(PG_IS_A_DICOMDIR, text, sizeof text) == 18);
     int yes = 0;
