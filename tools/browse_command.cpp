@@ -125,7 +125,8 @@ const Command kBrowseCommand = {
     "by the character set of each record, control characters as escapes. A file is missing\n"
     "when the directory of the DICOMDIR has none of that name; case does not matter, nor do\n"
     "blanks around the name. An ID that leads outside of that directory is called so and not\n"
-    "looked up. Of a damaged DICOMDIR the part is printed that can be read; what the library\n"
+    "looked up. What belongs to no patient (palettes, hanging protocols) follows behind the\n"
+    "patients. Of a damaged DICOMDIR the part is printed that can be read; what the library\n"
     "reports, and what cannot be read, goes to the standard error stream, and the exit status\n"
     "is 1. Missing files do not fail the command.\n",
     DefineBrowse};
