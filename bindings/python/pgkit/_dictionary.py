@@ -102,9 +102,9 @@ def element_name(key: TagLike) -> str:
     return _text_of(lib.pgxGetTagPrintableName, *find_tag(key))
 
 
-def name_of_node(node: int) -> str:
-    """The name of an element, which is that of its private creator's dictionary where it is private."""
-    return _text_of(lib.pgxGetTagName, node)
+def name_of(tag: Tag, node: int) -> str:
+    """The name of an element: of a private one that by its creator."""
+    return _text_of(lib.pgxGetTagName, node) if tag[0] % 2 else element_name(tag)
 
 
 _vr_names: Dict[int, str] = {}

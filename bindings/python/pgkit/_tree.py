@@ -253,6 +253,24 @@ class Level(LevelBase):
         self.values.clear()
 
 
+# All values of a tree in memory are there.
+IN_MEMORY = 0xFFFFFFFE
+
+
+def root_level(root: int, longest_value: Optional[int]) -> Level:
+    """The level of a tree, which it owns from now on. longest_value is None when the file says how
+    long values can be."""
+    return Level(Tree(root, longest_value), root, None)
+
+
+def new_level() -> Level:
+    """The level of a new tree in memory, without elements."""
+    root = lib.pgKitAllocateDataSetNode()
+    if root is None:
+        raise MemoryError
+    return root_level(root, IN_MEMORY)
+
+
 def level_of(parent: Level, handle: int) -> Level:
     """The level of an item of a sequence in a level."""
     reference = parent.tree.levels.get(handle)
