@@ -172,6 +172,7 @@ _PROTOTYPES: dict[str, Any] = {
     "pgKitDirBrowse": (c_void_p, c_void_p, BrowseCallback, c_void_p),
     "pgCreateDicomdirEx": (c_uint32, c_char_p, c_char_p, POINTER(DicomdirOptions), ScanCallback,
                            c_void_p),
+    "pgxTakeRootRecords": (c_uint32, c_void_p, c_void_p, c_uint32),
     "pgxIsProfile": (c_int32, c_char_p),
     "pgxAcceptanceText": (c_size_t, c_uint32, c_char_p, c_size_t),
 }

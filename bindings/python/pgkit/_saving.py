@@ -42,7 +42,7 @@ def saved_bytes(level: Level, encoding: Optional[str], part10: bool,
     buffer = ctypes.create_string_buffer(max(size, 1))
     if size > 0:
         size = lib.pgxSaveToMemory(node, mode, buffer, size)
-    level.tree.forget()  # saving completes group 0002 and lengths
+    _forget(level)  # saving completes group 0002 and lengths
     if size < 0:
         raise SaveError("memory", -size)
     return buffer.raw[:size]
@@ -62,10 +62,15 @@ def _prepare(level: Level, encoding: Optional[str], part10: bool,
             mode |= _PART_10
             if level.find(_TRANSFER_SYNTAX) is None:
                 lib.pgKitAddPart10Elements(node, c_text(syntax))
-    level.tree.forget()
+    _forget(level)
     if not lib.pgxMakeLongValuesUn(node):
         raise PgkitError("a long value cannot be read")
     return mode
+
+
+def _forget(level: Level) -> None:
+    level.forget()
+    level.tree.forget()
 
 
 def encoding_of_built(level: Level) -> str:
@@ -83,6 +88,6 @@ def _save_file(level: Level, path: StrPath, mode: int) -> None:
         return code
 
     result = write_whole(path, write)
-    level.tree.forget()  # saving completes group 0002 and lengths
+    _forget(level)  # saving completes group 0002 and lengths
     if result != 0:
         raise SaveError(str(path), result)
