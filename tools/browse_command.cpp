@@ -9,6 +9,7 @@
 #include "medium.h"
 #include "pgkit/pgkit.h"
 #include "progress_line.h"
+#include "root_records.h"
 #include "standard_streams.h"
 #include "text_options.h"
 #include "verify/links.h"
@@ -71,15 +72,15 @@ struct BrowseRequest {
     bool files = false;
 };
 
-int Print(PGX_List& patients, Medium& medium, const BrowseRequest& request) {
+int Print(const Hierarchy& hierarchy, Medium& medium, const BrowseRequest& request) {
     int status = kDone;
     if (request.json) {
-        PrintJson(patients, medium);
+        PrintJson(hierarchy, medium);
     } else if (request.files) {
-        PrintFiles(patients, medium, request.texts,
+        PrintFiles(hierarchy, medium, request.texts,
                    [&](const std::string& reason) { status = Fail(kBrowseCommand, reason); });
     } else {
-        PrintTree(patients, medium, request.texts.raw);
+        PrintTree(hierarchy, medium, request.texts.raw);
     }
     return status;
 }
@@ -95,9 +96,10 @@ int Browse(const BrowseRequest& request) {
     PGX_DicomDir directory;
     if (!OpenDirectory(directory, path)) return Fail(kBrowseCommand, CannotOpen(path));
     if (directory.IsDicomDir() == 0) return Fail(kBrowseCommand, path + " is not a DICOMDIR");
+    const std::vector<pgkit::item> common = TakeRootRecords(directory);
     PGX_List* const patients = BrowseOpen(directory);
     Medium medium(path);
-    const int status = Print(*patients, medium, request);
+    const int status = Print({*patients, common}, medium, request);
     return TellDamage(path) ? status : kFailed;
 }
 
@@ -123,7 +125,8 @@ const Command kBrowseCommand = {
     "by the character set of each record, control characters as escapes. A file is missing\n"
     "when the directory of the DICOMDIR has none of that name; case does not matter, nor do\n"
     "blanks around the name. An ID that leads outside of that directory is called so and not\n"
-    "looked up. Of a damaged DICOMDIR the part is printed that can be read; what the library\n"
+    "looked up. What belongs to no patient (palettes, hanging protocols) follows behind the\n"
+    "patients. Of a damaged DICOMDIR the part is printed that can be read; what the library\n"
     "reports, and what cannot be read, goes to the standard error stream, and the exit status\n"
     "is 1. Missing files do not fail the command.\n",
     DefineBrowse};

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "directory_links.h"
-#include "long_values.h"
 #include "output_file.h"
+#include "pgkit/long_values.h"
 #include "pgkit/open_report.h"
 #include "standard_streams.h"
 #include "stream.h"
@@ -140,7 +140,7 @@ std::string UnpaddedBytesOf(const pgkit::item& root, pgkit::tag tag) {
 
 std::string SaveWhole(pgkit::data_set root, const std::string& path, uint32_t mode) {
     TieDirectoryLinks(root);
-    if (!MakeLongValuesUn(*root.node())) return "a long value cannot be read";
+    if (pgxMakeLongValuesUn(root.node()) == 0) return "a long value cannot be read";
     return path == "-" ? SaveToStandardOutput(std::move(root), mode)
                        : SaveToFile(std::move(root), path, mode);
 }

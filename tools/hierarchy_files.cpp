@@ -20,19 +20,24 @@ void ForEachLeaf(PGX_List& patients, Use use) {
 
 }  // namespace
 
-void PrintFiles(PGX_List& patients, Medium& medium, const TextOptions& texts,
+void PrintFiles(const Hierarchy& hierarchy, Medium& medium, const TextOptions& texts,
                 const std::function<void(const std::string&)>& complain) {
-    ForEachLeaf(patients, [&](PGX_DicomDirLeafNode& leaf) {
-        const FileOfLeaf file = FileOf(leaf, medium);
-        const std::string fileId = AnyToUtf8(leaf.referencedFileId);
+    const auto print = [&](const FileOfLeaf& file, const std::string& fileId) {
         if (file.state == LeafFile::Present) {
             std::printf("%s\n", Shown(file.path, texts).c_str());
         } else if (file.state == LeafFile::Missing) {
-            complain("missing: " + fileId);
+            complain("missing: " + AnyToUtf8(fileId));
         } else if (file.state == LeafFile::Outside) {
-            complain("outside of the medium: " + fileId);
+            complain("outside of the medium: " + AnyToUtf8(fileId));
         }
+    };
+    ForEachLeaf(hierarchy.patients, [&](PGX_DicomDirLeafNode& leaf) {
+        print(FileOf(leaf, medium), leaf.referencedFileId);
     });
+    for (const pgkit::item& record : hierarchy.common) {
+        const CommonInstance instance = ReadCommon(record, medium);
+        print(instance.file, instance.fileId);
+    }
 }
 
 }  // namespace pgtool

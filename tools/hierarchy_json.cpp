@@ -9,13 +9,17 @@ namespace pgtool {
 
 namespace {
 
+// By LeafFile.
+constexpr std::array<const char*, 4> kFileStates = {"present", "missing", "outside", "none"};
+
 class HierarchyPrinter {
   public:
     explicit HierarchyPrinter(Medium& medium) : medium_(medium), json_(stdout) {}
 
-    void Print(PGX_List& patients) {
+    void Print(const Hierarchy& hierarchy) {
         json_.BeginObject();
-        PrintChildren<PGX_DicomDirPatientNode>("patients", patients);
+        PrintChildren<PGX_DicomDirPatientNode>("patients", hierarchy.patients);
+        PrintCommon(hierarchy.common);
         PrintCounts();
         json_.EndObject();
     }
@@ -90,9 +94,35 @@ class HierarchyPrinter {
         Field("specificCharacterSet", leaf.specificCharacterSet, VR_CS);
         json_.Number("referencedDataSetSize", leaf.referencedDataSetSize);
         json_.Boolean("isMarked", (leaf.flags & PG_LEAF_MARKED) != 0);
-        constexpr std::array<const char*, 4> kNames = {"present", "missing", "outside", "none"};
-        json_.Text("file", kNames[static_cast<size_t>(file.state)]);
+        json_.Text("file", kFileStates[static_cast<size_t>(file.state)]);
         if (leaf.leafType == PG_LEAF_IMAGE) PrintImage(static_cast<PGX_DicomDirImageNode&>(leaf));
+    }
+
+    // Left out where there are none.
+    void PrintCommon(const std::vector<pgkit::item>& records) {
+        if (records.empty()) return;
+        json_.Key("common");
+        json_.BeginArray();
+        for (const pgkit::item& record : records) {
+            const CommonInstance instance = ReadCommon(record, medium_);
+            ++counts_.instances;
+            json_.BeginObject();
+            json_.Text("recordType", AnyToUtf8(instance.type));
+            json_.Text("name", instance.name);
+            PrintFile(instance.file, AnyToUtf8(instance.fileId));
+            json_.Text("instanceUid", AnyToUtf8(instance.instanceUid));
+            json_.Text("sopClassUid", AnyToUtf8(instance.sopClassUid));
+            json_.Text("transferSyntaxUid", AnyToUtf8(instance.transferSyntaxUid));
+            json_.EndObject();
+        }
+        json_.EndArray();
+    }
+
+    void PrintFile(const FileOfLeaf& file, const std::string& fileId) {
+        counts_.Count(file.state);
+        json_.Text("fullPath", WellFormedUtf8(file.path));
+        json_.Text("referencedFileId", fileId);
+        json_.Text("file", kFileStates[static_cast<size_t>(file.state)]);
     }
 
     void PrintImage(PGX_DicomDirImageNode& image) {
@@ -130,6 +160,8 @@ class HierarchyPrinter {
 
 }  // namespace
 
-void PrintJson(PGX_List& patients, Medium& medium) { HierarchyPrinter(medium).Print(patients); }
+void PrintJson(const Hierarchy& hierarchy, Medium& medium) {
+    HierarchyPrinter(medium).Print(hierarchy);
+}
 
 }  // namespace pgtool

@@ -4,8 +4,10 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "medium.h"
+#include "pgkit/data_set.hpp"
 #include "pgkit/pgkit.h"
 #include "text_options.h"
 
@@ -39,11 +41,29 @@ FileOfLeaf FileOf(const PGX_DicomDirLeafNode& leaf, Medium& medium);
 // "image", "report", ...
 const char* NameOfType(const PGX_DicomDirLeafNode& leaf);
 
+struct Hierarchy {
+    PGX_List& patients;
+    const std::vector<pgkit::item>& common;  // records that belong to no patient
+};
+
+// What the record of an instance that belongs to no patient says of it. The name is in UTF-8; all
+// others are the bytes of the record, without padding.
+struct CommonInstance {
+    std::string type;
+    std::string name;  // of a palette or a hanging protocol
+    std::string fileId;
+    std::string instanceUid;
+    std::string sopClassUid;
+    std::string transferSyntaxUid;
+    FileOfLeaf file;
+};
+CommonInstance ReadCommon(const pgkit::item& record, Medium& medium);
+
 // With raw texts are the bytes of the records, as they stand.
-void PrintTree(PGX_List& patients, Medium& medium, bool raw);
-void PrintJson(PGX_List& patients, Medium& medium);
+void PrintTree(const Hierarchy& hierarchy, Medium& medium, bool raw);
+void PrintJson(const Hierarchy& hierarchy, Medium& medium);
 // The paths of the files that are there. Calls complain for each one that is not.
-void PrintFiles(PGX_List& patients, Medium& medium, const TextOptions& texts,
+void PrintFiles(const Hierarchy& hierarchy, Medium& medium, const TextOptions& texts,
                 const std::function<void(const std::string&)>& complain);
 
 template <typename Object, typename Use>

@@ -23,6 +23,7 @@ class Line {
     Line& Key(const char* key, uint32_t valueRep) {
         return Add(raw_ ? key : FieldToUtf8(key, valueRep, characterSet_));
     }
+    Line& Text(const std::string& utf8) { return Add(utf8); }
     Line& FileId(const char* fileId) { return Add(raw_ ? fileId : AnyToUtf8(fileId)); }
     Line& Uid(const char* uid) {
         return uid[0] == '\0' ? *this : Key(("[" + std::string(uid) + "]").c_str(), VR_UI);
@@ -58,6 +59,13 @@ class TreePrinter {
         ForEach<PGX_DicomDirStudyNode>(patient.studies, [&](auto& study) { Print(study); });
     }
 
+    void Print(const CommonInstance& instance) {
+        ++counts_.instances;
+        Line line(0, instance.type, "", raw_);
+        line.Text(instance.name).FileId(instance.fileId.c_str()).Uid(instance.instanceUid.c_str());
+        Remark(line, instance.file.state);
+    }
+
     const HierarchyCounts& Counts() const { return counts_; }
 
   private:
@@ -87,7 +95,10 @@ class TreePrinter {
         ++counts_.instances;
         Line line(3, std::to_string(leaf.instanceNumber), leaf.specificCharacterSet, raw_);
         line.Key(leaf.recordType, VR_CS).FileId(leaf.referencedFileId).Uid(leaf.instanceUid);
-        const LeafFile file = FileOf(leaf, medium_).state;
+        Remark(line, FileOf(leaf, medium_).state);
+    }
+
+    void Remark(Line& line, LeafFile file) {
         counts_.Count(file);
         if (file == LeafFile::Missing) line.Remark("missing");
         if (file == LeafFile::Outside) line.Remark("outside");
@@ -100,9 +111,12 @@ class TreePrinter {
 
 }  // namespace
 
-void PrintTree(PGX_List& patients, Medium& medium, bool raw) {
+void PrintTree(const Hierarchy& hierarchy, Medium& medium, bool raw) {
     TreePrinter printer(medium, raw);
-    ForEach<PGX_DicomDirPatientNode>(patients, [&](auto& patient) { printer.Print(patient); });
+    ForEach<PGX_DicomDirPatientNode>(hierarchy.patients,
+                                     [&](auto& patient) { printer.Print(patient); });
+    for (const pgkit::item& record : hierarchy.common)
+        printer.Print(ReadCommon(record, medium));
     const HierarchyCounts& counts = printer.Counts();
     std::string outside;
     if (counts.outsideFiles != 0) {

@@ -79,9 +79,9 @@ const Medium::Names& Medium::NamesIn(const std::string& directory) {
 }
 
 // A link that leads nowhere leads to no place outside either.
-bool Medium::LeadsOut(const std::string& path) const {
+bool Medium::LeadsOut(const std::string& path) {
     if (!staysInside_) return false;
-    const auto real = RealPath(path);
+    const std::optional<std::string>& real = realPaths_.Of(path);
     return real && !(realRoot_ && IsBelow(*real, *realRoot_));
 }
 

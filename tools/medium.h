@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "real_path.h"
+
 namespace pgtool {
 
 // The DICOMDIR that a path means: the path itself or, when that is a directory, the file in it.
@@ -31,18 +33,23 @@ class Medium {
     // or of one that differs in case. Nothing is asked of the system about an ID that leads
     // outside.
     FoundFile Find(std::string_view referencedFileId);
+    // Where a path that was found leads when all links are followed.
+    const std::optional<std::string>& RealPathOf(const std::string& path) {
+        return realPaths_.Of(path);
+    }
 
   private:
     // The names of one directory by their form in lower case, in their byte order.
     using Names = std::multimap<std::string, std::string>;
 
     const Names& NamesIn(const std::string& directory);
-    bool LeadsOut(const std::string& path) const;
+    bool LeadsOut(const std::string& path);
 
     std::string directory_;  // with a slash at its end
     bool staysInside_;
     std::optional<std::string> realRoot_;
     std::map<std::string, Names> listings_;
+    RealPaths realPaths_;
 };
 
 }  // namespace pgtool

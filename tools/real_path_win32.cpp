@@ -40,4 +40,10 @@ std::optional<std::string> RealPath(const std::string& path) {
     return real;
 }
 
+// Whether a name leads elsewhere, and how it is written, only the system knows.
+std::optional<std::string> RealPathIn(const std::string&, const std::string&,
+                                      const std::string& path) {
+    return RealPath(path);
+}
+
 }  // namespace pgtool

@@ -45,6 +45,7 @@ inline constexpr pgkit::tag kColumns = {0x0028, 0x0011};
 inline constexpr pgkit::tag kConceptName = {0x0040, 0xA043};
 inline constexpr pgkit::tag kContent = {0x0040, 0xA730};
 inline constexpr pgkit::tag kContentLabel = {0x0070, 0x0080};
+inline constexpr pgkit::tag kHangingProtocolName = {0x0072, 0x0002};
 inline constexpr pgkit::tag kIcon = {0x0088, 0x0200};
 
 }  // namespace pgtool::tags

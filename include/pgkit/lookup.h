@@ -16,13 +16,14 @@
 //   counts as one of size 0.
 // - A null key is one that is not found.
 // - Nothing is printed or allocated. All threads may call these functions at any time, but
-//   not while one of them replaces the private dictionary.
+//   not while one of them replaces the private dictionary. A tree belongs to one thread at a time.
 #ifndef PGKIT_LOOKUP_H
 #define PGKIT_LOOKUP_H
 
 #include <stddef.h>
 #include <stdint.h>
 
+#include "pgkit/dataset.h"
 #include "pgkit/export.h"
 
 PGKIT_BEGIN_C
@@ -39,6 +40,12 @@ PGKIT_API size_t pgxGetModalityName(const char* modality, char* buffer, size_t s
 // The printable name of a tag. Placeholder "<Unknown Tag>".
 PGKIT_API size_t pgxGetTagPrintableName(uint16_t group, uint16_t element, char* buffer,
                                         size_t size);
+
+// The name of an element: what it was called when it was read (a private element by its creator, as
+// the private dictionary was then; "PrivateCreator10xx", "GroupLength0008"), else that of its tag.
+// GetTagName of node.h has "<unknown tag>" for elements that had none when they were read.
+// Placeholder "<Unknown Tag>".
+PGKIT_API size_t pgxGetTagName(PGX_Node* element, char* buffer, size_t size);
 
 // The name of a value representation code. Placeholder "????".
 PGKIT_API size_t pgxGetVRPrintableName(uint32_t valueRep, char* buffer, size_t size);

@@ -67,8 +67,7 @@ class FileWindow {
     void Read(const PGX_Node& node) {
         file_ = node.file;
         begin_ = node.fileOffset;
-        size_ =
-            platform::Seek(file_, begin_) ? std::fread(bytes_.data(), 1, bytes_.size(), file_) : 0;
+        size_ = platform::ReadAt(file_, begin_, bytes_.data(), node.length, bytes_.size());
     }
 
     FILE* file_ = nullptr;
@@ -139,17 +138,24 @@ class BlockWriter {
     }
 
     int64_t AddText(PGX_Node& node, size_t offset) {
-        if (node.value != nullptr || node.length > kShortText) {
+        const bool isShort = node.length <= kShortText;
+        if (node.value == nullptr && !isShort) {
             if (AvailableLength(node) < node.length) return kNotWhole;
             return pgxGetUtf8Value(characterSet_, &node, At(offset), RoomAt(offset));
         }
         // Asking how long the file is costs more than reading a short text of it.
-        std::array<uint8_t, kShortText> bytes;
-        if (!window_.Fetch(node, bytes.data())) return kNotWhole;
-        const std::string_view text(reinterpret_cast<const char*>(bytes.data()), node.length);
-        const char* const attribute = IsPlainText(text) ? nullptr : CharacterSetText();
-        return pgxTextToUtf8(attribute, node.valueRep, text.data(), text.size(), At(offset),
-                             RoomAt(offset));
+        std::array<uint8_t, kShortText> fetched;
+        if (node.value == nullptr && !window_.Fetch(node, fetched.data())) return kNotWhole;
+        const uint8_t* const bytes = node.value != nullptr ? node.value : fetched.data();
+        const std::string_view text(reinterpret_cast<const char*>(bytes), node.length);
+        if (IsPlainText(text)) return AddPlainText(WithoutPadding(text), offset);
+        return pgxTextToUtf8(CharacterSetText(), node.valueRep, text.data(), text.size(),
+                             At(offset), RoomAt(offset));
+    }
+
+    int64_t AddPlainText(std::string_view text, size_t offset) {
+        if (RoomAt(offset) > text.size()) At(offset)[text.copy(At(offset), text.size())] = '\0';
+        return static_cast<int64_t>(text.size());
     }
 
     const char* CharacterSetText() {

@@ -1,9 +1,11 @@
 // Lookups into buffers of a stated size.
 #include "base/firewall.h"
 #include "base/text.h"
+#include "dataset/node_memory.h"
 #include "dictionary/tag_name.h"
 #include "dictionary/vr_properties.h"
 #include "pgkit/lookup.h"
+#include "pgkit/node.h"
 #include "sopclass/lookup_texts.h"
 
 namespace {
@@ -26,6 +28,13 @@ OptionalText VrNameOf(uint32_t valueRep) {
     return name == nullptr ? std::nullopt : OptionalText(name);
 }
 
+OptionalText NameOf(const PGX_Node* element) {
+    if (element == nullptr) return std::nullopt;
+    const bool hasName = element->tagName != nullptr && element->tagName != pgkit::unknownTagName;
+    if (hasName) return element->tagName;
+    return pgkit::TagName(element->group, element->element);
+}
+
 }  // namespace
 
 size_t pgxGetUIDName(const char* uid, char* buffer, size_t size) {
@@ -46,6 +55,10 @@ size_t pgxGetModalityName(const char* modality, char* buffer, size_t size) {
 size_t pgxGetTagPrintableName(uint16_t group, uint16_t element, char* buffer, size_t size) {
     return Guarded(
         [=] { return Give(pgkit::TagName(group, element), pgkit::kUnknownTag, buffer, size); });
+}
+
+size_t pgxGetTagName(PGX_Node* element, char* buffer, size_t size) {
+    return Guarded([=] { return Give(NameOf(element), pgkit::kUnknownTag, buffer, size); });
 }
 
 size_t pgxGetVRPrintableName(uint32_t valueRep, char* buffer, size_t size) {

@@ -159,19 +159,20 @@ bool DataSetParser::ReadElement() {
     if (header.IsItemDelimitation() || header.IsSequenceDelimitation()) {
         const bool isOutermost = level.sequence == nullptr;
         const uint64_t start = reader_.Position() - kDelimiterSize;
-        if (isOutermost) NoteEnd({EndKind::Broken, start, header.group, header.element});
+        if (isOutermost) NoteEnd({EndKind::Broken, start, header.Group(), header.Element()});
         level.dataSetBytes += kDelimiterSize;
         return false;
     }
 
-    if (level.implicitVr) header.valueRep = pgFindValueRepresentation(header.group, header.element);
+    if (level.implicitVr)
+        header.valueRep = pgFindValueRepresentation(header.Group(), header.Element());
     Meaning meaning;
     FindMeaning(header, level, meaning);
 
     if (meaning.valueRep == VR_SQ) {
         if (levels_.size() > kMaxSequenceNesting) {
             // What encloses it would go on within it.
-            NoteEnd({EndKind::TooDeep, reader_.Position(), header.group, header.element});
+            NoteEnd({EndKind::TooDeep, reader_.Position(), header.Group(), header.Element()});
             reader_.SeekToEnd();
             return false;
         }
@@ -182,7 +183,7 @@ bool DataSetParser::ReadElement() {
     }
 
     PGX_Node& element = *AppendElement(header, meaning);
-    if (IsPixelData(header.group, header.element) && header.length == kUndefinedLength) {
+    if (IsPixelData(header.Group(), header.Element()) && header.length == kUndefinedLength) {
         level.dataSetBytes += HeaderSize(VR_OB, !level.implicitVr);
         ReadFragments(element);
     } else {
@@ -196,15 +197,15 @@ bool DataSetParser::ReadElement() {
 void DataSetParser::FindMeaning(const TagHeader& header, const Level& level,
                                 Meaning& meaning) const {
     meaning.valueRep = header.valueRep;
-    if (header.element == 0x0000) {
+    if (header.Element() == 0x0000) {
         meaning.valueRep = VR_UL;
-        meaning.MakeName("GroupLength%04X", header.group);
-    } else if (IsPrivateCreator(header.group, header.element)) {
+        meaning.MakeName("GroupLength%04X", header.Group());
+    } else if (IsPrivateCreator(header.Group(), header.Element())) {
         if (level.implicitVr) meaning.valueRep = VR_LO;
         const char* format =
             meaning.valueRep == VR_LO ? "PrivateCreator%02Xxx" : "BUGGYPrivateCreator%02Xxx";
-        meaning.MakeName(format, header.element);
-    } else if (header.group == 0xFFFE) {
+        meaning.MakeName(format, header.Element());
+    } else if (header.Group() == 0xFFFE) {
         return;
     } else if (level.implicitVr && header.valueRep == VR_Unknown) {
         if (header.length == kUndefinedLength) {
@@ -231,7 +232,7 @@ void DataSetParser::FindMeaningOfUn(const TagHeader& header, const Level& level,
 void DataSetParser::FindMeaningByCreator(const TagHeader& header, const Level& level,
                                          Meaning& meaning) const {
     const PrivateDictionaryEntry* entry =
-        FindPrivateElement(header.group, header.element, level.creators);
+        FindPrivateElement(header.Group(), header.Element(), level.creators);
     meaning.valueRep = entry != nullptr ? entry->valueRep : uint32_t{VR_Unknown};
     meaning.foundName = entry != nullptr ? std::string_view(entry->name) : unknownTagName;
 }

@@ -56,7 +56,7 @@ bool ReadLastFrame(StreamReader& reader, FragmentEntry& last) {
     reader.Seek(last.offset - kItemHeaderSize);
     TagHeader header;
     if (!ReadItemHeader(reader, header)) return false;
-    if (header.group != 0xFFFE && header.element != 0xE000) return false;
+    if (header.Group() != 0xFFFE && header.Element() != 0xE000) return false;
     last.length = header.length;
     reader.Skip(header.length);
     return ReadItemHeader(reader, header) && header.IsSequenceDelimitation();

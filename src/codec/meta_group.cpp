@@ -91,10 +91,11 @@ class MetaGroupReader {
         if (!ReadTagHeader(reader_, ByteOrder::Little, implicitVr_, header)) {
             return FailedAt(headerStart);
         }
-        if (implicitVr_) header.valueRep = pgFindValueRepresentation(header.group, header.element);
+        if (implicitVr_)
+            header.valueRep = pgFindValueRepresentation(header.Group(), header.Element());
         PGX_Node* const node = builder_.NewElement(header, header.valueRep, ByteOrder::Little);
         Append(node);
-        if (header.element == kTransferSyntaxElement) {
+        if (header.Element() == kTransferSyntaxElement) {
             const uint64_t valueStart = reader_.Position();
             start_.transferSyntax = ReadUid(reader_, header.length);
             reader_.Seek(valueStart);

@@ -18,9 +18,10 @@ constexpr int kEnoughElements = 8;
 constexpr int kElementsToBeSure = 3;
 
 bool IsKnownTag(const TagHeader& header) {
-    if (header.group == 0x0002 || header.group == 0x0004 || header.group == 0x0008) return true;
-    return pgFindValueRepresentation(header.group, header.element) != VR_Unknown ||
-           pgxTagKeyword(header.group, header.element, nullptr, 0) != 0;
+    if (header.Group() == 0x0002 || header.Group() == 0x0004 || header.Group() == 0x0008)
+        return true;
+    return pgFindValueRepresentation(header.Group(), header.Element()) != VR_Unknown ||
+           pgxTagKeyword(header.Group(), header.Element(), nullptr, 0) != 0;
 }
 
 bool IsUpper(uint8_t c) { return c >= 'A' && c <= 'Z'; }
@@ -61,13 +62,13 @@ class Walk {
     }
 
     bool IsPlausible(const TagHeader& header) {
-        const uint32_t key = TagKey(header.group, header.element);
+        const uint32_t key = header.tag;
         const bool isFirst = count_ == 0;
         if (!isFirst && key <= previous_) return false;
         previous_ = key;
-        if (!IsElementTag(header.group, header.element)) return false;
-        if (header.element == 0x0000 && header.length != sizeof(uint32_t)) return false;
-        return IsKnownTag(header) || (!isFirst && IsPrivateGroup(header.group));
+        if (!IsElementTag(header.Group(), header.Element())) return false;
+        if (header.Element() == 0x0000 && header.length != sizeof(uint32_t)) return false;
+        return IsKnownTag(header) || (!isFirst && IsPrivateGroup(header.Group()));
     }
 
     Look LookAtLength(const TagHeader& header) {

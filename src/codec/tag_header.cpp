@@ -1,5 +1,6 @@
 #include "codec/tag_header.h"
 
+#include "dictionary/tags.h"
 #include "dictionary/vr_properties.h"
 
 namespace pgkit {
@@ -33,11 +34,9 @@ bool HasNoVrField(const TagHeader& header) {
 bool ReadTagHeader(StreamReader& reader, ByteOrder order, bool implicitVr, TagHeader& header) {
     const uint8_t* bytes = reader.Peek(kShortHeaderSize);
     if (bytes == nullptr) return FailAtEnd(reader);
-    header.group = NumberAt<uint16_t>(bytes, order);
-    header.element = NumberAt<uint16_t>(bytes + 2, order);
+    header.tag = TagKey(NumberAt<uint16_t>(bytes, order), NumberAt<uint16_t>(bytes + 2, order));
     header.valueRep = VR_Unknown;
-    if (header.group == 0xFFFF && header.element == 0xFFFF)
-        return FailAfter(reader, kDelimiterTagSize);
+    if (header.tag == 0xFFFFFFFF) return FailAfter(reader, kDelimiterTagSize);
 
     if (implicitVr || HasNoVrField(header)) {
         header.length = NumberAt<uint32_t>(bytes + 4, order);

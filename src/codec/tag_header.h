@@ -9,14 +9,17 @@
 namespace pgkit {
 
 struct TagHeader {
-    uint16_t group;
-    uint16_t element;
+    // As one number: what was just stored in two parts would have to come to memory before both
+    // could be compared at once.
+    uint32_t tag;
     uint32_t valueRep;  // VR_Unknown for items, delimiters and in implicit VR
     uint32_t length;
 
-    bool IsItem() const { return group == 0xFFFE && element == 0xE000; }
-    bool IsItemDelimitation() const { return group == 0xFFFE && element == 0xE00D; }
-    bool IsSequenceDelimitation() const { return group == 0xFFFE && element == 0xE0DD; }
+    uint16_t Group() const { return static_cast<uint16_t>(tag >> 16); }
+    uint16_t Element() const { return static_cast<uint16_t>(tag); }
+    bool IsItem() const { return tag == 0xFFFEE000; }
+    bool IsItemDelimitation() const { return tag == 0xFFFEE00D; }
+    bool IsSequenceDelimitation() const { return tag == 0xFFFEE0DD; }
 };
 
 // Reads a header. Fails at the end of the stream, on the tag (FFFF,FFFF), and on an explicit UT

@@ -37,7 +37,8 @@ class TreeBuilder {
     PGX_Node* NewElement(const TagHeader& header, uint32_t valueRep, ByteOrder order) {
         ++elementCount_;
         return NewNode(NT_DataElement, order == ByteOrder::Big ? ET_BigEndian : ET_LittleEndian,
-                       header.group, header.element, static_cast<uint8_t>(valueRep), header.length);
+                       header.Group(), header.Element(), static_cast<uint8_t>(valueRep),
+                       header.length);
     }
 
     char* NewTagName(std::string_view name);

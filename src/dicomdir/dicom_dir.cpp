@@ -34,6 +34,12 @@ uint32_t FirstRecordOffset(PGX_Node& dataSet) {
     return offset == nullptr ? 0 : offset->GetULValue();
 }
 
+// Whether all records at the root were taken away (standard_records.h).
+bool IsRootEmptied(PGX_Node& dataSet) {
+    const PGX_Node* const link = FindElement(dataSet, tags::kFirstRootRecord);
+    return link != nullptr && link->offsetPending != 0 && link->offsetTarget == nullptr;
+}
+
 bool ResolveLinks(const PGX_Node* sequence, const pgkit::RecordTable& records) {
     if (sequence != nullptr) return pgkit::ResolveLinks(records);
     PrintOut("ResolveDicomdirLinks DICOMDIR parsing error: DirectoryRecordSequence not found\n");
@@ -120,6 +126,7 @@ int32_t PGX_DicomDir::BrowseDicomDir() {
         PrintOut("DICOMDIR parsing error: DirectoryRecordSequence not found\n");
         return 0;
     }
+    if (IsRootEmptied(*dataSet)) return 1;
     const uint32_t offset = FirstRecordOffset(*dataSet);
     const std::optional<pgkit::RecordNumber> first = browser.Records().FindOffset(offset);
     if (!first) {

@@ -92,6 +92,11 @@ bool RemoveFile(const char* path);
 // Positions are 64-bit on both platforms.
 [[nodiscard]] bool Seek(FILE* stream, uint64_t position);
 [[nodiscard]] bool SeekToEnd(FILE* stream);
+// Reads at a position, in as few calls of the system as it takes: at least so many bytes as are
+// needed, unless the file ends before or cannot be read, and at most as many as there is room for.
+// Returns how many. Where the stream stands afterwards is not said.
+[[nodiscard]] size_t ReadAt(FILE* stream, uint64_t position, uint8_t* out, size_t needed,
+                            size_t room);
 // None when the stream has no position (a pipe).
 [[nodiscard]] std::optional<uint64_t> Tell(FILE* stream);
 // Cuts the end of a file off.

@@ -230,6 +230,22 @@ bool Seek(FILE* stream, uint64_t position) {
 
 bool SeekToEnd(FILE* stream) { return ::fseeko(stream, 0, SEEK_END) == 0; }
 
+size_t ReadAt(FILE* stream, uint64_t position, uint8_t* out, size_t needed, size_t room) {
+    const int file = ::fileno(stream);
+    if (file < 0) return Seek(stream, position) ? std::fread(out, 1, room, stream) : 0;
+    // A stream of the host's may hold back what was written to it.
+    if (position > INT64_MAX - room || std::fflush(stream) != 0) return 0;
+    size_t got = 0;
+    while (got < needed) {
+        const ssize_t more =
+            ::pread(file, out + got, room - got, static_cast<off_t>(position + got));
+        if (more < 0 && errno == EINTR) continue;
+        if (more <= 0) break;
+        got += static_cast<size_t>(more);
+    }
+    return got;
+}
+
 bool CutTo(FILE* stream, uint64_t size) {
     return ::ftruncate(::fileno(stream), static_cast<off_t>(size)) == 0;
 }

@@ -162,6 +162,10 @@ bool Seek(FILE* stream, uint64_t position) {
 
 bool SeekToEnd(FILE* stream) { return _fseeki64(stream, 0, SEEK_END) == 0; }
 
+size_t ReadAt(FILE* stream, uint64_t position, uint8_t* out, size_t /*needed*/, size_t room) {
+    return Seek(stream, position) ? std::fread(out, 1, room, stream) : 0;
+}
+
 bool CutTo(FILE* stream, uint64_t size) {
     return _chsize_s(_fileno(stream), static_cast<int64_t>(size)) == 0;
 }

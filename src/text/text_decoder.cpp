@@ -122,8 +122,9 @@ void TextDecoder::Replace(bool isCutShort, Utf8Output& output) {
 }
 
 std::string_view WithoutPadding(std::string_view text) {
-    constexpr std::string_view kPadding(" \0", 2);
-    return text.substr(0, text.find_last_not_of(kPadding) + 1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\0'))
+        text.remove_suffix(1);
+    return text;
 }
 
 bool IsPlainText(std::string_view text) {

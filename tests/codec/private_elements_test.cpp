@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
+#include <cstring>
+
 #include "support/tree.h"
 
 namespace {
@@ -98,6 +100,42 @@ TEST_F(PrivateElements, BlockOfTheCreatorAndGroupOfTheEntryMustFit) {
     EXPECT_EQ(
         Last(Implicit().Element(0x0019, 0x0010, "", "ACME 1.1").Element(0x0021, 0x1001, "", "1 ")),
         "???? <unknown tag>");
+}
+
+// The name of every element as pgxGetTagName gives it, with its result where there is none.
+std::string NamesOf(const StreamBuilder& stream) {
+    OpenedStream opened(stream);
+    std::string names;
+    for (PGX_Node* element = opened->first; element != nullptr; element = element->next) {
+        char name[300];
+        const size_t length = pgxGetTagName(element, name, sizeof name);
+        EXPECT_EQ(length, name[0] == '<' ? 0 : std::strlen(name));
+        names += std::string(name) + "\n";
+    }
+    return names;
+}
+
+TEST_F(PrivateElements, TheFlatFunctionNamesThemLikeAllOthers) {
+    EXPECT_EQ(NamesOf(Implicit()
+                          .Element(0x0009, 0x0000, "", std::string_view("\0\0\0\0", 4))
+                          .Element(0x0018, 0x9999, "", "1 ")
+                          .Element(0x0019, 0x0010, "", "ACME 1.1")
+                          .Element(0x0019, 0x1001, "", "1 ")
+                          .Element(0x0019, 0x10FF, "", "1 ")),
+              "Modality\nGroupLength0009\n<Unknown Tag>\nPrivateCreator10xx\nAcmeScale\n"
+              "<Unknown Tag>\n");
+}
+
+TEST_F(PrivateElements, NamesHaveABoundOfTheCaller) {
+    OpenedStream opened(
+        Implicit().Element(0x0019, 0x0010, "", "ACME 1.1").Element(0x0019, 0x1001, "", "1 "));
+    PGX_Node* const element = opened->FindNode(0x0019, 0x1001);
+    char name[5] = "****";
+    EXPECT_EQ(pgxGetTagName(element, name, sizeof name), 9u);
+    EXPECT_STREQ(name, "Acme");
+    EXPECT_EQ(pgxGetTagName(element, nullptr, 0), 9u);
+    EXPECT_EQ(pgxGetTagName(nullptr, name, sizeof name), 0u);
+    EXPECT_STREQ(name, "<Unk");
 }
 
 TEST_F(PrivateElements, WithoutCreatorTheTagIsUnknown) {

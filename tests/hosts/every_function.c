@@ -64,10 +64,15 @@ static void CallUids(void) {
     EXPECT(pgxGetModalityName("CT", text, sizeof text) == 19);
     EXPECT(pgxGetUIDName("1.2.840.10008.1.2", text, 4) > 4 && strlen(text) == 3);
     EXPECT(pgxGetTagPrintableName(0x7FE0, 0x0010, text, sizeof text) == 9);
+    EXPECT(pgxMakeLongValuesUn(NULL) == 0);
+    EXPECT(pgxGetTagName(NULL, text, sizeof text) == 0 && strcmp(text, "<Unknown Tag>") == 0);
     EXPECT(pgxGetVRPrintableName(VR_PN, text, sizeof text) == 2);
     EXPECT(pgxProfileCount() == 56);
     EXPECT(pgxProfileName(0, text, sizeof text) == strlen(text) && pgxIsProfile(text) == 1);
     EXPECT(pgxProfileRules(0, text, sizeof text) > 0 && strncmp(text, "image\t", 6) == 0);
+    EXPECT(pgxRecordTypeOf("1.2.840.10008.5.1.4.39.1", text, sizeof text) == 7);
+    EXPECT(pgxIsRootRecordType("PALETTE") == 1 && pgxIsRootRecordType("IMAGE") == 0);
+    EXPECT(pgxRecordTypeKeys("PALETTE", NULL, 0) == 1 && pgxTakeRootRecords(NULL, NULL, 0) == 0);
     EXPECT(pgxIsFileId("DIR\\IM1") == 1 && pgxIsFileId("im1.dcm") == 0);
     EXPECT(pgxAcceptanceText(PG_IS_A_DICOMDIR, text, sizeof text) == 18);
     int yes = 0;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -239,6 +240,35 @@ TEST_F(Platform, StreamsTellTheirPositionAndSize) {
     EXPECT_EQ(platform::Tell(file.get()), 4u);
     EXPECT_FALSE(platform::Seek(file.get(), UINT64_MAX));
     EXPECT_FALSE(platform::Seek(file.get(), uint64_t{1} << 63));
+}
+
+TEST_F(Platform, ReadsAtAPositionWhatIsThere) {
+    const Stream file(platform::OpenForReading(Path("Disc\\Images\\Im0001.dcm").c_str()));
+    ASSERT_TRUE(file);
+    const auto textAt = [&](uint64_t position, size_t needed, size_t room) {
+        std::array<uint8_t, 8> bytes = {};
+        const size_t got = platform::ReadAt(file.get(), position, bytes.data(), needed, room);
+        EXPECT_LE(got, room);
+        return std::string(reinterpret_cast<const char*>(bytes.data()), got);
+    };
+    const std::string whole = textAt(0, 4, 8);
+    EXPECT_EQ(whole.size(), 4u);
+    EXPECT_EQ(textAt(1, 2, 2), whole.substr(1, 2));
+    EXPECT_EQ(textAt(2, 8, 8), whole.substr(2));
+    EXPECT_EQ(textAt(4, 1, 8), "");
+    EXPECT_EQ(textAt(UINT64_MAX, 1, 8), "");
+    EXPECT_EQ(textAt(uint64_t{1} << 63, 1, 8), "");
+}
+
+// What the host's stream holds back is there to be read, too.
+TEST_F(Platform, ReadsAtAPositionWhatWasWrittenBefore) {
+    const TempDir folder;
+    const Stream file = pgkit_test::OpenStream(folder.Path("written"), "w+b");
+    ASSERT_TRUE(file);
+    ASSERT_GE(std::fputs("written", file.get()), 0);
+    std::array<uint8_t, 4> bytes = {};
+    ASSERT_EQ(platform::ReadAt(file.get(), 2, bytes.data(), 4, 4), 4u);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "itte");
 }
 
 // Only one byte is written: the rest of the file is a hole.

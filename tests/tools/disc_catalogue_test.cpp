@@ -23,6 +23,19 @@ TEST(DiscCatalogue, GivesFileIdsInTheOrderOfAppearance) {
     EXPECT_EQ(catalogue.Find("1.2.2.2"), nullptr);
 }
 
+TEST(DiscCatalogue, HasAFolderForWhatBelongsToNoPatient) {
+    Catalogue catalogue;
+    catalogue.AddCommon({"", "", "", "", "1.2.1"}, {});
+    catalogue.Add({"ID1", "DOE", "1.2", "1.2.1", "1.2.1.1"}, {});
+    catalogue.AddCommon({"", "", "", "", "1.2.2"}, {});
+    const auto& instances = catalogue.Instances();
+    EXPECT_EQ(catalogue.FileOf(instances[0]), "DICOM/COMMON/OB000001");
+    EXPECT_EQ(catalogue.FolderOf(instances[0]), "DICOM/COMMON");
+    EXPECT_EQ(catalogue.FileOf(instances[1]), "DICOM/PAT00001/STU00001/SER00001/IM000001");
+    EXPECT_EQ(catalogue.FileOf(instances[2]), "DICOM/COMMON/OB000002");
+    EXPECT_EQ(catalogue.Find("1.2.2"), &instances[2]);
+}
+
 TEST(DiscCatalogue, KnowsPatientIdsAlsoWhenTheyAreCut) {
     Catalogue catalogue;
     catalogue.Add({"LONG ID", "DOE", "1.2", "1.2.1", "1.2.1.1"}, {});

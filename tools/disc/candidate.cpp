@@ -6,6 +6,7 @@
 
 #include "data_set.h"
 #include "disc/readable_path.h"
+#include "pgkit/standard_records.h"
 #include "profile_names.h"
 #include "tags.h"
 #include "uids.h"
@@ -60,11 +61,20 @@ bool MayBeRecoded(const std::string& syntax) {
 const char* WhatIsMissing(const Candidate& candidate, const pgkit::item& root) {
     if (SopClassOf(root).empty()) return "SOP Class UID";
     if (candidate.keys.instance.empty()) return "SOP Instance UID";
+    if (candidate.isCommon) return nullptr;
     if (candidate.keys.study.empty()) return "Study Instance UID";
     return candidate.keys.series.empty() ? "Series Instance UID" : nullptr;
 }
 
+// Whether instances of a SOP class belong to no patient.
+bool IsCommon(const std::string& sopClass) {
+    char type[32];
+    return pgxRecordTypeOf(sopClass.c_str(), type, sizeof type) != 0 &&
+           pgxIsRootRecordType(type) == 1;
+}
+
 void ReadKeys(const pgkit::item& root, Candidate& candidate) {
+    candidate.isCommon = IsCommon(SopClassOf(root));
     candidate.keys = {
         UnpaddedBytesOf(root, tags::kPatientId), UnpaddedBytesOf(root, tags::kPatientName),
         UnpaddedBytesOf(root, tags::kStudyUid), UnpaddedBytesOf(root, tags::kSeriesUid),

@@ -14,6 +14,8 @@ struct Candidate {
     Kind kind = Kind::Refused;
     InstanceKeys keys;
     DiscInstance instance;
+    // Whether it belongs to no patient, and its record stands at the root.
+    bool isCommon = false;
     // Type 1 keys of its patient, study and series that it has no value for.
     bool lacksStudyId = false;
     bool lacksStudyDate = false;

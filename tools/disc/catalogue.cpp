@@ -29,7 +29,7 @@ bool Catalogue::KnowsPatientId(const std::string& id) const {
 std::string Catalogue::ComplaintAboutNumbers() const {
     constexpr size_t kMostFolders = 99999;
     constexpr size_t kMostFiles = 999999;
-    bool isTooMuch = patients_.size() > kMostFolders;
+    bool isTooMuch = patients_.size() > kMostFolders || common_.size() > kMostFiles;
     for (const DiscPatient& patient : patients_)
         isTooMuch = isTooMuch || patient.studies > kMostFolders;
     for (const DiscStudy& study : studies_)
@@ -38,7 +38,7 @@ std::string Catalogue::ComplaintAboutNumbers() const {
         isTooMuch = isTooMuch || series.instances.size() > kMostFiles;
     if (!isTooMuch) return "";
     return "a disc has File IDs for 99,999 patients, studies of one and series of one, and for "
-           "999,999 instances of a series";
+           "999,999 instances of a series or of no patient";
 }
 
 Catalogue::Added Catalogue::Add(const InstanceKeys& keys, DiscInstance instance) {
@@ -66,7 +66,16 @@ Catalogue::Added Catalogue::Add(const InstanceKeys& keys, DiscInstance instance)
     return {isNewPatient, isNewStudy, isNewSeries};
 }
 
+void Catalogue::AddCommon(const InstanceKeys& keys, DiscInstance instance) {
+    common_.push_back(instances_.size());
+    instance.series = kNoSeries;
+    instance.number = static_cast<uint32_t>(common_.size());
+    instancesByUid_.emplace(keys.instance, instances_.size());
+    instances_.push_back(std::move(instance));
+}
+
 std::string Catalogue::FolderOf(const DiscInstance& instance) const {
+    if (instance.series == kNoSeries) return "DICOM/COMMON";
     const DiscSeries& series = series_[instance.series];
     const DiscStudy& study = studies_[series.study];
     return Numbered("DICOM/PAT%05zu", study.patient + 1) + Numbered("/STU%05zu", study.number) +
@@ -74,7 +83,8 @@ std::string Catalogue::FolderOf(const DiscInstance& instance) const {
 }
 
 std::string Catalogue::FileOf(const DiscInstance& instance) const {
-    return FolderOf(instance) + Numbered("/IM%06zu", instance.number);
+    const char* const format = instance.series == kNoSeries ? "/OB%06zu" : "/IM%06zu";
+    return FolderOf(instance) + Numbered(format, instance.number);
 }
 
 }  // namespace pgtool

@@ -19,11 +19,14 @@ enum class Transfer {
     Recoded     // as explicit VR little endian
 };
 
+// The place of a series for instances that belong to no patient.
+inline constexpr size_t kNoSeries = SIZE_MAX;
+
 struct DiscInstance {
     std::string path;
     uint64_t bytes = 0;  // of the file; 0 when the system does not tell
     size_t series = 0;
-    uint32_t number = 0;  // within the series, from 1
+    uint32_t number = 0;  // within the series, or among those of no patient, from 1
     Transfer transfer = Transfer::Copied;
     bool isImage = false;
 };
@@ -79,13 +82,19 @@ class Catalogue {
     };
     // No other of that UID may be there.
     Added Add(const InstanceKeys& keys, DiscInstance instance);
+    // The same of what belongs to no patient: a palette, a hanging protocol.
+    void AddCommon(const InstanceKeys& keys, DiscInstance instance);
 
     const std::vector<DiscInstance>& Instances() const { return instances_; }
     const std::vector<DiscSeries>& Series() const { return series_; }
     const std::vector<DiscStudy>& Studies() const { return studies_; }
 
-    // "DICOM/PAT00001/STU00001/SER00001", and with "/IM000001" behind it. The numbers are those of
-    // the order in which instances were added.
+    // Those that belong to no patient.
+    const std::vector<size_t>& Common() const { return common_; }
+
+    // "DICOM/PAT00001/STU00001/SER00001", and with "/IM000001" behind it; "DICOM/COMMON" with
+    // "/OB000001" for what belongs to no patient. The numbers are those of the order in which
+    // instances were added.
     std::string FolderOf(const DiscInstance& instance) const;
     std::string FileOf(const DiscInstance& instance) const;
 
@@ -94,6 +103,7 @@ class Catalogue {
     std::vector<DiscStudy> studies_;
     std::vector<DiscSeries> series_;
     std::vector<DiscInstance> instances_;
+    std::vector<size_t> common_;
     std::map<std::pair<std::string, std::string>, size_t> patientsByKey_;
     std::map<std::pair<size_t, std::string>, size_t> studiesByUid_;  // of a patient
     std::map<std::pair<size_t, std::string>, size_t> seriesByUid_;   // of a study

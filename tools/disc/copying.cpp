@@ -9,7 +9,7 @@
 #include "data_set.h"
 #include "disc/interruption.h"
 #include "disc/readable_path.h"
-#include "long_values.h"
+#include "pgkit/long_values.h"
 #include "stream.h"
 #include "tags.h"
 #include "uids.h"
@@ -57,7 +57,8 @@ CopyResult Save(const DiscInstance& instance, const std::string& target) {
         const auto isSet = opened->set_text(tags::kTransferSyntax, uids::kExplicitLittle);
         if (!isSet) return CannotRead(instance.path + ": " + isSet.error().message);
     }
-    if (!MakeLongValuesUn(root)) return CannotRead(instance.path + ": a value cannot be read");
+    if (pgxMakeLongValuesUn(&root) == 0)
+        return CannotRead(instance.path + ": a value cannot be read");
     const uint32_t result = root.SaveDataSetAsEx(target.c_str(), ModeOf(instance, root));
     if (result == 0) return {};
     const bool isTargetsFault = result == 1 || result == 3 || result == 7;

@@ -175,6 +175,7 @@ class MediumMaker {
 
     static MediumContent ContentOf(const pgkit::directory& directory) {
         MediumContent content;
+        content.common = content.instances = directory.common_records().size();
         for (const pgkit::patient patient : directory.patients()) {
             ++content.patients;
             for (const pgkit::study study : patient.studies()) {

@@ -79,6 +79,27 @@ class Divider {
             PlaceSeries(catalogue_.Series()[series].instances);
     }
 
+    // As many instances at a time as a medium holds.
+    void PlaceSeries(const std::vector<size_t>& series) {
+        if (Place(series)) return;
+        std::vector<size_t> part;
+        std::optional<Cost> cost;
+        for (const size_t instance : series) {
+            if (Cost(catalogue_, request_).Add(instance) > room_) {
+                partition_.tooLarge.push_back(instance);
+                continue;
+            }
+            if (!cost) cost.emplace(catalogue_, request_);
+            if (cost->Add(instance) > room_) {
+                Place(part);
+                part.clear();
+                cost.emplace(catalogue_, request_).Add(instance);
+            }
+            part.push_back(instance);
+        }
+        if (!part.empty()) Place(part);
+    }
+
     Partition Result() && {
         for (MediumPlan& medium : partition_.media)
             std::sort(medium.instances.begin(), medium.instances.end());
@@ -101,27 +122,6 @@ class Divider {
         return true;
     }
 
-    // As many instances at a time as a medium holds.
-    void PlaceSeries(const std::vector<size_t>& series) {
-        if (Place(series)) return;
-        std::vector<size_t> part;
-        std::optional<Cost> cost;
-        for (const size_t instance : series) {
-            if (Cost(catalogue_, request_).Add(instance) > room_) {
-                partition_.tooLarge.push_back(instance);
-                continue;
-            }
-            if (!cost) cost.emplace(catalogue_, request_);
-            if (cost->Add(instance) > room_) {
-                Place(part);
-                part.clear();
-                cost.emplace(catalogue_, request_).Add(instance);
-            }
-            part.push_back(instance);
-        }
-        if (!part.empty()) Place(part);
-    }
-
     const Catalogue& catalogue_;
     const DiscRequest& request_;
     uint64_t room_;
@@ -134,6 +134,7 @@ Partition Divide(const Catalogue& catalogue, const DiscRequest& request) {
     Divider divider(catalogue, request);
     for (const DiscStudy& study : catalogue.Studies())
         divider.PlaceStudy(study);
+    if (!catalogue.Common().empty()) divider.PlaceSeries(catalogue.Common());
     return std::move(divider).Result();
 }
 

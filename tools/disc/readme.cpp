@@ -33,7 +33,8 @@ std::string FileSetIdOf(const std::string& beginning, MediumNumber medium) {
 std::string Describe(const MediumContent& content) {
     return Counted(content.patients, "patient", "patients") + ", " +
            Counted(content.studies, "study", "studies") + ", " + std::to_string(content.series) +
-           " series, " + Counted(content.instances, "instance", "instances");
+           " series, " + Counted(content.instances, "instance", "instances") +
+           (content.common == 0 ? "" : ", " + std::to_string(content.common) + " of no patient");
 }
 
 std::string ReadmeText(const std::string& fileSetId, MediumNumber medium,
@@ -62,6 +63,11 @@ std::string ReadmeText(const std::string& fileSetId, MediumNumber medium,
         "              or to import the images\n"
         "  DICOM       the images and documents, one file each, below a folder\n"
         "              for each patient, study and series\n";
+    if (content.common != 0) {
+        text +=
+            "              (COMMON: what belongs to no patient, such as palettes and\n"
+            "              hanging protocols)\n";
+    }
     if (hasWeb) {
         text +=
             "  INDEX.HTM   an overview for every web browser: a double click\n"

@@ -21,6 +21,7 @@ struct MediumContent {
     size_t studies = 0;
     size_t series = 0;
     size_t instances = 0;
+    size_t common = 0;  // of these belong to no patient
 };
 
 // "1 patient, 2 studies, 3 series, 120 instances".

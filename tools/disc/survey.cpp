@@ -53,6 +53,10 @@ class Surveyor {
             }
             return;
         }
+        if (candidate.isCommon) {
+            survey_.catalogue.AddCommon(candidate.keys, std::move(candidate.instance));
+            return;
+        }
         const Catalogue::Added added =
             survey_.catalogue.Add(candidate.keys, std::move(candidate.instance));
         NoteMissing(candidate, added);

@@ -16,6 +16,7 @@
 #include "disc/web_limits.h"
 #include "disc/whole_file.h"
 #include "library_path.h"
+#include "tags.h"
 #include "words.h"
 
 namespace pgtool {
@@ -92,6 +93,19 @@ std::vector<pgkit::leaf> ShownImages(const pgkit::series& series) {
     for (size_t i = 0; i < kMaxThumbnails; ++i)
         some.push_back(images[i * images.size() / kMaxThumbnails]);
     return some;
+}
+
+// What belongs to no patient, by kind and name.
+std::string CommonPart(const std::vector<pgkit::item>& records) {
+    if (records.empty()) return "";
+    std::string html = "<h2>Of no patient</h2>\n<ul>\n";
+    for (const pgkit::item& record : records) {
+        const std::string name = OrElse(record.find(tags::kContentLabel).text(),
+                                        record.find(tags::kHangingProtocolName).text().c_str());
+        html += "<li>" + HtmlValue(record.find(tags::kRecordType).text()) +
+                (name.empty() ? "" : ": " + HtmlValue(name)) + "</li>\n";
+    }
+    return html + "</ul>\n";
 }
 
 }  // namespace
@@ -275,6 +289,7 @@ std::string WebSite::Write(const std::string& fileSetId, MediumNumber medium,
         for (const pgkit::study study : patient.studies())
             body += StudyPart(patient, study);
     }
+    body += CommonPart(directory_.common_records());
     WriteFile("INDEX.HTM", HtmlPage("Medical images: " + fileSetId, body));
     return complaint_;
 }

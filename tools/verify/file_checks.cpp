@@ -47,7 +47,8 @@ class FileChecks {
             id.pop_back();
         // As a browse does: one backslash in front means nothing.
         const FoundFile found = medium_.Find(std::string_view(id).substr(id.starts_with('\\')));
-        const auto real = found.state == FileState::Present ? RealPath(found.path) : std::nullopt;
+        const auto real =
+            found.state == FileState::Present ? medium_.RealPathOf(found.path) : std::nullopt;
         if (found.state == FileState::Outside) {
             Note(FindingKind::Outside, "its file " + id + " leads out of the medium");
         } else if (!real || !IsBelow(*real, files_.root)) {

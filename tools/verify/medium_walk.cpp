@@ -52,7 +52,7 @@ class MediumWalk {
     void Sort(const std::string& inner, std::vector<std::string>& files,
               std::vector<std::string>& folders) {
         const std::string path = medium_.PathOf(inner);
-        const std::optional<std::string> real = RealPath(path);
+        const std::optional<std::string>& real = realPaths_.Of(path);
         std::error_code unknown;
         if (!real) {
             const bool isLink = fs::is_symlink(fs::symlink_status(path, unknown));
@@ -73,6 +73,7 @@ class MediumWalk {
 
     const MediumFiles& medium_;
     Findings& findings_;
+    RealPaths realPaths_;
 };
 
 }  // namespace

@@ -1,90 +1,71 @@
 #include "verify/record_rules.h"
 
 #include <algorithm>
+#include <array>
 
+#include "pgkit/standard_records.h"
 #include "tags.h"
 
 namespace pgtool {
 
 namespace {
 
+// The keys of type 1 that the library gives its records of a type.
+std::vector<pgkit::tag> KeysOf(const char* type) {
+    std::array<uint32_t, 16> numbers;
+    const int32_t count = pgxRecordTypeKeys(type, numbers.data(), numbers.size());
+    std::vector<pgkit::tag> keys;
+    for (int32_t i = 0; i < std::min<int32_t>(count, numbers.size()); ++i)
+        keys.push_back(
+            {static_cast<uint16_t>(numbers[i] >> 16), static_cast<uint16_t>(numbers[i])});
+    return keys;
+}
+
+// Of instances that are no images.
+RecordRule Instances(const char* type) {
+    const bool isAtRoot = pgxIsRootRecordType(type) == 1;
+    return {type, isAtRoot ? RecordPlace::Root : RecordPlace::BelowSeries, true, KeysOf(type)};
+}
+
 // Retired types are known, their keys are not looked at.
 const std::vector<RecordRule>& Rules() {
     using enum RecordPlace;
     using namespace tags;
-    const std::vector<pgkit::tag> content = {kContentDate, kContentTime};
-    const std::vector<pgkit::tag> identified = {kContentDate, kContentTime, kInstanceNumber,
-                                                kContentLabel};
     static const std::vector<RecordRule> rules = {
-        {"PATIENT", Root, false, {{0x0010, 0x0020}}},
-        {"STUDY", BelowPatient, false, {{0x0008, 0x0020}, {0x0008, 0x0030}, {0x0020, 0x0010}}},
-        {"SERIES", BelowStudy, false, {{0x0008, 0x0060}, {0x0020, 0x000E}, {0x0020, 0x0011}}},
+        {"PATIENT", Root, false, {kPatientId}},
+        {"STUDY", BelowPatient, false, {kStudyDate, kStudyTime, kStudyId}},
+        {"SERIES", BelowStudy, false, {kModality, kSeriesUid, kSeriesNumber}},
 
         {"IMAGE", BelowSeries, true, {kInstanceNumber}},
-        {"RT DOSE", BelowSeries, true, {kInstanceNumber, {0x3004, 0x000A}}},
-        {"RT STRUCTURE SET", BelowSeries, true, {kInstanceNumber, {0x3006, 0x0002}}},
-        {"RT PLAN", BelowSeries, true, {kInstanceNumber, {0x300A, 0x0002}}},
-        {"RT TREAT RECORD", BelowSeries, true, {kInstanceNumber}},
-        {"PRESENTATION",
-         BelowSeries,
-         true,
-         {{0x0070, 0x0082}, {0x0070, 0x0083}, kInstanceNumber, kContentLabel}},
-        {"WAVEFORM", BelowSeries, true, {kInstanceNumber, kContentDate, kContentTime}},
-        {"SR DOCUMENT",
-         BelowSeries,
-         true,
-         {kInstanceNumber,
-          {0x0040, 0xA491},
-          {0x0040, 0xA493},
-          kContentDate,
-          kContentTime,
-          kConceptName}},
-        {"KEY OBJECT DOC",
-         BelowSeries,
-         true,
-         {kInstanceNumber, kContentDate, kContentTime, kConceptName}},
-        {"SPECTROSCOPY",
-         BelowSeries,
-         true,
-         {{0x0008, 0x0008},
-          kContentDate,
-          kContentTime,
-          kInstanceNumber,
-          {0x0028, 0x0008},
-          {0x0028, 0x0010},
-          {0x0028, 0x0011},
-          {0x0028, 0x9001},
-          {0x0028, 0x9002}}},
-        {"RAW DATA", BelowSeries, true, content},
-        {"REGISTRATION", BelowSeries, true, identified},
-        {"FIDUCIAL", BelowSeries, true, identified},
-        {"ENCAP DOC", BelowSeries, true, {kInstanceNumber, {0x0042, 0x0012}}},
-        {"VALUE MAP", BelowSeries, true, identified},
-        {"STEREOMETRIC", BelowSeries, true, {}},
-        {"PLAN", BelowSeries, true, {}},
-        {"MEASUREMENT", BelowSeries, true, {kInstanceNumber, kContentDate, kContentTime}},
-        {"SURFACE", BelowSeries, true, identified},
-        {"SURFACE SCAN", BelowSeries, true, content},
-        {"TRACT", BelowSeries, true, identified},
-        {"ASSESSMENT", BelowSeries, true, {}},
-        {"RADIOTHERAPY", BelowSeries, true, {}},
-        {"ANNOTATION", BelowSeries, true, {}},
-        {"INVENTORY", Root, true, {}},
-
-        {"HANGING PROTOCOL",
-         Root,
-         true,
-         {{0x0072, 0x0002},
-          {0x0072, 0x0004},
-          {0x0072, 0x0006},
-          {0x0072, 0x0008},
-          {0x0072, 0x000A},
-          {0x0072, 0x000C},
-          {0x0072, 0x0014}}},
-        {"PALETTE", Root, true, {kContentLabel}},
-        {"IMPLANT", Root, true, {}},
-        {"IMPLANT GROUP", Root, true, {}},
-        {"IMPLANT ASSY", Root, true, {}},
+        Instances("RT DOSE"),
+        Instances("RT STRUCTURE SET"),
+        Instances("RT PLAN"),
+        Instances("RT TREAT RECORD"),
+        Instances("PRESENTATION"),
+        Instances("WAVEFORM"),
+        Instances("SR DOCUMENT"),
+        Instances("KEY OBJECT DOC"),
+        Instances("SPECTROSCOPY"),
+        Instances("RAW DATA"),
+        Instances("REGISTRATION"),
+        Instances("FIDUCIAL"),
+        Instances("ENCAP DOC"),
+        Instances("VALUE MAP"),
+        Instances("STEREOMETRIC"),
+        Instances("PLAN"),
+        Instances("MEASUREMENT"),
+        Instances("SURFACE"),
+        Instances("SURFACE SCAN"),
+        Instances("TRACT"),
+        Instances("ASSESSMENT"),
+        Instances("RADIOTHERAPY"),
+        Instances("ANNOTATION"),
+        Instances("INVENTORY"),
+        Instances("HANGING PROTOCOL"),
+        Instances("PALETTE"),
+        Instances("IMPLANT"),
+        Instances("IMPLANT GROUP"),
+        Instances("IMPLANT ASSY"),
         {"PRIVATE", Anywhere, false, {{0x0004, 0x1432}}},
 
         {"MRDR", Anywhere, true, {}},

@@ -15,12 +15,12 @@ from ._dictionary import (element_name, find_tag, generate_uid, is_valid_uid, ke
 from ._element import Element, MultiValue
 from ._errors import (ClosedError, CreateError, PgkitError, SaveError, TruncatedWarning,
                       UnknownProfileError)
-from ._json import JsonError, from_json
+from ._json import JsonError
 from ._library import library_path, library_version
 from ._media import (AcceptanceCode, Leaf, LeafType, Patient, ScannedFile, Series, Study, browse,
                      create)
 from ._names import PersonName
-from ._opening import is_dicom, open  # noqa: A004
+from ._opening import from_json, is_dicom, open  # noqa: A004
 from ._reports import Certainty, OpenReport, OpenResult
 from ._scan import Row, Scan, read_values, scan
 from ._sequence import Sequence

@@ -35,11 +35,11 @@ class _Buffer(threading.local):
     def __init__(self) -> None:
         self.grow(0x10000)
 
-    def grow(self, size: int) -> None:
-        self.size = size
+    def grow(self, size: int) -> Tuple[int, int, memoryview]:
         memory = ctypes.create_string_buffer(size)
-        self.address = ctypes.addressof(memory)
-        self.bytes = memoryview(memory)
+        # Address, size and bytes: one look at what belongs to the thread.
+        self.room = ctypes.addressof(memory), size, memoryview(memory)
+        return self.room
 
 
 _buffer = _Buffer()
@@ -55,42 +55,38 @@ def tag_list(tags: "list[int]") -> bytes:
 
 def read_level(node: int, character_set: Optional[int]) -> bytes:
     """The block of all elements of a data set, or of all items of a sequence."""
-    buffer = _buffer
-    size = _read_level(node, character_set, LONGEST_VALUE, buffer.address, buffer.size)
-    while size > buffer.size:
-        buffer.grow(size)
-        size = _read_level(node, character_set, LONGEST_VALUE, buffer.address, buffer.size)
+    address, room, memory = _buffer.room
+    size = _read_level(node, character_set, LONGEST_VALUE, address, room)
+    while size > room:
+        address, room, memory = _buffer.grow(size)
+        size = _read_level(node, character_set, LONGEST_VALUE, address, room)
     if not size:
         raise MemoryError
-    return buffer.bytes[:size].tobytes()
+    return memory[:size].tobytes()
 
 
 def read_values(node: int, character_set: Optional[int], tags: bytes) -> bytes:
     """The block of the first elements of a list of tags."""
     count = len(tags) // 4
-    buffer = _buffer
-    size = _read_values(node, character_set, tags, count, LONGEST_VALUE, buffer.address,
-                        buffer.size)
-    while size > buffer.size:
-        buffer.grow(size)
-        size = _read_values(node, character_set, tags, count, LONGEST_VALUE, buffer.address,
-                            buffer.size)
+    address, room, memory = _buffer.room
+    size = _read_values(node, character_set, tags, count, LONGEST_VALUE, address, room)
+    while size > room:
+        address, room, memory = _buffer.grow(size)
+        size = _read_values(node, character_set, tags, count, LONGEST_VALUE, address, room)
     if not size:
         raise MemoryError
-    return buffer.bytes[:size].tobytes()
+    return memory[:size].tobytes()
 
 
 def read_file_values(path: bytes, flags: int, tags: bytes, report: Report) -> Optional[bytes]:
     """The same of a file, which is opened and closed in one call; None when it gives no tree."""
     count = len(tags) // 4
-    buffer = _buffer
-    size = _read_file_values(path, flags, tags, count, LONGEST_VALUE, buffer.address, buffer.size,
-                             report)
-    while size > buffer.size:
-        buffer.grow(size)
-        size = _read_file_values(path, flags, tags, count, LONGEST_VALUE, buffer.address,
-                                 buffer.size, report)
-    return buffer.bytes[:size].tobytes() if size else None
+    address, room, memory = _buffer.room
+    size = _read_file_values(path, flags, tags, count, LONGEST_VALUE, address, room, report)
+    while size > room:
+        address, room, memory = _buffer.grow(size)
+        size = _read_file_values(path, flags, tags, count, LONGEST_VALUE, address, room, report)
+    return memory[:size].tobytes() if size else None
 
 
 def records_of(block: bytes) -> Iterator[Record]:

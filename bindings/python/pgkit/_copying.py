@@ -2,16 +2,22 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Iterator, List, Optional, Tuple, Union
+from typing import Any, Iterator, List, Optional, Tuple, Union
 
-from ._blocks import ENCAPSULATED, SEQUENCE
+from ._blocks import ENCAPSULATED, SEQUENCE, Record, records_of
+from ._dictionary import vr_code
 from ._library import lib
 from ._pixels import parts_of
-from ._tree import Level, level_of
+from ._stored import bytes_of
+from ._tree import Found, Level, chain, level_of, new_level
 
-if TYPE_CHECKING:
-    from ._data_set import DataSet, Item
-    from ._element import Element
+_SPECIFIC_CHARACTER_SET = 0x00080005
+_VR_CS = vr_code("CS")
+
+
+def items_of(level: Level, record: Record) -> List[Level]:
+    """The items of a sequence; none of any other element."""
+    return [level_of(level, handle) for handle in chain(lib.pgKitGetFirst(record[0]))]
 
 
 def copy_elements(source: Level, target: Level) -> None:
@@ -24,37 +30,34 @@ def copy_elements(source: Level, target: Level) -> None:
 
 def _copy_level(source: Level, target: Level) -> List[Tuple[Level, Level]]:
     """Copies the elements; the items that are still to be copied."""
-    from ._element import element_of
-
     block = source.block()
     replaced = set()
     below: List[Tuple[Level, Level]] = []
-    for record in list(source.records()):
+    for record in list(records_of(block)):
         tag = record[1]
         if tag not in replaced:  # the element may occur more than once
             replaced.add(tag)
             _remove_all(target, tag)
-        element = element_of(source, block, record)
-        made = insert(target, tag, record[2], value_of(element))
-        below += zip([item._level for item in element.items], made)
+        made = _insert(target, tag, record[2], _stored(source, block, record))
+        if record[4] == SEQUENCE:
+            below += zip(items_of(source, record), made)
     return below
 
 
 # What a value is for a copy: bytes, how many items there are, or the fragments.
-Stored = Union[bytes, int, List[bytes]]
+_Stored = Union[bytes, int, List[bytes]]
 
 
-def value_of(element: Element) -> Stored:
+def _stored(level: Level, block: bytes, record: Record) -> _Stored:
     """The value of an element, that of a sequence without its items."""
-    kind = element._facts()[4]
-    if kind == SEQUENCE:
-        return len(element.items)
-    if kind == ENCAPSULATED:
-        return parts_of(element._level, element._live)
-    return element.raw
+    if record[4] == SEQUENCE:
+        return len(items_of(level, record))
+    if record[4] == ENCAPSULATED:
+        return parts_of(level, record[0])
+    return bytes_of(level, block, record)
 
 
-def insert(level: Level, tag: int, vr: int, value: Stored) -> List[Level]:
+def _insert(level: Level, tag: int, vr: int, value: _Stored) -> List[Level]:
     """Inserts an element beside those of the same tag; the items of a sequence, which are empty."""
     if isinstance(value, list):
         node = _insert_fragments(level, value)
@@ -101,20 +104,18 @@ def remove_element(level: Level, handle: int, tag: int) -> None:
     level.changed(tag)
 
 
-def detached(item: Item) -> DataSet:
+def detached_level(source: Level) -> Level:
     """A data set of its own with copies of all elements."""
-    from ._data_set import new
-
-    copy = new()
+    copy = new_level()
     try:
-        copy_elements(item._level, copy._level)
+        copy_elements(source, copy)
         # Its texts stay what they are.
-        if (0x0008, 0x0005) not in item:
-            inherited = item._level.character_set_text()
+        if source.find(_SPECIFIC_CHARACTER_SET) is None:
+            inherited = source.character_set_text()
             if inherited:
-                copy.set((0x0008, 0x0005), inherited)
+                _insert(copy, _SPECIFIC_CHARACTER_SET, _VR_CS, inherited)
     except BaseException:
-        copy.close()
+        copy.tree.close()
         raise
     return copy
 
@@ -122,67 +123,75 @@ def detached(item: Item) -> DataSet:
 # ---- Pickles ----------------------------------------------------------------------------------------
 
 
-def state_of(data_set: Item) -> List[Any]:
+def state_of(level: Level) -> List[Any]:
     """A data set as a flat list: for each item the number of its elements, then tag, VR and value of each
     of them; the items of its sequences follow, in their order."""
     # Flat, and without recursion: items may be nested deeper than calls of Python.
     state: List[Any] = []
-    pending = [data_set]
+    pending = [level]
     while pending:
-        elements = list(pending.pop())
-        state.append(len(elements))
-        below: List[Item] = []
-        for element in elements:
-            state.append((element._record[1], element._facts()[2], value_of(element)))
-            below += element.items
+        current = pending.pop()
+        block = current.block()
+        records = list(records_of(block))
+        state.append(len(records))
+        below: List[Level] = []
+        for record in records:
+            state.append((record[1], record[2], _stored(current, block, record)))
+            if record[4] == SEQUENCE:
+                below += items_of(current, record)
         pending += reversed(below)
     return state
 
 
-def from_state(state: List[Any]) -> DataSet:
+def level_of_state(state: List[Any]) -> Level:
     """What a pickled data set becomes."""
-    from ._data_set import new
-
-    data_set = new()
+    level = new_level()
     parts: Iterator[Any] = iter(state)
-    pending = [data_set._level]
+    pending = [level]
     while pending:
-        level = pending.pop()
+        current = pending.pop()
         below: List[Level] = []
         for _ in range(next(parts)):
-            below += insert(level, *next(parts))
+            below += _insert(current, *next(parts))
         pending += reversed(below)
-    return data_set
+    return level
 
 
-def equal_items(one: Item, other: Item) -> bool:
+# ---- Comparison -------------------------------------------------------------------------------------
+
+
+def equal_levels(one: Level, other: Level) -> bool:
     """Whether two data sets or items have the same elements with the same values."""
-    pending: List[Tuple[Item, Item]] = [(one, other)]
+    pending: List[Tuple[Level, Level]] = [(one, other)]
     while pending:
         a, b = pending.pop()
-        mine, others = list(a), list(b)
+        blocks = a.block(), b.block()
+        mine, others = list(records_of(blocks[0])), list(records_of(blocks[1]))
         if len(mine) != len(others) or not all(
-                _equal(mine[i], others[i], pending) for i in range(len(mine))):
+                _equal(a, (blocks[0], mine[i]), b, (blocks[1], others[i]), pending)
+                for i in range(len(mine))):
             return False
     return True
 
 
-def equal_elements(one: Element, other: Element) -> bool:
+def equal_elements(level: Level, one: Found, others: Level, other: Found) -> bool:
     """Whether tag, value representation and value are the same."""
-    pending: List[Tuple[Item, Item]] = []
-    return _equal(one, other, pending) and all(equal_items(a, b) for a, b in pending)
+    pending: List[Tuple[Level, Level]] = []
+    return (_equal(level, one, others, other, pending)
+            and all(equal_levels(a, b) for a, b in pending))
 
 
-def _equal(one: Element, other: Element, pending: List[Tuple[Item, Item]]) -> bool:
+def _equal(level: Level, one: Found, others: Level, other: Found,
+           pending: List[Tuple[Level, Level]]) -> bool:
     """The same, but for items, which are put to what is still to be compared."""
-    if one.tag != other.tag or one.vr != other.vr:
+    mine, theirs = one[1], other[1]
+    if mine[1:3] != theirs[1:3]:
         return False
-    kinds = one._facts()[4], other._facts()[4]
+    kinds = mine[4], theirs[4]
     if SEQUENCE in kinds:
-        mine, others = one.items, other.items
-        pending += zip(mine, others)
-        return kinds[0] == kinds[1] and len(mine) == len(others)
+        items, more = items_of(level, mine), items_of(others, theirs)
+        pending += zip(items, more)
+        return kinds[0] == kinds[1] and len(items) == len(more)
     if ENCAPSULATED in kinds:
-        return kinds[0] == kinds[1] and (parts_of(one._level, one._live)
-                                         == parts_of(other._level, other._live))
-    return one.raw == other.raw
+        return kinds[0] == kinds[1] and parts_of(level, mine[0]) == parts_of(others, theirs[0])
+    return bytes_of(level, *one) == bytes_of(others, *other)

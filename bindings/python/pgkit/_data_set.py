@@ -7,22 +7,25 @@ import json
 import os
 import tempfile
 import weakref
-from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tuple, Union
+from typing import Any, BinaryIO, Callable, Dict, Iterable, Iterator, List, Optional, Tuple, Union
 
 from . import _element
 from ._bases import ItemBase
 from ._blocks import SEQUENCE, count_of, records_of, value_in
-from ._copying import copy_elements, detached, equal_items, from_state, remove_element, state_of
+from ._copying import (copy_elements, detached_level, equal_levels, level_of_state, remove_element,
+                       state_of)
 from ._dictionary import (UNKNOWN_VR, Tag, TagLike, find_tag, tag_number, tag_of_attribute,
                           value_representation, vr_code, vr_name)
-from ._element import Element, element_of, encoded_for, tag_text
+from ._element import Element, element_of, encoded_for
 from ._errors import PgkitError
-from ._json import text_of as json_of
+from ._json import json_of
 from ._library import Report, StrPath, encoded_path, lib
 from ._pixels import frames_of, pixel_array
+from ._printing import lines_of
 from ._reports import OpenReport
-from ._saving import save_to, saved_bytes
-from ._tree import Level, Tree, level_of
+from ._saving import encoding_of_built, save_to, saved_bytes
+from ._stored import tag_text
+from ._tree import Level, level_of, new_level
 
 _builtin_open = open
 
@@ -193,8 +196,6 @@ class Item(ItemBase):
         return found
 
     def _set_items(self, tag: Tag, found: Optional[Element], value: Any) -> Element:
-        from ._sequence import copies_of
-
         copies = copies_of(value)
         if found is not None and not found.is_sequence:
             found._refuse_parts()
@@ -247,7 +248,7 @@ class Item(ItemBase):
     def to_json(self, *, bulk_limit: Optional[int] = None, source_uri: str = "") -> str:
         """DICOM JSON. Values of more than bulk_limit bytes become a BulkDataURI, the source's URI with
         offset and length in its file; encapsulated Pixel Data always do. None: all are inline."""
-        return json_of(self, bulk_limit, source_uri)
+        return json_of(self._level, bulk_limit, source_uri)
 
     def to_json_dict(self, *, bulk_limit: Optional[int] = None, source_uri: str = ""
                      ) -> Dict[str, Any]:
@@ -277,7 +278,7 @@ class Item(ItemBase):
             return True
         if not isinstance(other, Item):
             return NotImplemented
-        return equal_items(self, other)
+        return equal_levels(self._level, other._level)
 
     __hash__ = None  # type: ignore[assignment]
 
@@ -289,9 +290,7 @@ class Item(ItemBase):
     def __str__(self) -> str:
         if not self._level.is_live:
             return repr(self)
-        from ._printing import lines_of
-
-        return "\n".join(lines_of(self, ""))
+        return "\n".join(lines_of(self._level, ""))
 
 
 # Assigning the attribute itself would set an element.
@@ -322,10 +321,6 @@ class DataSet(Item):
     __slots__ = ("_report",)
 
     _report: Optional[Report]
-
-    @property
-    def _is_built(self) -> bool:
-        return self._report is None
 
     # ---- Life -----------------------------------------------------------------------------------
 
@@ -359,7 +354,7 @@ class DataSet(Item):
         return detached(self)
 
     def __reduce__(self) -> Any:
-        return from_state, (state_of(self),)
+        return from_state, (state_of(self._level),)
 
     # ---- Saving ---------------------------------------------------------------------------------
 
@@ -375,14 +370,18 @@ class DataSet(Item):
         a whole, when it is complete. Raises SaveError; the former file is as it was then. What has
         a ``write`` takes the bytes of the file.
         """
-        save_to(self, path, encoding, part10, undefined_lengths)
+        save_to(self._level, path, self._encoding(encoding), part10, undefined_lengths)
 
     save_as = save
 
     def to_bytes(self, *, encoding: Optional[str] = None, part10: bool = True,
                  undefined_lengths: bool = False) -> bytes:
         """The bytes of the file that ``save`` would write."""
-        return saved_bytes(self, encoding, part10, undefined_lengths)
+        return saved_bytes(self._level, self._encoding(encoding), part10, undefined_lengths)
+
+    def _encoding(self, wanted: Optional[str]) -> Optional[str]:
+        is_built = self._report is None
+        return encoding_of_built(self._level) if wanted is None and is_built else wanted
 
     def dump(self) -> str:
         """The text form of the library, a line for each element."""
@@ -414,18 +413,10 @@ class DataSet(Item):
 
 _set_report: Callable[[DataSet, Optional[Report]], None] = vars(DataSet)["_report"].__set__
 
-# All values of a tree in memory are there.
-IN_MEMORY = 0xFFFFFFFE
 
-
-def data_set_of(root: int, longest_value: Optional[int], report: Optional[Report]) -> DataSet:
-    """The object that stands for a tree, which it owns from now on.
-
-    longest_value is None when the file says how long values can be; the report is None for a tree
-    that was built.
-    """
+def data_set_of(level: Level, report: Optional[Report]) -> DataSet:
+    """The object that stands for a tree, by its root; the report is None for one that was built."""
     data_set = DataSet.__new__(DataSet)
-    level = Level(Tree(root, longest_value), root, None)
     _set_level(data_set, level)
     _set_report(data_set, report)
     return data_set
@@ -433,7 +424,30 @@ def data_set_of(root: int, longest_value: Optional[int], report: Optional[Report
 
 def new() -> DataSet:
     """A new empty data set."""
-    root = lib.pgKitAllocateDataSetNode()
-    if root is None:
-        raise MemoryError
-    return data_set_of(root, IN_MEMORY, None)
+    return data_set_of(new_level(), None)
+
+
+def detached(item: Item) -> DataSet:
+    """A data set of its own with copies of all elements."""
+    return data_set_of(detached_level(item._level), None)
+
+
+def from_state(state: List[Any]) -> DataSet:
+    """What a pickled data set becomes."""
+    return data_set_of(level_of_state(state), None)
+
+
+def check_item(item: Any) -> None:
+    """TypeError for what is no item."""
+    if not isinstance(item, Item):
+        raise TypeError(f"a sequence has items, not {type(item).__name__}")
+
+
+def copies_of(items: Any) -> List[Any]:
+    """Data sets of their own for what a sequence is to have; TypeError for anything but items."""
+    if isinstance(items, (str, bytes, Item)) or not isinstance(items, Iterable):
+        raise TypeError(f"a sequence has a list of items, not {type(items).__name__}")
+    wanted = list(items)
+    for item in wanted:
+        check_item(item)
+    return [detached(item) for item in wanted]

@@ -99,9 +99,12 @@ def multiplicity(key: TagLike) -> str:
 
 def element_name(key: TagLike) -> str:
     """The dictionary's name of a tag, "<Unknown Tag>" when it has none."""
-    buffer = ctypes.create_string_buffer(128)
-    lib.pgGetTagPrintableName(*find_tag(key), buffer)
-    return buffer.value.decode("latin-1")
+    return _text_of(lib.pgxGetTagPrintableName, *find_tag(key))
+
+
+def name_of(tag: Tag, node: int) -> str:
+    """The name of an element: of a private one that by its creator."""
+    return _text_of(lib.pgxGetTagName, node) if tag[0] % 2 else element_name(tag)
 
 
 _vr_names: Dict[int, str] = {}

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import ctypes
 import datetime
 import decimal
 import weakref
@@ -11,19 +10,20 @@ from typing import (TYPE_CHECKING, Any, Callable, Iterable, List, NoReturn, Opti
 
 from . import _values
 from ._blocks import BYTES, ENCAPSULATED, SEQUENCE, TEXT, Record, value_in, values_in
-from ._dictionary import Tag, element_name, keyword, vr_code, vr_name
-from ._errors import ClosedError, PgkitError
-from ._library import lib, private_name
+from ._copying import equal_elements
+from ._dictionary import Tag, keyword, name_of, vr_code, vr_name
+from ._errors import ClosedError
+from ._library import lib
 from ._pixels import fragments_of
+from ._printing import lines_of_element, value_text
+from ._stored import UNDEFINED_LENGTH, bytes_of, tag_text, text_of, values_of
 from ._times import date_of, date_time_of, time_of
 from ._tree import Found, Level, chain
-from ._values import Value, decode_bytes, decode_text, encode
+from ._values import Value, encode
 
 if TYPE_CHECKING:
     from ._data_set import Item
     from ._sequence import Sequence
-
-UNDEFINED_LENGTH = 0xFFFFFFFF
 
 _Moment = TypeVar("_Moment")
 
@@ -88,7 +88,7 @@ class Element:
     def name(self) -> str:
         """The dictionary's name, of a private element by its creator; "<Unknown Tag>" when there is
         none."""
-        return (private_name(self._live) if self.is_private else "") or element_name(self.tag)
+        return name_of(self.tag, self._live)
 
     @property
     def keyword(self) -> str:
@@ -165,55 +165,13 @@ class Element:
         and fragments, and for lengths that no value of this file can have.
         """
         self._live  # noqa: B018
-        block, record = self._now()
-        if record[4] == BYTES:
-            return block[record[5] : record[5] + record[6]]
-        length = self._length_of_value(record)
-        buffer = ctypes.create_string_buffer(length + 1)
-        self._read_into(ctypes.addressof(buffer))
-        return buffer.raw[:length]
-
-    def _length_of_value(self, record: Record) -> int:
-        length = record[3]
-        if length == 0:
-            return 0
-        if length == UNDEFINED_LENGTH or record[4] in (SEQUENCE, ENCAPSULATED):
-            raise PgkitError(f"{tag_text(self.tag)} has no value of its own")
-        if length > self._level.tree.longest_value:
-            raise PgkitError(f"{tag_text(self.tag)} declares {length} bytes, more than its file has")
-        return length
-
-    def _read_into(self, address: int) -> None:
-        """The value and a zero behind it."""
-        if self._record[3] and not lib.pgKitGetValue(self._live, address):
-            raise PgkitError(f"the value of {tag_text(self.tag)} cannot be read")
-
-    def _utf8(self, block: bytes, record: Record) -> bytes:
-        if record[4] == TEXT:
-            return block[record[5] : record[5] + record[6]]
-        self._length_of_value(record)
-        # No character takes more than three bytes for one of its own.
-        buffer = ctypes.create_string_buffer(3 * record[3] + 1)
-        size = lib.pgxGetUtf8Value(self._level.character_set(), self._live, buffer, len(buffer))
-        if size < 0:
-            raise PgkitError(f"the value of {tag_text(self.tag)} cannot be read")
-        return buffer.raw[:size]
+        return bytes_of(self._level, *self._now())
 
     @property
     def values(self) -> List[Any]:
         """All values: str, int, float, bytes or tags; an empty one of several numbers is None."""
         self._live  # noqa: B018
-        block, record = self._now()
-        vr = vr_name(record[2])
-        if vr in _values.TEXTS and record[4] != SEQUENCE:
-            if record[3] == 0:
-                return []
-            text = self._utf8(block, record).decode("utf-8", "replace")
-            try:
-                return decode_text(text, vr)
-            except ValueError:
-                raise self._no_number() from None
-        return decode_bytes(self.raw, self._level.numeric_vr(vr))
+        return values_of(self._level, *self._now())
 
     @property
     def value(self) -> Value:
@@ -286,12 +244,7 @@ class Element:
     def text(self) -> str:
         """The value of a text as one text, whatever it says."""
         self._live  # noqa: B018
-        block, record = self._now()
-        vr = vr_name(record[2])
-        if vr not in _values.TEXTS:
-            raise TypeError(f"{tag_text(self.tag)} is {vr}, no text")
-        utf8 = self._utf8(block, record)
-        return "\\".join(_values.split_text(utf8.decode("utf-8", "replace"), vr))
+        return text_of(self._level, *self._now())
 
     # ---- On request -----------------------------------------------------------------------------
 
@@ -343,23 +296,20 @@ class Element:
             return True
         if not isinstance(other, Element):
             return NotImplemented
-        from ._copying import equal_elements
-
-        return equal_elements(self, other)
+        self._live, other._live  # noqa: B018
+        return equal_elements(self._level, self._now(), other._level, other._now())
 
     __hash__ = None  # type: ignore[assignment]
 
     def __repr__(self) -> str:
         if not self._is_live:
             return "<Element: closed>"
-        from ._printing import value_text
-
-        return f"<Element {tag_text(self.tag)} {self.vr} {self.keyword or self.name}: {value_text(self)}>"
+        value = value_text(self._level, *self._now())
+        return f"<Element {tag_text(self.tag)} {self.vr} {self.keyword or self.name}: {value}>"
 
     def __str__(self) -> str:
-        from ._printing import lines_of_element
-
-        return "\n".join(lines_of_element(self, ""))
+        self._live  # noqa: B018
+        return "\n".join(lines_of_element(self._level, *self._now(), ""))
 
 
 class MultiValue(List[Any]):
@@ -453,8 +403,3 @@ def element_of(level: Level, block: bytes, record: Record) -> Element:
     element = Element(level, block, record)
     level.elements[record[0]] = weakref.ref(element)
     return element
-
-
-def tag_text(tag: Tag) -> str:
-    """ "(0010,0020)"."""
-    return "({:04X},{:04X})".format(*tag)

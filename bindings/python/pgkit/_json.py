@@ -4,13 +4,11 @@ from __future__ import annotations
 
 import ctypes
 import json
-from typing import TYPE_CHECKING, Any, Dict, Optional, Union
+from typing import Any, Dict, Optional, Union
 
 from ._errors import PgkitError
 from ._library import JsonPlace, JsonReadOptions, JsonWriteOptions, lib
-
-if TYPE_CHECKING:
-    from ._data_set import DataSet, Item
+from ._tree import IN_MEMORY, Level, root_level
 
 _ALL_INLINE = 0xFFFFFFFFFFFFFFFF
 _NO_URI = -6
@@ -32,9 +30,8 @@ def _reason(error: int) -> str:
     return buffer.value.decode("utf-8", "replace")
 
 
-def text_of(item: Item, bulk_limit: Optional[int], source_uri: str) -> str:
+def json_of(level: Level, bulk_limit: Optional[int], source_uri: str) -> str:
     """The JSON of a data set or item."""
-    level = item._level
     limit = _ALL_INLINE if bulk_limit is None else bulk_limit
     if limit < 0:
         raise ValueError("bulk_limit is a number of bytes")
@@ -59,14 +56,8 @@ def text_of(item: Item, bulk_limit: Optional[int], source_uri: str) -> str:
     return buffer.raw[:length].decode()
 
 
-def from_json(source: Union[str, bytes, Dict[str, Any]]) -> DataSet:
-    """A data set in memory of DICOM JSON: a text, or what ``json.loads`` makes of one.
-
-    Raises JsonError, which says what is wrong and where. Values that are not in it, but behind a
-    BulkDataURI, are an error.
-    """
-    from ._data_set import IN_MEMORY, data_set_of
-
+def level_of_json(source: Union[str, bytes, Dict[str, Any]]) -> Level:
+    """The data set in memory of a JSON text, or of what ``json.loads`` makes of one."""
     if isinstance(source, dict):
         source = json.dumps(source, ensure_ascii=False)
     if not isinstance(source, (str, bytes)):
@@ -79,4 +70,4 @@ def from_json(source: Union[str, bytes, Dict[str, Any]]) -> DataSet:
         if place.error == -1:
             raise MemoryError
         raise JsonError(_reason(place.error), place.offset, place.path.decode("utf-8", "replace"))
-    return data_set_of(root, IN_MEMORY, None)
+    return root_level(root, IN_MEMORY)

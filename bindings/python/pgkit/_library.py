@@ -96,6 +96,7 @@ _PROTOTYPES: dict[str, Any] = {
     # Data sets.
     "pgxOpenFile": (c_void_p, c_char_p, c_uint32, c_uint32, POINTER(Report)),
     "pgxOpenMemory": (c_void_p, c_char_p, c_size_t, c_uint32, POINTER(Report)),
+    "pgxMakeLongValuesUn": (c_int32, c_void_p),
     "pgxSaveToMemory": (c_int64, c_void_p, c_int32, c_void_p, c_size_t),
     "pgxFindFrames": (c_int64, c_void_p, POINTER(FramePiece), c_size_t, POINTER(c_int32)),
     "pgxDecodeRle": (c_int32, c_char_p, c_size_t, c_uint32, c_uint32, c_void_p, c_size_t),
@@ -157,7 +158,8 @@ _PROTOTYPES: dict[str, Any] = {
     "pgFindValueRepresentation": (c_uint32, c_uint16, c_uint16),
     "pgFindValueRepresentationVR": (c_uint32, c_char_p),
     "pgGetVRPrintableName": (c_uint32, c_uint32, c_char_p),
-    "pgGetTagPrintableName": (c_uint32, c_uint16, c_uint16, c_char_p),
+    "pgxGetTagPrintableName": (c_size_t, c_uint16, c_uint16, c_char_p, c_size_t),
+    "pgxGetTagName": (c_size_t, c_void_p, c_char_p, c_size_t),
     "pgxGetUIDName": (c_size_t, c_char_p, c_char_p, c_size_t),
     "pgCheckUID": (c_int32, c_char_p),
     "pgGetVersionString": (c_int32, c_char_p, c_int32),
@@ -170,6 +172,7 @@ _PROTOTYPES: dict[str, Any] = {
     "pgKitDirBrowse": (c_void_p, c_void_p, BrowseCallback, c_void_p),
     "pgCreateDicomdirEx": (c_uint32, c_char_p, c_char_p, POINTER(DicomdirOptions), ScanCallback,
                            c_void_p),
+    "pgxTakeRootRecords": (c_uint32, c_void_p, c_void_p, c_uint32),
     "pgxIsProfile": (c_int32, c_char_p),
     "pgxAcceptanceText": (c_size_t, c_uint32, c_char_p, c_size_t),
 }
@@ -242,16 +245,6 @@ def library_version() -> str:
     buffer = ctypes.create_string_buffer(18)
     lib.pgGetVersionString(buffer, 17)
     return buffer.value.decode("ascii")
-
-
-# PGX_Node::tagName: the layout of the class is part of the interface.
-_TAG_NAME_OFFSET = 112
-
-
-def private_name(handle: int) -> str:
-    """The name that an element has by its private creator; empty when there is none."""
-    name = c_char_p.from_address(handle + _TAG_NAME_OFFSET).value or b""
-    return "" if name == b"<unknown tag>" else name.decode("utf-8", "replace")
 
 
 _PATH_ENCODING = ("utf-8", "strict") if os.name == "nt" else (

@@ -145,7 +145,8 @@ def browse(path: StrPath, *, progress: Optional[Callable[[str], Any]] = None,
     """The hierarchy of a DICOMDIR file, copied: nothing stays open.
 
     progress is called with the path of every file that is found, as leaves have it. Texts
-    are decoded by the character set of their record; with a codec, by that. Raises OSError or
+    are decoded by the character set of their record; with a codec, by that. What belongs to no patient
+    (palettes, hanging protocols) is passed over. Raises OSError or
     PgkitError for a file that is no DICOMDIR, and what progress raised, once the browse has ended.
     """
     with open(path, "rb"):
@@ -166,12 +167,19 @@ def browse(path: StrPath, *, progress: Optional[Callable[[str], Any]] = None,
     try:
         # The library keeps the callback until the next browse of this directory object.
         callback = BrowseCallback(on_leaf)
+        _pass_over_common_records(directory)
         patients = lib.pgKitDirBrowse(directory, callback, None)
         if raised:
             raise raised[0]
         return [_patient(patient, codec) for patient in _objects(patients)]
     finally:
         lib.pgKitCloseDicomDir(directory)
+
+
+def _pass_over_common_records(directory: int) -> None:
+    """Records at the root that are no patients would end the browse."""
+    count = lib.pgxTakeRootRecords(directory, None, 0)
+    lib.pgxTakeRootRecords(directory, (ctypes.c_void_p * count)(), count)
 
 
 def _objects(handle: Optional[int]) -> Iterator[int]:

@@ -5,12 +5,14 @@ from __future__ import annotations
 import ctypes
 import os
 import warnings
-from typing import Any, BinaryIO, NoReturn, Optional, Union
+from typing import Any, BinaryIO, Dict, NoReturn, Union
 
-from ._data_set import IN_MEMORY, DataSet, data_set_of
+from ._data_set import DataSet, data_set_of
 from ._errors import PgkitError, TruncatedWarning
+from ._json import level_of_json
 from ._library import Report, StrPath, encoded_path, lib
 from ._reports import OpenResult
+from ._tree import IN_MEMORY, root_level
 
 _LOAD_BELOW = 64
 PAST_PIXEL_DATA = 0x800
@@ -37,19 +39,20 @@ def open(source: Source, *, load_below: int = _LOAD_BELOW, flags: int = 0) -> Da
     for. flags are the library's PgOpenFlags.
     """
     report = Report(_report_size)
-    longest_value: Optional[int] = None
     if isinstance(source, (str, os.PathLike)):
         root = _open_file(encoded_path(source), load_below, flags | PAST_PIXEL_DATA, report)
-        if not report.result:
-            longest_value = report.offset  # all values lie in front of the end
+        result = report.result
+        # All values of a complete file lie in front of its end.
+        longest_value = None if result else report.offset
     else:
         data = _bytes_of(source)
         root = lib.pgxOpenMemory(data, len(data), flags | PAST_PIXEL_DATA, report)
+        result = report.result
         longest_value = IN_MEMORY
     if root is None:
         _raise_for(source, report)
-    data_set = data_set_of(root, longest_value, report)
-    if report.result:
+    data_set = data_set_of(root_level(root, longest_value), report)
+    if result:
         warnings.warn(f"{_name_of(source)}: {data_set.report}", TruncatedWarning, stacklevel=2)
     return data_set
 
@@ -75,6 +78,15 @@ def _raise_for(source: Any, report: Report) -> NoReturn:
         with _builtin_open(source, "rb"):  # says what is wrong with the file itself
             pass
     raise PgkitError(f"{_name_of(source)}: {result.reason}")
+
+
+def from_json(source: Union[str, bytes, Dict[str, Any]]) -> DataSet:
+    """A data set in memory of DICOM JSON: a text, or what ``json.loads`` makes of one.
+
+    Raises JsonError, which says what is wrong and where. Values that are not in it, but behind a
+    BulkDataURI, are an error.
+    """
+    return data_set_of(level_of_json(source), None)
 
 
 def is_dicom(path: StrPath) -> bool:

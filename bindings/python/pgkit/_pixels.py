@@ -3,14 +3,14 @@
 from __future__ import annotations
 
 import ctypes
-from typing import TYPE_CHECKING, Any, Iterator, List, NamedTuple, Tuple
+from typing import Any, Iterator, List, NamedTuple, Tuple
 
+from ._blocks import ENCAPSULATED, Record
+from ._dictionary import vr_name
 from ._errors import PgkitError
 from ._library import FramePiece, lib
+from ._stored import length_of, read_into, value_at
 from ._tree import Level
-
-if TYPE_CHECKING:
-    from ._element import Element
 
 _RLE = "1.2.840.10008.1.2.5"
 _BIG_ENDIAN = "1.2.840.10008.1.2.2"
@@ -34,15 +34,8 @@ class _Attributes(NamedTuple):
 # ---- Attributes -------------------------------------------------------------------------------------
 
 
-def _value(level: Level, tag: int) -> Any:
-    from ._element import element_of
-
-    found = level.find(tag)
-    return None if found is None else element_of(level, *found).value
-
-
 def _number(level: Level, tag: int, name: str, default: Any = None) -> int:
-    value = _value(level, tag)
+    value = value_at(level, tag)
     if value is None:
         value = default
     if not isinstance(value, int):
@@ -58,7 +51,7 @@ def _attributes(level: Level) -> _Attributes:
         _number(level, 0x00280008, "NumberOfFrames", 1) or 1,
         _number(level, 0x00280103, "PixelRepresentation", 0) == 1,
         samples > 1 and _number(level, 0x00280006, "PlanarConfiguration", 0) == 1,
-        _value(level, 0x00280004))
+        value_at(level, 0x00280004))
     if found.rows < 1 or found.columns < 1 or found.samples < 1 or found.frames < 1:
         raise PgkitError("the attributes of the pixels say that there are none")
     if found.bits != 1 and (found.bits % 8 or not 8 <= found.bits <= _WIDEST):
@@ -66,18 +59,16 @@ def _attributes(level: Level) -> _Attributes:
     return found
 
 
-def _element(level: Level) -> Element:
-    from ._element import element_of
-
+def _pixel_data(level: Level) -> Record:
     for tag in _PIXEL_DATA:
         found = level.find(tag)
         if found is not None:
-            return element_of(level, *found)
+            return found[1]
     raise PgkitError("there are no Pixel Data")
 
 
 def _transfer_syntax(level: Level) -> str:
-    return str(_value(level, 0x00020010))
+    return str(value_at(level, 0x00020010))
 
 
 # ---- Arrays -----------------------------------------------------------------------------------------
@@ -85,30 +76,30 @@ def _transfer_syntax(level: Level) -> str:
 
 def pixel_array(level: Level) -> Any:
     """The pixels of a data set as an array of numpy."""
-    element = _element(level)
+    record = _pixel_data(level)
     attributes = _attributes(level)
-    if element.is_encapsulated:
+    if record[4] == ENCAPSULATED:
         syntax = _transfer_syntax(level)
         if syntax != _RLE:
             raise PgkitError(f"pixels of the transfer syntax {syntax} are not decoded: frames() "
                              "has their bytes")
         return _shaped(_decoded_rle(level, attributes), attributes, is_planar=True)
-    return _native(element, attributes, _transfer_syntax(level))
+    return _native(level, record, attributes, _transfer_syntax(level))
 
 
-def _kind(element: Element, attributes: _Attributes) -> str:
-    if element.tag[1] != 0x0010:  # Float Pixel Data and Double Float Pixel Data
+def _kind(record: Record, attributes: _Attributes) -> str:
+    if record[1] & 0xFFFF != 0x0010:  # Float Pixel Data and Double Float Pixel Data
         return f"f{attributes.bits // 8}"
     return f"{'i' if attributes.is_signed else 'u'}{attributes.bits // 8}"
 
 
-def _native(element: Element, attributes: _Attributes, syntax: str) -> Any:
+def _native(level: Level, record: Record, attributes: _Attributes, syntax: str) -> Any:
     import numpy
 
     pixels = attributes.frames * attributes.rows * attributes.columns
     count = pixels * attributes.samples
     wanted = (count * attributes.bits + 7) // 8
-    length = element._length_of_value(element._facts())
+    length = length_of(level, record)
     is_subsampled = (attributes.photometric == "YBR_FULL_422" and attributes.samples == 3
                      and attributes.bits == 8 and attributes.columns % 2 == 0)
     if is_subsampled and length < wanted:
@@ -117,17 +108,17 @@ def _native(element: Element, attributes: _Attributes, syntax: str) -> Any:
         raise PgkitError(f"the Pixel Data have {length} bytes, and their attributes ask for {wanted}")
     # The library puts a zero behind the value.
     data = numpy.empty(length + 1, numpy.uint8)
-    element._read_into(data.ctypes.data)
+    read_into(record, data.ctypes.data)
     if attributes.bits == 1:
         bits = numpy.unpackbits(data[:wanted], bitorder="little")[:count]
         return _shaped(bits, attributes, attributes.is_planar)
     data = data[:wanted]
     if wanted < count:
         return _shaped(_with_all_chroma(data), attributes, is_planar=False)
-    if attributes.bits > 16 and element.vr == "OW" and syntax == _BIG_ENDIAN:
+    if attributes.bits > 16 and vr_name(record[2]) == "OW" and syntax == _BIG_ENDIAN:
         # Words came in host order, and the most significant one first.
         data = data.view("=u2").reshape(-1, attributes.bits // 16)[:, ::-1].ravel().view("u1")
-    samples = data.view("=" + _kind(element, attributes))
+    samples = data.view("=" + _kind(record, attributes))
     return _shaped(samples, attributes, attributes.is_planar)
 
 

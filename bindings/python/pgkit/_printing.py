@@ -2,27 +2,27 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Iterator
+from typing import Any, Iterator
 
-from ._blocks import ENCAPSULATED, SEQUENCE
+from ._blocks import ENCAPSULATED, SEQUENCE, Record, records_of
+from ._dictionary import keyword, name_of, vr_name
 from ._errors import PgkitError
-
-if TYPE_CHECKING:
-    from ._data_set import Item
-    from ._element import Element
+from ._library import lib
+from ._stored import tag_text, text_of, value_of
+from ._tree import Level, chain, level_of
 
 _LONGEST_BYTES = 16
 _LONGEST_TEXT = 120
 
 
-def lines_of(item: Item, indent: str) -> Iterator[str]:
-    """A line for each element, those of items further to the right."""
-    return _flat(_parts_of_item(item, indent))
+def lines_of(level: Level, indent: str) -> Iterator[str]:
+    """A line for each element of a data set or item, those of items further to the right."""
+    return _flat(_parts_of_level(level, indent))
 
 
-def lines_of_element(element: Element, indent: str) -> Iterator[str]:
+def lines_of_element(level: Level, block: bytes, record: Record, indent: str) -> Iterator[str]:
     """The line of an element, and those of its items."""
-    return _flat(_parts_of(element, indent))
+    return _flat(_parts_of(level, block, record, indent))
 
 
 def _flat(parts: Iterator[Any]) -> Iterator[str]:
@@ -38,33 +38,34 @@ def _flat(parts: Iterator[Any]) -> Iterator[str]:
             pending.pop()
 
 
-def _parts_of_item(item: Item, indent: str) -> Iterator[Any]:
-    for element in item:
-        yield _parts_of(element, indent)
+def _parts_of_level(level: Level, indent: str) -> Iterator[Any]:
+    block = level.block()
+    for record in records_of(block):
+        yield _parts_of(level, block, record, indent)
 
 
-def _parts_of(element: Element, indent: str) -> Iterator[Any]:
+def _parts_of(level: Level, block: bytes, record: Record, indent: str) -> Iterator[Any]:
     """Lines, and what gives more of them."""
-    group, number = element.tag
-    name = element.keyword or element.name
-    yield f"{indent}({group:04X},{number:04X}) {element.vr:<4} {name}: {value_text(element)}"
-    if element._facts()[4] == SEQUENCE:
-        for index, item in enumerate(element.items):
+    tag = record[1] >> 16, record[1] & 0xFFFF
+    name = keyword(tag) or name_of(tag, record[0])
+    value = value_text(level, block, record)
+    yield f"{indent}{tag_text(tag)} {vr_name(record[2]):<4} {name}: {value}"
+    if record[4] == SEQUENCE:
+        for index, handle in enumerate(chain(lib.pgKitGetFirst(record[0]))):
             yield f"{indent}  item {index}"
-            yield _parts_of_item(item, indent + "    ")
+            yield _parts_of_level(level_of(level, handle), indent + "    ")
 
 
-def value_text(element: Element) -> str:
+def value_text(level: Level, block: bytes, record: Record) -> str:
     """A value in a few words; control characters are escaped."""
-    kind = element._facts()[4]
-    if kind == SEQUENCE:
-        return f"{len(element.items)} items"
-    if kind == ENCAPSULATED:
+    if record[4] == SEQUENCE:
+        return f"{sum(1 for _ in chain(lib.pgKitGetFirst(record[0])))} items"
+    if record[4] == ENCAPSULATED:
         return "encapsulated"
     try:
-        return _text_of(element.value)
+        return _text_of(value_of(level, block, record))
     except ValueError:
-        return _text_of(element.text)
+        return _text_of(text_of(level, block, record))
     except PgkitError as error:
         return f"<{error}>"
 
@@ -77,7 +78,7 @@ def _text_of(value: Any) -> str:
     if isinstance(value, (bytes, str)):
         text = repr(str(value) if isinstance(value, str) else value)
     elif isinstance(value, tuple):
-        return "({:04X},{:04X})".format(*value)
+        return tag_text((value[0], value[1]))
     elif isinstance(value, list):
         text = "[" + ", ".join(map(_text_of, value[:_LONGEST_TEXT])) + "]"
     else:

@@ -6,8 +6,8 @@ from collections.abc import MutableSequence
 from typing import Any, Iterable, List, Union, overload
 
 from . import _element
-from ._copying import copy_elements, detached
-from ._data_set import Item, item_of
+from ._copying import copy_elements, detached_level
+from ._data_set import Item, check_item, copies_of, item_of
 from ._element import Element
 from ._library import lib
 from ._tree import chain
@@ -73,10 +73,11 @@ class Sequence(MutableSequence):  # type: ignore[type-arg]
 
     def insert(self, index: int, item: Item) -> None:
         """Puts a copy of an item, or of a data set, in front of the one at the index."""
-        _check(item)
+        check_item(item)
         element = self._element
-        if item._level.tree is element._level.tree:
-            item = detached(item)  # it may be what the sequence stands in
+        source = item._level
+        if source.tree is element._level.tree:
+            source = detached_level(source)  # it may be what the sequence stands in
         nodes = list(self._nodes())
         index = min(max(index + len(nodes) if index < 0 else index, 0), len(nodes))
         node = lib.pgKitAllocateDataSetNode()
@@ -90,7 +91,7 @@ class Sequence(MutableSequence):  # type: ignore[type-arg]
             lib.pgKitSetNext(node, nodes[index])
             lib.pgKitSetNext(nodes[index - 1], node)
         element._changed()
-        copy_elements(item._level, item_of(element._level, node)._level)
+        copy_elements(source, item_of(element._level, node)._level)
 
     def assign(self, items: Iterable[Item]) -> None:
         """Makes copies of these items all that there are."""
@@ -108,18 +109,3 @@ class Sequence(MutableSequence):  # type: ignore[type-arg]
 
 
 _element.sequence_of = Sequence
-
-
-def _check(item: Any) -> None:
-    if not isinstance(item, Item):
-        raise TypeError(f"a sequence has items, not {type(item).__name__}")
-
-
-def copies_of(items: Any) -> List[Any]:
-    """Data sets of their own for what a sequence is to have; TypeError for anything but items."""
-    if isinstance(items, (str, bytes, Item)) or not isinstance(items, Iterable):
-        raise TypeError(f"a sequence has a list of items, not {type(items).__name__}")
-    wanted = list(items)
-    for item in wanted:
-        _check(item)
-    return [detached(item) for item in wanted]

@@ -160,9 +160,11 @@ class Level(LevelBase):
         """All elements as they are now."""
         block = self._block
         if block is None or self._stale:
-            if self.parent is not None and self.parent._block is None:
+            inherited = None
+            if self.parent is not None:
                 self._read_enclosing()
-            block = self._block = read_level(self.live, self.inherited())
+                inherited = self.inherited()
+            block = self._block = read_level(self.live, inherited)
             self._stale = None
         return block
 
@@ -249,6 +251,24 @@ class Level(LevelBase):
             self._stale = set()
         self._stale.add(tag)
         self.values.clear()
+
+
+# All values of a tree in memory are there.
+IN_MEMORY = 0xFFFFFFFE
+
+
+def root_level(root: int, longest_value: Optional[int]) -> Level:
+    """The level of a tree, which it owns from now on. longest_value is None when the file says how
+    long values can be."""
+    return Level(Tree(root, longest_value), root, None)
+
+
+def new_level() -> Level:
+    """The level of a new tree in memory, without elements."""
+    root = lib.pgKitAllocateDataSetNode()
+    if root is None:
+        raise MemoryError
+    return root_level(root, IN_MEMORY)
 
 
 def level_of(parent: Level, handle: int) -> Level:

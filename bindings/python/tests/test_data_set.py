@@ -306,6 +306,31 @@ class Editing(TemporaryDirectory):
         with self.saved(self.data_set, encoding="explicit") as found:
             self.assertEqual(found[0x0099, 0x1001].value, [1.5, -2.0])
 
+    # What saving had added was not seen in a data set that had been looked at before.
+    def test_saving_completes_the_data_set_itself(self):
+        for save in (lambda data_set: data_set.save(self.directory / "x"), pgkit.DataSet.to_bytes):
+            with pgkit.new() as data_set:
+                data_set.SOPInstanceUID = "1.2.3"
+                data_set.PatientComments = "x" * 70000
+                self.assertNotIn((0x0002, 0x0010), data_set)
+                self.assertEqual((len(data_set), data_set["PatientComments"].vr), (2, "LT"))
+                save(data_set)
+                self.assertEqual(data_set.TransferSyntaxUID, "1.2.840.10008.1.2.1")
+                self.assertEqual(data_set.MediaStorageSOPInstanceUID, "1.2.3")
+                self.assertEqual(data_set["PatientComments"].vr, "UN")
+                self.assertEqual(data_set.keys()[0][0], 0x0002)
+
+    def test_a_private_element_has_the_name_that_its_creator_gives_it(self):
+        creator, number = "1.2.840.113681", (0x0019, 0x1010)
+        self.data_set[0x0019, 0x0010] = creator
+        self.data_set.set(number, b"PARAMETERS", vr="UN")
+        self.data_set.set((0x0019, 0x10FE), b"??", vr="UN")
+        self.assertEqual(self.data_set[number].name, "<Unknown Tag>")  # before it was read
+        with self.saved(self.data_set, encoding="implicit") as found:
+            self.assertEqual((found[number].name, found[number].vr), ("CRImageParamsCommon", "ST"))
+            self.assertEqual(found[0x0019, 0x0010].name, "PrivateCreator10xx")
+            self.assertEqual(found[0x0019, 0x10FE].name, "<Unknown Tag>")
+
     def test_sequences_are_built_and_pruned(self):
         sequence = self.data_set.insert_sequence("ReferencedImageSequence")
         for number in (1, 2, 3):

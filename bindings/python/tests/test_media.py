@@ -1,6 +1,7 @@
 import os
 import pathlib
 import shutil
+import subprocess
 import sys
 import threading
 import unittest
@@ -10,6 +11,7 @@ import pgkit
 from test_data_set import DATA, MR, TemporaryDirectory
 
 DICOMDIR = DATA / "dicomdir/DICOMDIR_implicit"
+PGTOOL = pathlib.Path(pgkit.library_path()).parent / "pgtool"
 
 
 def leaves_of(dicomdir, **options):
@@ -31,6 +33,23 @@ class Browsing(TemporaryDirectory):
         self.assertEqual(leaves[0].type, pgkit.LeafType.IMAGE)
         self.assertTrue(leaves[0].path.endswith("\\77654033\\CR1\\6154"), leaves[0].path)
         self.assertEqual(leaves[0].keys["number_of_frames"], 1)
+
+    # A palette was a patient without a name, and the last one that was found.
+    def test_what_belongs_to_no_patient_is_passed_over(self):
+        medium = self.directory / "disc"
+        medium.mkdir()
+        shutil.copy(MR, medium / "MR")
+        with pgkit.new() as palette:
+            palette.SOPClassUID = "1.2.840.10008.5.1.4.39.1"
+            palette.SOPInstanceUID = "1.2.3"
+            palette.ContentLabel = "HOT"
+            palette.save(medium / "PALETTE")
+        subprocess.run([PGTOOL, "mkdir", medium, "--standard-records"], check=True,
+                       stdout=subprocess.DEVNULL)
+        with pgkit.open(medium / "DICOMDIR") as directory:
+            types = [item.DirectoryRecordType for item in directory.DirectoryRecordSequence]
+        self.assertEqual(sorted(types), ["IMAGE", "PALETTE", "PATIENT", "SERIES", "STUDY"])
+        self.assertEqual([patient.id for patient in pgkit.browse(medium / "DICOMDIR")], ["4MR1"])
 
     def test_progress_is_told_of_every_file(self):
         paths = []

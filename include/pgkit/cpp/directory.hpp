@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "pgkit/accessors.h"
 #include "pgkit/cpp/fields.hpp"
@@ -26,6 +27,7 @@
 #include "pgkit/cpp/iterator.hpp"
 #include "pgkit/cpp/opening.hpp"
 #include "pgkit/cpp/result.hpp"
+#include "pgkit/standard_records.h"
 #include "pgkit/text.h"
 
 namespace pgkit {
@@ -206,11 +208,14 @@ class directory {
   public:
     // No DICOMDIR: no patients.
     directory() noexcept = default;
-    directory(directory&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
+    directory(directory&& other) noexcept
+        : pointer_(std::exchange(other.pointer_, nullptr)),
+          common_records_(std::move(other.common_records_)) {}
     directory& operator=(directory&& other) noexcept {
         if (this != &other) {
             pgKitCloseDicomDir(pointer_);
             pointer_ = std::exchange(other.pointer_, nullptr);
+            common_records_ = std::move(other.common_records_);
         }
         return *this;
     }
@@ -226,14 +231,30 @@ class directory {
     [[nodiscard]] handle_range<patient> patients() const noexcept {
         return handle_range<patient>(pgKitDirGetPatientList(pointer_));
     }
+    // The records that belong to no patient, and stand beside those of the patients: palettes,
+    // hanging protocols (pgxTakeRootRecords).
+    [[nodiscard]] const std::vector<item>& common_records() const noexcept {
+        return common_records_;
+    }
     // For the flat functions.
     [[nodiscard]] PGX_DicomDir* pointer() const noexcept { return pointer_; }
 
   private:
+    void take_common_records();
+
     PGX_DicomDir* pointer_ = nullptr;
+    std::vector<item> common_records_;
 };
 
 // ---- Definitions --------------------------------------------------------------------------------
+
+inline void directory::take_common_records() {
+    std::vector<PGX_Node*> records(pgxTakeRootRecords(pointer_, nullptr, 0));
+    records.resize(
+        pgxTakeRootRecords(pointer_, records.data(), static_cast<std::uint32_t>(records.size())));
+    for (PGX_Node* const record : records)
+        common_records_.emplace_back(record);
+}
 
 inline result<directory> directory::open(const std::string& path) {
     constexpr const char* no_dicomdir = "it is no DICOMDIR";
@@ -248,6 +269,7 @@ inline result<directory> directory::open(const std::string& path) {
     opened.pointer_ = pgKitOpenDicomDir(path.c_str(), longest_loaded);
     if (opened.pointer_ == nullptr || pgKitIsDicomDir(opened.pointer_) != 1)
         return detail::cannot_read(failure::not_a_data_set, path, no_dicomdir);
+    opened.take_common_records();
     if (pgKitDirBrowse(opened.pointer_, nullptr, nullptr) == nullptr)
         return detail::cannot_read(failure::no_memory, path, "memory has run out");
     return opened;

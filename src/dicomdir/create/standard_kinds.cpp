@@ -121,34 +121,49 @@ constexpr StandardKey kInventoryKeys[] = {
 
 // ---- Kinds --------------------------------------------------------------------------------------
 
-constexpr StandardKind RtDose = {.recordType = "RT DOSE", .keys = kDoseKeys};
-constexpr StandardKind RtStructureSet = {.recordType = "RT STRUCTURE SET",
-                                         .keys = kStructureSetKeys};
-constexpr StandardKind RtPlan = {.recordType = "RT PLAN", .keys = kRtPlanKeys};
-constexpr StandardKind RtTreatRecord = {.recordType = "RT TREAT RECORD", .keys = kTreatRecordKeys};
+constexpr StandardKind RtDose = {.recordType = "RT DOSE", .isNumbered = true, .keys = kDoseKeys};
+constexpr StandardKind RtStructureSet = {
+    .recordType = "RT STRUCTURE SET", .isNumbered = true, .keys = kStructureSetKeys};
+constexpr StandardKind RtPlan = {.recordType = "RT PLAN", .isNumbered = true, .keys = kRtPlanKeys};
+constexpr StandardKind RtTreatRecord = {
+    .recordType = "RT TREAT RECORD", .isNumbered = true, .keys = kTreatRecordKeys};
 constexpr StandardKind Radiotherapy = {.recordType = "RADIOTHERAPY", .keys = kRadiotherapyKeys};
 constexpr StandardKind Plan = {.recordType = "PLAN"};
-constexpr StandardKind Presentation = {
-    .recordType = "PRESENTATION", .leafType = PG_LEAF_PRESENTATION, .keys = kPresentationKeys};
+constexpr StandardKind Presentation = {.recordType = "PRESENTATION",
+                                       .leafType = PG_LEAF_PRESENTATION,
+                                       .isNumbered = true,
+                                       .keys = kPresentationKeys};
 constexpr StandardKind Waveform = {
-    .recordType = "WAVEFORM", .leafType = PG_LEAF_WAVEFORM, .keys = kDatedKeys};
-constexpr StandardKind SrDocument = {
-    .recordType = "SR DOCUMENT", .leafType = PG_LEAF_REPORT, .keys = kReportKeys};
-constexpr StandardKind KeyObjectDoc = {
-    .recordType = "KEY OBJECT DOC", .leafType = PG_LEAF_KEY_OBJECT, .keys = kKeyObjectKeys};
-constexpr StandardKind Spectroscopy = {.recordType = "SPECTROSCOPY", .keys = kSpectroscopyKeys};
+    .recordType = "WAVEFORM", .leafType = PG_LEAF_WAVEFORM, .isNumbered = true, .keys = kDatedKeys};
+constexpr StandardKind SrDocument = {.recordType = "SR DOCUMENT",
+                                     .leafType = PG_LEAF_REPORT,
+                                     .isNumbered = true,
+                                     .keys = kReportKeys};
+constexpr StandardKind KeyObjectDoc = {.recordType = "KEY OBJECT DOC",
+                                       .leafType = PG_LEAF_KEY_OBJECT,
+                                       .isNumbered = true,
+                                       .keys = kKeyObjectKeys};
+constexpr StandardKind Spectroscopy = {
+    .recordType = "SPECTROSCOPY", .isNumbered = true, .keys = kSpectroscopyKeys};
 constexpr StandardKind RawData = {
     .recordType = "RAW DATA", .leafType = PG_LEAF_RAW_DATA, .keys = kDatedKeys};
-constexpr StandardKind Registration = {.recordType = "REGISTRATION", .keys = kIdentifiedKeys};
-constexpr StandardKind Fiducial = {.recordType = "FIDUCIAL", .keys = kIdentifiedKeys};
-constexpr StandardKind EncapDoc = {
-    .recordType = "ENCAP DOC", .leafType = PG_LEAF_ENCAPSULATED_DOC, .keys = kDocumentKeys};
-constexpr StandardKind ValueMap = {.recordType = "VALUE MAP", .keys = kIdentifiedKeys};
+constexpr StandardKind Registration = {
+    .recordType = "REGISTRATION", .isNumbered = true, .keys = kIdentifiedKeys};
+constexpr StandardKind Fiducial = {
+    .recordType = "FIDUCIAL", .isNumbered = true, .keys = kIdentifiedKeys};
+constexpr StandardKind EncapDoc = {.recordType = "ENCAP DOC",
+                                   .leafType = PG_LEAF_ENCAPSULATED_DOC,
+                                   .isNumbered = true,
+                                   .keys = kDocumentKeys};
+constexpr StandardKind ValueMap = {
+    .recordType = "VALUE MAP", .isNumbered = true, .keys = kIdentifiedKeys};
 constexpr StandardKind Stereometric = {.recordType = "STEREOMETRIC", .keys = kLabelledKeys};
-constexpr StandardKind Measurement = {.recordType = "MEASUREMENT", .keys = kIdentifiedKeys};
-constexpr StandardKind Surface = {.recordType = "SURFACE", .keys = kIdentifiedKeys};
+constexpr StandardKind Measurement = {
+    .recordType = "MEASUREMENT", .isNumbered = true, .keys = kIdentifiedKeys};
+constexpr StandardKind Surface = {
+    .recordType = "SURFACE", .isNumbered = true, .keys = kIdentifiedKeys};
 constexpr StandardKind SurfaceScan = {.recordType = "SURFACE SCAN", .keys = kDatedKeys};
-constexpr StandardKind Tract = {.recordType = "TRACT", .keys = kIdentifiedKeys};
+constexpr StandardKind Tract = {.recordType = "TRACT", .isNumbered = true, .keys = kIdentifiedKeys};
 constexpr StandardKind Assessment = {.recordType = "ASSESSMENT", .keys = kAssessmentKeys};
 constexpr StandardKind Annotation = {.recordType = "ANNOTATION", .keys = kIdentifiedKeys};
 constexpr StandardKind HangingProtocol = {
@@ -188,6 +203,14 @@ const StandardKind* StandardKindOf(std::string_view sopClass) {
     const auto found = std::ranges::lower_bound(kClasses, sopClass, {}, &StandardClass::sopClass);
     const bool isThere = found != kClasses.end() && found->sopClass == sopClass;
     return isThere ? found->kind : nullptr;
+}
+
+const StandardKind* StandardKindOfRecord(std::string_view recordType) {
+    const auto isOfType = [&](const StandardClass& row) {
+        return row.kind->recordType == recordType;
+    };
+    const auto found = std::ranges::find_if(kClasses, isOfType);
+    return found == kClasses.end() ? nullptr : found->kind;
 }
 
 }  // namespace pgkit

@@ -33,12 +33,16 @@ struct StandardKind {
     PgLeafType leafType = PG_LEAF_OTHER;
     // Whether the records belong to no patient and stand beside those of the patients.
     bool isAtRoot = false;
-    // Instance Number, which all leaves have, is none of them.
+    // Whether Instance Number, which all leaves have, is a key of type 1.
+    bool isNumbered = false;
+    // All others.
     std::span<const StandardKey> keys = {};
 };
 
 // Null for images, and for what is not known.
 const StandardKind* StandardKindOf(std::string_view sopClass);
+// That of a record type; null for those that are none of these.
+const StandardKind* StandardKindOfRecord(std::string_view recordType);
 
 inline bool StandsAtRoot(std::string_view sopClass) {
     const StandardKind* const kind = StandardKindOf(sopClass);
