@@ -24,6 +24,7 @@ sys.path.insert(0, str(HERE.parent / "support"))
 import first_steps  # noqa: E402
 from check_runner import run_checks  # noqa: E402
 from markdown_links import dead_links  # noqa: E402
+from windows_files import check_manifest, check_runtime, check_version_resources  # noqa: E402
 from windows_prompt import Prompt  # noqa: E402
 
 TOOLCHAIN = ROOT / "cmake/mingw-w64-x86_64.cmake"
@@ -298,6 +299,11 @@ def main(native, windows, wine):
             elif name not in first_steps.FROM_SOURCES:
                 checks.append(("linux", f"first steps: {name}", check_first_steps,
                                (kits["linux"], name, transcript)))
+        folder = kits["zip"].prefix / "bin"
+        checks += [("zip", "check_version_resources", check_version_resources,
+                    (folder, kits["zip"].prefix.name.split("-")[1])),
+                   ("zip", "check_manifest", check_manifest, (folder,)),
+                   ("zip", "check_runtime", check_runtime, (folder,))]
         # Paths of a checkout that has the package's name, as in /pgkit, were once found everywhere.
         checks.append(("self", "check_names_path", check_names_path, ()))
         return run_checks(checks)

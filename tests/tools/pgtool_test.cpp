@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "pgkit/pgkit.h"
+#include "support/instance_file.h"
 #include "support/temp_dir.h"
 #include "tools/run_pgtool.h"
 
@@ -68,6 +69,16 @@ TEST(Pgtool, VersionIsThatOfTheLibrary) {
     const Finished run = Pgtool({"--version"});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.out, "pgkit 2.86e 24-mar-2o15\n");
+}
+
+TEST(PgtoolPaths, MayHaveLettersOfEveryScript) {
+    const TempDir directory;
+    const std::string name = "\xC3\x9Cn\xC3\xAF \xE4\xB8\xAD \xD1\x84";  // in UTF-8
+    const std::string file = directory.Write(name, pgkit_test::InstanceFile().Data());
+    EXPECT_EQ(Pgtool({"set", file, "PatientID=7", "-o", directory.Path(name + "2")}).exitStatus, 0);
+    const Finished scan = Pgtool({"scan", directory.Path(""), "--tags", "PatientID"});
+    EXPECT_THAT(scan.out, HasSubstr(name + "2,7"));
+    EXPECT_THAT(Pgtool({"dump", directory.Path(name + "3")}).err, HasSubstr(name + "3"));
 }
 
 TEST(PgtoolTags, NameIsFoundWithoutRegardToCase) {
