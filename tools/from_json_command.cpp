@@ -11,6 +11,7 @@
 #include "json_output.h"
 #include "pgkit/json.h"
 #include "standard_streams.h"
+#include "system_path.h"
 #include "uids.h"
 
 namespace pgtool {
@@ -43,7 +44,7 @@ int32_t TakeBulk(void* context, PGX_Node* element, const char*, const char* uri)
     if (name.empty() || name == "." || name == "..") return 0;
     const std::string path = directory + "/" + name;
     std::error_code error;
-    if (!fs::is_regular_file(path, error)) return 0;
+    if (!fs::is_regular_file(SystemPath(path), error)) return 0;
     return element->SetFileContentValue(path.c_str());
 }
 
@@ -69,7 +70,7 @@ class FileWriter {
     std::string End() {
         if (!waiting_ || !reason_.empty()) return reason_;
         std::error_code error;
-        if (isSeveral_ || fs::is_directory(output_, error)) {
+        if (isSeveral_ || fs::is_directory(SystemPath(output_), error)) {
             WriteNumbered(std::move(waiting_));
         } else {
             Write(std::move(waiting_), output_);
@@ -80,7 +81,7 @@ class FileWriter {
   private:
     bool WriteNumbered(pgkit::data_set root) {
         std::error_code error;
-        fs::create_directories(output_, error);
+        fs::create_directories(SystemPath(output_), error);
         char name[32];
         std::snprintf(name, sizeof name, "/%06zu.dcm", ++count_);
         return Write(std::move(root), output_ + name);

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <utility>
 
 #include "pgkit/pgkit.h"
@@ -73,12 +75,14 @@ TEST(Pgtool, VersionIsThatOfTheLibrary) {
 
 TEST(PgtoolPaths, MayHaveLettersOfEveryScript) {
     const TempDir directory;
-    const std::string name = "\xC3\x9Cn\xC3\xAF \xE4\xB8\xAD \xD1\x84";  // in UTF-8
-    const std::string file = directory.Write(name, pgkit_test::InstanceFile().Data());
-    EXPECT_EQ(Pgtool({"set", file, "PatientID=7", "-o", directory.Path(name + "2")}).exitStatus, 0);
-    const Finished scan = Pgtool({"scan", directory.Path(""), "--tags", "PatientID"});
-    EXPECT_THAT(scan.out, HasSubstr(name + "2,7"));
-    EXPECT_THAT(Pgtool({"dump", directory.Path(name + "3")}).err, HasSubstr(name + "3"));
+    const std::string file = directory.Path("") + "\xC3\x9Cn\xC3\xAF \xE4\xB8\xAD \xD1\x84";
+    const auto data = pgkit_test::InstanceFile().Data();
+    std::ofstream(std::filesystem::path(std::u8string(file.begin(), file.end())), std::ios::binary)
+        .write(reinterpret_cast<const char*>(data.data()),
+               static_cast<std::streamsize>(data.size()));
+    EXPECT_EQ(Pgtool({"set", file, "PatientID=7", "-o", file + "2"}).exitStatus, 0);
+    EXPECT_THAT(Pgtool({"scan", file + "2", "--tags", "PatientID"}).out, HasSubstr(file + "2,7"));
+    EXPECT_THAT(Pgtool({"dump", file + "3"}).err, HasSubstr(file + "3"));
 }
 
 TEST(PgtoolTags, NameIsFoundWithoutRegardToCase) {
