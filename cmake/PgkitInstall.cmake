@@ -64,8 +64,16 @@ install(FILES
 
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH PGKIT_PREFIX_FROM_PKGCONFIG /prefix/${pkgconfig_dir} /prefix)
-configure_file(${CMAKE_CURRENT_LIST_DIR}/pgkit.pc.in ${PROJECT_BINARY_DIR}/pgkit.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/pgkit.pc DESTINATION ${pkgconfig_dir})
+# Linkers look for a companion module, whose name has no "lib", by its file name.
+if(WIN32)
+  set(PGKIT_PGVIEW32_LIBRARY -lpgview32)
+else()
+  set(PGKIT_PGVIEW32_LIBRARY -l:pgview32.so)
+endif()
+foreach(module ${modules})
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${pkgconfig_dir})
+endforeach()
 
 install(FILES
   ${PROJECT_SOURCE_DIR}/LICENSE
@@ -93,6 +101,9 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python
   DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit
   FILES_MATCHING PATTERN "*.py" PATTERN "*.toml" PATTERN "*.md" PATTERN "py.typed"
   PATTERN "__pycache__" EXCLUDE)
+if(WIN32 AND EXISTS ${PROJECT_SOURCE_DIR}/bindings/python/setup.py)
+  include(PgkitWheel)
+endif()
 if(TARGET pgkit_python_speed)
   install(TARGETS pgkit_python_speed
     LIBRARY DESTINATION ${CMAKE_INSTALL_DATADIR}/pgkit/python/pgkit)

@@ -5,7 +5,8 @@
 
 - A block behind "<!-- quote FILE -->" is part of that file, line by line.
 - A block behind "<!-- transcript -->" is what its commands ("$ pgtool ...") really print; a line
-  "..." stands for any number of lines.
+  "..." stands for any number of lines. So is one behind "<!-- first-steps tool -->"; the other first
+  steps need an installation, and tests/consumer takes them.
 - Every text that docs/frozen.md has in the first column of its table is in the sources.
 - Links between the documents lead somewhere, and paths in backquotes exist, in the root or in src/.
 
@@ -20,9 +21,11 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests/support"))
+sys.path += [str(ROOT / "tests/support"), str(ROOT / "tests/consumer")]
+import first_steps  # noqa: E402
 from check_runner import run_checks  # noqa: E402
 from markdown_links import dead_links  # noqa: E402
+from transcripts import is_printed, steps  # noqa: E402
 
 DOCUMENTS = [ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "SECURITY.md",
                                       "bindings/python/README.md", "fuzz/README.md",
@@ -50,15 +53,13 @@ def check_transcript(text, programs):
     """Commands run in a directory of their own, from which tests/ can be seen."""
     with tempfile.TemporaryDirectory() as directory:
         (pathlib.Path(directory) / "tests").symlink_to(ROOT / "tests")
-        for part in re.split(r"(?m)^\$ ", text)[1:]:
-            command, _, expected = part.partition("\n")
+        (pathlib.Path(directory) / "image.dcm").symlink_to(first_steps.IMAGE)
+        for command, expected in steps(text):
             program, *arguments = shlex.split(command)
             done = subprocess.run([os.path.join(programs, program), *arguments], cwd=directory,
                                   stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
             printed = done.stdout.decode("utf-8", "replace")
-            pattern = "".join("(?:.*\n)*" if line == "...\n" else re.escape(line)
-                              for line in expected.splitlines(keepends=True))
-            if not re.fullmatch(pattern, printed):
+            if not is_printed(expected, printed):
                 return f"{command} prints:\n{printed[:1500]}"
     return None
 
@@ -74,7 +75,8 @@ def check_references(document):
     text = document.read_text()
     missing = dead_links(document)
     missing += [path for path in PATH.findall(text) if is_missing(path)]
-    if len(QUOTE.findall(text)) + len(TRANSCRIPT.findall(text)) != text.count("\n<!-- "):
+    marked = sum(len(form.findall(text)) for form in (QUOTE, TRANSCRIPT, first_steps.SECTION))
+    if marked != text.count("\n<!-- "):
         return "a marked block has a form that this check cannot read"
     return f"do not exist: {missing}" if missing else None
 
@@ -86,7 +88,8 @@ def checks(programs):
         yield "links", name, check_references, (document,)
         for quoted, block in QUOTE.findall(text):
             yield "quote", f"{name}: {quoted}", check_quote, (quoted, block)
-        for block in TRANSCRIPT.findall(text):
+        tool = [block for part, block in first_steps.SECTION.findall(text) if part == "tool"]
+        for block in TRANSCRIPT.findall(text) + tool:
             yield "run", name, check_transcript, (block, programs)
     for text in FROZEN_TEXT.findall((ROOT / "docs/frozen.md").read_text()):
         yield "frozen", text, check_frozen_text, (text,)

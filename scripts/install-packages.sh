@@ -21,7 +21,10 @@ case ${1:-} in
         optional+=(libgdcm-tools chromium-headless-shell)
         packages+=(clang clang-format clang-tidy cppcheck lld llvm)
         ;;
-    packages) packages+=(debhelper dh-python dpkg-dev fakeroot git libpython3-dev lintian python3 debootstrap) ;;
+    packages)
+        packages+=(debhelper dh-python dpkg-dev fakeroot git libpython3-dev lintian python3 debootstrap)
+        packages+=(python3-setuptools python3-wheel)
+        ;;
     platforms) packages+=(googletest g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user clang) ;;
     bench) packages+=(libbenchmark-dev libdcmtk-dev libgdcm-dev valgrind python3)
         packages+=(python3-numpy python3-pydicom libpython3-dev) ;;

@@ -22,24 +22,31 @@ export LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
 
 # By itself the prefix's server goes three seconds after its last program, and a program that starts
-# in that moment fails. A server that was started first stays for minutes.
-keep_server() {
+# in that moment fails. A server that was started first stays for minutes. Succeeds if it did not run.
+start_server() {
     local candidate
     for candidate in wineserver64 /usr/lib/wine/wineserver64 wineserver /usr/lib/wine/wineserver; do
         command -v "$candidate" >/dev/null || continue
-        "$candidate" --persistent=300 </dev/null >/dev/null 2>&1 9>&- || true  # it runs already
+        "$candidate" --persistent=300 </dev/null >/dev/null 2>&1 9>&-
         return
     done
+    return 1
 }
 
-# Several scripts may start at once; one of them makes the prefix.
+# Several scripts may start at once; one of them makes the prefix. The first program of a server starts
+# Windows' services, which keep what it has open, such as the pipe that somebody reads it through until
+# its end, as long as the server runs: that program is one that has nothing open.
 mkdir -p "$WINEPREFIX"
 (
     flock 9
-    keep_server
-    [[ -e $WINEPREFIX/.pgkit-ready ]] && exit 0
-    "$wine" wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1 9>&-
-    touch "$WINEPREFIX/.pgkit-ready"
+    is_new=false
+    start_server && is_new=true
+    if [[ ! -e $WINEPREFIX/.pgkit-ready ]]; then
+        "$wine" wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+        touch "$WINEPREFIX/.pgkit-ready"
+    elif $is_new; then
+        "$wine" cmd /c exit </dev/null >/dev/null 2>&1 9>&- || true
+    fi
 ) 9>"$WINEPREFIX/.pgkit-lock"
 
 exec "$wine" "$@"

@@ -21,6 +21,7 @@
 #include "library_path.h"
 #include "profile_names.h"
 #include "progress_line.h"
+#include "system_path.h"
 #include "text_options.h"
 #include "words.h"
 
@@ -105,7 +106,7 @@ std::string ComplaintAboutRoom(const DiscRun& run, const std::string& folder) {
             needed += run.survey.catalogue.Instances()[index].bytes;
     }
     std::error_code error;
-    const fs::space_info space = fs::space(folder, error);
+    const fs::space_info space = fs::space(SystemPath(folder), error);
     if (error || space.available >= needed) return "";
     return run.request.output + ": " + DescribeSize(needed) + " are needed, " +
            DescribeSize(space.available) + " are free";
@@ -130,7 +131,7 @@ std::string MakeMedia(DiscRun& run, const std::string& folder) {
     for (size_t i = 0; i < count && !Interruption::Came(); ++i) {
         const std::string place = PlaceOf(run, folder, i);
         std::error_code error;
-        fs::create_directory(place, error);
+        fs::create_directory(SystemPath(place), error);
         run.media.push_back(MakeMedium(run.request, run.survey, run.partition.media[i],
                                        {i + 1, count}, place, advance));
         run.failures += run.media.back().failures;

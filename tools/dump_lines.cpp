@@ -1,6 +1,7 @@
 #include "dump_lines.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstdio>
 #include <vector>
@@ -53,9 +54,29 @@ std::string TextValue(const pgkit::element& element, bool full) {
     return WithEscapes(text) + LengthNote(element);
 }
 
+size_t SizeOfWord(uint32_t valueRep) {
+    switch (valueRep) {
+        case VR_OB:
+        case VR_UN:
+        case VR_Unknown:
+            return 1;
+        default:
+            return SizeOfNumber(valueRep);
+    }
+}
+
+// Words are shown as little-endian machines have them, on every machine.
+std::string WithLittleEndianWords(std::string bytes, size_t size) {
+    if constexpr (std::endian::native == std::endian::little) return bytes;
+    for (size_t i = 0; i + size <= bytes.size(); i += size)
+        std::reverse(bytes.data() + i, bytes.data() + i + size);
+    return bytes;
+}
+
 std::string HexValue(const pgkit::element& element, bool full) {
     if (element.is_encapsulated()) return "Encoded OW/OB/OF Binary data";
-    const std::string bytes = Beginning(element, full ? INT32_MAX : kMostBytes);
+    const std::string bytes = WithLittleEndianWords(
+        Beginning(element, full ? INT32_MAX : kMostBytes), SizeOfWord(element.vr()));
     std::string text;
     for (const char byte : bytes) {
         char digits[4];

@@ -1,4 +1,5 @@
 #include "files_below.h"
+#include "system_path.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -12,8 +13,8 @@ bool HasBackslash(const std::string& path) { return path.find('\\') != std::stri
 std::vector<std::string> FilesBelow(const std::string& directory, bool descends,
                                     std::error_code& error) {
     std::vector<std::string> files;
-    fs::recursive_directory_iterator entry(directory, fs::directory_options::skip_permission_denied,
-                                           error);
+    fs::recursive_directory_iterator entry(SystemPath(directory),
+                                           fs::directory_options::skip_permission_denied, error);
     while (!error && entry != fs::recursive_directory_iterator()) {
         std::error_code unknown;
         const std::string path = entry->path().lexically_relative(directory).generic_string();
@@ -28,9 +29,9 @@ std::vector<std::string> FilesBelow(const std::string& directory, bool descends,
 
 std::optional<std::string> PathInside(const std::string& directory, const std::string& path) {
     std::error_code error;
-    const fs::path base = fs::canonical(directory, error);
+    const fs::path base = fs::canonical(SystemPath(directory), error);
     if (error) return std::nullopt;
-    fs::path name = fs::path(path).lexically_normal();
+    fs::path name = SystemPath(path).lexically_normal();
     if (!name.has_filename()) name = name.parent_path();
     const bool isNamed = name.filename() != "." && name.filename() != "..";
     const fs::path folder =

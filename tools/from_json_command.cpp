@@ -16,6 +16,7 @@
 #include "json_output.h"
 #include "pgkit/json.h"
 #include "standard_streams.h"
+#include "system_path.h"
 #include "uids.h"
 
 namespace pgtool {
@@ -70,10 +71,10 @@ bool AreFragments(const PGX_Node& element, const std::vector<uint8_t>& bytes) {
 std::string TakeRange(PGX_Node& element, const std::string& path, uint64_t offset,
                       uint64_t length) {
     std::error_code error;
-    const uint64_t size = fs::file_size(path, error);
+    const uint64_t size = fs::file_size(SystemPath(path), error);
     if (error || length > UINT32_MAX - 1 || offset > size || length > size - offset)
         return path + " does not hold the bytes that its URI says";
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(SystemPath(path), std::ios::binary);
     std::vector<uint8_t> bytes(length);
     file.seekg(static_cast<std::streamoff>(offset));
     file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(length));
@@ -92,7 +93,8 @@ std::string TakeBulkData(PGX_Node& element, const std::string& directory, std::s
     if (name.empty() || name == "." || name == "..") return "the URI names no file";
     const std::string path = directory + "/" + name;
     std::error_code error;
-    if (!fs::is_regular_file(fs::symlink_status(path, error))) return path + " is no file";
+    if (!fs::is_regular_file(fs::symlink_status(SystemPath(path), error)))
+        return path + " is no file";
     const std::string_view query = uri.substr(std::min(target.size() + 1, uri.size()));
     const auto offset = QueryNumber(query, "offset");
     const auto length = QueryNumber(query, "length");
@@ -128,7 +130,7 @@ class FileWriter {
     std::string End() {
         if (!waiting_ || !reason_.empty()) return reason_;
         std::error_code error;
-        if (isSeveral_ || fs::is_directory(output_, error)) {
+        if (isSeveral_ || fs::is_directory(SystemPath(output_), error)) {
             WriteNumbered(std::move(waiting_));
         } else {
             Write(std::move(waiting_), output_);
@@ -139,7 +141,7 @@ class FileWriter {
   private:
     bool WriteNumbered(pgkit::data_set root) {
         std::error_code error;
-        fs::create_directories(output_, error);
+        fs::create_directories(SystemPath(output_), error);
         char name[32];
         std::snprintf(name, sizeof name, "/%06zu.dcm", ++count_);
         return Write(std::move(root), output_ + name);

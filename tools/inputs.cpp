@@ -9,6 +9,7 @@
 
 #include "data_set.h"
 #include "progress_line.h"
+#include "system_path.h"
 
 namespace pgtool {
 
@@ -27,7 +28,7 @@ struct Entry {
 // What is in a directory, in the byte order of the names.
 std::vector<Entry> EntriesOf(const std::string& directory, std::error_code& error) {
     std::vector<Entry> entries;
-    fs::directory_iterator entry(directory, error);
+    fs::directory_iterator entry(SystemPath(directory), error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         std::error_code unknown;
         const bool isDirectory = entry->is_directory(unknown);
@@ -89,8 +90,8 @@ class Walk {
 bool WalkOne(const std::string& operand, bool recursive, const Visit& visit,
              const Complain& complain) {
     std::error_code error;
-    if (operand == "-" || !fs::is_directory(operand, error)) {
-        return visit({operand, fs::path(operand).filename().string(), false});
+    if (operand == "-" || !fs::is_directory(SystemPath(operand), error)) {
+        return visit({operand, SystemPath(operand).filename().string(), false});
     }
     if (recursive) return Walk(visit, complain).Directory(operand);
     complain(operand + " is a directory; -r works on the files in it");
@@ -121,7 +122,7 @@ void WalkInputs(const InputOptions& inputs, const Visit& visit, const Complain& 
     if (inputs.filesFrom == "-") {
         WalkList(std::cin, inputs.recursive, visit, complain);
     } else if (!inputs.filesFrom.empty()) {
-        std::ifstream list(inputs.filesFrom);
+        std::ifstream list(SystemPath(inputs.filesFrom));
         if (!list) return complain(CannotOpen(inputs.filesFrom));
         WalkList(list, inputs.recursive, visit, complain);
     }
@@ -135,7 +136,7 @@ std::string ComplaintAbout(const InputOptions& inputs) {
 bool MayBeSeveral(const InputOptions& inputs) {
     std::error_code error;
     return inputs.operands.size() != 1 || !inputs.filesFrom.empty() ||
-           fs::is_directory(inputs.operands[0], error);
+           fs::is_directory(SystemPath(inputs.operands[0]), error);
 }
 
 InputCounts ForEachInput(const Command& command, const InputOptions& inputs,

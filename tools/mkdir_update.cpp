@@ -14,6 +14,7 @@
 #include "files_below.h"
 #include "library_path.h"
 #include "standard_streams.h"
+#include "system_path.h"
 
 namespace pgtool {
 
@@ -74,13 +75,13 @@ std::vector<std::string> FilesOf(const UpdateRequest& request, const std::string
                                  std::string& complaint) {
     const std::optional<std::string> inside = PathInside(request.directory, path);
     std::error_code error;
-    if (!fs::exists(path, error)) {
+    if (!fs::exists(SystemPath(path), error)) {
         complaint = CannotOpen(path);
     } else if (!inside) {
         complaint = path + " is outside of " + request.directory;
     }
     if (!complaint.empty()) return {};
-    if (!fs::is_directory(path, error)) return {*inside};
+    if (!fs::is_directory(SystemPath(path), error)) return {*inside};
     const bool descends = (request.options.flags & PG_DICOMDIR_NO_RECURSION) == 0;
     std::vector<std::string> files = FilesBelow(path, descends, error);
     if (error) complaint = "cannot read the directory " + path;

@@ -1,4 +1,5 @@
 #include "outputs.h"
+#include "system_path.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -42,7 +43,7 @@ std::string Targets::For(const Input& input, std::string& complaint) {
     if (outputs_.inPlace) return input.path;
     if (outputs_.output == "-") return "-";
     std::error_code error;
-    const bool isFolder = isFolder_ || fs::is_directory(outputs_.output, error);
+    const bool isFolder = isFolder_ || fs::is_directory(SystemPath(outputs_.output), error);
     if (!isFolder) return outputs_.output;
     const std::string inner = input.path == "-" ? "stdin" : input.inner;
     std::string target = outputs_.output + (outputs_.output.ends_with('/') ? "" : "/") + inner;
@@ -51,7 +52,7 @@ std::string Targets::For(const Input& input, std::string& complaint) {
         complaint = input.path + ": " + target + " has been written from " + former->second;
         return "";
     }
-    fs::create_directories(fs::path(target).parent_path(), error);
+    fs::create_directories(SystemPath(target).parent_path(), error);
     if (!error) return target;
     complaint = target + ": its folder cannot be made: " + error.message();
     return "";

@@ -4,6 +4,7 @@
 
 #include "library_path.h"
 #include "real_path.h"
+#include "system_path.h"
 
 namespace pgtool {
 
@@ -29,7 +30,7 @@ std::wstring WithoutPrefix(const std::wstring& path) {
 std::optional<std::string> RealPath(const std::string& path) {
     constexpr DWORD kEverybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE handle =
-        CreateFileW(std::filesystem::path(path).c_str(), 0, kEverybody, nullptr, OPEN_EXISTING,
+        CreateFileW(SystemPath(path).c_str(), 0, kEverybody, nullptr, OPEN_EXISTING,
                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);  // directories, too
     if (handle == INVALID_HANDLE_VALUE) return std::nullopt;
     const std::wstring found = WithoutPrefix(PathOf(handle));

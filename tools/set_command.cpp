@@ -9,6 +9,7 @@
 #include "outputs.h"
 #include "pgkit/dictionary.h"
 #include "places.h"
+#include "system_path.h"
 #include "text_options.h"
 #include "value_checks.h"
 
@@ -48,7 +49,7 @@ std::string SortOperands(SetRequest& request) {
         }
         std::error_code error;
         const size_t equals = operand.find('=');
-        if (equals != std::string::npos && !std::filesystem::exists(operand, error)) {
+        if (equals != std::string::npos && !std::filesystem::exists(SystemPath(operand), error)) {
             return NoSuchPlace(operand.substr(0, equals));
         }
         files.push_back(operand);

@@ -20,7 +20,9 @@ HERE = pathlib.Path(__file__).resolve().parent
 BROUGHT_ALONG = HERE / "native"
 SOURCES = ["CMakeLists.txt", "LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "cmake", "data", "docs",
            "include", "imaging", "src", "bindings/python/speed"]
-WINDOWS = os.name == "nt"
+NAMED = os.environ.get("PGKIT_LIBRARY")
+# A library that was built for Windows makes a wheel for Windows, wherever that is made.
+WINDOWS = NAMED.lower().endswith(".dll") if NAMED else os.name == "nt"
 LIBRARY = "pgkit.dll" if WINDOWS else "libpgkit.so.2"
 # What goes into the package if it is beside the library: its companion, and the part of this module in
 # C++, which is for every Python.
@@ -59,10 +61,9 @@ def copy_private_elements(library, package):
 class BuildWithLibraries(build_py):
     def run(self):
         super().run()
-        named = os.environ.get("PGKIT_LIBRARY")
         folder = pathlib.Path(self.get_finalized_command("build").build_temp).resolve() / "native"
         package = pathlib.Path(self.build_lib) / "pgkit"
-        library = pathlib.Path(named).resolve(strict=True) if named else built_library(folder)
+        library = pathlib.Path(NAMED).resolve(strict=True) if NAMED else built_library(folder)
         self.put(library, package / LIBRARY)
         for name in COMPANIONS:
             if (library.parent / name).is_file():
@@ -71,9 +72,12 @@ class BuildWithLibraries(build_py):
 
     @staticmethod
     def put(file, place):
+        """Copies a module without its debug information; STRIP names the tool that takes that out of
+        modules for another machine."""
         shutil.copyfile(file, place)
-        if not WINDOWS and shutil.which("strip"):
-            subprocess.run(["strip", "--strip-unneeded", str(place)], check=True)
+        strip = os.environ.get("STRIP") or (None if WINDOWS else shutil.which("strip"))
+        if strip:
+            subprocess.run([strip, "--strip-unneeded", str(place)], check=True)
 
 
 class SourcesWithLibrary(sdist):
@@ -91,8 +95,9 @@ class SourcesWithLibrary(sdist):
 
 class WheelOfPlatform(bdist_wheel):
     def get_tag(self):
-        # The library is loaded at run time: any Python will do, and only this platform.
-        return ("py3", "none", super().get_tag()[2])
+        # The library is loaded at run time: any Python will do, and only the library's platform.
+        platform = "win_amd64" if WINDOWS and os.name != "nt" else super().get_tag()[2]
+        return ("py3", "none", platform)
 
 
 class WithLibraries(Distribution):

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
-#include <cstring>
 #include <string>
 
 #include "codec/encoded.h"
@@ -16,7 +15,8 @@ using namespace pgkit_test;
 uint32_t NumberAt(const Bytes& bytes, size_t position) {
     uint32_t number = 0;
     EXPECT_LE(position + 4, bytes.size());
-    if (position + 4 <= bytes.size()) std::memcpy(&number, &bytes[position], 4);
+    for (size_t i = 4; i-- > 0 && position + 4 <= bytes.size();)
+        number = number << 8 | bytes[position + i];
     return number;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "codec/encoded.h"
+#include "support/host_order.h"
 #include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/transfer_syntaxes.h"
@@ -95,6 +96,7 @@ TEST_F(SavedSyntax, OfTwoPrivateOnesBecomesWhatIsWritten) {
 
 // A UID whose VR is not UI kept its padding, and was not recognised when it was written.
 TEST_F(SavedSyntax, IsRecognisedWhateverItsVrAndPadding) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     for (const std::string uid : {kImplicitLittleUid, kExplicitLittleUid, kExplicitBigUid}) {
         const std::string padded[] = {uid + std::string(1, '\0'),
                                       uid + std::string(3, '\0'),

@@ -5,6 +5,9 @@
 
 The last line is "N passed, M failed".
 """
+import base64
+import csv
+import hashlib
 import os
 import pathlib
 import re
@@ -18,8 +21,11 @@ import zipfile
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
 sys.path.insert(0, str(HERE.parent / "support"))
+import first_steps  # noqa: E402
 from check_runner import run_checks  # noqa: E402
 from markdown_links import dead_links  # noqa: E402
+from windows_files import check_manifest, check_runtime, check_version_resources  # noqa: E402
+from windows_prompt import Prompt  # noqa: E402
 
 TOOLCHAIN = ROOT / "cmake/mingw-w64-x86_64.cmake"
 RLE_IMAGE = ROOT / "tests/data/encapsulated/rtdose_rle_15frames_no_bot.dcm"
@@ -128,6 +134,68 @@ def check_python(kit):
                            f"{VERSION} {kit.prefix.resolve()}/lib/libpgkit.so.2")
 
 
+def check_first_steps(kit, name, transcript):
+    """What newcomers do with the packages, with an installation in their place."""
+    directory = kit.work / "first" / name
+    first_steps.prepare(directory)
+    prefix = directory / "prefix"  # a name that a shell need not quote
+    prefix.symlink_to(kit.prefix)
+    environment = dict(os.environ, PATH=f"{prefix}/bin:/usr/bin:/bin", CMAKE_PREFIX_PATH=str(prefix),
+                       LD_LIBRARY_PATH=f"{prefix}/lib", PKG_CONFIG_PATH=f"{prefix}/lib/pkgconfig",
+                       PYTHONPATH=f"{prefix}/share/pgkit/python", PYTHONDONTWRITEBYTECODE="1")
+    environment.pop("PGKIT_LIBRARY", None)
+    return first_steps.complaint_about(
+        transcript.replace("/usr/share/doc/libpgkit-dev", f"{prefix}/share/doc/pgkit"),
+        first_steps.shell(cwd=directory, env=environment))
+
+
+def check_first_steps_on_windows(kit, transcript):
+    directory = kit.work / "first"
+    first_steps.prepare(directory)
+    (directory / "pgkit").symlink_to(kit.prefix)
+    return first_steps.complaint_about(transcript, Prompt(directory, kit.wine).run)
+
+
+def wheel_of(kit):
+    (wheel,) = (kit.prefix / "share/pgkit").glob("*.whl")
+    return wheel
+
+
+def check_wheel_content(kit):
+    """The wheel has the module with both libraries, and says so truly."""
+    with zipfile.ZipFile(wheel_of(kit)) as content:
+        files = {name: content.read(name) for name in content.namelist()}
+    (info,) = {name.split("/")[0] for name in files if ".dist-info/" in name}
+    expected = {f"pgkit/{path.name}" for path in ROOT.glob("bindings/python/pgkit/*.py")}
+    expected |= {f"pgkit/{name}" for name in ("pgkit.dll", "pgview32.dll", "private.dic", "py.typed")}
+    expected |= {f"{info}/{name}" for name in ("METADATA", "RECORD", "WHEEL", "top_level.txt")}
+    if set(files) != expected:
+        return f"too much or missing: {sorted(set(files) ^ expected)}"
+    if wheel_of(kit).name != f"{info.removesuffix('.dist-info')}-py3-none-win_amd64.whl":
+        return f"is called {wheel_of(kit).name}"
+    if "\nTag: py3-none-win_amd64\n" not in files[f"{info}/WHEEL"].decode():
+        return files[f"{info}/WHEEL"].decode()
+    for name, told, _ in csv.reader(files[f"{info}/RECORD"].decode().splitlines()):
+        digest = base64.urlsafe_b64encode(hashlib.sha256(files[name]).digest()).decode().rstrip("=")
+        if told not in (f"sha256={digest}", "") or (not told and name != f"{info}/RECORD"):
+            return f"{name} is not what the record tells"
+    # Without debug information, which is most of a library as it is built.
+    large = [name for name in files if name.endswith(".dll") and len(files[name]) > 4_000_000]
+    return f"are not stripped: {large}" if large else None
+
+
+def check_wheel_installation(kit):
+    """pip takes the wheel for Windows, and a host runs with the libraries that it brings."""
+    target = kit.work / "wheel"
+    run("/usr/bin/python3", "-m", "pip", "--disable-pip-version-check", "install", "--no-index", "--no-deps",
+        "--platform", "win_amd64", "--only-binary", ":all:", "--target", target, wheel_of(kit))
+    package = target / "pgkit"
+    run("x86_64-w64-mingw32-g++", "-static", f"-I{kit.prefix}/include", HERE / "imaging_consumer.cpp",
+        "-o", package / "host.exe", package / "pgview32.dll")
+    return complain_unless(
+        kit.run("./host", os.path.relpath(RLE_IMAGE, package), cwd=package).strip(), "15 frames")
+
+
 def names_path(text, path):
     """Whether a text names this path, or one below it, from the root on. "/include/pgkit" does not
     name "/pgkit", but "-I/pgkit/include" does."""
@@ -147,7 +215,8 @@ def check_names_path():
 def check_content(kit):
     """What a developer expects is there, nothing else is beside it, and no file tells whence."""
     modules = (["bin/pgkit.dll", "bin/pgview32.dll", "bin/pgtool.exe", "lib/libpgkit.dll.a",
-                "lib/libpgview32.dll.a", "lib/pgkit.def", "lib/pgview32.def", "bin/private.dic"]
+                "lib/libpgview32.dll.a", "lib/pgkit.def", "lib/pgview32.def", "bin/private.dic",
+                f"share/pgkit/{wheel_of(kit).name}"]
                if kit.wine else
                ["share/pgkit/private.dic", "bin/pgtool", "lib/libpgkit.so", "lib/libpgkit.so.2", "lib/pgview32.so"])
     documents = ["LICENSE", "NOTICE", "README.md", "CHANGELOG.md", "SECURITY.md", "docs/api.md",
@@ -158,7 +227,8 @@ def check_content(kit):
                 + [f"include/pgkit/cpp/{path.name}"
                    for path in ROOT.glob("include/pgkit/cpp/*.hpp")]
                 + ["share/pgkit/python/pgkit/__init__.py", "share/pgkit/debugger/pgkit.natvis",
-                   "lib/cmake/pgkit/pgkitConfig.cmake", "lib/pkgconfig/pgkit.pc"])
+                   "lib/cmake/pgkit/pgkitConfig.cmake", "lib/pkgconfig/pgkit.pc",
+                   "lib/pkgconfig/pgview32.pc"])
     found = {path.relative_to(kit.prefix).as_posix(): path
              for path in kit.prefix.rglob("*") if path.is_file()}
     missing = [name for name in expected if name not in found]
@@ -219,7 +289,21 @@ def main(native, windows, wine):
             *((name, check) for name in ("linux", "windows") for check in (check_examples,
                                                                            check_tool)),
             ("linux", check_pkg_config), ("linux", check_python),
-            ("windows", check_definitions)]]
+            ("windows", check_definitions),
+            *((name, check) for name in ("windows", "zip") for check in (check_wheel_content,
+                                                                         check_wheel_installation))]]
+        for name, transcript in first_steps.sections().items():
+            if name in first_steps.FOR_WINDOWS:
+                checks.append(("zip", f"first steps: {name}", check_first_steps_on_windows,
+                               (kits["zip"], transcript)))
+            elif name not in first_steps.FROM_SOURCES:
+                checks.append(("linux", f"first steps: {name}", check_first_steps,
+                               (kits["linux"], name, transcript)))
+        folder = kits["zip"].prefix / "bin"
+        checks += [("zip", "check_version_resources", check_version_resources,
+                    (folder, kits["zip"].prefix.name.split("-")[1])),
+                   ("zip", "check_manifest", check_manifest, (folder,)),
+                   ("zip", "check_runtime", check_runtime, (folder,))]
         # Paths of a checkout that has the package's name, as in /pgkit, were once found everywhere.
         checks.append(("self", "check_names_path", check_names_path, ()))
         return run_checks(checks)

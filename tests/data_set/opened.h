@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <pgkit/data_set.hpp>
 
+#include <algorithm>
+#include <bit>
 #include <string>
 
 #include "support/stream_builder.h"
@@ -39,7 +41,9 @@ inline StreamBuilder Part10Stream() {
 // A number's bytes as they are in a little-endian file.
 template <typename Number>
 std::string BytesOf(Number number) {
-    return std::string(reinterpret_cast<const char*>(&number), sizeof number);
+    std::string bytes(reinterpret_cast<const char*>(&number), sizeof number);
+    if (std::endian::native == std::endian::big) std::reverse(bytes.begin(), bytes.end());
+    return bytes;
 }
 
 }  // namespace pgkit_test

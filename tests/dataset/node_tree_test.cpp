@@ -6,6 +6,7 @@
 
 #include "support/captured.h"
 #include "support/cost.h"
+#include "support/host_order.h"
 #include "support/nodes.h"
 #include "support/tree.h"
 
@@ -298,6 +299,7 @@ TEST(InsertNode, BitsAllocatedWithoutAValueIsNotRemembered) {
 }
 
 TEST(InsertNode, BitsAllocatedIsNotReadBeyondItsSize) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     const auto oneByte = std::make_unique<uint8_t>(uint8_t{8});  // a sanitizer sees one byte more
     const Tree dataSet = NewDataSet();
     dataSet->InsertNode(0x0028, 0x0100, oneByte.get(), 1);

@@ -1,6 +1,9 @@
 // Bitmaps as BMP files.
 #include <gtest/gtest.h>
 #include <pgkit/imaging.h>
+#include <pgkit/paths.h>
+
+#include <filesystem>
 
 #include "imaging/bitmap.h"
 
@@ -47,6 +50,16 @@ TEST(WriteDib, BackslashesSeparateComponents) {
     const std::string path = LibraryPath(directory.Path("picture.bmp"));
     EXPECT_EQ(vwWriteDib(GrayBitmap(1, 1, {1}).Handle(), path.c_str()), 1);
     EXPECT_EQ(ReadFile(directory.Path("picture.bmp")).size(), 14u + 40 + 1024 + 4);
+}
+
+TEST(WriteDib, TakesPathsInTheEncodingOfTheLibrary) {
+    const TempDir directory;
+    const std::string path = directory.Path("\xC3\x9Cn\xC3\xAF \xE4\xB8\xAD");  // UTF-8
+    pgxSetPathEncoding(PGX_PATHS_UTF8);
+    EXPECT_EQ(vwWriteDib(GrayBitmap(1, 1, {1}).Handle(), path.c_str()), 1);
+    pgxSetPathEncoding(PGX_PATHS_SYSTEM);
+    const std::filesystem::path written(std::u8string(path.begin(), path.end()));
+    EXPECT_EQ(file_size(written), 14u + 40 + 1024 + 4);
 }
 
 TEST(WriteDib, FailsWithoutBitmapOrPlace) {

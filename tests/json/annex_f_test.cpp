@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/current_edition.h"
+#include "support/host_order.h"
 #include "support/json.h"
 #include "support/nodes.h"
 #include "support/stream_builder.h"
@@ -159,6 +160,7 @@ TEST(AnnexF23ValueRepresentation, EscapesWhatStringsCannotHold) {
 }
 
 TEST(AnnexF23ValueRepresentation, HasATagAsEightDigits) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     EXPECT_EQ(ValueJson("AT", RawText("\x10\x00\x10\x00\xE0\x7F\x0A\x0B")),
               R"(,"Value":["00100010","7FE00B0A"])");
     EXPECT_EQ(BigEndianValueJson("AT", RawText("\x7F\xE0\x0B\x0A")), R"(,"Value":["7FE00B0A"])");
@@ -203,6 +205,7 @@ TEST(AnnexF23ValueRepresentation, RoundsNumbersThatAreLongerThanDecimalStrings) 
 }
 
 TEST(AnnexF23ValueRepresentation, HasNumbersForBinaryIntegers) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     EXPECT_EQ(ValueJson("US", RawText("\xFF\xFF\x01\x00")), R"(,"Value":[65535,1])");
     EXPECT_EQ(ValueJson("SS", RawText("\xFF\xFF\x01\x00")), R"(,"Value":[-1,1])");
     EXPECT_EQ(ValueJson("UL", RawText("\xFF\xFF\xFF\xFF")), R"(,"Value":[4294967295])");
@@ -219,6 +222,7 @@ TEST(AnnexF23ValueRepresentation, HasNumbersForBinaryIntegers) {
 }
 
 TEST(AnnexF23ValueRepresentation, HasLongIntegersAsStringsBeyondThePrecisionOfNumbers) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     const CurrentEdition edition;
     EXPECT_EQ(ValueJson("UV", RawText("\0\0\0\0\0\0\x20\0\x01\0\0\0\0\0\x20\0")),
               R"(,"Value":[9007199254740992,"9007199254740993"])");
@@ -233,6 +237,7 @@ TEST(AnnexF23ValueRepresentation, HasLongIntegersAsStringsBeyondThePrecisionOfNu
 }
 
 TEST(AnnexF23ValueRepresentation, HasNumbersForFloats) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     EXPECT_EQ(ValueJson("FL", RawText("\xCD\xCC\xCC\x3D\0\0\x80\x3F")),
               R"(,"Value":[0.10000000149011612,1])");
     EXPECT_EQ(ValueJson("FD", RawText("\x9A\x99\x99\x99\x99\x99\xB9\x3F")), R"(,"Value":[0.1])");
@@ -245,6 +250,7 @@ TEST(AnnexF23ValueRepresentation, HasNumbersForFloats) {
 }
 
 TEST(AnnexF23ValueRepresentation, HasNamesForWhatIsNoNumber) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     const std::string floats = RawText("\0\0\xC0\x7F\0\0\x80\x7F\0\0\x80\xFF");
     EXPECT_EQ(ValueJson("FL", floats), R"(,"Value":["NaN","inf","-inf"])");
     EXPECT_EQ(ValueFromJson("FL", R"("Value":["NaN","inf","-inf"])"), floats);
@@ -381,6 +387,7 @@ TEST(AnnexF25NullValues, HasAnUnElementOfUndefinedLengthAsASequence) {
 // ---- F.2.7 InlineBinary -------------------------------------------------------------------------
 
 TEST(AnnexF27InlineBinary, IsTheWholeValueInBase64) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     const CurrentEdition edition;
     for (const std::string vr : {"OB", "OD", "OF", "OL", "OV", "OW", "UN"}) {
         EXPECT_EQ(ValueJson(vr, "abcdefgh"), R"(,"InlineBinary":"YWJjZGVmZ2g=")") << vr;
@@ -403,6 +410,7 @@ TEST(AnnexF27InlineBinary, HasWordsInLittleEndianWhateverTheFileHas) {
 
 // "a US VR with a VL of 8192 and a VM of 4096 would ... be represented as a single InlineBinary"
 TEST(AnnexF27InlineBinary, MayStandForNumbers) {
+    PGKIT_SKIP_ON_BIG_ENDIAN();
     EXPECT_EQ(ValueFromJson("US", R"("InlineBinary":"YWJj")"), "broken base64 at 00091001");
     EXPECT_EQ(ValueFromJson("US", R"("InlineBinary":"YWJjZA==")"), "abcd");
     EXPECT_EQ(ValueFromJson("LO", R"("InlineBinary":"YWI=")"),

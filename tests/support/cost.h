@@ -11,7 +11,7 @@
 namespace pgkit_test {
 
 // Runs code and expects it to take less than a second of the processor (with sanitizers and under
-// Wine: ten).
+// Wine: ten; emulated: a hundred).
 template <typename Code>
 void ExpectQuick(Code&& code) {
     const std::clock_t start = std::clock();

@@ -52,7 +52,9 @@ Finished RunProgram(const std::string& path, const std::vector<std::string>& arg
     const TempDir directory;
     const std::string out = directory.Path("out");
     const std::string err = directory.Path("err");
-    std::string line = Quoted(std::filesystem::path(path).make_preferred().string());
+    std::string line = PGKIT_TEST_LAUNCHER;  // of an emulator, or nothing
+    if (!line.empty()) line += ' ';
+    line += Quoted(std::filesystem::path(path).make_preferred().string());
     for (const std::string& argument : arguments)
         line += " " + Quoted(argument);
     line += " >" + Quoted(out) + " 2>" + Quoted(err);

@@ -1,5 +1,7 @@
 #include "support/tree_comparison.h"
 
+#include <bit>
+#include <utility>
 #include <vector>
 
 #include "support/temp_dir.h"
@@ -46,7 +48,7 @@ class Comparison {
         if (a->encapsulated != 0) return OfFragments(a, b);
         if (vrsWritten_ && !SameVr(a->valueRep, b->valueRep)) return "VRs: " + both;
         if (a->valueRep == VR_SQ) return b->valueRep == VR_SQ ? OfItems(a, b) : OfUnknown(b);
-        return ValueOf(a) == ValueOf(b) ? "" : "values: " + both;
+        return InOrderOfFiles(a) == InOrderOfFiles(b) ? "" : "values: " + both;
     }
 
     // The VRs that a header cannot show read as those it shows for them.
@@ -56,6 +58,17 @@ class Comparison {
         if (a == VR_OWOB) return b == VR_OW;
         if (a == VR_Unknown) return b == VR_UN;
         return false;
+    }
+
+    // What is bytes in one file may be words in the other, and words are in the machine's order.
+    static Bytes InOrderOfFiles(PGX_Node* element) {
+        Bytes value = ValueOf(element);
+        const bool isWords = element->valueRep == VR_OWOB || element->valueRep == VR_OW;
+        if (std::endian::native == std::endian::big && isWords) {
+            for (size_t i = 0; i + 2 <= value.size(); i += 2)
+                std::swap(value[i], value[i + 1]);
+        }
+        return value;
     }
 
     std::string OfItems(const PGX_Node* a, const PGX_Node* b) {

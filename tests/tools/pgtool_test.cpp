@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <utility>
 
 #include "pgkit/pgkit.h"
+#include "support/instance_file.h"
 #include "support/temp_dir.h"
 #include "tools/run_pgtool.h"
 
@@ -68,6 +71,18 @@ TEST(Pgtool, VersionIsThatOfTheLibrary) {
     const Finished run = Pgtool({"--version"});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.out, "pgkit 2.86e 24-mar-2o15\n");
+}
+
+TEST(PgtoolPaths, MayHaveLettersOfEveryScript) {
+    const TempDir directory;
+    const std::string file = directory.Path("") + "\xC3\x9Cn\xC3\xAF \xE4\xB8\xAD \xD1\x84";
+    const auto data = pgkit_test::InstanceFile().Data();
+    std::ofstream(std::filesystem::path(std::u8string(file.begin(), file.end())), std::ios::binary)
+        .write(reinterpret_cast<const char*>(data.data()),
+               static_cast<std::streamsize>(data.size()));
+    EXPECT_EQ(Pgtool({"set", file, "PatientID=7", "-o", file + "2"}).exitStatus, 0);
+    EXPECT_THAT(Pgtool({"scan", file + "2", "--tags", "PatientID"}).out, HasSubstr(file + "2,7"));
+    EXPECT_THAT(Pgtool({"dump", file + "3"}).err, HasSubstr(file + "3"));
 }
 
 TEST(PgtoolTags, NameIsFoundWithoutRegardToCase) {

@@ -8,6 +8,7 @@
 #include "disc/readable_path.h"
 #include "pgkit/standard_records.h"
 #include "profile_names.h"
+#include "system_path.h"
 #include "tags.h"
 #include "uids.h"
 
@@ -131,7 +132,7 @@ Candidate ReadCandidate(const std::string& path, const DiscRequest& request) {
     std::error_code error;
     const ReadablePath readable(path);
     // The library would wait for a pipe or a device.
-    const fs::file_status status = fs::status(path, error);
+    const fs::file_status status = fs::status(SystemPath(path), error);
     if (readable.Path().empty() || (fs::exists(status) && !fs::is_regular_file(status))) {
         candidate.complaint = "cannot open " + path + ": it is no file";
         return candidate;
@@ -144,7 +145,7 @@ Candidate ReadCandidate(const std::string& path, const DiscRequest& request) {
         candidate.complaint = isOther ? "" : root.error().message;
         return candidate;
     }
-    const uintmax_t size = fs::file_size(path, error);
+    const uintmax_t size = fs::file_size(SystemPath(path), error);
     candidate.instance.bytes = error ? 0 : size;
     if (IsDirectory(*root)) {
         candidate.kind = Kind::Directory;

@@ -7,6 +7,7 @@
 
 #include "disc/program.h"
 #include "output_file.h"
+#include "system_path.h"
 
 namespace pgtool {
 
@@ -39,7 +40,7 @@ std::string DiscImage::Make(const std::string& folder, const std::string& fileSe
                                    VolumeIdOf(fileSetId), "-o", output.Path(), folder});
     const int status = RunToItsEnd(command);
     if (status != 0) {
-        return image + ": " + std::filesystem::path(program_).filename().string() +
+        return image + ": " + SystemPath(program_).filename().string() +
                " failed with exit status " + std::to_string(status);
     }
     return output.PutInPlace() ? "" : image + ": the file cannot be created";
@@ -49,7 +50,7 @@ std::string DiscImage::NameOf(const std::string& image, MediumNumber medium) {
     if (medium.count == 1) return image;
     char number[32];
     std::snprintf(number, sizeof number, "%04zu", medium.number);
-    const std::filesystem::path path(image);
+    const std::filesystem::path path = SystemPath(image);
     const std::string suffix = path.extension().string();
     return image.substr(0, image.size() - suffix.size()) + number + suffix;
 }

@@ -17,6 +17,7 @@
 #include "library_path.h"
 #include "pgkit/dicomdir_creation.h"
 #include "standard_streams.h"
+#include "system_path.h"
 
 namespace pgtool {
 
@@ -46,7 +47,7 @@ int32_t NoteRefused(const PgDicomdirScanReason* reason) {
 
 std::string RenameIn(const std::string& folder, const char* from, const char* to) {
     std::error_code error;
-    fs::rename(folder + from, folder + to, error);
+    fs::rename(SystemPath(folder + from), SystemPath(folder + to), error);
     return error ? folder + from + ": " + error.message() : "";
 }
 
@@ -85,7 +86,7 @@ class MediumMaker {
             progress();
             const DiscInstance& instance = catalogue_.Instances()[index];
             const std::string folder = folder_ + "/" + catalogue_.FolderOf(instance);
-            if (folder != last) fs::create_directories(folder, error);
+            if (folder != last) fs::create_directories(SystemPath(folder), error);
             if (error) {
                 made_.complaint = folder + ": " + error.message();
                 return;
@@ -104,7 +105,7 @@ class MediumMaker {
             made_.complaint = result.complaint;
         } else {
             std::error_code ignored;
-            fs::remove(target, ignored);
+            fs::remove(SystemPath(target), ignored);
             Refuse(result.complaint);
         }
     }
@@ -143,9 +144,9 @@ class MediumMaker {
             Refuse((source == sources.end() ? file : source->second->path) +
                    ": not stored: " + DescribeAcceptance(code));
             std::error_code error;
-            fs::path path = folder_ + "/" + file;
+            fs::path path = SystemPath(folder_ + "/" + file);
             // And the folders that were made for it alone.
-            while (path != fs::path(folder_) && fs::remove(path, error))
+            while (path != SystemPath(folder_) && fs::remove(path, error))
                 path = path.parent_path();
             --stored_;
         }
@@ -191,7 +192,7 @@ class MediumMaker {
 
     void Measure() {
         std::error_code error;
-        for (fs::recursive_directory_iterator entry(folder_, error);
+        for (fs::recursive_directory_iterator entry(SystemPath(folder_), error);
              !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
             std::error_code unknown;
             made_.bytes +=

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "system_path.h"
 #include "words.h"
 
 namespace pgtool {
@@ -15,7 +16,7 @@ std::string FindProgram(const std::string& name) {
         if (folder.empty()) continue;
         std::string program = std::string(folder) + "/" + name + kProgramSuffix;
         std::error_code error;
-        if (std::filesystem::is_regular_file(program, error)) return program;
+        if (std::filesystem::is_regular_file(SystemPath(program), error)) return program;
     }
     return "";
 }

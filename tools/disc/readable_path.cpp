@@ -1,4 +1,5 @@
 #include "disc/readable_path.h"
+#include "system_path.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -16,7 +17,7 @@ constexpr bool kIsSeparator = fs::path::preferred_separator == '\\';
 std::string MakeLink(const std::string& path) {
     constexpr int kMaxNames = 10000;
     std::error_code error;
-    const fs::path target = fs::absolute(path, error);
+    const fs::path target = fs::absolute(SystemPath(path), error);
     const fs::path folder = fs::temp_directory_path(error);
     for (int number = 0; !error && number < kMaxNames; ++number) {
         const fs::path link = folder / ("pgtool.link" + std::to_string(number));
@@ -37,7 +38,7 @@ ReadablePath::ReadablePath(const std::string& path) : path_(path) {
 
 ReadablePath::~ReadablePath() {
     std::error_code ignored;
-    if (!link_.empty()) fs::remove(link_, ignored);
+    if (!link_.empty()) fs::remove(SystemPath(link_), ignored);
 }
 
 }  // namespace pgtool

@@ -16,6 +16,7 @@
 #include "disc/web_limits.h"
 #include "disc/whole_file.h"
 #include "library_path.h"
+#include "system_path.h"
 #include "tags.h"
 #include "words.h"
 
@@ -198,7 +199,7 @@ std::string WebSite::WritePictures(const pgkit::series& series, const std::strin
         const std::string png = MakeThumbnail(PathOf(folder_, images[i]));
         std::string picture;
         if (!png.empty()) {
-            fs::create_directory(folder_ + "/" + kPages + name, error);
+            fs::create_directory(SystemPath(folder_ + "/" + kPages + name), error);
             picture = name + "/" + PageName("TH", i + 1) + ".PNG";
             WriteFile(kPages + picture, png);
             // The one that is nearest to the middle.
@@ -272,7 +273,7 @@ std::string WebSite::StudyPart(const pgkit::patient& patient, const pgkit::study
 std::string WebSite::Write(const std::string& fileSetId, MediumNumber medium,
                            const MediumContent& content) {
     std::error_code error;
-    if (!fs::create_directory(folder_ + "/IHE_PDI", error)) {
+    if (!fs::create_directory(SystemPath(folder_ + "/IHE_PDI"), error)) {
         return folder_ + "/IHE_PDI: " + error.message();
     }
     FindPages();

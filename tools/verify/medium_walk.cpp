@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "real_path.h"
+#include "system_path.h"
 
 namespace pgtool {
 
@@ -37,7 +38,7 @@ class MediumWalk {
     std::vector<std::string> NamesIn(const std::string& folder) {
         std::vector<std::string> names;
         std::error_code error;
-        fs::directory_iterator entry(medium_.PathOf(folder), error);
+        fs::directory_iterator entry(SystemPath(medium_.PathOf(folder)), error);
         for (; !error && entry != fs::directory_iterator(); entry.increment(error))
             names.push_back(entry->path().filename().string());
         if (error) {
@@ -55,7 +56,7 @@ class MediumWalk {
         const std::optional<std::string>& real = realPaths_.Of(path);
         std::error_code unknown;
         if (!real) {
-            const bool isLink = fs::is_symlink(fs::symlink_status(path, unknown));
+            const bool isLink = fs::is_symlink(fs::symlink_status(SystemPath(path), unknown));
             findings_.Add(isLink
                               ? AboutFile(inner, FindingKind::MissingFile, "the link leads nowhere")
                               : AboutFile(inner, FindingKind::Unreadable, "it cannot be read"));
@@ -64,9 +65,9 @@ class MediumWalk {
                 AboutFile(inner, FindingKind::Outside, "the link leads out of the medium"));
         } else if (*real != path) {
             return;
-        } else if (fs::is_directory(path, unknown)) {
+        } else if (fs::is_directory(SystemPath(path), unknown)) {
             folders.push_back(inner);
-        } else if (fs::is_regular_file(path, unknown)) {
+        } else if (fs::is_regular_file(SystemPath(path), unknown)) {
             files.push_back(inner);
         }
     }

@@ -8,6 +8,7 @@
 #include "data_set.h"
 #include "medium.h"
 #include "real_path.h"
+#include "system_path.h"
 #include "tags.h"
 #include "verify/directory.h"
 #include "verify/file_checks.h"
@@ -28,16 +29,16 @@ constexpr const char* kDirectoryName = "DICOMDIR";
 // Where the medium is, and its DICOMDIR, by real paths.
 std::string Locate(const std::string& operand, Verification& result) {
     std::error_code error;
-    const bool isDirectory = fs::is_directory(operand, error);
-    const std::string folder = fs::path(operand).parent_path().string();
+    const bool isDirectory = fs::is_directory(SystemPath(operand), error);
+    const std::string folder = SystemPath(operand).parent_path().string();
     const auto root = RealPath(isDirectory ? operand : folder.empty() ? "." : folder);
-    if (!root || !fs::exists(operand, error)) return CannotOpen(operand);
+    if (!root || !fs::exists(SystemPath(operand), error)) return CannotOpen(operand);
     // The library would take it for a separator, and read somewhere else.
     if (root->find('\\') != std::string::npos) {
         return "cannot verify " + operand + ": there is a backslash in its path";
     }
     result.files.root = *root;
-    const std::string name = isDirectory ? kDirectoryName : fs::path(operand).filename().string();
+    const std::string name = isDirectory ? kDirectoryName : SystemPath(operand).filename().string();
     const FoundFile found = Medium(result.files.PathOf(name), Medium::Links::Inside).Find(name);
     if (found.state == FileState::Present) {
         result.files.directoryFile = RealPath(found.path).value_or("");
