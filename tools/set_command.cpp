@@ -167,7 +167,8 @@ const Command kSetCommand = {
     "backslashes between, signed where Pixel Representation decides and is 1. Values are held\n"
     "against their value representation and multiplicity; a file with a value that is refused\n"
     "is not written. Sequences and binary values cannot be set. The file keeps its encoding.\n"
-    "Values of 65,535 bytes and more get the VR UN where theirs has no room for such a length.\n",
+    "Values of 65,535 bytes and more get the VR UN where theirs has no room for such a length.\n"
+    "SpecificCharacterSet is an element as any other: texts that are there keep their bytes.\n",
     DefineSet};
 
 }  // namespace pgtool
