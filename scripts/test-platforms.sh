@@ -77,7 +77,7 @@ for preset in "${presets[@]}"; do
         continue
     fi
     for program in pgkit_tests pgkit_unit_tests pgkit_imaging_tests; do
-        run_gtest "$preset" "$program" ${launcher[@]+"${launcher[@]}"}
+        run_gtest "$preset" "$program" ${launcher[@]+"${launcher[@]}" --by-loader}
     done
     [[ -n $triplet ]] || continue
     cmake --preset native >/dev/null && cmake --build --preset native --target pgtool >/dev/null

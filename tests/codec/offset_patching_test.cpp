@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
+#include <cstring>
 #include <string>
 
 #include "codec/encoded.h"
@@ -17,6 +18,14 @@ uint32_t NumberAt(const Bytes& bytes, size_t position) {
     EXPECT_LE(position + 4, bytes.size());
     for (size_t i = 4; i-- > 0 && position + 4 <= bytes.size();)
         number = number << 8 | bytes[position + i];
+    return number;
+}
+
+// As WriteNodeOffset writes it: in the order of this machine.
+uint32_t HostNumberAt(const Bytes& bytes, size_t position) {
+    uint32_t number = 0;
+    EXPECT_LE(position + 4, bytes.size());
+    if (position + 4 <= bytes.size()) std::memcpy(&number, &bytes[position], 4);
     return number;
 }
 
@@ -199,7 +208,7 @@ TEST_F(Offsets, ArePatchedByTheOlderSaveToo) {
     Link(firstRecord_, upper_);
     root_->SaveDataSetAs(1, path_.c_str());
     const Bytes file = ReadFile(path_);
-    EXPECT_EQ(NumberAt(file, 8), kUpperItem - 4);
+    EXPECT_EQ(HostNumberAt(file, 8), kUpperItem - 4);
     EXPECT_EQ(NumberAt(file, kUpperItem - 4), 0x00E0FEFFu);
 }
 
@@ -220,7 +229,7 @@ class OffsetStream : public Offsets {
 TEST_F(OffsetStream, IsPatchedAtThePositionsOfTheNodes) {
     Link(lower_, inner_);
     EXPECT_EQ(root_->WriteNodeOffsetEx(file_.get()), 0u);
-    EXPECT_EQ(NumberAt(ReadFile(path_), kUpperItem + 8 + 12 + 8), kInnerItem);
+    EXPECT_EQ(HostNumberAt(ReadFile(path_), kUpperItem + 8 + 12 + 8), kInnerItem);
     EXPECT_EQ(lower_->offsetPending, 0u);
     EXPECT_EQ(lower_->GetULValue(), kInnerItem);
     EXPECT_EQ(lower_->fileOffset, kUpperItem + 8 + 12);
@@ -230,7 +239,7 @@ TEST_F(OffsetStream, GetsThePositionThatATargetCarries) {
     inner_->fileOffset = 500;
     Link(lower_, inner_);
     root_->WriteNodeOffset(file_.get());
-    EXPECT_EQ(NumberAt(ReadFile(path_), kUpperItem + 8 + 12 + 8), 492u);
+    EXPECT_EQ(HostNumberAt(ReadFile(path_), kUpperItem + 8 + 12 + 8), 492u);
 }
 
 TEST_F(OffsetStream, OfOneElementIsPatchedThroughIt) {

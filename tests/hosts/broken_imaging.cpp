@@ -29,14 +29,20 @@ struct Fields {
     uint32_t coloursUsed = 256;
 };
 
+// Numbers of bitmaps are little endian.
+void Put(uint8_t* place, uint32_t number, size_t size = 4) {
+    for (size_t i = 0; i < size; ++i)
+        place[i] = static_cast<uint8_t>(number >> (8 * i));
+}
+
 // A bitmap whose pixels are these eight bytes and whose table is that of the grays.
 void* NewBitmap(const Fields& fields, const void* pixels, size_t size = 40 + 1024 + 8) {
     uint8_t bytes[40 + 1024 + 8] = {};
-    std::memcpy(bytes, &fields.headerSize, 4);
-    std::memcpy(bytes + 4, &fields.width, 4);
-    std::memcpy(bytes + 8, &fields.height, 4);
-    std::memcpy(bytes + 14, &fields.bitCount, 2);
-    std::memcpy(bytes + 32, &fields.coloursUsed, 4);
+    Put(bytes, fields.headerSize);
+    Put(bytes + 4, fields.width);
+    Put(bytes + 8, fields.height);
+    Put(bytes + 14, fields.bitCount, 2);
+    Put(bytes + 32, fields.coloursUsed);
     for (int i = 0; i < 256; ++i)
         std::memset(bytes + 40 + 4 * i, i, 3);
     std::memcpy(bytes + 40 + 1024, pixels, 8);
