@@ -25,8 +25,7 @@ constexpr size_t kMostText = 512;
 
 // At most count bytes of the beginning of a value; fewer when its file ends.
 std::string Beginning(const pgkit::element& element, size_t count) {
-    const size_t size =
-        element.length() == kUndefinedLength ? 0 : std::min<size_t>(element.length(), count);
+    const size_t size = std::min<size_t>(pgkit::detail::available_length(element.node()), count);
     std::string bytes(size + 1, '\0');
     if (element.node()->GetStringValue(bytes.data(), static_cast<int32_t>(size)) == 0) return "";
     bytes.resize(size);

@@ -276,4 +276,12 @@ TEST_F(PgtoolDumpText, DeepNestingTakesNoStack) {
     EXPECT_THAT(run.out, HasSubstr("Value: [deep]\n"));
 }
 
+// It printed gigabytes of zeros for what a file of some hundred bytes claims to hold.
+TEST(PgtoolDump, FullValuesEndWithTheirFile) {
+    const Finished run =
+        Pgtool({"dump", "--full", TestData("headerless/meta_without_transfer_syntax.dcm")});
+    EXPECT_THAT(run.out, HasSubstr("Len: 3758161918"));
+    EXPECT_LT(run.out.size(), 10000u);
+}
+
 }  // namespace
