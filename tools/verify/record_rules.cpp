@@ -15,9 +15,10 @@ std::vector<pgkit::tag> KeysOf(const char* type) {
     std::array<uint32_t, 16> numbers;
     const int32_t count = pgxRecordTypeKeys(type, numbers.data(), numbers.size());
     std::vector<pgkit::tag> keys;
-    for (int32_t i = 0; i < std::min<int32_t>(count, numbers.size()); ++i)
+    for (int32_t i = 0; i < std::min<int32_t>(count, numbers.size()); ++i) {
         keys.push_back(
             {static_cast<uint16_t>(numbers[i] >> 16), static_cast<uint16_t>(numbers[i])});
+    }
     return keys;
 }
 

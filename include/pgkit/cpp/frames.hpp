@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -42,9 +41,9 @@ class frame {
     // A native frame of so many bytes.
     frame(PGX_Node* pixels, std::size_t index, std::size_t size) noexcept
         : pixels_(pixels), index_(index), size_(size) {}
-    // A compressed one.
-    frame(PGX_Node* pixels, std::size_t index,
-          std::shared_ptr<const detail::frame_pieces> pieces) noexcept;
+    // A compressed one of these pieces, of which there is one at least. Allocates where there are
+    // several.
+    frame(PGX_Node* pixels, span<const PgxFramePiece> pieces);
 
     // Bytes.
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
@@ -59,10 +58,17 @@ class frame {
     [[nodiscard]] std::vector<std::uint8_t> bytes() const;
 
   private:
+    [[nodiscard]] span<const PgxFramePiece> pieces() const noexcept {
+        if (!several_.empty()) return several_;
+        return {&piece_, is_compressed_ ? std::size_t{1} : std::size_t{0}};
+    }
+
     PGX_Node* pixels_ = nullptr;
     std::size_t index_ = 0;
     std::size_t size_ = 0;
-    std::shared_ptr<const detail::frame_pieces> pieces_;
+    bool is_compressed_ = false;
+    PgxFramePiece piece_ = {};
+    std::vector<PgxFramePiece> several_;
 };
 
 namespace detail {
@@ -71,8 +77,9 @@ namespace detail {
 struct frame_position {
     using value_type = frame;
 
-    [[nodiscard]] frame value() const noexcept {
-        return pieces != nullptr ? frame(pixels, index, pieces) : frame(pixels, index, frame_size);
+    [[nodiscard]] frame value() const {
+        return pieces != nullptr ? frame(pixels, pieces->of(index))
+                                 : frame(pixels, index, frame_size);
     }
     void advance() noexcept { ++index; }
     [[nodiscard]] bool is_at(const frame_position& other) const noexcept {
@@ -82,7 +89,7 @@ struct frame_position {
     PGX_Node* pixels = nullptr;
     std::size_t frame_size = 0;
     std::size_t index = 0;
-    std::shared_ptr<const frame_pieces> pieces;
+    const frame_pieces* pieces = nullptr;
 };
 
 }  // namespace detail
@@ -97,21 +104,22 @@ struct frame_position {
 //
 // Encapsulated Pixel Data: as pgxFindFrames (frames.h) tells them from the offset tables, or from
 // the number of fragments. None where they are not consistent: nobody knows then which fragments
-// make a frame. Asking for the range goes over the items of the file once.
+// make a frame. Asking for the range goes over the items of the file once. Its iterators are valid
+// as long as it is.
 class frame_range {
   public:
     using iterator = detail::handle_iterator<detail::frame_position>;
 
     frame_range() noexcept = default;
     frame_range(PGX_Node* pixels, std::size_t count, std::size_t frame_size) noexcept
-        : count_(count), first_{pixels, frame_size, 0, nullptr} {}
-    frame_range(PGX_Node* pixels, std::shared_ptr<const detail::frame_pieces> pieces) noexcept
-        : count_(pieces->starts.size() - 1), first_{pixels, 0, 0, std::move(pieces)} {}
+        : pixels_(pixels), count_(count), frame_size_(frame_size) {}
+    frame_range(PGX_Node* pixels, detail::frame_pieces pieces) noexcept
+        : pixels_(pixels), count_(pieces.starts.size() - 1), pieces_(std::move(pieces)) {}
 
     [[nodiscard]] std::size_t size() const noexcept { return count_; }
     [[nodiscard]] bool empty() const noexcept { return count_ == 0; }
     // The frame of that index, which counts from 0; an empty one when there is none.
-    [[nodiscard]] frame operator[](std::size_t index) const noexcept {
+    [[nodiscard]] frame operator[](std::size_t index) const {
         return index < count_ ? position(index).value() : frame();
     }
     [[nodiscard]] iterator begin() const noexcept { return iterator(position(0)); }
@@ -119,13 +127,13 @@ class frame_range {
 
   private:
     [[nodiscard]] detail::frame_position position(std::size_t index) const noexcept {
-        detail::frame_position at = first_;
-        at.index = index;
-        return at;
+        return {pixels_, frame_size_, index, pieces_.starts.empty() ? nullptr : &pieces_};
     }
 
+    PGX_Node* pixels_ = nullptr;
     std::size_t count_ = 0;
-    detail::frame_position first_;
+    std::size_t frame_size_ = 0;
+    detail::frame_pieces pieces_;
 };
 
 // ---- Definitions --------------------------------------------------------------------------------
@@ -153,18 +161,19 @@ inline std::uint64_t native_frame_size(const item& in, std::uint32_t frames) {
     return frame_bits % 8 != 0 && frames > 1 ? 0 : (frame_bits + 7) / 8;
 }
 
-// Null when they cannot be told.
-inline std::shared_ptr<const frame_pieces> find_frames(PGX_Node* data_set) {
+// None when they cannot be told.
+inline frame_pieces find_frames(PGX_Node* data_set) {
+    frame_pieces found;
     const std::int64_t count = pgxFindFrames(data_set, nullptr, 0, nullptr);
-    if (count <= 0) return nullptr;
-    auto found = std::make_shared<frame_pieces>();
-    found->pieces.resize(static_cast<std::size_t>(count));
-    if (pgxFindFrames(data_set, found->pieces.data(), found->pieces.size(), nullptr) != count)
-        return nullptr;
-    for (std::size_t i = 0; i < found->pieces.size(); ++i)
-        while (found->starts.size() <= found->pieces[i].frame)
-            found->starts.push_back(i);
-    found->starts.push_back(found->pieces.size());
+    if (count <= 0) return found;
+    found.pieces.resize(static_cast<std::size_t>(count));
+    if (pgxFindFrames(data_set, found.pieces.data(), found.pieces.size(), nullptr) != count)
+        return {};
+    for (std::size_t i = 0; i < found.pieces.size(); ++i) {
+        while (found.starts.size() <= found.pieces[i].frame)
+            found.starts.push_back(i);
+    }
+    found.starts.push_back(found.pieces.size());
     return found;
 }
 
@@ -193,18 +202,23 @@ inline span<const std::uint8_t> joined(PGX_Node* pixels, span<const PgxFramePiec
 
 }  // namespace detail
 
-inline frame::frame(PGX_Node* pixels, std::size_t index,
-                    std::shared_ptr<const detail::frame_pieces> pieces) noexcept
-    : pixels_(pixels), index_(index), pieces_(std::move(pieces)) {
-    for (const PgxFramePiece& piece : pieces_->of(index_))
+inline frame::frame(PGX_Node* pixels, span<const PgxFramePiece> pieces)
+    : pixels_(pixels), is_compressed_(!pieces.empty()) {
+    for (const PgxFramePiece& piece : pieces)
         size_ += piece.length;
+    if (pieces.size() == 1) {
+        piece_ = *pieces.begin();
+    } else {
+        several_.assign(pieces.begin(), pieces.end());
+    }
 }
 
 inline frame_range item::frames() const {
     element pixels = find(detail::pixel_data);
     if (pixels.is_encapsulated()) {
-        auto pieces = detail::find_frames(node());
-        return pieces == nullptr ? frame_range() : frame_range(pixels.node(), std::move(pieces));
+        detail::frame_pieces pieces = detail::find_frames(node());
+        if (pieces.starts.empty()) return {};
+        return {pixels.node(), std::move(pieces)};
     }
     if (!pixels) pixels = find({0x7FE0, 0x0008});
     if (!pixels) pixels = find({0x7FE0, 0x0009});
@@ -218,7 +232,7 @@ inline frame_range item::frames() const {
 
 inline span<const std::uint8_t> frame::bytes(std::vector<std::uint8_t>& room) const {
     if (pixels_ == nullptr || size_ == 0) return {};
-    if (pieces_ != nullptr) return detail::joined(pixels_, pieces_->of(index_), size_, room);
+    if (is_compressed_) return detail::joined(pixels_, pieces(), size_, room);
     const auto index = static_cast<std::uint32_t>(index_);
     const std::uint8_t* const loaded = detail::loaded_value(pixels_);
     if (loaded != nullptr && !detail::is_big_endian(pixels_))

@@ -36,8 +36,11 @@ class handle_iterator {
     handle_iterator() noexcept = default;
     explicit handle_iterator(Position position) noexcept : position_(std::move(position)) {}
 
-    [[nodiscard]] value_type operator*() const noexcept { return position_.value(); }
-    [[nodiscard]] pointer operator->() const noexcept { return pointer(position_.value()); }
+    [[nodiscard]] value_type operator*() const
+        noexcept(noexcept(std::declval<const Position&>().value())) {
+        return position_.value();
+    }
+    [[nodiscard]] pointer operator->() const { return pointer(position_.value()); }
     handle_iterator& operator++() noexcept {
         position_.advance();
         return *this;
