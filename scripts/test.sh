@@ -216,7 +216,8 @@ if $quick; then
     (native_lane || true; wait)
 else
     presets+=(windows-x64 native-sanitize native-tsan)
-    ({ native_lane && windows_lane && both_lane; } || true; wait) &
+    # Those for Windows first: their tests wait for Wine, and leave the processors to the others.
+    ({ windows_lane && native_lane && both_lane; } || true; wait) &
     (sanitizer_lane || true; run lint scripts/lint.sh || true; wait) &
     wait
 fi

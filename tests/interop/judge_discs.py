@@ -84,17 +84,30 @@ def plain(uid):
     return str(uid).strip(" \0")
 
 
+# SOP classes, and types of records, of what belongs to no patient.
+ROOT_CLASSES = tuple(f"1.2.840.10008.5.1.4.{number}." for number in
+                     ("38", "39", "43", "44", "45", "1.1.200", "1.1.201"))
+ROOT_RECORDS = {"HANGING PROTOCOL", "PALETTE", "IMPLANT", "IMPLANT GROUP", "IMPLANT ASSY", "INVENTORY"}
+
+
+def key_of(file):
+    """(study UID, series UID, instance UID), the first two empty for what belongs to no patient."""
+    if str(file.SOPClassUID).startswith(ROOT_CLASSES):
+        return "", "", plain(file.SOPInstanceUID)
+    return tuple(map(plain, (file.StudyInstanceUID, file.SeriesInstanceUID, file.SOPInstanceUID)))
+
+
 def hierarchy_of_files(folder):
-    """{(study UID, series UID, instance UID)} of the instances below a folder."""
+    """The keys of the instances below a folder."""
     found = set()
     for path in sorted(path for path in folder.rglob("*") if path.is_file()):
         try:
             file = read(path, stop_before_pixels=True)
-            key = (file.StudyInstanceUID, file.SeriesInstanceUID, file.SOPInstanceUID)
+            key = key_of(file)
         except Exception:  # what pydicom cannot read, or what is none
             continue
-        if "DirectoryRecordSequence" not in file and all(key):
-            found.add(tuple(map(plain, key)))
+        if "DirectoryRecordSequence" not in file and (all(key) or not any(key[:2])):
+            found.add(key)
     return found
 
 
@@ -119,6 +132,8 @@ def records_of_dump(text):
         value = value[1].strip() if value else ""
         if "(0004,1430)" in line:
             kind = value
+            if kind in ROOT_RECORDS:
+                study = series = ""
         elif "(0020,000d)" in line and kind == "STUDY":
             study = value
         elif "(0020,000e)" in line and kind == "SERIES":
@@ -188,12 +203,11 @@ class Disc:
         for instance in file_set:
             if not os.path.isfile(instance.path):
                 return f"{instance.path} is not there"
-            found.add((plain(instance.StudyInstanceUID), plain(instance.SeriesInstanceUID),
-                       plain(instance.SOPInstanceUID)))
+            found.add(key_of(instance))
         return None if found == self.expected else difference(found, self.expected)
 
     def check_dcmdump(self, _):
-        done = run(["dcmdump", "+L", "+R", "4096", str(self.folder / "DICOMDIR")])
+        done = run(["dcmdump", "-Un", "+L", "+R", "4096", str(self.folder / "DICOMDIR")])
         if done.returncode != 0 or done.stderr:
             return done.stderr.decode(errors="replace")
         found = records_of_dump(done.stdout.decode(errors="replace"))
@@ -209,8 +223,8 @@ class Disc:
                  for path in (self.folder / "DICOM").rglob("*") if path.is_file()}
         if sorted(files) != sorted(there):
             return f"{len(files)} files, expected {len(there)}"
-        levels = {"STUDY": {study for study, _, _ in self.expected},
-                  "SERIES": {series for _, series, _ in self.expected}}
+        levels = {"STUDY": {study for study, _, _ in self.expected} - {""},
+                  "SERIES": {series for _, series, _ in self.expected} - {""}}
         for level, expected in levels.items():
             count = len(re.findall(rf"^\t+{level}\b", output, re.MULTILINE))
             if count < len(expected):
