@@ -113,7 +113,7 @@ class frame_range {
     frame_range() noexcept = default;
     frame_range(PGX_Node* pixels, std::size_t count, std::size_t frame_size) noexcept
         : pixels_(pixels), count_(count), frame_size_(frame_size) {}
-    frame_range(PGX_Node* pixels, detail::frame_pieces pieces) noexcept
+    frame_range(PGX_Node* pixels, detail::frame_pieces&& pieces) noexcept
         : pixels_(pixels), count_(pieces.starts.size() - 1), pieces_(std::move(pieces)) {}
 
     [[nodiscard]] std::size_t size() const noexcept { return count_; }
