@@ -144,12 +144,12 @@ windows_lane() {
     local suffix=.exe
     limit=3600 run build-windows-x64 scripts/build.sh windows-x64 -- -DPGKIT_UNITY=ON || return
     start_programs windows-x64 scripts/wine.sh
-    start msabi tests/msabi/run_host.sh build/windows-x64
 }
 
 # What needs the native build and the one for Windows.
 both_lane() {
     local wine=$root/scripts/wine.sh
+    start msabi tests/msabi/run_host.sh build/windows-x64
     start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
         build/windows-x64/bin/pgkit.dll
     start hardening tests/hardening/check_hardening.py \
