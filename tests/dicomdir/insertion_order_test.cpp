@@ -60,7 +60,8 @@ void ExpectAsByWalk(const std::vector<int32_t>& present, const std::vector<int32
         std::vector<const void*> expected = objects.Objects();
         InsertionOrder<Numbered> order(objects.List(), NumberOf, ties);
         for (const int32_t number : numbers) {
-            InsertByWalk(expected, order.Insert(std::make_unique<Numbered>(number)), ties);
+            InsertByWalk(expected, order.Insert(std::unique_ptr<Numbered>(new Numbered{number})),
+                         ties);
             ASSERT_EQ(objects.Objects(), expected);
             ASSERT_EQ(objects.List().count, static_cast<int32_t>(expected.size()));
             ASSERT_EQ(objects.List().tail->data, expected.back());
