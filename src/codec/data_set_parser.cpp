@@ -32,17 +32,6 @@ bool IsUsedUp(uint32_t declaredLength, uint32_t bytes) {
     return declaredLength != kUndefinedLength && bytes >= declaredLength;
 }
 
-// Whether the stream ends before fragments do. The reader stands at the first of their items.
-bool EndsInFragment(StreamReader& reader) {
-    TagHeader item{};
-    while (ReadItemHeader(reader, item)) {
-        if (!item.IsItem()) return false;
-        if (!reader.Holds(item.length)) return true;
-        reader.Skip(item.length);
-    }
-    return !reader.HasFailed();
-}
-
 }  // namespace
 
 void DataSetParser::Meaning::MakeName(const char* format, unsigned number) {
@@ -267,10 +256,7 @@ void DataSetParser::ReadFragments(PGX_Node& pixelData) {
         reader_.Seek(start);
         return PassFragments(pixelData, ReadPixelItems(reader_));
     }
-    reader_.Seek(start);
-    const ParseEnd end = EndsInFragment(reader_) ? ParseEnd{EndKind::CutShort, reader_.Size()}
-                                                 : ParseEnd{EndKind::LeftAfterFragments, start};
-    NoteEnd({end.kind, end.offset, pixelData.group, pixelData.element});
+    NoteEnd({EndKind::LeftAfterFragments, start, pixelData.group, pixelData.element});
     levels_.back().dataSetBytes += table.consumed;
     reader_.SeekToEnd();
 }

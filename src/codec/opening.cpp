@@ -8,6 +8,7 @@
 #include "codec/inflating.h"
 #include "codec/meta_group.h"
 #include "codec/plausible_start.h"
+#include "codec/tag_header.h"
 #include "codec/tree_builder.h"
 #include "pgkit/node.h"
 
@@ -36,6 +37,17 @@ PgxOpenResult ResultOf(EndKind kind) {
             break;
     }
     return PGX_OPEN_COMPLETE;
+}
+
+// Whether the stream ends before fragments do. The reader stands at the first of their items.
+bool EndsInFragment(StreamReader& reader) {
+    TagHeader item{};
+    while (ReadItemHeader(reader, item)) {
+        if (!item.IsItem()) return false;
+        if (!reader.Holds(item.length)) return true;
+        reader.Skip(item.length);
+    }
+    return !reader.HasFailed();
 }
 
 class Opening {
@@ -88,9 +100,21 @@ class Opening {
         DataSetParser parser(reader, builder, encoding, request_.maxLoadLength, request_.flags);
         opened_.root = parser.Parse();
         opened_.end = parser.End();
-        opened_.result = ResultOf(parser.End().kind);
+        if (request_.isDiscerning) LookBehindFragments(reader);
+        opened_.result = ResultOf(opened_.end.kind);
         opened_.elements += builder.ElementCount();
         if (parser.HasIgnoredCreators()) opened_.notes |= PGX_OPEN_CREATORS_IGNORED;
+    }
+
+    // Where fragments that were not indexed end takes a walk over all of them, which only a report
+    // is worth.
+    void LookBehindFragments(StreamReader& reader) {
+        ParseEnd& end = opened_.end;
+        if (end.kind != EndKind::LeftAfterFragments) return;
+        reader.Seek(end.offset);
+        if (!EndsInFragment(reader)) return;
+        end.kind = EndKind::CutShort;
+        end.offset = reader.Size();
     }
 
     void ReadInflated(StreamReader& reader, StreamStart& start) {
