@@ -9,7 +9,6 @@
 #include "medium.h"
 #include "pgkit/pgkit.h"
 #include "progress_line.h"
-#include "root_records.h"
 #include "standard_streams.h"
 #include "text_options.h"
 #include "verify/links.h"
@@ -96,7 +95,7 @@ int Browse(const BrowseRequest& request) {
     PGX_DicomDir directory;
     if (!OpenDirectory(directory, path)) return Fail(kBrowseCommand, CannotOpen(path));
     if (directory.IsDicomDir() == 0) return Fail(kBrowseCommand, path + " is not a DICOMDIR");
-    const std::vector<pgkit::item> common = TakeRootRecords(directory);
+    const std::vector<pgkit::item> common = pgkit::detail::take_root_records(&directory);
     PGX_List* const patients = BrowseOpen(directory);
     Medium medium(path);
     const int status = Print({*patients, common}, medium, request);

@@ -1,6 +1,5 @@
 // pgtool from-json: DICOM JSON as files.
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -13,10 +12,12 @@
 
 #include "commands.h"
 #include "data_set.h"
+#include "digits.h"
 #include "json_output.h"
 #include "pgkit/json.h"
 #include "standard_streams.h"
 #include "system_path.h"
+#include "tags.h"
 #include "uids.h"
 
 namespace pgtool {
@@ -50,10 +51,9 @@ std::optional<uint64_t> QueryNumber(std::string_view query, std::string_view nam
         const size_t end = std::min(query.find_first_of("&#", start), query.size());
         const std::string_view part = query.substr(start, end - start);
         if (part.starts_with(name) && part.substr(name.size()).starts_with('=')) {
-            const char* const last = part.data() + part.size();
-            uint64_t number = 0;
-            const auto read = std::from_chars(part.data() + name.size() + 1, last, number);
-            if (read.ec == std::errc() && read.ptr == last) return number;
+            const auto number =
+                ParseDigits<uint64_t>(std::string(part.substr(name.size() + 1)), 10);
+            if (number) return number;
         }
         start = end + 1;
     }
@@ -61,9 +61,9 @@ std::optional<uint64_t> QueryNumber(std::string_view query, std::string_view nam
 }
 
 // Fragments can be told from native pixels by the item that they begin with.
-bool AreFragments(const PGX_Node& element, const std::vector<uint8_t>& bytes) {
+bool AreFragments(const pgkit::element& element, const std::vector<uint8_t>& bytes) {
     constexpr uint8_t kItem[] = {0xFE, 0xFF, 0x00, 0xE0};
-    return element.group == 0x7FE0 && element.element == 0x0010 && bytes.size() >= sizeof kItem &&
+    return element.tag() == tags::kPixelData && bytes.size() >= sizeof kItem &&
            std::equal(std::begin(kItem), std::end(kItem), bytes.begin());
 }
 
@@ -79,7 +79,7 @@ std::string TakeRange(PGX_Node& element, const std::string& path, uint64_t offse
     file.seekg(static_cast<std::streamoff>(offset));
     file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(length));
     if (!file) return path + " cannot be read";
-    if (AreFragments(element, bytes))
+    if (AreFragments(pgkit::element(&element), bytes))
         return path + " holds compressed pixels, whose transfer syntax JSON does not have";
     const bool isSet = element.SetValue(bytes.data(), static_cast<uint32_t>(length)) == 1;
     return isSet ? "" : "memory has run out";

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "inputs.h"
+#include "pgkit/json.h"
 #include "text_options.h"
 
 namespace pgtool {
@@ -19,7 +20,7 @@ void AddBulkLimit(OptionSet& options, std::string& bulk);
 
 struct JsonOutput {
     std::FILE* stream = stdout;
-    uint64_t bulkLimit = UINT64_MAX;
+    uint64_t bulkLimit = PGX_JSON_ALL_INLINE;
     std::vector<std::string> places;  // of the elements that are wanted; none for all
 };
 

@@ -2,6 +2,8 @@
 
 #include <unordered_set>
 
+#include "tags.h"
+
 namespace pgtool {
 
 namespace {
@@ -18,7 +20,7 @@ class Pruning {
         bool isLeft = false;
         for (PGX_Node* element = dataSet.first; element != nullptr;) {
             PGX_Node* const next = element->next;
-            const bool isCharacterSet = element->group == 0x0008 && element->element == 0x0005;
+            const bool isCharacterSet = pgkit::element(element).tag() == tags::kCharacterSet;
             if (wanted_.contains(element) || IsLeftOf(*element)) {
                 isLeft = true;
             } else if (!isCharacterSet) {

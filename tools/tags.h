@@ -25,6 +25,7 @@ inline constexpr pgkit::tag kFileClass = {0x0004, 0x1510};
 inline constexpr pgkit::tag kFileInstance = {0x0004, 0x1511};
 inline constexpr pgkit::tag kFileSyntax = {0x0004, 0x1512};
 
+inline constexpr pgkit::tag kCharacterSet = {0x0008, 0x0005};
 inline constexpr pgkit::tag kSopClass = {0x0008, 0x0016};
 inline constexpr pgkit::tag kSopInstance = {0x0008, 0x0018};
 inline constexpr pgkit::tag kStudyDate = {0x0008, 0x0020};
@@ -47,5 +48,6 @@ inline constexpr pgkit::tag kContent = {0x0040, 0xA730};
 inline constexpr pgkit::tag kContentLabel = {0x0070, 0x0080};
 inline constexpr pgkit::tag kHangingProtocolName = {0x0072, 0x0002};
 inline constexpr pgkit::tag kIcon = {0x0088, 0x0200};
+inline constexpr pgkit::tag kPixelData = {0x7FE0, 0x0010};
 
 }  // namespace pgtool::tags

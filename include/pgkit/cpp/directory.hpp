@@ -240,21 +240,23 @@ class directory {
     [[nodiscard]] PGX_DicomDir* pointer() const noexcept { return pointer_; }
 
   private:
-    void take_common_records();
-
     PGX_DicomDir* pointer_ = nullptr;
     std::vector<item> common_records_;
 };
 
 // ---- Definitions --------------------------------------------------------------------------------
 
-inline void directory::take_common_records() {
-    std::vector<PGX_Node*> records(pgxTakeRootRecords(pointer_, nullptr, 0));
+namespace detail {
+
+// The records that belong to no patient, out of the way of a browse.
+inline std::vector<item> take_root_records(PGX_DicomDir* directory) {
+    std::vector<PGX_Node*> records(pgxTakeRootRecords(directory, nullptr, 0));
     records.resize(
-        pgxTakeRootRecords(pointer_, records.data(), static_cast<std::uint32_t>(records.size())));
-    for (PGX_Node* const record : records)
-        common_records_.emplace_back(record);
+        pgxTakeRootRecords(directory, records.data(), static_cast<std::uint32_t>(records.size())));
+    return std::vector<item>(records.begin(), records.end());
 }
+
+}  // namespace detail
 
 inline result<directory> directory::open(const std::string& path) {
     constexpr const char* no_dicomdir = "it is no DICOMDIR";
@@ -269,7 +271,7 @@ inline result<directory> directory::open(const std::string& path) {
     opened.pointer_ = pgKitOpenDicomDir(path.c_str(), longest_loaded);
     if (opened.pointer_ == nullptr || pgKitIsDicomDir(opened.pointer_) != 1)
         return detail::cannot_read(failure::not_a_data_set, path, no_dicomdir);
-    opened.take_common_records();
+    opened.common_records_ = detail::take_root_records(opened.pointer_);
     if (pgKitDirBrowse(opened.pointer_, nullptr, nullptr) == nullptr)
         return detail::cannot_read(failure::no_memory, path, "memory has run out");
     return opened;

@@ -104,8 +104,8 @@ struct frame_position {
 //
 // Encapsulated Pixel Data: as pgxFindFrames (frames.h) tells them from the offset tables, or from
 // the number of fragments. None where they are not consistent: nobody knows then which fragments
-// make a frame. Asking for the range goes over the items of the file once. Its iterators are valid
-// as long as it is.
+// make a frame. Asking for the range goes over the items of the file, twice where there are many.
+// Its iterators are valid as long as it is.
 class frame_range {
   public:
     using iterator = detail::handle_iterator<detail::frame_position>;
@@ -163,12 +163,16 @@ inline std::uint64_t native_frame_size(const item& in, std::uint32_t frames) {
 
 // None when they cannot be told.
 inline frame_pieces find_frames(PGX_Node* data_set) {
+    constexpr std::size_t usual_count = 64;
     frame_pieces found;
-    const std::int64_t count = pgxFindFrames(data_set, nullptr, 0, nullptr);
-    if (count <= 0) return found;
-    found.pieces.resize(static_cast<std::size_t>(count));
-    if (pgxFindFrames(data_set, found.pieces.data(), found.pieces.size(), nullptr) != count)
-        return {};
+    found.pieces.resize(usual_count);
+    for (bool is_whole = false; !is_whole;) {
+        const std::size_t room = found.pieces.size();
+        const std::int64_t count = pgxFindFrames(data_set, found.pieces.data(), room, nullptr);
+        if (count <= 0) return {};
+        found.pieces.resize(static_cast<std::size_t>(count));
+        is_whole = found.pieces.size() <= room;
+    }
     for (std::size_t i = 0; i < found.pieces.size(); ++i) {
         while (found.starts.size() <= found.pieces[i].frame)
             found.starts.push_back(i);

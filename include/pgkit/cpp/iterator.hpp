@@ -34,7 +34,7 @@ class handle_iterator {
     };
 
     handle_iterator() noexcept = default;
-    explicit handle_iterator(Position position) noexcept : position_(std::move(position)) {}
+    explicit handle_iterator(Position position) noexcept : position_(position) {}
 
     [[nodiscard]] value_type operator*() const
         noexcept(noexcept(std::declval<const Position&>().value())) {
