@@ -11,14 +11,13 @@
 #include "support/open_report.h"
 #include "support/sample_files.h"
 #include "support/save_modes.h"
+#include "support/transfer_syntaxes.h"
 #include "support/tree.h"
 #include "support/tree_comparison.h"
 
 namespace {
 
 using namespace pgkit_test;
-
-constexpr char kExplicit[] = "1.2.840.10008.1.2.1";
 
 struct Reported {
     PgxOpenReport report = NewReport();
@@ -66,7 +65,7 @@ TEST(OpenReport, CompleteFileIsToldWithWhatItIs) {
     EXPECT_EQ(opened.report.certainty, PGX_CERTAINTY_STATED);
     EXPECT_EQ(opened.report.syntaxFlags, kPart10Explicit);
     EXPECT_EQ(opened.report.elements, 2u);
-    EXPECT_STREQ(opened.report.transferSyntax, kExplicit);
+    EXPECT_STREQ(opened.report.transferSyntax, kExplicitLittleUid);
 }
 
 TEST(OpenReport, ElementsOfAllLevelsCount) {
@@ -368,7 +367,7 @@ TEST(OpenMemory, EverythingIsLoadedAndNothingRefersToTheBytes) {
         EXPECT_EQ(node->file, nullptr);
         EXPECT_NE(node->value, nullptr);
     }
-    EXPECT_EQ(TextOf(root->FindNode(0x0002, 0x0010)), PaddedUid(kExplicit));
+    EXPECT_EQ(TextOf(root->FindNode(0x0002, 0x0010)), PaddedUid(kExplicitLittleUid));
     EXPECT_EQ(TextOf(root->FindNode(0x0009, 0x1001)), std::string(100, 'p'));
     EXPECT_EQ(root->FindNode(0x7FE0, 0x0010)->length, 200000u);
 }

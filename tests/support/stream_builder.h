@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "support/temp_dir.h"
+#include "support/transfer_syntaxes.h"
 
 namespace pgkit_test {
 
@@ -77,7 +78,7 @@ inline std::string PaddedUid(std::string_view uid) { return PaddedValue("UI", ui
 // A Part 10 file of one element, in explicit VR little endian.
 inline StreamBuilder SmallFile() {
     StreamBuilder file;
-    return file.Part10("1.2.840.10008.1.2.1").Element(0x0008, 0x0060, "CS", "CT");
+    return file.Part10(kExplicitLittleUid).Element(0x0008, 0x0060, "CS", "CT");
 }
 
 }  // namespace pgkit_test
