@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -40,16 +39,9 @@ class NewValueRepresentation : public testing::TestWithParam<NewVr> {
         return stream;
     }
 
-    // The value with each of its units reversed.
-    static std::string Reversed(std::string value) {
-        for (auto unit = value.begin(); unit != value.end();
-             unit += static_cast<ptrdiff_t>(GetParam().unit)) {
-            std::reverse(unit, unit + static_cast<ptrdiff_t>(GetParam().unit));
-        }
-        return value;
-    }
-
-    const std::string value_ = "abcdefghijklmnop";
+    const std::string value_ = "abcdefghijklmnop";  // in little endian
+    const std::string inBigEndian_ = WithUnitsReversed(value_, GetParam().unit);
+    const std::string inMemory_ = InHostOrder(value_, GetParam().unit);
 };
 
 TEST_P(NewValueRepresentation, IsReadInTheLongFormByItsName) {
@@ -68,21 +60,21 @@ TEST_P(NewValueRepresentation, IsUnknownInTheBuiltInEdition) {
 
 TEST_P(NewValueRepresentation, ShowsItsValueInHostByteOrder) {
     const CurrentEdition current;
-    OpenedStream opened(Stream(Order::Big, Reversed(value_)));
+    OpenedStream opened(Stream(Order::Big, inBigEndian_));
     char value[17];
     ASSERT_EQ(Child(opened.Root(), kGroup, kElement)->GetValue(value), 1);
-    EXPECT_EQ(value, value_);
+    EXPECT_EQ(value, inMemory_);
 }
 
 TEST_P(NewValueRepresentation, IsWrittenUnderItsNameInEitherByteOrder) {
     const CurrentEdition current;
     const DataSet root(pgAllocateDataSetNode());
-    PGX_Node* node = NewElement(*root, kGroup, kElement, GetParam().code, value_);
+    PGX_Node* node = NewElement(*root, kGroup, kElement, GetParam().code, inMemory_);
     EXPECT_EQ(Encode(*node, kExplicitLittle).bytes,
               StreamBuilder().Element(kGroup, kElement, GetParam().name, value_).Data());
     EXPECT_EQ(Encode(*node, kExplicitBig).bytes,
               StreamBuilder(VrMode::Explicit, Order::Big)
-                  .Element(kGroup, kElement, GetParam().name, Reversed(value_))
+                  .Element(kGroup, kElement, GetParam().name, inBigEndian_)
                   .Data());
     EXPECT_EQ(Encode(*node, kImplicitLittle).bytes,
               StreamBuilder(VrMode::Implicit).Element(kGroup, kElement, "", value_).Data());
@@ -93,7 +85,7 @@ TEST_P(NewValueRepresentation, IsSetInHostByteOrder) {
     const DataSet root(pgAllocateDataSetNode());
     PGX_Node* node = NewElement(*root, kGroup, kElement, GetParam().code, value_, ET_BigEndian);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(node->value), node->length),
-              Reversed(value_));
+              WithUnitsReversed(inMemory_, GetParam().unit));
 }
 
 // A short header has room for 65,534 bytes; all of these have the long one.
@@ -110,7 +102,7 @@ TEST_P(NewValueRepresentation, CountsTheLongHeaderInLengths) {
     const CurrentEdition current;
     const DataSet root(pgAllocateDataSetNode());
     PGX_Node* sequence = root->InsertNode(0x0008, 0x1140, nullptr, 0);
-    NewElement(*AddItem(*sequence), kGroup, kElement, GetParam().code, value_);
+    NewElement(*AddItem(*sequence), kGroup, kElement, GetParam().code, inMemory_);
     const TempDir directory;
     const std::string path = directory.Path("saved");
     ASSERT_EQ(root->SaveDataSetAsEx(path.c_str(), kExplicitLittle), 0u);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
+#include <bit>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -32,6 +33,16 @@ inline PGX_Node* NewElement(PGX_Node& dataSet, uint16_t group, uint16_t element,
     node->valueRep = vr;
     node->endian = endian;
     EXPECT_EQ(node->SetValue(value.data(), static_cast<uint32_t>(value.size())), 1);
+    return node;
+}
+
+// An element that has these bytes, whose numbers are in little endian.
+inline PGX_Node* NewStoredElement(PGX_Node& dataSet, uint16_t group, uint16_t element, uint32_t vr,
+                                  std::string_view bytes) {
+    const bool isBig = std::endian::native == std::endian::big;
+    PGX_Node* node =
+        NewElement(dataSet, group, element, vr, bytes, isBig ? ET_BigEndian : ET_LittleEndian);
+    node->endian = ET_LittleEndian;
     return node;
 }
 

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 #include <pgkit/pgkit.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 
 #include "codec/encoded.h"
+#include "support/host_order.h"
 #include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/tree.h"
@@ -30,12 +30,8 @@ class Swapping : public EncodedValue, public testing::WithParamInterface<std::pa
 TEST_P(Swapping, ReversesTheUnitsOfTheVrWhenTheByteOrdersDiffer) {
     const auto [vr, unit] = GetParam();
     const std::string value = "abcdefghijklmnop";
-    std::string swapped = value;
-    for (size_t i = 0; i < swapped.size(); i += unit) {
-        std::reverse(swapped.begin() + static_cast<ptrdiff_t>(i),
-                     swapped.begin() + static_cast<ptrdiff_t>(i + unit));
-    }
-    PGX_Node* node = NewElement(*root_, 0x0009, 0x1001, static_cast<uint32_t>(vr), value);
+    const std::string swapped = WithUnitsReversed(value, unit);
+    PGX_Node* node = NewStoredElement(*root_, 0x0009, 0x1001, static_cast<uint32_t>(vr), value);
     const auto valueOf = [](const Bytes& bytes) {
         return std::string(bytes.end() - 16, bytes.end());
     };

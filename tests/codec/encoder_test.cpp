@@ -56,7 +56,7 @@ class LongHeader : public Encoder,
 
 TEST_P(LongHeader, HasTwoZeroBytesAndAThirtyTwoBitLength) {
     const auto [vr, characters] = GetParam();
-    NewElement(*root_, 0x0009, 0x1001, static_cast<uint32_t>(vr), "abcd");
+    NewStoredElement(*root_, 0x0009, 0x1001, static_cast<uint32_t>(vr), "abcd");
     const Bytes expected =
         StreamBuilder().U16(0x0009).U16(0x1001).Text(characters).U16(0).U32(4).Text("abcd").Data();
     EXPECT_EQ(Encode(kExplicitLittle).bytes, expected);
@@ -74,7 +74,7 @@ TEST_P(ShortHeader, HasTheCharactersOfTheVrAndASixteenBitLength) {
     char name[8];
     const auto vr = static_cast<uint32_t>(GetParam());
     ASSERT_EQ(pgGetVRPrintableName(vr, name), 1u);
-    NewElement(*root_, 0x0009, 0x1001, vr, "abcdefgh");
+    NewStoredElement(*root_, 0x0009, 0x1001, vr, "abcdefgh");
     const Bytes expected = StreamBuilder()
                                .U16(0x0009)
                                .U16(0x1001)

@@ -8,6 +8,7 @@
 #include "codec/encoded.h"
 #include "codec/failing_sink.h"
 #include "dictionary/vr_properties.h"
+#include "support/host_order.h"
 
 namespace {
 
@@ -15,17 +16,9 @@ using namespace pgkit;
 using pgkit_test::Bytes;
 using pgkit_test::FailingSink;
 using pgkit_test::Pattern;
+using pgkit_test::WithUnitsReversed;
 
 constexpr size_t kPiece = OutputWriter::kCapacity;
-
-// The rule, unit by unit: what fills no unit stays as it is.
-Bytes SwappedUnits(Bytes bytes, size_t unit) {
-    for (size_t i = 0; i + unit <= bytes.size(); i += unit) {
-        std::reverse(bytes.begin() + static_cast<ptrdiff_t>(i),
-                     bytes.begin() + static_cast<ptrdiff_t>(i + unit));
-    }
-    return bytes;
-}
 
 struct Written {
     WriteResult result;
@@ -73,7 +66,7 @@ TEST_P(ValueUnits, SwapBlocksAsTheyWouldSwapOneByOne) {
          {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{7}, size_t{8}, size_t{9}, size_t{15},
           size_t{16}, kPiece - 1, kPiece, kPiece + 1, kPiece + 9, 3 * kPiece + 5}) {
         const Bytes value = Pattern(size);
-        const Bytes swapped = SwappedUnits(value, unit);
+        const Bytes swapped = WithUnitsReversed(value, unit);
         EXPECT_TRUE(FromMemory(value, GetParam(), true).bytes == swapped) << size;
         EXPECT_TRUE(FromMemory(value, GetParam(), false).bytes == value) << size;
         EXPECT_TRUE(FromStream(value, GetParam(), size, true).bytes == swapped) << size;
@@ -90,7 +83,7 @@ TEST_P(ValueUnits, CompleteASourceThatEndsOneByteEarlyBeforeTheySwap) {
         value.push_back(0);
         const Written swapped = FromStream(content, GetParam(), size, true);
         EXPECT_EQ(swapped.result, kWritten);
-        EXPECT_TRUE(swapped.bytes == SwappedUnits(value, unit)) << size;
+        EXPECT_TRUE(swapped.bytes == WithUnitsReversed(value, unit)) << size;
         const Written straight = FromStream(content, GetParam(), size, false);
         EXPECT_EQ(straight.result, kWritten);
         EXPECT_TRUE(straight.bytes == value) << size;

@@ -4,10 +4,9 @@
 #include <gtest/gtest.h>
 #include <pgkit/data_set.hpp>
 
-#include <algorithm>
-#include <bit>
 #include <string>
 
+#include "support/host_order.h"
 #include "support/stream_builder.h"
 #include "support/temp_dir.h"
 
@@ -41,9 +40,8 @@ inline StreamBuilder Part10Stream() {
 // A number's bytes as they are in a little-endian file.
 template <typename Number>
 std::string BytesOf(Number number) {
-    std::string bytes(reinterpret_cast<const char*>(&number), sizeof number);
-    if (std::endian::native == std::endian::big) std::reverse(bytes.begin(), bytes.end());
-    return bytes;
+    return InHostOrder(std::string(reinterpret_cast<const char*>(&number), sizeof number),
+                       sizeof number);
 }
 
 }  // namespace pgkit_test

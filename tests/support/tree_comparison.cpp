@@ -1,9 +1,9 @@
 #include "support/tree_comparison.h"
 
-#include <bit>
 #include <utility>
 #include <vector>
 
+#include "support/host_order.h"
 #include "support/temp_dir.h"
 #include "support/tree.h"
 
@@ -60,15 +60,35 @@ class Comparison {
         return false;
     }
 
+    static size_t WordSize(uint32_t vr) {
+        switch (vr) {
+            case VR_FD:
+            case VR_OD:
+            case VR_OV:
+            case VR_SV:
+            case VR_UV:
+                return 8;
+            case VR_FL:
+            case VR_OF:
+            case VR_OL:
+            case VR_SL:
+            case VR_UL:
+                return 4;
+            case VR_AT:
+            case VR_OW:
+            case VR_OWOB:
+            case VR_SS:
+            case VR_US:
+            case VR_USSS:
+                return 2;
+            default:
+                return 1;
+        }
+    }
+
     // What is bytes in one file may be words in the other, and words are in the machine's order.
     static Bytes InOrderOfFiles(PGX_Node* element) {
-        Bytes value = ValueOf(element);
-        const bool isWords = element->valueRep == VR_OWOB || element->valueRep == VR_OW;
-        if (std::endian::native == std::endian::big && isWords) {
-            for (size_t i = 0; i + 2 <= value.size(); i += 2)
-                std::swap(value[i], value[i + 1]);
-        }
-        return value;
+        return InHostOrder(ValueOf(element), WordSize(element->valueRep));
     }
 
     std::string OfItems(const PGX_Node* a, const PGX_Node* b) {
