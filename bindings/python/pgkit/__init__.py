@@ -9,10 +9,10 @@ the standard, in the whole process.
 """
 
 from . import _interpreter  # noqa: F401, I001  first of all
-from ._data_set import DataSet, Item, new
+from ._data_set import DataSet, Element, Item, new
 from ._dictionary import (element_name, find_tag, generate_uid, is_valid_uid, keyword,
                           multiplicity, uid_keyword, uid_name, value_representation)
-from ._element import Element, MultiValue
+from ._element import MultiValue
 from ._errors import (ClosedError, CreateError, PgkitError, SaveError, TruncatedWarning,
                       UnknownProfileError)
 from ._json import JsonError

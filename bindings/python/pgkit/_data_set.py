@@ -1,4 +1,4 @@
-"""Data sets, and the items of sequences."""
+"""Data sets, their elements, and the items that elements have: each holds the next."""
 
 from __future__ import annotations
 
@@ -7,16 +7,15 @@ import json
 import os
 import tempfile
 import weakref
-from typing import Any, BinaryIO, Callable, Dict, Iterable, Iterator, List, Optional, Tuple, Union
+from typing import Any, BinaryIO, Callable, Dict, Iterator, List, Optional, Tuple, Union
 
-from . import _element
 from ._bases import ItemBase
-from ._blocks import SEQUENCE, count_of, records_of, value_in
+from ._blocks import BYTES, SEQUENCE, TEXT, Record, count_of, records_of, value_in, values_in
 from ._copying import (copy_elements, detached_level, equal_levels, level_of_state, remove_element,
                        state_of)
 from ._dictionary import (UNKNOWN_VR, Tag, TagLike, find_tag, tag_number, tag_of_attribute,
                           value_representation, vr_code, vr_name)
-from ._element import Element, element_of, encoded_for
+from ._element import ElementBase, MultiValue, encoded_for
 from ._errors import PgkitError
 from ._json import json_of
 from ._library import Report, StrPath, encoded_path, lib
@@ -24,10 +23,107 @@ from ._pixels import frames_of, pixel_array
 from ._printing import lines_of
 from ._reports import OpenReport
 from ._saving import encoding_of_built, save_to, saved_bytes
+from ._sequence import Sequence, copies_of
 from ._stored import tag_text
-from ._tree import Level, level_of, new_level
+from ._tree import Level, chain, level_of, new_level
+from ._values import Value
 
 _builtin_open = open
+_first_of = lib.pgKitGetFirst
+
+
+class Element(ElementBase):
+    """A data element. Its ``value`` can be read and set."""
+
+    __slots__ = ()
+
+    @property
+    def value(self) -> Value:
+        """The value; a list of them when there are several, None when there is none.
+
+        Texts are str, without padding, and PN a PersonName, which is one; IS, US, SS, UL, SL, UV
+        and SV are int; DS, FL and FD are float; AT are tags; everything else is bytes. Changing the
+        list changes the element. A sequence gives a Sequence of its items. An IS or DS that is no
+        number raises ValueError: ``text`` has it.
+        """
+        level, block, record = self._level, self._block, self._record
+        if block is level._block and level._stale is None:  # nothing has changed
+            try:
+                value = value_in(block, record)
+                if value is not None:
+                    return value  # type: ignore[no-any-return]
+                values = (values_in(block, record, level.numeric_vr(vr_name(record[2])))
+                          if record[4] in (TEXT, BYTES) else None)
+            except ValueError:
+                raise self._no_number() from None
+            if values is not None:
+                if len(values) > 1:
+                    return MultiValue(self, values)
+                return values[0] if values else None
+            if record[4] == SEQUENCE:
+                return Sequence(self, item_of)  # type: ignore[return-value]
+        if self.is_sequence:
+            return self.sequence  # type: ignore[return-value]
+        values = self.values
+        if len(values) > 1:
+            return MultiValue(self, values)
+        return values[0] if values else None
+
+    @value.setter
+    def value(self, value: Any) -> None:
+        """Sets one value, a list of them, bytes as they are, or None for an empty value."""
+        if self.vr == "SQ":
+            self.sequence.assign(value)
+            return
+        self._refuse_parts()
+        self._store(encoded_for(self._level, self.tag, value, self.vr))
+
+    @property
+    def sequence(self) -> Sequence[Item]:
+        """The items as a list that can be changed. TypeError for what is no sequence."""
+        if not self.is_sequence:
+            raise TypeError(f"{tag_text(self.tag)} is no sequence")
+        return Sequence(self, item_of)
+
+    # ---- Items ----------------------------------------------------------------------------------
+
+    @property
+    def items(self) -> List[Item]:
+        """The items of a sequence, as they are now; none for any other element."""
+        level = self._level
+        return [item_of(level, handle) for handle in chain(_first_of(self._live))]
+
+    def append_item(self) -> Item:
+        """Adds an empty item to a sequence."""
+        if not self.is_sequence:
+            raise TypeError(f"{tag_text(self.tag)} is no sequence")
+        handle = lib.pgKitAllocateDataSetNode()
+        if handle is None:
+            raise MemoryError
+        lib.pgKitSeqAddTail(self._live, handle)
+        self._changed()
+        return item_of(self._level, handle)
+
+    def remove_item(self, item: Item) -> None:
+        """Removes an item of this sequence."""
+        handle = item._level.live
+        if handle not in chain(lib.pgKitGetFirst(self._live)):
+            raise ValueError("not an item of this sequence")
+        self._remove_handle(handle)
+
+
+def element_of(level: Level, block: bytes, record: Record) -> Element:
+    """The object that stands for an element: the same while somebody has it."""
+    if level.elements is None:
+        level.elements = {}
+    reference = level.elements.get(record[0])
+    if reference is not None:
+        known = reference()
+        if known is not None:
+            return known  # type: ignore[no-any-return]
+    element = Element(level, block, record)
+    level.elements[record[0]] = weakref.ref(element)
+    return element
 
 
 class Item(ItemBase):
@@ -203,7 +299,7 @@ class Item(ItemBase):
         element = self.insert_sequence(tag) if found is None else found
         if element.vr != "SQ":
             element._change_vr("SQ")
-        element.sequence.assign(copies)
+        element.sequence.become(copies)
         return element
 
     def _vr_to_set(self, tag: Tag, found: Optional[Element], wanted: Optional[str]) -> str:
@@ -306,9 +402,6 @@ def item_of(parent: Level, handle: int) -> Item:
         _set_level(known, level)
         level.item = weakref.ref(known)
     return known
-
-
-_element.item_of = item_of
 
 
 class DataSet(Item):
@@ -435,19 +528,3 @@ def detached(item: Item) -> DataSet:
 def from_state(state: List[Any]) -> DataSet:
     """What a pickled data set becomes."""
     return data_set_of(level_of_state(state), None)
-
-
-def check_item(item: Any) -> None:
-    """TypeError for what is no item."""
-    if not isinstance(item, Item):
-        raise TypeError(f"a sequence has items, not {type(item).__name__}")
-
-
-def copies_of(items: Any) -> List[Any]:
-    """Data sets of their own for what a sequence is to have; TypeError for anything but items."""
-    if isinstance(items, (str, bytes, Item)) or not isinstance(items, Iterable):
-        raise TypeError(f"a sequence has a list of items, not {type(items).__name__}")
-    wanted = list(items)
-    for item in wanted:
-        check_item(item)
-    return [detached(item) for item in wanted]

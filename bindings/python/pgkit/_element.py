@@ -1,15 +1,13 @@
-"""Data elements and their values."""
+"""Data elements and their values, but for items."""
 
 from __future__ import annotations
 
 import datetime
 import decimal
-import weakref
-from typing import (TYPE_CHECKING, Any, Callable, Iterable, List, NoReturn, Optional, TypeVar,
-                    Union)
+from typing import Any, Callable, Iterable, List, NoReturn, Optional, TypeVar, Union
 
 from . import _values
-from ._blocks import BYTES, ENCAPSULATED, SEQUENCE, TEXT, Record, value_in, values_in
+from ._blocks import ENCAPSULATED, SEQUENCE, Record
 from ._copying import equal_elements
 from ._dictionary import Tag, keyword, name_of, vr_code, vr_name
 from ._errors import ClosedError
@@ -18,24 +16,14 @@ from ._pixels import fragments_of
 from ._printing import lines_of_element, value_text
 from ._stored import UNDEFINED_LENGTH, bytes_of, tag_text, text_of, values_of
 from ._times import date_of, date_time_of, time_of
-from ._tree import Found, Level, chain
-from ._values import Value, encode
-
-if TYPE_CHECKING:
-    from ._data_set import Item
-    from ._sequence import Sequence
+from ._tree import Found, Level
+from ._values import encode
 
 _Moment = TypeVar("_Moment")
 
-_first_of = lib.pgKitGetFirst
 
-# The modules of items and sequences, which need this one, put them here.
-item_of: Callable[[Level, int], Item]
-sequence_of: Callable[[Element], Sequence]
-
-
-class Element:
-    """A data element. Its ``value`` can be read and set."""
+class ElementBase:
+    """What an element is, without the items that it may have."""
 
     __slots__ = ("_level", "_block", "_record", "_removals", "__weakref__")
 
@@ -121,32 +109,6 @@ class Element:
         """Whether its group is odd."""
         return self.tag[0] % 2 == 1
 
-    # ---- Items ----------------------------------------------------------------------------------
-
-    @property
-    def items(self) -> List[Item]:
-        """The items of a sequence, as they are now; none for any other element."""
-        level = self._level
-        return [item_of(level, handle) for handle in chain(_first_of(self._live))]
-
-    def append_item(self) -> Item:
-        """Adds an empty item to a sequence."""
-        if not self.is_sequence:
-            raise TypeError(f"{tag_text(self.tag)} is no sequence")
-        handle = lib.pgKitAllocateDataSetNode()
-        if handle is None:
-            raise MemoryError
-        lib.pgKitSeqAddTail(self._live, handle)
-        self._changed()
-        return item_of(self._level, handle)
-
-    def remove_item(self, item: Item) -> None:
-        """Removes an item of this sequence."""
-        handle = item._level.live
-        if handle not in chain(lib.pgKitGetFirst(self._live)):
-            raise ValueError("not an item of this sequence")
-        self._remove_handle(handle)
-
     def _remove_handle(self, handle: int) -> None:
         self._level.tree.cut_off(handle)
         lib.pgKitRemoveNode(self._live, handle)
@@ -172,54 +134,6 @@ class Element:
         """All values: str, int, float, bytes or tags; an empty one of several numbers is None."""
         self._live  # noqa: B018
         return values_of(self._level, *self._now())
-
-    @property
-    def value(self) -> Value:
-        """The value; a list of them when there are several, None when there is none.
-
-        Texts are str, without padding, and PN a PersonName, which is one; IS, US, SS, UL, SL, UV
-        and SV are int; DS, FL and FD are float; AT are tags; everything else is bytes. Changing the
-        list changes the element. A sequence gives a Sequence of its items. An IS or DS that is no
-        number raises ValueError: ``text`` has it.
-        """
-        level, block, record = self._level, self._block, self._record
-        if block is level._block and level._stale is None:  # nothing has changed
-            try:
-                value = value_in(block, record)
-                if value is not None:
-                    return value  # type: ignore[no-any-return]
-                values = (values_in(block, record, level.numeric_vr(vr_name(record[2])))
-                          if record[4] in (TEXT, BYTES) else None)
-            except ValueError:
-                raise self._no_number() from None
-            if values is not None:
-                if len(values) > 1:
-                    return MultiValue(self, values)
-                return values[0] if values else None
-            if record[4] == SEQUENCE:
-                return sequence_of(self)  # type: ignore[return-value]
-        if self.is_sequence:
-            return self.sequence  # type: ignore[return-value]
-        values = self.values
-        if len(values) > 1:
-            return MultiValue(self, values)
-        return values[0] if values else None
-
-    @value.setter
-    def value(self, value: Any) -> None:
-        """Sets one value, a list of them, bytes as they are, or None for an empty value."""
-        if self.vr == "SQ":
-            self.sequence.assign(value)
-            return
-        self._refuse_parts()
-        self._store(encoded_for(self._level, self.tag, value, self.vr))
-
-    @property
-    def sequence(self) -> Sequence:
-        """The items as a list that can be changed. TypeError for what is no sequence."""
-        if not self.is_sequence:
-            raise TypeError(f"{tag_text(self.tag)} is no sequence")
-        return sequence_of(self)
 
     def _no_number(self) -> ValueError:
         return ValueError(f"{tag_text(self.tag)} is not {self.vr}: {self.text!r}")
@@ -294,7 +208,7 @@ class Element:
         """Whether tag, VR and value are the same."""
         if self is other:
             return True
-        if not isinstance(other, Element):
+        if not isinstance(other, ElementBase):
             return NotImplemented
         self._live, other._live  # noqa: B018
         return equal_elements(self._level, self._now(), other._level, other._now())
@@ -316,7 +230,7 @@ class MultiValue(List[Any]):
     """Several values of an element: a list. Changing it changes the element, or raises and leaves
     both as they are."""
 
-    def __init__(self, element: Element, values: Iterable[Any]) -> None:
+    def __init__(self, element: Any, values: Iterable[Any]) -> None:
         super().__init__(values)
         self._element = element
 
@@ -389,17 +303,3 @@ def encoded_for(level: Level, tag: Tag, value: Any, vr: str) -> bytes:
 
 def _is_ascii(value: Any) -> bool:
     return isinstance(value, str) and value.isascii() and "\x1b" not in value
-
-
-def element_of(level: Level, block: bytes, record: Record) -> Element:
-    """The object that stands for an element: the same while somebody has it."""
-    if level.elements is None:
-        level.elements = {}
-    reference = level.elements.get(record[0])
-    if reference is not None:
-        known = reference()
-        if known is not None:
-            return known  # type: ignore[no-any-return]
-    element = Element(level, block, record)
-    level.elements[record[0]] = weakref.ref(element)
-    return element

@@ -2,28 +2,29 @@
 
 from __future__ import annotations
 
-from collections.abc import MutableSequence
-from typing import Any, Iterable, List, Union, overload
+from typing import Any, Callable, Iterable, List, MutableSequence, TypeVar, Union, overload
 
-from . import _element
+from ._bases import ItemBase
 from ._copying import copy_elements, detached_level
-from ._data_set import Item, check_item, copies_of, item_of
-from ._element import Element
+from ._element import ElementBase
 from ._library import lib
-from ._tree import chain
+from ._tree import Level, chain, level_of
+
+_Item = TypeVar("_Item")
 
 
-class Sequence(MutableSequence):  # type: ignore[type-arg]
+class Sequence(MutableSequence[_Item]):
     """The items of a sequence. Changing it changes the data set.
 
     What is put in is copied: afterwards ``sequence[-1]`` is what belongs to the data set. Items that
     are taken out are gone, and raise ClosedError when they are used.
     """
 
-    __slots__ = ("_element", "_seen", "_handles")
+    __slots__ = ("_element", "_item_of", "_seen", "_handles")
 
-    def __init__(self, element: Element) -> None:
+    def __init__(self, element: ElementBase, item_of: Callable[[Level, int], _Item]) -> None:
         self._element = element
+        self._item_of = item_of
         self._seen: Any = None
         self._handles: List[int] = []
 
@@ -40,17 +41,17 @@ class Sequence(MutableSequence):  # type: ignore[type-arg]
         return len(self._nodes())
 
     @overload
-    def __getitem__(self, index: int) -> Item: ...
+    def __getitem__(self, index: int) -> _Item: ...
 
     @overload
-    def __getitem__(self, index: slice) -> List[Item]: ...
+    def __getitem__(self, index: slice) -> List[_Item]: ...
 
-    def __getitem__(self, index: Union[int, slice]) -> Union[Item, List[Item]]:
+    def __getitem__(self, index: Union[int, slice]) -> Union[_Item, List[_Item]]:
         level = self._element._level
         nodes = self._nodes()[index]
         if isinstance(nodes, list):
-            return [item_of(level, handle) for handle in nodes]
-        return item_of(level, nodes)
+            return [self._item_of(level, handle) for handle in nodes]
+        return self._item_of(level, nodes)
 
     def __delitem__(self, index: Union[int, slice]) -> None:
         nodes = self._nodes()[index]
@@ -65,19 +66,23 @@ class Sequence(MutableSequence):  # type: ignore[type-arg]
             return
         if index.step not in (None, 1):
             raise ValueError("items are replaced one by one, or side by side")
-        copies = copies_of(value)
         start, stop, _ = index.indices(len(self))
+        self._replace(start, stop, copies_of(value))
+
+    def _replace(self, start: int, stop: int, copies: List[Level]) -> None:
         del self[start:stop]
         for offset, copy in enumerate(copies):
-            self.insert(start + offset, copy)
+            self._insert(start + offset, copy)
 
-    def insert(self, index: int, item: Item) -> None:
+    def insert(self, index: int, item: Any) -> None:
         """Puts a copy of an item, or of a data set, in front of the one at the index."""
-        check_item(item)
-        element = self._element
-        source = item._level
-        if source.tree is element._level.tree:
+        source = _level_of_item(item)
+        if source.tree is self._element._level.tree:
             source = detached_level(source)  # it may be what the sequence stands in
+        self._insert(index, source)
+
+    def _insert(self, index: int, source: Level) -> None:
+        element = self._element
         nodes = list(self._nodes())
         index = min(max(index + len(nodes) if index < 0 else index, 0), len(nodes))
         node = lib.pgKitAllocateDataSetNode()
@@ -91,11 +96,15 @@ class Sequence(MutableSequence):  # type: ignore[type-arg]
             lib.pgKitSetNext(node, nodes[index])
             lib.pgKitSetNext(nodes[index - 1], node)
         element._changed()
-        copy_elements(source, item_of(element._level, node)._level)
+        copy_elements(source, level_of(element._level, node))
 
-    def assign(self, items: Iterable[Item]) -> None:
+    def assign(self, items: Iterable[Any]) -> None:
         """Makes copies of these items all that there are."""
-        self[:] = items
+        self.become(copies_of(items))
+
+    def become(self, copies: List[Level]) -> None:
+        """Makes these copies, of ``copies_of``, all that there are."""
+        self._replace(0, len(self), copies)
 
     def __eq__(self, other: object) -> bool:
         if not isinstance(other, (Sequence, list)):
@@ -108,4 +117,15 @@ class Sequence(MutableSequence):  # type: ignore[type-arg]
         return f"<Sequence: {len(self)} items>"
 
 
-_element.sequence_of = Sequence
+def _level_of_item(item: Any) -> Level:
+    if not isinstance(item, ItemBase):
+        raise TypeError(f"a sequence has items, not {type(item).__name__}")
+    level: Level = item._level
+    return level
+
+
+def copies_of(items: Any) -> List[Level]:
+    """What a sequence is to have, apart from any tree; TypeError for anything but items."""
+    if isinstance(items, (str, bytes, ItemBase)) or not isinstance(items, Iterable):
+        raise TypeError(f"a sequence has a list of items, not {type(items).__name__}")
+    return [detached_level(level) for level in [_level_of_item(item) for item in items]]
