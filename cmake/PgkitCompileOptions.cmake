@@ -22,6 +22,11 @@ if(PGKIT_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_compile_options(pgkit_compile_options INTERFACE ${sanitizers})
   target_link_options(pgkit_compile_options INTERFACE ${sanitizers})
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # Programs in C bring the runtime for a module in C++.
+    target_link_options(pgkit_compile_options INTERFACE -fsanitize-link-c++-runtime)
+    target_link_libraries(pgkit_compile_options INTERFACE stdc++)
+  endif()
   if(NOT PGKIT_FUZZ)
     # Tests run for seconds what takes minutes to optimise.
     target_compile_options(pgkit_compile_options INTERFACE -O1 -g1)
@@ -40,8 +45,12 @@ if(PGKIT_SANITIZE_THREADS)
 endif()
 
 # Of programs that use the modules; linked behind the options above. They spend their time in the
-# modules, and to optimise them with sanitizers would take twice as long as to compile them.
+# modules: in a build that is not delivered, optimising them would take longer than it saves.
 add_library(pgkit_program_options INTERFACE)
-if(PGKIT_SANITIZE AND NOT PGKIT_FUZZ)
-  target_compile_options(pgkit_program_options INTERFACE -O0)
+if(PGKIT_UNITY)
+  if(PGKIT_SANITIZE)
+    target_compile_options(pgkit_program_options INTERFACE -O0)
+  else()
+    target_compile_options(pgkit_program_options INTERFACE -O1 -g1)
+  endif()
 endif()

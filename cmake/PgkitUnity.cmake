@@ -8,6 +8,9 @@ function(pgkit_compile_by_folder target root)
     set(files_at_once ${ARGV2})
   endif()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  # Here a source file looks like a header, whose classes should not have members of types of one file.
+  target_compile_options(${target} PRIVATE
+    $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
   get_target_property(sources ${target} SOURCES)
   list(FILTER sources INCLUDE REGEX "\\.cpp$")
   list(FILTER sources EXCLUDE REGEX "_win32")

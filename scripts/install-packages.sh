@@ -19,7 +19,7 @@ case ${1:-} in
         packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
         packages+=(xorriso fonts-dejavu-core)
         optional+=(libgdcm-tools chromium-headless-shell)
-        packages+=(clang clang-format clang-tidy cppcheck lld llvm)
+        packages+=(clang clang-format clang-tidy cppcheck libclang-rt-dev lld llvm)
         ;;
     packages)
         packages+=(debhelper dh-python dpkg-dev fakeroot git libpython3-dev lintian python3 debootstrap)

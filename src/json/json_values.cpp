@@ -4,12 +4,9 @@ namespace pgkit {
 
 namespace {
 
-// What is larger goes back at once: values of this size are rare.
-constexpr size_t kKeptSize = 0x10000;
-
 template <typename Container>
 void Empty(Container& container) {
-    if (container.capacity() > kKeptSize) Container().swap(container);
+    if (container.capacity() > kKeptCapacity) Container().swap(container);
     container.clear();
 }
 

@@ -9,6 +9,9 @@
 
 namespace pgkit {
 
+// A buffer of values that grew beyond this goes back at once: values of this size are rare.
+inline constexpr size_t kKeptCapacity = 0x10000;
+
 enum class JsonKind : uint8_t {
     Null,
     String,

@@ -104,8 +104,7 @@ JsonFault ValueBuilder::Store(const JsonValues& values, PGX_Node& element, bool&
     if (bytes_.size() > kMaxLength) return {PGX_JSON_TOO_LARGE, values[values.Count() - 1].offset};
     const auto length = static_cast<uint32_t>(bytes_.size());
     if (length != 0 && element.SetValue(bytes_.data(), length) == 0) throw std::bad_alloc();
-    constexpr size_t kKeptSize = 0x10000;
-    if (bytes_.capacity() > kKeptSize) std::string().swap(bytes_);
+    if (bytes_.capacity() > kKeptCapacity) std::string().swap(bytes_);
     return {};
 }
 

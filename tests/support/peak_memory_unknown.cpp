@@ -4,6 +4,9 @@ namespace pgkit_test {
 
 PeakMemory::PeakMemory() : before_(0) {}
 
-std::optional<uint64_t> PeakMemory::Growth() const { return std::nullopt; }
+std::optional<uint64_t> PeakMemory::Growth() const {
+    static_cast<void>(before_);
+    return std::nullopt;
+}
 
 }  // namespace pgkit_test
