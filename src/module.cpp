@@ -41,7 +41,7 @@ class PrivateDictionaryReading {
         try {
             PrivateDictionary& dictionary = PrivateDictionary::Instance();
             const auto path = PathBesideHost("privdict.dic");
-            if (path) dictionary.ReadFile(path->c_str());
+            if (path) static_cast<void>(dictionary.ReadFile(path->c_str()));  // few hosts have one
         } catch (...) {
             PrivateDictionary::Instance().Clear();
         }

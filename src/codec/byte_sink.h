@@ -27,8 +27,8 @@ class ByteSink {
 class StreamSink final : public ByteSink {
   public:
     explicit StreamSink(FILE* stream) : stream_(stream) {}
-    bool Write(const uint8_t* bytes, size_t count) override;
-    bool Flush() override;
+    [[nodiscard]] bool Write(const uint8_t* bytes, size_t count) override;
+    [[nodiscard]] bool Flush() override;
     std::optional<uint64_t> Position() override;
 
   private:
@@ -39,7 +39,7 @@ class StreamSink final : public ByteSink {
 class FunctionSink final : public ByteSink {
   public:
     FunctionSink(PgxWriteFunction write, void* context) : write_(write), context_(context) {}
-    bool Write(const uint8_t* bytes, size_t count) override;
+    [[nodiscard]] bool Write(const uint8_t* bytes, size_t count) override;
     std::optional<uint64_t> Position() override { return position_; }
 
   private:
@@ -53,7 +53,7 @@ class BufferSink final : public ByteSink {
   public:
     explicit BufferSink(std::span<uint8_t> room, uint64_t position = 0)
         : room_(room), position_(position) {}
-    bool Write(const uint8_t* bytes, size_t count) override;
+    [[nodiscard]] bool Write(const uint8_t* bytes, size_t count) override;
     std::optional<uint64_t> Position() override { return position_; }
 
   private:
@@ -70,8 +70,8 @@ struct BytePatch {
 class PatchingSink final : public ByteSink {
   public:
     PatchingSink(ByteSink& out, std::vector<BytePatch> patches);
-    bool Write(const uint8_t* bytes, size_t count) override;
-    bool Flush() override { return out_.Flush(); }
+    [[nodiscard]] bool Write(const uint8_t* bytes, size_t count) override;
+    [[nodiscard]] bool Flush() override { return out_.Flush(); }
     std::optional<uint64_t> Position() override { return out_.Position(); }
 
   private:

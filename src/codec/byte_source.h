@@ -35,7 +35,7 @@ class StreamSource final : public ByteSource {
     FILE* Stream() const { return stream_; }
 
     Portion Read(uint8_t* out, size_t count) override;
-    bool Seek(uint64_t position) override;
+    [[nodiscard]] bool Seek(uint64_t position) override;
     std::optional<uint64_t> Position() override;
     uint64_t Size() override;
 
@@ -49,7 +49,7 @@ class MemorySource final : public ByteSource {
     explicit MemorySource(std::span<const uint8_t> bytes) : bytes_(bytes) {}
 
     Portion Read(uint8_t* out, size_t count) override;
-    bool Seek(uint64_t position) override;
+    [[nodiscard]] bool Seek(uint64_t position) override;
     std::optional<uint64_t> Position() override { return position_; }
     uint64_t Size() override { return bytes_.size(); }
 

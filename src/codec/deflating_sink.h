@@ -15,8 +15,8 @@ class DeflatingSink final : public ByteSink {
     // Throws std::bad_alloc.
     explicit DeflatingSink(ByteSink& out);
 
-    bool Write(const uint8_t* bytes, size_t count) override;
-    bool Flush() override { return out_.Flush(); }
+    [[nodiscard]] bool Write(const uint8_t* bytes, size_t count) override;
+    [[nodiscard]] bool Flush() override { return out_.Flush(); }
     std::optional<uint64_t> Position() override { return position_; }
 
     bool HasStarted() const { return hasStarted_; }

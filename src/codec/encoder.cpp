@@ -189,7 +189,7 @@ class Encoder {
         } else if (node.length < kFirstTooLongForShortHeader) {
             header.Put16(static_cast<uint16_t>(node.length));
         } else {
-            Put(header);
+            static_cast<void>(Put(header));
             return out_.Fail(kValueTooLong);
         }
         return Put(header);

@@ -23,7 +23,7 @@ struct SaveWishes {
 // Writes a node and everything below it in the encoding that the mode says. Sequences and items
 // carry the lengths that stand in their nodes. Sets every fileOffset that is 0 to the output
 // position. When it returns, nothing is held back, whatever the result.
-[[nodiscard]] WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink,
+WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink,
                                      const SaveWishes& wishes = {});
 
 }  // namespace pgkit

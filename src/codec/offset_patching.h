@@ -33,9 +33,9 @@ class PendingOffsets {
 
     // Puts the offsets into the elements and, in the given byte order, into the written file, which
     // has been opened again (null: it could not be) and is closed.
-    [[nodiscard]] WriteResult Patch(platform::FileHandle file, ByteOrder order);
+    WriteResult Patch(platform::FileHandle file, ByteOrder order);
     // Puts them into the elements, and tells what is to stand in the output.
-    [[nodiscard]] WriteResult Collect(ByteOrder order, std::vector<BytePatch>& patches);
+    WriteResult Collect(ByteOrder order, std::vector<BytePatch>& patches);
 
     // For WalkTree.
     WalkStep Enter(PGX_Node& node, size_t depth);

@@ -32,12 +32,12 @@ class Saving {
         Later  // the file is opened again for them
     };
     // Throws std::bad_alloc.
-    [[nodiscard]] WriteResult Write(ByteSink& sink, Links links);
+    WriteResult Write(ByteSink& sink, Links links);
 
     // Whether Patch has to follow.
     bool HasLinksLeft() const { return hasLinksLeft_; }
     // The file that was written, opened again; null: it could not be.
-    [[nodiscard]] WriteResult Patch(platform::FileHandle file);
+    WriteResult Patch(platform::FileHandle file);
 
   private:
     WriteResult Prepare();

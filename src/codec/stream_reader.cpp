@@ -102,6 +102,6 @@ size_t StreamReader::ReadLarge(uint8_t* out, size_t count) {
     return fromBuffer + more;
 }
 
-void StreamReader::RestorePosition() { MoveStreamTo(Position()); }
+void StreamReader::RestorePosition() { static_cast<void>(MoveStreamTo(Position())); }
 
 }  // namespace pgkit

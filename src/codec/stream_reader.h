@@ -84,7 +84,7 @@ class StreamReader {
     bool FillTo(size_t count);
     void MakeRoom(size_t size);
     size_t ReadLarge(uint8_t* out, size_t count);
-    bool MoveStreamTo(uint64_t position);
+    [[nodiscard]] bool MoveStreamTo(uint64_t position);
     // Reads at the source's own position.
     size_t ReadSource(uint8_t* out, size_t count);
 

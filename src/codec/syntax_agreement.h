@@ -27,6 +27,6 @@ constexpr uint32_t kMetaModes = PG_META | PG_META_IMPLICIT_VR;
 //
 // kReadFailed when the element's value cannot be read, kOutOfMemory when it cannot be set. Throws
 // std::bad_alloc.
-[[nodiscard]] WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode, bool& isDeflated);
+WriteResult AgreeOnSyntax(PGX_Node& root, uint32_t& mode, bool& isDeflated);
 
 }  // namespace pgkit

@@ -33,23 +33,23 @@ int32_t WriteInto(platform::FileHandle file, Write&& write) {
     StreamSink sink(file.get());
     OutputWriter out(sink);
     if (!out.HasBuffer()) return 0;
-    write(out);
+    static_cast<void>(write(out));
     static_cast<void>(out.Flush());
     return 1;
 }
 
 int32_t ExportFromMemory(const PGX_Node& node, const char* path) {
     return WriteInto(CreateBeside(path, IdentityOfStream(node)), [&](OutputWriter& out) {
-        WriteValue(node.value, node.valueRep, node.length, out, !IsHostOrder(node.endian));
+        return WriteValue(node.value, node.valueRep, node.length, out, !IsHostOrder(node.endian));
     });
 }
 
 int32_t ExportFromStream(const PGX_Node& node, const char* path) {
     return WriteInto(CreateBeside(path, IdentityOfStream(node)), [&](OutputWriter& out) {
-        if (node.fileOffset == kUnreadablePosition) return;
+        if (node.fileOffset == kUnreadablePosition) return kWritten;
         const auto reader = std::make_unique<StreamReader>(node.file);
         reader->Seek(node.fileOffset);
-        CopyValue(reader.get(), node.valueRep, node.length, out, !IsHostOrder(node.endian));
+        return CopyValue(reader.get(), node.valueRep, node.length, out, !IsHostOrder(node.endian));
     });
 }
 
@@ -61,7 +61,7 @@ int32_t ExportContentFile(const char* contentFile, const char* path) {
     return WriteInto(CreateBeside(path, identity), [&](OutputWriter& out) {
         const auto reader = std::make_unique<StreamReader>(source.get());
         reader->Seek(0);
-        CopyValue(reader.get(), VR_OB, size, out, false);
+        return CopyValue(reader.get(), VR_OB, size, out, false);
     });
 }
 

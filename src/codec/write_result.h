@@ -8,7 +8,7 @@
 
 namespace pgkit {
 
-enum WriteResult : uint32_t {
+enum [[nodiscard]] WriteResult : uint32_t {
     kWritten = 0,
     kCannotCreate = 1,
     kNoSource = 2,

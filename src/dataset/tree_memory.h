@@ -51,7 +51,7 @@ class TreeMemory {
     static constexpr size_t kLargestCell = 256;
     static constexpr size_t kTreeWorthABlock = size_t{2} << 20;
 
-    bool OpenBlock();
+    [[nodiscard]] bool OpenBlock();
     void CloseBlock();
 
     uint8_t* next_ = nullptr;

@@ -27,7 +27,7 @@ class BrowseGuard {
 
     // Whether the walk of this level may handle the record. False ends the chain there: the record
     // was handled in this walk already, or the browse has used up what it may handle.
-    bool Admit(HierarchyLevel level, RecordNumber number);
+    [[nodiscard]] bool Admit(HierarchyLevel level, RecordNumber number);
 
   private:
     using WalkNumber = uint32_t;  // 0 is no walk

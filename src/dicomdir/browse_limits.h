@@ -28,7 +28,7 @@ class BrowseLimits {
     bool AreExhausted() const { return areExhausted_; }
 
   private:
-    bool Take(uint64_t& left, uint64_t wanted);
+    [[nodiscard]] bool Take(uint64_t& left, uint64_t wanted);
 
     uint64_t visitsLeft_;
     uint64_t bytesAgainLeft_;

@@ -9,7 +9,7 @@ namespace pgkit {
 // what they lead to (offsetPending, offsetTarget), so that a tree that is written again gets
 // offsets that are right there. An offset that leads nowhere is reported on the standard output and
 // stops this: the elements behind it keep bare offsets. Returns whether all offsets were resolved.
-bool ResolveLinks(const RecordTable& records);
+[[nodiscard]] bool ResolveLinks(const RecordTable& records);
 
 struct Link {
     enum class Kind {

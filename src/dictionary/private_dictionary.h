@@ -34,7 +34,7 @@ class PrivateDictionary {
 
     // Replaces all entries by those of a file. False when there is no such path, or it is a folder.
     // There are no entries when it throws.
-    bool ReadFile(const char* path);
+    [[nodiscard]] bool ReadFile(const char* path);
     void Clear();
 
     // The first entry with exactly these numbers, whoever its creator; null when there is none.
@@ -54,7 +54,7 @@ class PrivateDictionary {
         size_t operator()(const CreatorKey& key) const;
     };
 
-    bool ReadLines(const char* path);
+    [[nodiscard]] bool ReadLines(const char* path);
     void AddLine(const char* line);
 
     // In file order. A list never moves its entries, to which the indexes refer, and takes no

@@ -64,7 +64,7 @@ class DataSetEvents : public JsonEvents {
 
     bool BeginDataSet();
     bool EndDataSet(JsonKind kind);
-    bool HandOver(NodeTree dataSet);
+    [[nodiscard]] bool HandOver(NodeTree dataSet);
     bool BeginElement(std::string_view name);
     JsonMember BeginMember(std::string_view name);
     bool NoteMember(bool& isThere, State next);
@@ -73,9 +73,9 @@ class DataSetEvents : public JsonEvents {
     bool EndName();
     bool EndElement();
     std::optional<uint32_t> FindVr();
-    bool StoreValue(PGX_Node& node);
-    bool StoreItems(PGX_Node& sequence);
-    bool FetchBulk(PGX_Node& node);
+    [[nodiscard]] bool StoreValue(PGX_Node& node);
+    [[nodiscard]] bool StoreItems(PGX_Node& sequence);
+    [[nodiscard]] bool FetchBulk(PGX_Node& node);
     bool AddValue(JsonKind kind, std::string_view text = {});
 
     const PgxJsonReadOptions& options_;

@@ -19,7 +19,7 @@ class DataSetWriter {
     DataSetWriter(JsonOutput& output, const PgxJsonWriteOptions& options);
 
     // 0 or a PgxJsonError.
-    int32_t Write(PGX_Node& dataSet);
+    [[nodiscard]] int32_t Write(PGX_Node& dataSet);
 
   private:
     // A data set that is being written, and where in it.
@@ -35,8 +35,8 @@ class DataSetWriter {
 
     void OpenDataSet(PGX_Node& dataSet);
     void CloseDataSet();
-    int32_t WriteElement(Level& level, PGX_Node& element);
-    int32_t WriteContent(const Level& level, PGX_Node& element, uint32_t valueRep);
+    [[nodiscard]] int32_t WriteElement(Level& level, PGX_Node& element);
+    [[nodiscard]] int32_t WriteContent(const Level& level, PGX_Node& element, uint32_t valueRep);
     void OpenSequence(Level& level, PGX_Node& sequence);
     void BeginElement(uint16_t group, uint16_t element, const char* valueRep);
     void WriteCharacterSet();

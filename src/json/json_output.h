@@ -50,7 +50,7 @@ class JsonOutput {
     void Commit(size_t size);
 
     // Passes on what is still in the buffer. False when the function failed, now or before.
-    bool Finish();
+    [[nodiscard]] bool Finish();
     bool HasFailed() const;
     // How many bytes were written.
     uint64_t Size() const;

@@ -13,7 +13,7 @@
 namespace pgkit {
 
 // Why a value cannot be built, and where in the JSON.
-struct JsonFault {
+struct [[nodiscard]] JsonFault {
     int32_t error;  // 0 or a PgxJsonError
     uint64_t offset;
 };

@@ -151,7 +151,7 @@ void SOPClassSet::ReadFile(const char* path, std::string_view rootName) {
     if (list == nullptr) return;
     for (const XmlNode* entry = ElementFrom(list->first_node(), kEntryName); entry != nullptr;
          entry = ElementFrom(entry->next_sibling(), kEntryName)) {
-        Insert(ReadEntry(*entry));
+        static_cast<void>(Insert(ReadEntry(*entry)));  // the first one of a UID counts
     }
 }
 

@@ -34,7 +34,7 @@ class SOPClassSet {
     void Clear() { entries_.clear(); }
 
     // False, with nothing changed, for an invalid class or a UID that the set has already.
-    bool Insert(SOPClass sopClass);
+    [[nodiscard]] bool Insert(SOPClass sopClass);
 
     // Null when the set has no such UID.
     const SOPClass* Find(std::string_view uid) const;

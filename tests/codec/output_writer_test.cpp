@@ -32,7 +32,7 @@ TEST(OutputWriter, PassesOnPiecesOfEverySizeInTheirOrder) {
 TEST(OutputWriter, ReservesRoomUpToItsCapacityWhateverItHolds) {
     FailingSink sink;
     OutputWriter out(sink);
-    out.Write("ab", 2);
+    EXPECT_EQ(out.Write("ab", 2), kWritten);
     uint8_t* room = out.Reserve(OutputWriter::kCapacity);
     ASSERT_NE(room, nullptr);
     EXPECT_EQ(sink.Written().size(), 2u);
@@ -47,7 +47,7 @@ TEST(OutputWriter, CommitsOnlyAPartOfWhatWasReserved) {
     OutputWriter out(sink);
     std::memcpy(out.Reserve(4), "abcd", 4);
     out.Commit(2);
-    out.Write("x", 1);
+    EXPECT_EQ(out.Write("x", 1), kWritten);
     EXPECT_TRUE(out.Flush());
     EXPECT_EQ(sink.Written(), (Bytes{'a', 'b', 'x'}));
 }
@@ -55,12 +55,12 @@ TEST(OutputWriter, CommitsOnlyAPartOfWhatWasReserved) {
 TEST(OutputWriter, CountsItsPositionFromThatOfTheSink) {
     FailingSink sink(FailingSink::kUnlimited, 0x1'0000'0000);
     OutputWriter out(sink);
-    out.Write("abc", 3);
+    EXPECT_EQ(out.Write("abc", 3), kWritten);
     EXPECT_EQ(out.Position(), 0x1'0000'0003);
     EXPECT_TRUE(out.Flush());
     EXPECT_EQ(out.Position(), 0x1'0000'0003);
     const Bytes large(OutputWriter::kCapacity);
-    out.Write(large.data(), large.size());
+    EXPECT_EQ(out.Write(large.data(), large.size()), kWritten);
     EXPECT_EQ(out.Position(), 0x1'0000'0003 + large.size());
 }
 
@@ -80,13 +80,13 @@ TEST(OutputWriter, FailsForGoodOnceTheSinkHasFailed) {
 TEST(OutputWriter, ReportsWhatWentWrongFirst) {
     FailingSink good;
     OutputWriter toGood(good);
-    toGood.Write("abc", 3);
+    EXPECT_EQ(toGood.Write("abc", 3), kWritten);
     EXPECT_EQ(toGood.Fail(kReadFailed), kReadFailed);
     EXPECT_EQ(good.Written().size(), 3u);
 
     FailingSink bad(2);
     OutputWriter toBad(bad);
-    toBad.Write("abc", 3);
+    EXPECT_EQ(toBad.Write("abc", 3), kWritten);
     EXPECT_EQ(toBad.Fail(kReadFailed), kWriteFailed);
 }
 

@@ -34,7 +34,7 @@ class RecordTree {
     // Returns whether there were any. The hierarchy is the caller's to change; what is left of it
     // afterwards forgets records that are gone: a leaf then has one that is none, the others have
     // null.
-    bool RemoveStudies(std::string_view uid);
+    [[nodiscard]] bool RemoveStudies(std::string_view uid);
     void ForgetRemoved();
 
     // Each becomes the last of its level, but stands in front of those at its end that have nothing
