@@ -3,6 +3,7 @@
 #include <set>
 
 #include "pgkit/dictionary.h"
+#include "pgkit/edition.h"
 
 namespace pgtool {
 
@@ -11,27 +12,15 @@ namespace {
 // Element identifiers of the built-in tables count up to it.
 constexpr uint32_t kLastIdentifier = 3781;
 
-// The library tells what a tag is called, not which tags there are. Elements of today are in the
-// groups of the built-in ones and among the first; asking for all of these takes a moment.
 std::vector<pgkit::tag> FindTags() {
-    constexpr uint16_t kFirstGroups = 0x0100;
     std::set<pgkit::tag> tags;
-    std::set<uint16_t> groups;
-    for (uint16_t group = 0; group < kFirstGroups; group += 2)
-        groups.insert(group);
+    pgkit::tag tag;
     for (uint32_t identifier = 0; identifier <= kLastIdentifier; ++identifier) {
-        pgkit::tag tag;
-        if (pgFindElementIdInfo(static_cast<int32_t>(identifier), &tag.group, &tag.element) == 0)
-            continue;
+        if (pgFindElementIdInfo(static_cast<int32_t>(identifier), &tag.group, &tag.element) != 0)
+            tags.insert(tag);
+    }
+    for (uint32_t i = 0; pgxCurrentTagAt(i, &tag.group, &tag.element) != 0; ++i)
         tags.insert(tag);
-        groups.insert(tag.group);
-    }
-    for (const uint16_t group : groups) {
-        for (uint32_t number = 0; number <= 0xFFFF; ++number) {
-            const pgkit::tag tag{group, static_cast<uint16_t>(number)};
-            if (pgxTagKeyword(tag.group, tag.element, nullptr, 0) != 0) tags.insert(tag);
-        }
-    }
     return {tags.begin(), tags.end()};
 }
 

@@ -41,6 +41,8 @@ std::vector<std::string> NearestFew(const std::string& typed, const std::vector<
     const size_t furthest = std::max<size_t>(typed.size() / 3, 1);
     std::vector<std::pair<size_t, size_t>> found;  // distance, index
     for (size_t i = 0; i < words.size(); ++i) {
+        const size_t longer = std::max(typed.size(), words[i].size());
+        if (longer - std::min(typed.size(), words[i].size()) > furthest) continue;
         const size_t distance = Distance(typed, words[i]);
         if (distance <= furthest) found.emplace_back(distance, i);
     }

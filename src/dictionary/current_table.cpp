@@ -163,6 +163,11 @@ std::optional<CurrentElement> FindCurrentElement(uint16_t group, uint16_t elemen
     return std::nullopt;
 }
 
+std::optional<CurrentElement> CurrentElementAt(size_t index) {
+    if (index >= kRowCount + kRangeCount) return std::nullopt;
+    return ElementOf(RowAt(index));
+}
+
 std::optional<CurrentElement> FindCurrentKeyword(std::string_view keyword) {
     if (keyword.empty() || keyword.size() > kMaxElementNameLength) return std::nullopt;
     const size_t row = kKeywordIndex.Find(NameHash(keyword), [keyword](size_t i) {

@@ -80,6 +80,14 @@ size_t Copy(const char* uid, const char* CurrentUid::*text, char* buffer, size_t
     return CopyBounded(buffer, size, entry != nullptr ? entry->*text : "");
 }
 
+int32_t TellTagAt(uint32_t index, uint16_t* group, uint16_t* element) {
+    const auto found = CurrentElementAt(index);
+    if (!found) return 0;
+    if (group != nullptr) *group = static_cast<uint16_t>(found->tag >> 16);
+    if (element != nullptr) *element = static_cast<uint16_t>(found->tag);
+    return 1;
+}
+
 }  // namespace
 
 }  // namespace pgkit
@@ -104,6 +112,10 @@ size_t pgxTagMultiplicity(uint16_t group, uint16_t element, char* buffer, size_t
 
 int32_t pgxFindTag(const char* name, uint16_t* group, uint16_t* element) {
     return Guarded([=] { return pgkit::TellTag(name, group, element); });
+}
+
+int32_t pgxCurrentTagAt(uint32_t index, uint16_t* group, uint16_t* element) {
+    return Guarded([=] { return pgkit::TellTagAt(index, group, element); });
 }
 
 size_t pgxUidName(const char* uid, char* buffer, size_t size) {

@@ -4,12 +4,14 @@
 #include <pgkit/edition.h>
 #include <pgkit/value_representation.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "support/current_edition.h"
 #include "support/private_dictionary.h"
@@ -294,6 +296,20 @@ TEST(TagMultiplicity, IsAsPrinted) {
     EXPECT_EQ(Multiplicity(0x0020, 0x0032), "3");
     EXPECT_EQ(Multiplicity(0x6002, 0x0050), "2");
     EXPECT_EQ(Multiplicity(0x0009, 0x1001), "");
+}
+
+TEST(CurrentTagAt, GoesThroughAllTagsOfTodayAndThenTheRanges) {
+    std::vector<uint32_t> tags;
+    uint16_t group = 0;
+    uint16_t element = 0;
+    for (uint32_t index = 0; pgxCurrentTagAt(index, &group, &element) == 1; ++index)
+        tags.push_back(uint32_t{group} << 16 | element);
+    const auto ranges = std::is_sorted_until(tags.begin(), tags.end());
+    EXPECT_EQ(ranges - tags.begin(), 5189);
+    EXPECT_TRUE(std::binary_search(tags.begin(), ranges, 0x00100010u));
+    EXPECT_EQ(std::count(ranges, tags.end(), 0x60003000u), 1);
+    EXPECT_EQ(pgxCurrentTagAt(UINT32_MAX, &group, &element), 0);
+    EXPECT_EQ(pgxCurrentTagAt(0, nullptr, nullptr), 1);
 }
 
 TEST(FindTag, UnderstandsBothSpellingsWithoutRegardToCase) {

@@ -144,6 +144,7 @@ static void CallEditions(void) {
     EXPECT(pgxTagKeyword(0x0010, 0x0010, text, sizeof text) == 11);
     EXPECT(pgxTagMultiplicity(0x0010, 0x0010, text, sizeof text) == 1);
     EXPECT(pgxFindTag("PatientName", &group, &element) == 1 && group == 0x0010);
+    EXPECT(pgxCurrentTagAt(0, &group, &element) == 1 && group == 0x0000 && element == 0x0000);
     EXPECT(pgxUidName("1.2.840.10008.1.1", text, sizeof text) == 22);
     EXPECT(pgxUidKeyword("1.2.840.10008.1.1", text, sizeof text) == 12);
     EXPECT(pgxGetSVValue(NULL) == 0 && pgxGetUVValue(NULL) == 0);
