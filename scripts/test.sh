@@ -51,13 +51,13 @@ progress() {
     printf '[%2d:%02d] %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$1"
 }
 
-# run NAME COMMAND...: runs a command, for $limit seconds at most; its output, exit status and
-# processor time are kept.
+# run NAME COMMAND...: runs a command, for $limit seconds at most and with $niceness; its output, exit
+# status and processor time are kept.
 run() {
     local name=$1 status=0 user system
     shift
     TIMEFORMAT='%U %S'
-    { time timeout --kill-after=10 "${limit:-900}" "$@" >"$results/$name.log" 2>&1 </dev/null; } \
+    { time nice -n "${niceness:-0}" timeout --kill-after=10 "${limit:-900}" "$@" >"$results/$name.log" 2>&1 </dev/null; } \
         2>"$results/$name.time" || status=$?
     echo "$status" >"$results/$name.status"
     read -r user system < <(tail -n 1 "$results/$name.time")
@@ -67,9 +67,10 @@ run() {
     return "$status"
 }
 
-# start NAME COMMAND...: the same in the background.
+# start NAME COMMAND...: the same in the background. There it takes what the build in the foreground
+# leaves: with more that runs than there are processors, everything takes more processor time.
 start() {
-    run "$@" &
+    niceness=${niceness:-10} run "$@" &
 }
 
 # start_gtest NAME LAUNCHER... PROGRAM: starts a GoogleTest program that reports its cases as XML.
@@ -140,15 +141,29 @@ native_lane() {
     start firewall tests/exports/check_firewall.py
 }
 
+# Tests for Windows wait for Wine most of the time: they go on beside the builds.
 windows_lane() {
-    local suffix=.exe
+    local suffix=.exe niceness=0
     limit=3600 run build-windows-x64 scripts/build.sh windows-x64 -- "${by_folder[@]}" || return
     start_programs windows-x64 scripts/wine.sh
 }
 
-# What needs the native build and the one for Windows.
-both_lane() {
-    local wine=$root/scripts/wine.sh
+sanitizer_lane() {
+    local suffix=
+    limit=3600 run build-native-sanitize scripts/build.sh native-sanitize || return
+    start_programs native-sanitize env
+    limit=3600 run build-native-tsan scripts/build.sh native-tsan || return
+    start_gtest native-tsan-pgkit_thread_tests build/native-tsan/bin/pgkit_thread_tests
+}
+
+# What needs more than one of the builds.
+common_lane() {
+    local wine=$root/scripts/wine.sh name
+    for name in compare_readers:interop compare_directories:directories; do
+        start "${name#*:}" "tests/interop/${name%:*}.py" "$root/build/native/bin/pgtool" \
+            "$root/build/native-sanitize/bin/pgtool" "$wine" \
+            "$root/build/windows-x64/bin/pgtool.exe"
+    done
     start msabi tests/msabi/run_host.sh build/windows-x64
     start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
         build/windows-x64/bin/pgkit.dll
@@ -170,24 +185,6 @@ both_lane() {
         "$root/build/windows-x64/bin/creation_probe.exe"
     start compilers tests/compilers/check_compilers.py build/native build/windows-x64 "$wine"
     start installation tests/consumer/check_installation.py build/native build/windows-x64 "$wine"
-}
-
-sanitizer_lane() {
-    local suffix=
-    limit=3600 run build-native-sanitize scripts/build.sh native-sanitize || return
-    start_programs native-sanitize env
-    limit=3600 run build-native-tsan scripts/build.sh native-tsan || return
-    start_gtest native-tsan-pgkit_thread_tests build/native-tsan/bin/pgkit_thread_tests
-}
-
-# What needs the builds for both systems and the one with sanitizers.
-all_lane() {
-    local name
-    for name in compare_readers:interop compare_directories:directories; do
-        start "${name#*:}" "tests/interop/${name%:*}.py" "$root/build/native/bin/pgtool" \
-            "$root/build/native-sanitize/bin/pgtool" "$root/scripts/wine.sh" \
-            "$root/build/windows-x64/bin/pgtool.exe"
-    done
 }
 
 progress "installing what is missing"
@@ -214,28 +211,20 @@ export TSAN_OPTIONS=exitcode=99
 by_folder=(-DPGKIT_UNITY=ON)
 [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER:-} ]] || by_folder=(-DPGKIT_UNITY=OFF)
 
-# The tests of one build run while the next one is compiled, and two builds go on side by side:
-# neither the end of one nor a link leaves a processor idle.
+# The tests of one build run while the next one is compiled.
 presets=(native)
 progress "building and testing; the logs are in build/results"
 if $quick; then
     (native_lane || true; wait)
 else
     presets+=(windows-x64 native-sanitize native-tsan)
-    # Those for Windows first: their tests wait for Wine, and leave the processors to the others.
-    ({ windows_lane && native_lane && both_lane; } || true; wait) &
-    (sanitizer_lane || true; run lint scripts/lint.sh || true; wait) &
-    wait
+    ({ windows_lane && sanitizer_lane && native_lane && common_lane && run lint scripts/lint.sh; } || true
+        wait)
 fi
 for preset in "${presets[@]}"; do
     [[ $(status_of "build-$preset") -eq 0 ]] || count "build-$preset" 0 1
 done
 [[ $failed -eq 0 ]] || give_up "building"
-if ! $quick; then
-    progress "comparing with other readers"
-    (all_lane; wait)
-fi
-
 for preset in "${presets[@]}"; do
     [[ $preset != native-tsan ]] || continue
     for program in "${programs[@]}"; do
