@@ -63,10 +63,10 @@ PGKIT_API size_t pgxTagMultiplicity(uint16_t group, uint16_t element, char* buff
 // untouched, for any other text and for null. The outputs may be null.
 PGKIT_API int32_t pgxFindTag(const char* name, uint16_t* group, uint16_t* element);
 
-// The tags that today's standard lists, one after the other: for lists to choose from. Of a repeating
-// group, or another range, it is the first tag. The index counts from 0; tags of one place ascend, the
-// ranges stand behind them. Returns 1; or 0, with the outputs untouched, for an index beyond the last
-// one. The outputs may be null.
+// The tags that today's standard lists, one after the other: for lists to choose from. Of a
+// repeating group, or another range, it is the first tag. The index counts from 0; tags of one
+// place ascend, the ranges stand behind them. Returns 1; or 0, with the outputs untouched, for an
+// index beyond the last one. The outputs may be null.
 PGKIT_API int32_t pgxCurrentTagAt(uint32_t index, uint16_t* group, uint16_t* element);
 
 // The name ("CT Image Storage") and the keyword ("CTImageStorage") of a UID in today's standard. 0

@@ -24,6 +24,6 @@ struct SaveWishes {
 // carry the lengths that stand in their nodes. Sets every fileOffset that is 0 to the output
 // position. When it returns, nothing is held back, whatever the result.
 WriteResult EncodeNode(PGX_Node& node, uint32_t mode, ByteSink& sink,
-                                     const SaveWishes& wishes = {});
+                       const SaveWishes& wishes = {});
 
 }  // namespace pgkit

@@ -8,7 +8,9 @@
 
 namespace pgkit {
 
-enum [[nodiscard]] WriteResult : uint32_t {
+enum [[nodiscard]] WriteResult : uint32_t;
+
+enum WriteResult : uint32_t {
     kWritten = 0,
     kCannotCreate = 1,
     kNoSource = 2,

@@ -8,7 +8,9 @@
 
 namespace pgkit {
 
-enum class [[nodiscard]] EncodeResult { Done, NotExpressible, InvalidUtf8 };
+enum class [[nodiscard]] EncodeResult;
+
+enum class EncodeResult { Done, NotExpressible, InvalidUtf8 };
 
 // Appends the encoded text to result, which is of no use after a failure. Throws std::bad_alloc.
 EncodeResult EncodeText(std::string_view attribute, const TextRules& rules, std::string_view utf8,

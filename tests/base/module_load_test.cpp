@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/host_directory.h"
+#include "support/host_system.h"
 
 namespace {
 
@@ -19,7 +20,6 @@ using pgkit_test::HostDirectory;
 const std::vector<std::string> kQuestion = {"0019", "1010"};
 constexpr const char* kUnknown = "255 <Unknown Tag>\n";
 constexpr const char* kKnown = "5 Name\n";
-constexpr bool kIsWindows = fs::path::preferred_separator == '\\';
 const std::string kLine = "(0019,\"X\",1010) LO Name 1\n";
 
 class ModuleLoad : public testing::Test {
@@ -65,7 +65,7 @@ TEST_F(ModuleLoad, DoesNotLookInTheCurrentDirectory) {
 
 // A directory that is not known used to be C:\, which is the name of an entry there elsewhere.
 TEST_F(ModuleLoad, DoesNotLookInTheCurrentDirectoryWhenTheHostsIsNotKnown) {
-    if (kIsWindows) GTEST_SKIP() << "C:\\ is a directory of its own here";
+    if (pgkit_test::kIsWindows) GTEST_SKIP() << "C:\\ is a directory of its own here";
     fs::create_directory(host_.Path("C:"));
     host_.Write("C:/privdict.dic", kLine);
     host_.Write("C:/halvorix.xml", "<properties><broken</properties>");

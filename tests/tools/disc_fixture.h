@@ -11,14 +11,13 @@
 
 #include "support/browsed_directory.h"
 #include "support/captured.h"
+#include "support/host_system.h"
 #include "support/instance_file.h"
 #include "support/patient_list.h"
 #include "support/temp_dir.h"
 #include "tools/run_pgtool.h"
 
 namespace pgkit_test {
-
-constexpr bool kPathsHaveBackslashes = std::filesystem::path::preferred_separator == '\\';
 
 // The first series of a disc.
 constexpr const char* kSeries = "DICOM/PAT00001/STU00001/SER00001/";

@@ -99,7 +99,7 @@ TEST_F(PgtoolDiscMedia, NeedsNoSecondMediumWhereOneIsEnough) {
 // ---- Images -------------------------------------------------------------------------------------
 
 TEST_F(PgtoolDiscMedia, SaysBeforeItCopiesThatNoProgramMakesImages) {
-    if (kPathsHaveBackslashes) GTEST_SKIP() << "needs a PATH of its own";
+    if (kIsWindows) GTEST_SKIP() << "needs a PATH of its own";
     Write("A", Complete(1));
     const Finished run = RunProgram("/usr/bin/env", {"PATH=/nowhere", PGKIT_PGTOOL, "disc",
                                                      Source(), "-o", Target(), "--image", "D.iso"});
@@ -109,7 +109,7 @@ TEST_F(PgtoolDiscMedia, SaysBeforeItCopiesThatNoProgramMakesImages) {
 }
 
 TEST_F(PgtoolDiscMedia, HasImagesMadeByAnotherProgram) {
-    if (kPathsHaveBackslashes) GTEST_SKIP() << "needs a PATH of its own";
+    if (kIsWindows) GTEST_SKIP() << "needs a PATH of its own";
     Write("A", Large(InstanceOf(1, 1, 1), 100000));
     Write("B", Large(InstanceOf(2, 1, 1), 100000));
     fs::create_directory(directory_.Path("bin"));

@@ -170,7 +170,7 @@ TEST_F(PgtoolDisc, MakesTheDirectoriesAboveIt) {
 
 // The system kills a program that writes more than it may: here in the middle of the second file.
 TEST_F(PgtoolDisc, LeavesNothingThatLooksFinishedWhenItIsKilled) {
-    if (kPathsHaveBackslashes) GTEST_SKIP() << "needs limits of POSIX";
+    if (kIsWindows) GTEST_SKIP() << "needs limits of POSIX";
     Write("A", Complete(1));
     Write("B", Large(Complete(2), 3 << 20));
     for (const bool isEmptyDirectory : {false, true}) {
@@ -190,7 +190,7 @@ TEST_F(PgtoolDisc, LeavesNothingThatLooksFinishedWhenItIsKilled) {
 }
 
 TEST_F(PgtoolDisc, LeavesNothingWhenThereIsNoRoom) {
-    if (kPathsHaveBackslashes) GTEST_SKIP() << "needs limits of POSIX";
+    if (kIsWindows) GTEST_SKIP() << "needs limits of POSIX";
     Write("A", Complete(1));
     Write("B", Large(Complete(2), 3 << 20));
     const Finished run =
@@ -203,7 +203,7 @@ TEST_F(PgtoolDisc, LeavesNothingWhenThereIsNoRoom) {
 
 TEST_F(PgtoolDisc, TakesWhateverNamesFilesHave) {
     std::vector<std::string> names = {"-o", "a b", "&lt;i&gt;", "%s%n", "..x", "\xC3\xA4.dcm"};
-    if (!kPathsHaveBackslashes) {
+    if (!kIsWindows) {
         names.insert(names.end(), {"back\\slash", "SUB\\b", "line\nend", "<script>", "\"", "'"});
         names.emplace_back(200, 'x');
     }

@@ -30,7 +30,8 @@ class FolderScan {
     bool IsNew(const Subfolder& subfolder);
     // False when the callback ended the scan.
     [[nodiscard]] bool AddFiles(const std::string& subfolder,
-                  const std::vector<platform::DirectoryEntry>& entries, bool descends);
+                                const std::vector<platform::DirectoryEntry>& entries,
+                                bool descends);
     PgAcceptanceCode Judge(const std::string& subfolder, const platform::DirectoryEntry& entry);
     std::string FullPath(const std::string& relativePath) const;
 
