@@ -60,7 +60,8 @@ bool DataSetEvents::StartObject() {
 JsonMember DataSetEvents::Key(std::string_view name) {
     bool goesOn = false;
     if (state_ == State::Object) {
-        if (IsNameGroup(name)) {
+        const bool isName = Element().hasVr && Element().valueRep == VR_PN;
+        if (isName || IsNameGroup(name)) {
             state_ = State::Name;
         } else if (!BeginDataSet()) {
             return JsonMember::Refused;

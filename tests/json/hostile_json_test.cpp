@@ -85,6 +85,8 @@ TEST(HostileJson, HasAnUnknownMember) {
               "an unknown member at Modality");
     EXPECT_EQ(FailureOf(R"({"00100010":{"vr":"PN","Value":[{"Phonetic":"","alphabetic":""}]}})"),
               "an unknown member at PatientName");
+    EXPECT_EQ(FailureOf(R"({"00100010":{"vr":"PN","Value":[{"Family":""}]}})"),
+              "an unknown member at PatientName");
 }
 
 TEST(HostileJson, HasAnUnknownVr) {
