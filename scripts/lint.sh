@@ -61,9 +61,9 @@ fi
 
 # What cppcheck 2.10 takes for errors: arrays that a call fills, casts to scoped enumerations, an
 # initialisation by a lambda, results that are values, and a container that a call has filled.
-# What is passed by value without need is left to it, because clang-tidy takes as long for that as for all
-# the rest. It reads a file once: without a definition it reads it for every condition of the headers, of which
-# the sources themselves have none.
+# What is passed by value without need is left to it, because clang-tidy takes as long for that as for
+# all the rest. It reads a file once: without a definition it reads it for every condition of the
+# headers, of which the sources themselves have none.
 cppcheck -j "$(nproc)" --quiet --error-exitcode=1 --std=c++20 --language=c++ -I include -I src \
     -D__cplusplus=202002L -D__linux__ \
     --enable=warning,performance,portability \

@@ -57,8 +57,8 @@ run() {
     local name=$1 status=0 user system
     shift
     TIMEFORMAT='%U %S'
-    { time nice -n "${niceness:-0}" timeout --kill-after=10 "${limit:-900}" "$@" >"$results/$name.log" 2>&1 </dev/null; } \
-        2>"$results/$name.time" || status=$?
+    { time nice -n "${niceness:-0}" timeout --kill-after=10 "${limit:-900}" "$@" \
+        >"$results/$name.log" 2>&1 </dev/null; } 2>"$results/$name.time" || status=$?
     echo "$status" >"$results/$name.status"
     read -r user system < <(tail -n 1 "$results/$name.time")
     awk -v spent="$user" -v inside="$system" -v name="$name" \
@@ -141,7 +141,7 @@ native_lane() {
     start firewall tests/exports/check_firewall.py
 }
 
-# Tests for Windows wait for Wine most of the time: they go on beside the builds.
+# Tests for Windows take longest: they run beside the builds, with the same priority.
 windows_lane() {
     local suffix=.exe niceness=0
     limit=3600 run build-windows-x64 scripts/build.sh windows-x64 -- "${by_folder[@]}" || return
@@ -218,8 +218,8 @@ if $quick; then
     (native_lane || true; wait)
 else
     presets+=(windows-x64 native-sanitize native-tsan)
-    ({ windows_lane && sanitizer_lane && native_lane && common_lane && run lint scripts/lint.sh; } || true
-        wait)
+    ({ windows_lane && sanitizer_lane && native_lane && common_lane && run lint scripts/lint.sh; } ||
+        true; wait)
 fi
 for preset in "${presets[@]}"; do
     [[ $(status_of "build-$preset") -eq 0 ]] || count "build-$preset" 0 1

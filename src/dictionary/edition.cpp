@@ -48,6 +48,12 @@ std::optional<Tag> ParseTag(std::string_view text) {
     return Tag{*group, *element};
 }
 
+std::optional<Tag> CurrentTagAt(size_t index) {
+    const auto current = CurrentElementAt(index);
+    if (!current) return std::nullopt;
+    return TagOf(current->tag);
+}
+
 std::optional<Tag> FindTag(std::string_view name) {
     const uint32_t id = FindElementIdByName(name);
     if (id != kNoElementId) return Tag{ElementEntry(id).group, ElementEntry(id).element};
@@ -60,8 +66,7 @@ int32_t UseEdition(int32_t wanted) {
     return edition.exchange(wanted, std::memory_order_relaxed);
 }
 
-int32_t TellTag(const char* name, uint16_t* group, uint16_t* element) {
-    const std::optional<Tag> tag = FindTag(OrEmpty(name));
+int32_t TellTag(std::optional<Tag> tag, uint16_t* group, uint16_t* element) {
     if (!tag) return 0;
     if (group != nullptr) *group = tag->group;
     if (element != nullptr) *element = tag->element;
@@ -78,14 +83,6 @@ size_t Copy(uint16_t group, uint16_t element, std::string_view CurrentElement::*
 size_t Copy(const char* uid, const char* CurrentUid::*text, char* buffer, size_t size) {
     const CurrentUid* entry = FindCurrentUid(OrEmpty(uid));
     return CopyBounded(buffer, size, entry != nullptr ? entry->*text : "");
-}
-
-int32_t TellTagAt(uint32_t index, uint16_t* group, uint16_t* element) {
-    const auto found = CurrentElementAt(index);
-    if (!found) return 0;
-    if (group != nullptr) *group = static_cast<uint16_t>(found->tag >> 16);
-    if (element != nullptr) *element = static_cast<uint16_t>(found->tag);
-    return 1;
 }
 
 }  // namespace
@@ -111,11 +108,12 @@ size_t pgxTagMultiplicity(uint16_t group, uint16_t element, char* buffer, size_t
 }
 
 int32_t pgxFindTag(const char* name, uint16_t* group, uint16_t* element) {
-    return Guarded([=] { return pgkit::TellTag(name, group, element); });
+    return Guarded(
+        [=] { return pgkit::TellTag(pgkit::FindTag(pgkit::OrEmpty(name)), group, element); });
 }
 
 int32_t pgxCurrentTagAt(uint32_t index, uint16_t* group, uint16_t* element) {
-    return Guarded([=] { return pgkit::TellTagAt(index, group, element); });
+    return Guarded([=] { return pgkit::TellTag(pgkit::CurrentTagAt(index), group, element); });
 }
 
 size_t pgxUidName(const char* uid, char* buffer, size_t size) {

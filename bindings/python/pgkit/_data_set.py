@@ -299,7 +299,7 @@ class Item(ItemBase):
         element = self.insert_sequence(tag) if found is None else found
         if element.vr != "SQ":
             element._change_vr("SQ")
-        element.sequence.become(copies)
+        element.sequence._become(copies)
         return element
 
     def _vr_to_set(self, tag: Tag, found: Optional[Element], wanted: Optional[str]) -> str:

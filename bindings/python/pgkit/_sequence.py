@@ -100,9 +100,9 @@ class Sequence(MutableSequence[_Item]):
 
     def assign(self, items: Iterable[Any]) -> None:
         """Makes copies of these items all that there are."""
-        self.become(copies_of(items))
+        self._become(copies_of(items))
 
-    def become(self, copies: List[Level]) -> None:
+    def _become(self, copies: List[Level]) -> None:
         """Makes these copies, of ``copies_of``, all that there are."""
         self._replace(0, len(self), copies)
 
