@@ -4,11 +4,12 @@
 set(PGKIT_WHEEL_PYTHON "" CACHE FILEPATH "Python with setuptools and wheel, which makes the wheel")
 mark_as_advanced(PGKIT_WHEEL_PYTHON)
 
-# The first Python in the path need not be the system's, which has its packages.
+# The first Python in the path need not be the system's, which has its packages. Asked for "wheel" alone,
+# it takes the folder below, once that is there, for the package.
 find_package(Python3 COMPONENTS Interpreter)
 set(wheel_python)
 foreach(candidate ${PGKIT_WHEEL_PYTHON} ${Python3_EXECUTABLE} /usr/bin/python3)
-  execute_process(COMMAND ${candidate} -c "import setuptools, wheel"
+  execute_process(COMMAND ${candidate} -c "import setuptools, wheel.bdist_wheel"
     RESULT_VARIABLE unable OUTPUT_QUIET ERROR_QUIET)
   if(unable EQUAL 0)
     set(wheel_python ${candidate})
