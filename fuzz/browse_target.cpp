@@ -16,16 +16,8 @@ namespace pgkit_fuzz {
 namespace {
 
 constexpr uint32_t kOrdinaryLimit = 0x20000;
-constexpr uint32_t kLimits[] = {0, 64, kOrdinaryLimit, 0xFFFFFFFF};
 
 using namespace pgkit_test;
-
-constexpr int32_t kModes[] = {kAsRead,
-                              kPart10Explicit,
-                              kPart10Implicit,
-                              kPart10Big,
-                              kPart10Explicit | PG_UNDEFINED_LENGTHS,
-                              kExplicitLittle};
 
 int32_t Pass(PGX_DicomDirCallbackReason*, const char*, void*) { return 0; }
 
@@ -76,8 +68,15 @@ void SaveAndBrowseAgain(PGX_DicomDir& directory, const std::string& path, int32_
 
 void Browse(Bytes bytes) {
     Input input(bytes);
+    constexpr uint32_t kLimits[] = {0, 64, kOrdinaryLimit, 0xFFFFFFFF};
     const uint32_t limit = input.Pick(kLimits);
     const uint8_t removals = input.Byte() % 16;
+    constexpr int32_t kModes[] = {kAsRead,
+                                  kPart10Explicit,
+                                  kPart10Implicit,
+                                  kPart10Big,
+                                  kPart10Explicit | PG_UNDEFINED_LENGTHS,
+                                  kExplicitLittle};
     const int32_t mode = input.Pick(kModes);
     const pgkit_test::TempDir medium;
     const std::string path = pgkit_test::LibraryPath(medium.Write("DICOMDIR", input.Rest()));

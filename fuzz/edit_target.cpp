@@ -18,14 +18,14 @@ namespace {
 
 using namespace pgkit_test;
 
-constexpr uint32_t kModes[] = {kAsRead,
-                               kPart10Explicit,
-                               kPart10Implicit,
-                               kPart10Big,
-                               kPart10Explicit | PG_UNDEFINED_LENGTHS,
-                               kPart10Implicit | PG_UNDEFINED_LENGTHS,
-                               kExplicitLittle,
-                               PG_UNDEFINED_LENGTHS};
+constexpr uint32_t kSaveModes[] = {kAsRead,
+                                   kPart10Explicit,
+                                   kPart10Implicit,
+                                   kPart10Big,
+                                   kPart10Explicit | PG_UNDEFINED_LENGTHS,
+                                   kPart10Implicit | PG_UNDEFINED_LENGTHS,
+                                   kExplicitLittle,
+                                   PG_UNDEFINED_LENGTHS};
 constexpr uint32_t kMaxEdits = 64;
 constexpr uint32_t kMaxFragments = 16;
 
@@ -94,7 +94,7 @@ void InsertCopy(PGX_Node& root, Input& input) {
 }
 
 void SetGroupLengths(PGX_Node& root, Input& input) {
-    const uint32_t mode = input.Pick(kModes);
+    const uint32_t mode = input.Pick(kSaveModes);
     if (input.Byte() % 2 == 0) {
         root.AddGroupLengths(mode);
     } else {
@@ -121,7 +121,7 @@ constexpr void (*kEdits[])(PGX_Node& root, Input& input) = {
 
 void Edit(Bytes bytes) {
     Input input(bytes);
-    const uint32_t mode = input.Pick(kModes);
+    const uint32_t mode = input.Pick(kSaveModes);
     const uint32_t limit = input.Byte();
     const std::string path = WriteScratch("edited", input.Rest());
     pgkit_test::DataSet root(pgOpenDataSetFile(path.c_str(), limit));

@@ -14,7 +14,6 @@ namespace pgkit_fuzz {
 
 namespace {
 
-constexpr uint32_t kLimits[] = {0, 1, 22, 64, 0x10000, 0xFFFFFFFF};
 // All that have a meaning.
 constexpr uint32_t kFlags = PG_OPEN_SKIP_FRAGMENTS | PG_OPEN_FORCE_EXPLICIT_VR |
                             PG_OPEN_FORCE_IMPLICIT_VR | PG_OPEN_FORCE_LITTLE_ENDIAN |
@@ -62,6 +61,7 @@ void GetFragments(PGX_Node& element) {
 void Read(Bytes bytes) {
     Input input(bytes);
     const uint32_t flags = input.U16() & kFlags;
+    constexpr uint32_t kLimits[] = {0, 1, 22, 64, 0x10000, 0xFFFFFFFF};
     const uint32_t limit = input.Pick(kLimits);
     const std::string path = WriteScratch("read", input.Rest());
     const pgkit_test::DataSet root(pgOpenDataSetFileEx(path.c_str(), limit, flags));

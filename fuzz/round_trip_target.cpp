@@ -21,14 +21,6 @@ namespace {
 
 using namespace pgkit_test;
 
-constexpr int32_t kModes[] = {kAsRead,
-                              kPart10Explicit,
-                              kPart10Implicit,
-                              kPart10Big,
-                              kPart10Explicit | PG_UNDEFINED_LENGTHS,
-                              kPart10Implicit | PG_UNDEFINED_LENGTHS,
-                              kPart10Big | PG_UNDEFINED_LENGTHS};
-constexpr uint32_t kLimits[] = {0, 64, 0xFFFFFFFF};
 pgkit_test::Bytes Saved(PGX_Node& root, const char* name, int32_t mode) {
     const std::string path = ScratchPath(name);
     if (root.SaveDataSetAsEx(path.c_str(), mode) != 0) return {};
@@ -39,6 +31,14 @@ pgkit_test::Bytes Saved(PGX_Node& root, const char* name, int32_t mode) {
 
 void RoundTrip(Bytes bytes) {
     Input input(bytes);
+    constexpr int32_t kModes[] = {kAsRead,
+                                  kPart10Explicit,
+                                  kPart10Implicit,
+                                  kPart10Big,
+                                  kPart10Explicit | PG_UNDEFINED_LENGTHS,
+                                  kPart10Implicit | PG_UNDEFINED_LENGTHS,
+                                  kPart10Big | PG_UNDEFINED_LENGTHS};
+    constexpr uint32_t kLimits[] = {0, 64, 0xFFFFFFFF};
     const int32_t mode = input.Pick(kModes);
     const uint32_t limit = input.Pick(kLimits);
     const std::string path = WriteScratch("original", input.Rest());

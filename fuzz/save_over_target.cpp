@@ -17,16 +17,15 @@ namespace {
 
 using namespace pgkit_test;
 
-constexpr int32_t kModes[] = {kAsRead, kPart10Explicit, kPart10Implicit, kPart10Big,
-                              kPart10Explicit | PG_UNDEFINED_LENGTHS};
-constexpr uint32_t kLimits[] = {0, 8, 64, 0xFFFFFFFF};
-
 }  // namespace
 
 // The tree is compared with one that was read from a copy of the file: what it gives after the file
 // is another one is what it would have given before.
 void SaveOver(Bytes bytes) {
     Input input(bytes);
+    constexpr int32_t kModes[] = {kAsRead, kPart10Explicit, kPart10Implicit, kPart10Big,
+                                  kPart10Explicit | PG_UNDEFINED_LENGTHS};
+    constexpr uint32_t kLimits[] = {0, 8, 64, 0xFFFFFFFF};
     const int32_t mode = input.Pick(kModes);
     const uint32_t limit = input.Pick(kLimits);
     const bool isEdited = input.Byte() % 2 != 0;

@@ -16,7 +16,7 @@ case ${1:-} in
     test)
         packages+=(python3-numpy python3-build python3-setuptools python3-wheel python3-pip mypy)
         packages+=(python3-distributed libpython3-dev)
-        packages+=(googletest python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
+        packages+=(googletest libgmock-dev python3 python3-pydicom dcmtk dicom3tools pkg-config gdb)
         packages+=(xorriso fonts-dejavu-core)
         optional+=(libgdcm-tools chromium-headless-shell)
         packages+=(clang clang-format clang-tidy cppcheck libclang-rt-dev lld llvm)
@@ -25,7 +25,7 @@ case ${1:-} in
         packages+=(debhelper dh-python dpkg-dev fakeroot git libpython3-dev lintian python3 debootstrap)
         packages+=(python3-setuptools python3-wheel)
         ;;
-    platforms) packages+=(googletest g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user clang) ;;
+    platforms) packages+=(googletest libgmock-dev g++-aarch64-linux-gnu g++-s390x-linux-gnu qemu-user clang) ;;
     bench) packages+=(libbenchmark-dev libdcmtk-dev libgdcm-dev valgrind python3)
         packages+=(python3-numpy python3-pydicom libpython3-dev) ;;
 esac

@@ -16,7 +16,7 @@ struct TextGetter {
     const char* (*get)(PGX_DicomDirLeafNode*);
 };
 
-constexpr TextGetter kTexts[] = {
+const TextGetter kTexts[] = {
     {PG_LEAF_IMAGE, pgKitDirGetImagePhotoInterp},
     {PG_LEAF_IMAGE, pgKitDirGetImageType},
     {PG_LEAF_IMAGE, pgKitDirGetImageCalibrationObject},
@@ -37,8 +37,8 @@ constexpr TextGetter kTexts[] = {
     {PG_LEAF_RAW_DATA, pgKitDirGetRawDataContentTime},
 };
 
-constexpr int32_t (*kNumbers[])(PGX_DicomDirLeafNode*) = {
-    pgKitDirGetImageRows, pgKitDirGetImageColumns, pgKitDirGetImageNumberOfFrames};
+int32_t (*const kNumbers[])(PGX_DicomDirLeafNode*) = {pgKitDirGetImageRows, pgKitDirGetImageColumns,
+                                                      pgKitDirGetImageNumberOfFrames};
 
 template <typename Object>
 std::unique_ptr<PGX_DicomDirLeafNode> New() {
