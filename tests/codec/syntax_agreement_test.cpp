@@ -8,6 +8,7 @@
 
 #include "codec/encoded.h"
 #include "support/host_order.h"
+#include "support/host_system.h"
 #include "support/save_modes.h"
 #include "support/stream_builder.h"
 #include "support/transfer_syntaxes.h"
@@ -97,6 +98,10 @@ TEST_F(SavedSyntax, OfTwoPrivateOnesBecomesWhatIsWritten) {
 // A UID whose VR is not UI kept its padding, and was not recognised when it was written.
 TEST_F(SavedSyntax, IsRecognisedWhateverItsVrAndPadding) {
     PGKIT_SKIP_ON_BIG_ENDIAN();
+    // A thousand files take half a minute under Wine: there, every fifth stands for the others.
+    // Each mode, VR and padding is among those.
+    constexpr size_t kStride = kIsWindows ? 5 : 1;
+    size_t combination = 0;
     for (const std::string uid : {kImplicitLittleUid, kExplicitLittleUid, kExplicitBigUid}) {
         const std::string padded[] = {uid + std::string(1, '\0'),
                                       uid + std::string(3, '\0'),
@@ -108,6 +113,7 @@ TEST_F(SavedSyntax, IsRecognisedWhateverItsVrAndPadding) {
         for (const std::string& value : padded) {
             for (const char* vr : {"UI", "UN", "LO", "OB", "US", "SQ"}) {
                 for (const uint32_t mode : kEveryMode) {
+                    if (combination++ % kStride != 0) continue;
                     SCOPED_TRACE(testing::Message() << vr << " \"" << value << "\"");
                     const OpenedStream file(
                         FileWith(StreamBuilder().Element(0x0002, 0x0010, vr, value), uid));

@@ -1,4 +1,6 @@
 // Encapsulated Pixel Data with wrong offset tables and too many fragments.
+#include <algorithm>
+
 #include "hostile/hostile_file.h"
 
 namespace {
@@ -68,12 +70,15 @@ TEST(HostileFragments, LengthsThatSumBeyond32BitsEndTheirItem) {
 
 TEST(HostileFragments, TenMillionEmptyOnesTakeMemoryInProportion) {
     StreamBuilder stream = UpToOffsetTable(0);
-    Bytes items;
     constexpr size_t kFragments = 10000000;
-    const Bytes item = StreamBuilder().Item(0).Data();
-    items.reserve(kFragments * item.size());
-    for (size_t i = 0; i < kFragments; ++i)
-        items.insert(items.end(), item.begin(), item.end());
+    Bytes items = StreamBuilder().Item(0).Data();
+    const size_t size = kFragments * items.size();
+    items.reserve(size);
+    while (items.size() < size) {  // in a few large steps
+        const size_t more = std::min(items.size(), size - items.size());
+        items.resize(items.size() + more);
+        std::copy_n(items.begin(), more, items.end() - static_cast<ptrdiff_t>(more));
+    }
     const TempDir directory;
     const std::string path =
         directory.Write("fragments", stream.Append(items).EndSequence().Data());
