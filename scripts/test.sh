@@ -51,13 +51,13 @@ progress() {
     printf '[%2d:%02d] %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$1"
 }
 
-# run NAME COMMAND...: runs a command, for $limit seconds at most and with $niceness; its output, exit
-# status and processor time are kept.
+# run NAME COMMAND...: runs a command, for $limit seconds at most; its output, exit status and
+# processor time are kept.
 run() {
     local name=$1 status=0 user system
     shift
     TIMEFORMAT='%U %S'
-    { time nice -n "${niceness:-0}" timeout --kill-after=10 "${limit:-900}" "$@" \
+    { time timeout --kill-after=10 "${limit:-900}" "$@" \
         >"$results/$name.log" 2>&1 </dev/null; } 2>"$results/$name.time" || status=$?
     echo "$status" >"$results/$name.status"
     read -r user system < <(tail -n 1 "$results/$name.time")
@@ -67,10 +67,13 @@ run() {
     return "$status"
 }
 
-# start NAME COMMAND...: the same in the background. There it takes what the build in the foreground
-# leaves: with more that runs than there are processors, everything takes more processor time.
+# start NAME COMMAND...: the same in the background, when no more run than there are processors: one
+# more than those, because a program under Wine waits for its server all the time.
 start() {
-    niceness=${niceness:-10} run "$@" &
+    while [[ $(jobs -rp | wc -l) -gt $(nproc) ]]; do
+        wait -n || true
+    done
+    run "$@" &
 }
 
 # start_gtest NAME LAUNCHER... PROGRAM: starts a GoogleTest program that reports its cases as XML.
@@ -127,11 +130,21 @@ start_programs() {
     done
 }
 
+# build PRESET: nothing else runs beside it, because it fills the machine by itself.
+build() {
+    local by_folder=()
+    # Compiling by folder costs a fraction, but all of it again after a change: with a compiler cache
+    # the files are compiled one by one, but for the builds with sanitizers, whose presets say how.
+    if [[ ($1 == native || $1 == windows-x64) && -z ${CMAKE_CXX_COMPILER_LAUNCHER:-} ]]; then
+        by_folder=(-- -DPGKIT_UNITY=ON)
+    fi
+    limit=3600 run "build-$1" scripts/build.sh "$1" "${by_folder[@]}" || { count "build-$1" 0 1; finish; }
+}
+
 # What a native build shows by itself. The stack is the one that a thread of a Windows host typically
 # has: deep trees must not need more.
-native_lane() {
+native_tests() {
     local suffix=
-    limit=3600 run build-native scripts/build.sh native -- "${by_folder[@]}" || return
     start_programs native prlimit --stack=1048576
     start python bindings/python/run_tests.sh build/native/bin/libpgkit.so
     start tool tests/tools/check_matrix.py build/native/bin/pgtool
@@ -141,50 +154,41 @@ native_lane() {
     start firewall tests/exports/check_firewall.py
 }
 
-# Tests for Windows take longest: they run beside the builds, with the same priority.
-windows_lane() {
-    local suffix=.exe niceness=0
-    limit=3600 run build-windows-x64 scripts/build.sh windows-x64 -- "${by_folder[@]}" || return
+windows_tests() {
+    local suffix=.exe
     start_programs windows-x64 scripts/wine.sh
+    start msabi tests/msabi/run_host.sh build/windows-x64
 }
 
-sanitizer_lane() {
+sanitizer_tests() {
     local suffix=
-    limit=3600 run build-native-sanitize scripts/build.sh native-sanitize || return
     start_programs native-sanitize env
-    limit=3600 run build-native-tsan scripts/build.sh native-tsan || return
     start_gtest native-tsan-pgkit_thread_tests build/native-tsan/bin/pgkit_thread_tests
 }
 
-# What needs more than one of the builds.
-common_lane() {
-    local wine=$root/scripts/wine.sh name
-    for name in compare_readers:interop compare_directories:directories; do
-        start "${name#*:}" "tests/interop/${name%:*}.py" "$root/build/native/bin/pgtool" \
-            "$root/build/native-sanitize/bin/pgtool" "$wine" \
-            "$root/build/windows-x64/bin/pgtool.exe"
-    done
-    start msabi tests/msabi/run_host.sh build/windows-x64
-    start exports tests/exports/compare_exports.py build/native/bin/libpgkit.so \
-        build/windows-x64/bin/pgkit.dll
-    start hardening tests/hardening/check_hardening.py \
-        build/native/bin/{libpgkit.so,pgview32.so,pgtool} \
-        build/windows-x64/bin/{pgkit.dll,pgview32.dll,pgtool.exe}
-    start text tests/interop/compare_text.py build/native/bin/libpgkit.so
-    start frames tests/interop/compare_frames.py build/native/bin/libpgkit.so
-    start json tests/interop/compare_json.py build/native/bin/libpgkit.so
-    start neighbours tests/interop/hostile_neighbours.py "$root/build/native/bin/pgtool"
-    start written tests/interop/compare_written.py "$root/build/native/bin/pgtool"
-    start media tests/interop/recreate_media.py "$root/build/native/bin/pgtool" "$wine" \
-        "$root/build/windows-x64/bin/pgtool.exe"
-    start verdicts tests/interop/compare_media.py "$root/build/native/bin/pgtool"
-    start discs tests/interop/judge_discs.py "$root/build/native/bin/pgtool" "$wine" \
-        "$root/build/windows-x64/bin/pgtool.exe"
-    start kinds tests/interop/compare_record_kinds.py "$root/build/native/bin/pgtool"
-    start icons tests/interop/compare_icons.py build/native/bin/creation_probe "$wine" \
-        "$root/build/windows-x64/bin/creation_probe.exe"
+# What takes more than one of the builds, or other readers and writers.
+comparisons() {
+    local wine=$root/scripts/wine.sh native=$root/build/native/bin windows=$root/build/windows-x64/bin
+    start written tests/interop/compare_written.py "$native/pgtool"
     start compilers tests/compilers/check_compilers.py build/native build/windows-x64 "$wine"
+    start discs tests/interop/judge_discs.py "$native/pgtool" "$wine" "$windows/pgtool.exe"
     start installation tests/consumer/check_installation.py build/native build/windows-x64 "$wine"
+    start icons tests/interop/compare_icons.py "$native/creation_probe" "$wine" \
+        "$windows/creation_probe.exe"
+    for name in compare_readers:interop compare_directories:directories; do
+        start "${name#*:}" "tests/interop/${name%:*}.py" "$native/pgtool" \
+            "$root/build/native-sanitize/bin/pgtool" "$wine" "$windows/pgtool.exe"
+    done
+    start media tests/interop/recreate_media.py "$native/pgtool" "$wine" "$windows/pgtool.exe"
+    start exports tests/exports/compare_exports.py "$native/libpgkit.so" "$windows/pgkit.dll"
+    start hardening tests/hardening/check_hardening.py \
+        "$native"/{libpgkit.so,pgview32.so,pgtool} "$windows"/{pgkit.dll,pgview32.dll,pgtool.exe}
+    start json tests/interop/compare_json.py "$native/libpgkit.so"
+    start text tests/interop/compare_text.py "$native/libpgkit.so"
+    start frames tests/interop/compare_frames.py "$native/libpgkit.so"
+    start neighbours tests/interop/hostile_neighbours.py "$native/pgtool"
+    start verdicts tests/interop/compare_media.py "$native/pgtool"
+    start kinds tests/interop/compare_record_kinds.py "$native/pgtool"
 }
 
 progress "installing what is missing"
@@ -206,25 +210,21 @@ fi
 export ASAN_OPTIONS=exitcode=99:detect_leaks=1:detect_odr_violation=0 UBSAN_OPTIONS=exitcode=99:print_stacktrace=1
 export TSAN_OPTIONS=exitcode=99
 
-# Compiling by folder costs a fraction, but all of it again after a change: with a compiler cache the
-# files are compiled one by one.
-by_folder=(-DPGKIT_UNITY=ON)
-[[ -z ${CMAKE_CXX_COMPILER_LAUNCHER:-} ]] || by_folder=(-DPGKIT_UNITY=OFF)
-
-# The tests of one build run while the next one is compiled.
 presets=(native)
-progress "building and testing; the logs are in build/results"
-if $quick; then
-    (native_lane || true; wait)
-else
-    presets+=(windows-x64 native-sanitize native-tsan)
-    ({ windows_lane && sanitizer_lane && native_lane && common_lane && run lint scripts/lint.sh; } ||
-        true; wait)
-fi
+$quick || presets+=(windows-x64 native-sanitize native-tsan)
+progress "building; the logs are in build/results"
 for preset in "${presets[@]}"; do
-    [[ $(status_of "build-$preset") -eq 0 ]] || count "build-$preset" 0 1
+    build "$preset"
 done
-[[ $failed -eq 0 ]] || give_up "building"
+$quick || run lint scripts/lint.sh || true
+progress "testing"
+if ! $quick; then
+    windows_tests
+    sanitizer_tests
+    comparisons
+fi
+native_tests
+wait
 for preset in "${presets[@]}"; do
     [[ $preset != native-tsan ]] || continue
     for program in "${programs[@]}"; do
