@@ -145,8 +145,8 @@ build() {
 # has: deep trees must not need more.
 native_tests() {
     local suffix=
-    start_programs native prlimit --stack=1048576
     start python bindings/python/run_tests.sh build/native/bin/libpgkit.so
+    start_programs native prlimit --stack=1048576
     start tool tests/tools/check_matrix.py build/native/bin/pgtool
     start debugger tests/debugger/check_printer.py build/native/bin
     start documents scripts/check-docs.py build/native/bin
@@ -168,7 +168,8 @@ sanitizer_tests() {
 
 # What takes more than one of the builds, or other readers and writers.
 comparisons() {
-    local wine=$root/scripts/wine.sh native=$root/build/native/bin windows=$root/build/windows-x64/bin
+    local name wine=$root/scripts/wine.sh
+    local native=$root/build/native/bin windows=$root/build/windows-x64/bin
     start written tests/interop/compare_written.py "$native/pgtool"
     start compilers tests/compilers/check_compilers.py build/native build/windows-x64 "$wine"
     start discs tests/interop/judge_discs.py "$native/pgtool" "$wine" "$windows/pgtool.exe"
@@ -216,9 +217,9 @@ progress "building; the logs are in build/results"
 for preset in "${presets[@]}"; do
     build "$preset"
 done
-$quick || run lint scripts/lint.sh || true
 progress "testing"
 if ! $quick; then
+    start lint scripts/lint.sh
     windows_tests
     sanitizer_tests
     comparisons

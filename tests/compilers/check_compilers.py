@@ -122,7 +122,7 @@ def main(native, windows, wine):
     if "Schädel" not in first["tour"]:
         sys.exit(f"the first compiler's program prints:\n{first['tour']}")
     return run_checks([(program, name, check, (name, program, first[program], *builds))
-                       for name in COMPILERS for program in PROGRAMS])
+                       for name in COMPILERS if name != "g++" for program in PROGRAMS])
 
 
 if __name__ == "__main__":
