@@ -18,9 +18,9 @@ foreach(target gtest gtest_main gmock)
 endforeach()
 if(MINGW)
   # One of its classes wants <mutex>, which this compiler's library lacks.
-  set(support ${PROJECT_SOURCE_DIR}/tests/support)
-  target_sources(gtest PRIVATE ${support}/notification_win32.cpp)
+  target_sources(gtest PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/notification_win32.cpp)
   target_include_directories(gtest PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(gtest PUBLIC GTEST_HAS_NOTIFICATION_=1)
-  target_compile_options(gtest PUBLIC -include ${support}/notification_win32.h)
+  target_compile_options(gtest PUBLIC
+    -include ${PROJECT_SOURCE_DIR}/tests/support/notification_win32.h)
 endif()

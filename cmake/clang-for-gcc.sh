@@ -31,7 +31,8 @@ done
 
 target=()
 if [[ $gcc == *mingw32* ]]; then
-    # What this clang knows of the system and does not know of its C++ library.
+    # Windows' own headers clang finds by itself, but neither those of GCC's C++ library nor how GCC has
+    # set that up.
     headers=$("$gcc" -print-file-name=include/c++)
     target=(--target=x86_64-w64-mingw32 -nostdinc++
         -isystem "$headers" -isystem "$headers/x86_64-w64-mingw32" -isystem "$headers/backward"
