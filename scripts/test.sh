@@ -130,14 +130,13 @@ start_programs() {
     done
 }
 
+# Compiling by folder costs a fraction, but all of it again after a change: with a compiler cache the
+# files are compiled one by one, unless the preset wants it otherwise.
+by_folder=()
+[[ -n ${CMAKE_CXX_COMPILER_LAUNCHER:-} ]] || by_folder=(-- -DPGKIT_UNITY=ON)
+
 # build PRESET: nothing else runs beside it, because it fills the machine by itself.
 build() {
-    local by_folder=()
-    # Compiling by folder costs a fraction, but all of it again after a change: with a compiler cache
-    # the files are compiled one by one, but for the builds with sanitizers, whose presets say how.
-    if [[ ($1 == native || $1 == windows-x64) && -z ${CMAKE_CXX_COMPILER_LAUNCHER:-} ]]; then
-        by_folder=(-- -DPGKIT_UNITY=ON)
-    fi
     limit=3600 run "build-$1" scripts/build.sh "$1" "${by_folder[@]}" || { count "build-$1" 0 1; finish; }
 }
 

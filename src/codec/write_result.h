@@ -8,6 +8,7 @@
 
 namespace pgkit {
 
+// By itself, because the formatter breaks a definition that has an attribute.
 enum [[nodiscard]] WriteResult : uint32_t;
 
 enum WriteResult : uint32_t {

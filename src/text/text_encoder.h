@@ -8,6 +8,7 @@
 
 namespace pgkit {
 
+// By itself, because the formatter breaks a definition that has an attribute.
 enum class [[nodiscard]] EncodeResult;
 
 enum class EncodeResult { Done, NotExpressible, InvalidUtf8 };

@@ -95,6 +95,10 @@ COMPILERS = {
 }
 
 
+# What the others are compared with.
+FIRST = "g++"
+
+
 def output_of(name, program, native, windows, wine):
     """What a program prints that this compiler made, line ends as on POSIX, without what the library
     prints by itself: a host with another C library has that in another place."""
@@ -118,11 +122,11 @@ def check(name, program, first, *builds):
 
 def main(native, windows, wine):
     builds = [pathlib.Path(path).resolve() for path in (native, windows, wine)]
-    first = {program: output_of("g++", program, *builds) for program in PROGRAMS}
+    first = {program: output_of(FIRST, program, *builds) for program in PROGRAMS}
     if "Schädel" not in first["tour"]:
         sys.exit(f"the first compiler's program prints:\n{first['tour']}")
     return run_checks([(program, name, check, (name, program, first[program], *builds))
-                       for name in COMPILERS if name != "g++" for program in PROGRAMS])
+                       for name in COMPILERS if name != FIRST for program in PROGRAMS])
 
 
 if __name__ == "__main__":

@@ -25,7 +25,7 @@ namespace pgkit_test {
 // Under Wine files cost a hundred times what they do elsewhere, and many jobs write some. There a
 // few of the places behind the first ones stand for all.
 constexpr size_t kEveryCall = 100;
-constexpr size_t kStride = kIsWindows ? 7 : 1;
+constexpr size_t kCallStride = kIsWindows ? 7 : 1;
 
 // So that a job that never succeeds ends its test.
 constexpr size_t kMaxCalls = 20000;
@@ -49,7 +49,7 @@ template <typename Failing, typename Job>
 size_t SweepFailuresAloud(Job& job) {
     size_t calls = 0;
     for (const Failures failures : {Failures::AllFurther, Failures::OneCall}) {
-        for (size_t allowed = 0;; allowed += allowed < kEveryCall ? 1 : kStride) {
+        for (size_t allowed = 0;; allowed += allowed < kEveryCall ? 1 : kCallStride) {
             const size_t before = BlocksInUse();
             const bool hasFailed = RunFailing<Failing>(allowed, failures, job);
             EXPECT_EQ(BlocksInUse(), before) << allowed;

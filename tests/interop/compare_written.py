@@ -202,7 +202,9 @@ def complaints_about(tool, name, source):
     """What is wrong with the source saved in each encoding, None where nothing is."""
     complaints = {}
     with tempfile.TemporaryDirectory(prefix="pgkit-written-") as work:
-        written = {}  # by content: what was read in an encoding is often saved in it again
+        # What was read in an encoding is often saved in it again: a file for each content, and the
+        # encodings that have it.
+        written = {}
         for encoding, options in ENCODINGS.items():
             path = pathlib.Path(work) / encoding
             saved = run(tool, "save", str(source), str(path), *options)
@@ -211,17 +213,17 @@ def complaints_about(tool, name, source):
                 complaints[encoding] = f"exit status {saved.returncode}: {message}"
                 continue
             content = hashlib.sha256(path.read_bytes()).digest()
-            written.setdefault((content, (name, encoding) in DCIODVFY_EXCEPTIONS), {})[encoding] = path
-        files = [next(iter(same.values())) for same in written.values()]
-        is_silent = dumped_in_silence(files) if files else True
-        for (_, is_exception), same in written.items():
+            is_exception = (name, encoding) in DCIODVFY_EXCEPTIONS
+            _, encodings = written.setdefault((content, is_exception), (path, []))
+            encodings.append(encoding)
+        is_silent = dumped_in_silence(path for path, _ in written.values())
+        for (_, is_exception), (path, encodings) in written.items():
             readers = {"pydicom": complaint_of_pydicom}
             if not is_silent:
                 readers["dcmdump"] = complaint_of_dcmdump
             if not is_exception:
                 readers["dciodvfy"] = complaint_of_dciodvfy
-            verdict = complaint_of_readers(readers, source, next(iter(same.values())))
-            complaints.update(dict.fromkeys(same, verdict))
+            complaints.update(dict.fromkeys(encodings, complaint_of_readers(readers, source, path)))
     return complaints
 
 
